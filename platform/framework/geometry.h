@@ -1,0 +1,35 @@
+// Rectangles and points in pixels, as the window framework passes them.
+#pragma once
+
+#include "platform/winsys/winsys.h"
+
+/// A point in pixels.
+class CPoint : public POINT
+{
+  public:
+    CPoint() noexcept : POINT{0, 0} {}
+    CPoint(int x_in, int y_in) noexcept : POINT{x_in, y_in} {}
+    explicit CPoint(const POINT& point) noexcept : POINT(point) {}
+};
+
+/// A rectangle in pixels; right and bottom lie just outside.
+class CRect : public RECT
+{
+  public:
+    CRect() noexcept : RECT{0, 0, 0, 0} {}
+    CRect(int left_in, int top_in, int right_in, int bottom_in) noexcept
+        : RECT{left_in, top_in, right_in, bottom_in}
+    {
+    }
+    explicit CRect(const RECT& rect) noexcept : RECT(rect) {}
+
+    /// The extents; the difference wraps around where 32 bits do not hold it.
+    [[nodiscard]] int Width() const noexcept { return Difference(right, left); }
+    [[nodiscard]] int Height() const noexcept { return Difference(bottom, top); }
+
+  private:
+    [[nodiscard]] static int Difference(LONG to, LONG from) noexcept
+    {
+        return static_cast<int>(static_cast<unsigned int>(to) - static_cast<unsigned int>(from));
+    }
+};

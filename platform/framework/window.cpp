@@ -1,0 +1,347 @@
+#include "platform/framework/window.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace
+{
+
+/// What the framework knows of windows and classes.
+struct Registry {
+    std::map<HWND, CWnd*> permanent;
+    std::map<HWND, std::unique_ptr<CWnd>> temporary;
+    std::set<std::wstring> class_names; ///< a set, because it never moves its elements
+};
+
+Registry& TheRegistry()
+{
+    // Never destroyed: windows with static storage, and the module's own, may outlive this library's statics.
+    static Registry* const registry = std::make_unique<Registry>().release();
+    return *registry;
+}
+
+/// A message that an object is handling, one link of the chain of messages nested in one another.
+class Dispatch
+{
+  public:
+    Dispatch(CWnd* target, UINT message, WPARAM wparam, LPARAM lparam) noexcept
+        : target_(target), message_(message), wparam_(wparam), lparam_(lparam), outer_(innermost_)
+    {
+        innermost_ = this;
+    }
+    Dispatch(const Dispatch&) = delete;
+    Dispatch& operator=(const Dispatch&) = delete;
+    ~Dispatch() { innermost_ = outer_; }
+
+    /// The object, null once it was deleted.
+    [[nodiscard]] CWnd* Target() const noexcept { return target_; }
+    [[nodiscard]] UINT Message() const noexcept { return message_; }
+    [[nodiscard]] WPARAM Wparam() const noexcept { return wparam_; }
+    [[nodiscard]] LPARAM Lparam() const noexcept { return lparam_; }
+
+    /// The innermost message that this object is handling; null for none.
+    [[nodiscard]] static const Dispatch* Find(const CWnd* target) noexcept
+    {
+        const Dispatch* dispatch = innermost_;
+        while (dispatch != nullptr && dispatch->target_ != target)
+            dispatch = dispatch->outer_;
+        return dispatch;
+    }
+
+    /// Takes an object that is being deleted out of every message it was handling.
+    static void Forget(const CWnd* target) noexcept
+    {
+        for (Dispatch* dispatch = innermost_; dispatch != nullptr; dispatch = dispatch->outer_) {
+            if (dispatch->target_ == target)
+                dispatch->target_ = nullptr;
+        }
+    }
+
+  private:
+    static thread_local Dispatch* innermost_;
+
+    CWnd* target_;
+    UINT message_;
+    WPARAM wparam_;
+    LPARAM lparam_;
+    Dispatch* outer_;
+};
+
+thread_local Dispatch* Dispatch::innermost_ = nullptr;
+
+/// Parts object and window, if the window has an object.
+void Detach(HWND window) noexcept
+{
+    Registry& registry = TheRegistry();
+    const auto found = registry.permanent.find(window);
+    if (found == registry.permanent.end())
+        return;
+    found->second->m_hWnd = nullptr;
+    registry.permanent.erase(found);
+}
+
+/// Parts object and window at the end of a scope, on an exception too.
+class DetachAtEnd
+{
+  public:
+    explicit DetachAtEnd(HWND window) noexcept : window_(window) {}
+    DetachAtEnd(const DetachAtEnd&) = delete;
+    DetachAtEnd& operator=(const DetachAtEnd&) = delete;
+    ~DetachAtEnd()
+    {
+        if (window_ != nullptr)
+            Detach(window_);
+    }
+
+  private:
+    HWND window_;
+};
+
+/// An object whose window is being created. It waits for the first message of the creation, which tells the
+/// window's handle, and for no other: handlers of later ones create windows that have no object.
+class Creation
+{
+  public:
+    explicit Creation(CWnd* object) noexcept : object_(object), outer_(waiting_) { waiting_ = this; }
+    Creation(const Creation&) = delete;
+    Creation& operator=(const Creation&) = delete;
+    ~Creation()
+    {
+        if (waiting_ == this)
+            waiting_ = outer_;
+    }
+
+    /// The window that the object was given; null before its first message.
+    [[nodiscard]] HWND Window() const noexcept { return window_; }
+
+    /// Gives the window that has just got its first message to the object that waits for one. Returns that
+    /// object, null for none.
+    static CWnd* TakeWindow(HWND window)
+    {
+        Creation* const creation = waiting_;
+        if (creation == nullptr)
+            return nullptr;
+        TheRegistry().permanent.emplace(window, creation->object_);
+        waiting_ = creation->outer_;
+        creation->window_ = window;
+        creation->object_->m_hWnd = window;
+        return creation->object_;
+    }
+
+  private:
+    static thread_local Creation* waiting_;
+
+    CWnd* object_;
+    HWND window_ = nullptr;
+    Creation* outer_;
+};
+
+thread_local Creation* Creation::waiting_ = nullptr;
+
+/// Takes back a creation that an exception ended. The object may be gone by now; a window that died without
+/// telling is parted from its object.
+void AbandonCreation(HWND window)
+{
+    if (window == nullptr)
+        return;
+    ::DestroyWindow(window);
+    Detach(window);
+}
+
+/// The extent from `low` to `high`; one that does not fit wraps around, as it does for the system.
+int Extent(LONG low, LONG high)
+{
+    return static_cast<int>(static_cast<std::int64_t>(high) - static_cast<std::int64_t>(low));
+}
+
+template <typename Handle>
+std::wstring HandleText(Handle handle)
+{
+    return L":" + std::to_wstring(reinterpret_cast<std::uintptr_t>(handle));
+}
+
+const AFX_MSGMAP kEmptyMap{nullptr, {}};
+
+} // namespace
+
+LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
+{
+    CWnd* object = CWnd::FromHandlePermanent(window);
+    if (object == nullptr)
+        object = Creation::TakeWindow(window);
+    if (object == nullptr)
+        return ::DefWindowProcW(window, message, wparam, lparam);
+
+    const Dispatch dispatch(object, message, wparam, lparam);
+    LRESULT result = 0;
+    {
+        const DetachAtEnd detach(message == WM_NCDESTROY ? window : nullptr);
+        result = object->WindowProc(message, wparam, lparam);
+    }
+    // The handler may have deleted the object: only the dispatch knows.
+    if (message == WM_NCDESTROY && dispatch.Target() != nullptr)
+        dispatch.Target()->PostNcDestroy();
+    return result;
+}
+
+LPCWSTR AfxRegisterWndClass(UINT style, HCURSOR cursor, HBRUSH brush, HICON icon)
+{
+    const std::wstring& name = *TheRegistry()
+                                    .class_names
+                                    .insert(L"Afx:" + std::to_wstring(style) + HandleText(cursor) +
+                                            HandleText(brush) + HandleText(icon))
+                                    .first;
+    WNDCLASSW window_class{};
+    const HINSTANCE instance = ::GetModuleHandleW(nullptr);
+    if (::GetClassInfoW(instance, name.c_str(), &window_class))
+        return name.c_str();
+    window_class = {};
+    window_class.style = style;
+    window_class.lpfnWndProc = &AfxWndProc;
+    window_class.hInstance = instance;
+    window_class.hIcon = icon;
+    window_class.hCursor = cursor;
+    window_class.hbrBackground = brush;
+    window_class.lpszClassName = name.c_str();
+    return ::RegisterClassW(&window_class) != 0 ? name.c_str() : nullptr;
+}
+
+CWnd::~CWnd()
+{
+    Dispatch::Forget(this);
+    const HWND window = m_hWnd;
+    if (window == nullptr)
+        return;
+    // Parted first: a handler of a derived class must not run any more.
+    Detach(window);
+    m_hWnd = nullptr;
+    ::DestroyWindow(window);
+}
+
+CWnd* CWnd::FromHandle(HWND window)
+{
+    if (window == nullptr)
+        return nullptr;
+    if (CWnd* const object = FromHandlePermanent(window))
+        return object;
+    std::unique_ptr<CWnd>& object = TheRegistry().temporary[window];
+    if (object == nullptr) {
+        object = std::make_unique<CWnd>();
+        object->m_hWnd = window;
+    }
+    return object.get();
+}
+
+CWnd* CWnd::FromHandlePermanent(HWND window)
+{
+    const auto& permanent = TheRegistry().permanent;
+    const auto found = permanent.find(window);
+    return found != permanent.end() ? found->second : nullptr;
+}
+
+void CWnd::DeleteTempMap()
+{
+    auto& temporary = TheRegistry().temporary;
+    for (auto& [window, object] : temporary)
+        object->m_hWnd = nullptr;
+    temporary.clear();
+}
+
+BOOL CWnd::CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, const RECT& rect,
+                    CWnd* parent, UINT id, LPVOID param)
+{
+    if (m_hWnd != nullptr)
+        return FALSE;
+    const Creation creation(this);
+    // From here on a handler may have deleted this object, so nothing of it is touched.
+    try {
+        const HWND window = ::CreateWindowExW(
+            ex_style, class_name, window_name, style, rect.left, rect.top, Extent(rect.left, rect.right),
+            Extent(rect.top, rect.bottom), parent != nullptr ? parent->m_hWnd : nullptr,
+            reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), ::GetModuleHandleW(nullptr), param);
+        if (window != nullptr && creation.Window() != window) {
+            // The class has another procedure, so the object never got its window.
+            ::DestroyWindow(window);
+            return FALSE;
+        }
+        return window != nullptr ? TRUE : FALSE;
+    } catch (...) {
+        AbandonCreation(creation.Window());
+        throw;
+    }
+}
+
+BOOL CWnd::DestroyWindow()
+{
+    return m_hWnd != nullptr ? ::DestroyWindow(m_hWnd) : FALSE;
+}
+
+BOOL CWnd::MoveWindow(const RECT& rect, BOOL repaint)
+{
+    return ::MoveWindow(m_hWnd, rect.left, rect.top, Extent(rect.left, rect.right),
+                        Extent(rect.top, rect.bottom), repaint);
+}
+
+CWnd* CWnd::SetFocus()
+{
+    return m_hWnd != nullptr ? FromHandle(::SetFocus(m_hWnd)) : nullptr;
+}
+
+LRESULT CWnd::WindowProc(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr; map = map->base) {
+        for (const AFX_MSGMAP_ENTRY& entry : map->entries) {
+            if (entry.message == message)
+                return entry.dispatch(*this, wparam, lparam);
+        }
+    }
+    return DefWindowProc(message, wparam, lparam);
+}
+
+const AFX_MSGMAP* CWnd::GetMessageMap() const
+{
+    return GetThisMessageMap();
+}
+
+const AFX_MSGMAP* CWnd::GetThisMessageMap()
+{
+    return &kEmptyMap;
+}
+
+LRESULT CWnd::DefWindowProc(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    return m_hWnd != nullptr ? ::DefWindowProcW(m_hWnd, message, wparam, lparam) : 0;
+}
+
+void CWnd::PostNcDestroy() {}
+
+LRESULT CWnd::Default()
+{
+    const Dispatch* const dispatch = Dispatch::Find(this);
+    return dispatch != nullptr ? DefWindowProc(dispatch->Message(), dispatch->Wparam(), dispatch->Lparam())
+                               : 0;
+}
+
+int CWnd::OnCreate(CREATESTRUCT* /*create*/)
+{
+    return static_cast<int>(Default());
+}
+
+void CWnd::OnSize(UINT /*type*/, int /*cx*/, int /*cy*/)
+{
+    Default();
+}
+
+void CWnd::OnPaint()
+{
+    Default();
+}
+
+void CWnd::OnTimer(UINT_PTR /*id*/)
+{
+    Default();
+}

@@ -1,0 +1,169 @@
+// The window base class, its message map, and the registration of window classes.
+//
+// A CWnd stands for at most one window. Messages of that window are looked up in the message maps of
+// the object's class and its bases, most derived first; what no map names goes to the system's default
+// procedure. Everything runs on the thread that owns the windows.
+#pragma once
+
+#include "platform/framework/geometry.h"
+#include "platform/winsys/winsys.h"
+
+#include <span>
+
+class CWnd;
+
+/// The window procedure of every framework window. A window that no object stands for gets the system's
+/// default handling.
+KARV_PLATFORM_API LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+/// A device context that belongs to a window; nothing of it is used beyond its handle.
+class CDC
+{
+  public:
+    HDC m_hDC = nullptr;
+};
+
+/// One row of a message map: the message, and a function that unpacks its parameters and calls the handler.
+struct AFX_MSGMAP_ENTRY {
+    UINT message;
+    LRESULT (*dispatch)(CWnd& window, WPARAM wparam, LPARAM lparam);
+};
+
+/// The messages that a class handles itself, and the map of its base (null at the root).
+struct AFX_MSGMAP {
+    const AFX_MSGMAP* base;
+    std::span<const AFX_MSGMAP_ENTRY> entries;
+};
+
+/// A window of the framework. Not copyable. Owns its window: destroying the object destroys the window, whose
+/// last messages then get the default handling. The other way round, when the system destroys the window,
+/// with its parent for example, the object stays and its `m_hWnd` is null. An object may be deleted inside
+/// one of its own handlers. An exception that leaves a handler passes through to whoever sent or dispatched
+/// the message.
+class KARV_PLATFORM_API CWnd
+{
+  public:
+    /// The window, null before creation and after destruction.
+    HWND m_hWnd = nullptr;
+
+    CWnd() = default;
+    CWnd(const CWnd&) = delete;
+    CWnd& operator=(const CWnd&) = delete;
+    virtual ~CWnd();
+
+    /// The object of a window, or a temporary one, which the framework owns and which lives until the
+    /// temporary objects are dropped (`DeleteTempMap`); null for null. A temporary object never destroys its
+    /// window of its own accord; once the window is gone, its calls fail.
+    static CWnd* FromHandle(HWND window);
+    /// The object whose window this is; null where there is none.
+    static CWnd* FromHandlePermanent(HWND window);
+    /// Frees the temporary objects of `FromHandle`; their windows stay.
+    static void DeleteTempMap();
+
+    [[nodiscard]] HWND GetSafeHwnd() const noexcept { return m_hWnd; }
+
+    /// Creates the window; messages of its creation already reach this object. `class_name` must be
+    /// registered with `AfxRegisterWndClass`. Returns FALSE, without a window, when the system or a handler
+    /// refuses, and FALSE with the object as it was when it has a window already. A handler may delete the
+    /// object meanwhile.
+    BOOL CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, const RECT& rect,
+                  CWnd* parent, UINT id, LPVOID param = nullptr);
+    /// Destroys the window, if there is one (FALSE where there is none); the object stays, unless its class
+    /// deletes it in `PostNcDestroy`.
+    virtual BOOL DestroyWindow();
+
+    BOOL ShowWindow(int command) { return ::ShowWindow(m_hWnd, command); }
+    BOOL MoveWindow(const RECT& rect, BOOL repaint = TRUE);
+    BOOL GetClientRect(RECT* rect) const { return ::GetClientRect(m_hWnd, rect); }
+    [[nodiscard]] CWnd* GetParent() const { return FromHandle(::GetParent(m_hWnd)); }
+    /// Gives this window the keyboard focus; returns the one that had it, null for none. Without a window
+    /// nothing changes: the system would take the focus from every window.
+    CWnd* SetFocus();
+
+    /// Looks the message up in the message map and gives it to its handler or to `DefWindowProc`.
+    virtual LRESULT WindowProc(UINT message, WPARAM wparam, LPARAM lparam);
+
+  protected:
+    [[nodiscard]] virtual const AFX_MSGMAP* GetMessageMap() const;
+    [[nodiscard]] static const AFX_MSGMAP* GetThisMessageMap();
+    /// The system's default handling of a message; 0 without a window.
+    virtual LRESULT DefWindowProc(UINT message, WPARAM wparam, LPARAM lparam);
+    /// Called last of all when the window is gone, also after a creation that was refused; `m_hWnd` is null
+    /// by then. A class may delete its object here. Not called for a window that the destructor destroys.
+    virtual void PostNcDestroy();
+
+    /// The system's default handling of the message that is being dispatched to this window, with that
+    /// message's own parameters, of the innermost one where several are; 0 outside any message.
+    LRESULT Default();
+
+    // Default handlers, for derived handlers to call.
+    int OnCreate(CREATESTRUCT* create);
+    void OnSize(UINT type, int cx, int cy);
+    void OnPaint();
+    void OnTimer(UINT_PTR id);
+
+  private:
+    friend LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+};
+
+/// Registers a window class with these styles, cursor, brush and icon, unless one like it is registered, and
+/// returns its name, which stays valid for the life of the process. Null where the system refuses.
+KARV_PLATFORM_API LPCWSTR AfxRegisterWndClass(UINT style, HCURSOR cursor = nullptr, HBRUSH brush = nullptr,
+                                              HICON icon = nullptr);
+
+namespace message_map_detail
+{
+
+template <typename Class, typename Result, typename... Arguments>
+Class& Target(CWnd& window, Result (Class::*)(Arguments...))
+{
+    return static_cast<Class&>(window);
+}
+
+} // namespace message_map_detail
+
+// Rows of a message map; `Handler` is a pointer to a member function of the class that the map belongs to.
+
+/// WM_CREATE to `int OnCreate(CREATESTRUCT*)`.
+template <auto Handler>
+constexpr AFX_MSGMAP_ENTRY OnWmCreate()
+{
+    return {WM_CREATE, [](CWnd& window, WPARAM, LPARAM lparam) -> LRESULT {
+                auto& target = message_map_detail::Target(window, Handler);
+                return (target.*Handler)(reinterpret_cast<CREATESTRUCT*>(lparam));
+            }};
+}
+
+/// WM_SIZE to `void OnSize(UINT type, int cx, int cy)`.
+template <auto Handler>
+constexpr AFX_MSGMAP_ENTRY OnWmSize()
+{
+    return {WM_SIZE, [](CWnd& window, WPARAM wparam, LPARAM lparam) -> LRESULT {
+                auto& target = message_map_detail::Target(window, Handler);
+                const auto size = static_cast<DWORD_PTR>(lparam);
+                (target.*Handler)(static_cast<UINT>(wparam), LOWORD(size), HIWORD(size));
+                return 0;
+            }};
+}
+
+/// WM_TIMER to `void OnTimer(UINT_PTR id)`.
+template <auto Handler>
+constexpr AFX_MSGMAP_ENTRY OnWmTimer()
+{
+    return {WM_TIMER, [](CWnd& window, WPARAM wparam, LPARAM) -> LRESULT {
+                auto& target = message_map_detail::Target(window, Handler);
+                (target.*Handler)(static_cast<UINT_PTR>(wparam));
+                return 0;
+            }};
+}
+
+/// WM_PAINT to `void OnPaint()`.
+template <auto Handler>
+constexpr AFX_MSGMAP_ENTRY OnWmPaint()
+{
+    return {WM_PAINT, [](CWnd& window, WPARAM, LPARAM) -> LRESULT {
+                auto& target = message_map_detail::Target(window, Handler);
+                (target.*Handler)();
+                return 0;
+            }};
+}

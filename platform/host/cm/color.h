@@ -1,0 +1,45 @@
+// The host's colours: the standard 255-colour index of the CAD field, by two routes.
+#pragma once
+
+#include "platform/host/db/entities.h"
+
+/// The index of an entity that takes the colour of its layer.
+inline constexpr Adesk::UInt16 kByLayerIndex = 256;
+
+/// The palette by 8-bit index: 1 to 9 are red, yellow, green, cyan, blue, magenta, white and two greys; 10 to
+/// 249 are 24 hues, each in five values, full and half saturation alternating; 250 to 255 are greys from dark
+/// to white.
+class KARV_PLATFORM_API AcCmEntityColor
+{
+  public:
+    /// The colour of an index: red in bits 16 to 23, green in 8 to 15, blue in 0 to 7, the rest 0.
+    /// Index 0 takes the foreground, white.
+    [[nodiscard]] static Adesk::UInt32 lookUpRGB(Adesk::UInt8 index) noexcept;
+};
+
+/// A colour that is set by index and read by channel.
+class KARV_PLATFORM_API AcCmColor
+{
+  public:
+    /// White, index 7.
+    AcCmColor() = default;
+    virtual ~AcCmColor();
+    AcCmColor(const AcCmColor&) = default;
+    AcCmColor& operator=(const AcCmColor&) = default;
+
+    /// Indices 1 to 255 are colours of the palette; 0 (by block) and 256 (by layer) take the foreground,
+    /// white. Any other index is refused: the colour stays as it was and the result is false.
+    bool setColorIndex(Adesk::UInt16 index) noexcept;
+    [[nodiscard]] Adesk::UInt16 colorIndex() const noexcept { return index_; }
+    [[nodiscard]] Adesk::UInt8 red() const noexcept;
+    [[nodiscard]] Adesk::UInt8 green() const noexcept;
+    [[nodiscard]] Adesk::UInt8 blue() const noexcept;
+
+  private:
+    Adesk::UInt16 index_ = 7;
+};
+
+/// The palette index whose colour lies nearest to the given one, by squared distance over the three channels;
+/// of several the lowest. Never 0, which is no colour of its own.
+[[nodiscard]] KARV_PLATFORM_API Adesk::UInt8 NearestColorIndex(Adesk::UInt8 red, Adesk::UInt8 green,
+                                                               Adesk::UInt8 blue) noexcept;

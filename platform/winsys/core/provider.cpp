@@ -1,0 +1,105 @@
+// Choice of backend, observation and the frame clock.
+#include "platform/winsys/provider.h"
+
+#include "platform/winsys/core/layer.h"
+#include "platform/winsys/core/pixel_formats.h"
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+namespace winsys
+{
+namespace
+{
+
+// Contexts may outlive their windows, but not their backend.
+void DropContexts(core::Layer& layer)
+{
+    wglMakeCurrent(nullptr, nullptr);
+    for (const auto& [context, format] : layer.rendering_contexts) {
+        layer.backend->DeleteContext(context);
+    }
+    layer.rendering_contexts.clear();
+}
+
+} // namespace
+
+EventSink::~EventSink() = default;
+
+Backend::~Backend() = default;
+
+std::optional<std::string> Backend::Extensions()
+{
+    std::string words = "WGL_ARB_extensions_string WGL_ARB_pixel_format";
+    if (std::ranges::any_of(PixelFormats(), [](const PixelFormat& format) { return format.samples > 0; })) {
+        words += " WGL_ARB_multisample";
+    }
+    return words;
+}
+
+bool Backend::OffersEntryPoint(std::string_view)
+{
+    return true;
+}
+
+std::optional<std::vector<int>> Backend::MatchFormats(std::span<const int> attributes)
+{
+    return core::MatchAttributes(PixelFormats(), attributes);
+}
+
+std::clock_t FrameClock()
+{
+    using std::chrono::steady_clock;
+    if (const auto clock = core::GetLayer().frame_clock) {
+        return clock();
+    }
+    static const steady_clock::time_point start = steady_clock::now();
+    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
+    return static_cast<std::clock_t>(elapsed.count());
+}
+
+void SetFrameClock(std::function<std::clock_t()> clock)
+{
+    core::GetLayer().frame_clock = std::move(clock);
+}
+
+void SetFrameObserver(FrameObserver observer)
+{
+    core::GetLayer().frame_observer = std::move(observer);
+}
+
+unsigned long GetSwapCount(HWND window)
+{
+    const core::Window* record = core::GetLayer().windows.Find(window);
+    return record == nullptr ? 0 : record->swap_count;
+}
+
+void UseBackend(std::unique_ptr<Backend> backend)
+{
+    const core::DescriptorUpdate update;
+    core::Layer& layer = core::GetLayer();
+    if (!layer.windows.IsEmpty()) {
+        throw std::logic_error("the window backend cannot change while a window exists");
+    }
+    DropContexts(layer);
+    layer.backend = std::move(backend);
+}
+
+std::string BackendName()
+{
+    return core::GetLayer().InstalledBackend().Name();
+}
+
+int GetMessageDescriptor()
+{
+    const core::DescriptorUpdate update;
+    core::Layer& layer = core::GetLayer();
+    if (layer.descriptor == nullptr) {
+        layer.descriptor = std::make_unique<core::WaitDescriptor>();
+    }
+    return layer.descriptor->Get();
+}
+
+} // namespace winsys

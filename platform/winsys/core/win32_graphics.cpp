@@ -1,0 +1,282 @@
+// Device contexts, pixel formats and rendering contexts under their Win32 and WGL names.
+#include "platform/winsys/core/layer.h"
+#include "platform/winsys/core/pixel_formats.h"
+#include "platform/winsys/wgl_extensions.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+using namespace winsys::core;
+
+namespace
+{
+
+bool IsDeviceContext(HDC dc)
+{
+    return GetLayer().device_contexts.contains(dc);
+}
+
+// The live window of a device context; null for one of the screen.
+Window* FindWindowOf(HDC dc)
+{
+    return GetLayer().windows.Find(WindowFromDC(dc));
+}
+
+// The backend that answers for a device context; null for an unknown one.
+winsys::Backend* FindBackendOf(HDC dc)
+{
+    return IsDeviceContext(dc) ? GetLayer().FindBackend() : nullptr;
+}
+
+std::span<const winsys::PixelFormat> FormatsOf(HDC dc)
+{
+    const winsys::Backend* backend = FindBackendOf(dc);
+    return backend == nullptr ? std::span<const winsys::PixelFormat>{} : backend->PixelFormats();
+}
+
+HDC NewDeviceContext(HWND window)
+{
+    const HDC dc = NewHandle<HDC>();
+    GetLayer().device_contexts.emplace(dc, window);
+    return dc;
+}
+
+void ReleaseCurrentContext()
+{
+    Layer& layer = GetLayer();
+    if (layer.current_context != nullptr) {
+        layer.backend->ReleaseCurrent();
+        layer.current_context = nullptr;
+        layer.current_dc = nullptr;
+    }
+}
+
+void ObserveFrame(const Window& window)
+{
+    const Layer& layer = GetLayer();
+    if (layer.frame_observer && layer.current_context != nullptr &&
+        WindowFromDC(layer.current_dc) == window.handle) {
+        // A copy, because the observer may install another.
+        const winsys::FrameObserver observer = layer.frame_observer;
+        observer(window.handle, window.size.cx, window.size.cy);
+    }
+}
+
+const char* WINAPI GetExtensionsString(HDC dc)
+{
+    winsys::Backend* backend = FindBackendOf(dc);
+    const auto extensions = backend == nullptr ? std::nullopt : backend->Extensions();
+    if (!extensions) {
+        return nullptr;
+    }
+    std::string& kept = GetLayer().extensions;
+    kept = *extensions;
+    return kept.c_str();
+}
+
+// The pairs of a list that ends with a zero attribute; null is an empty list.
+std::span<const int> AttributePairs(const int* attributes)
+{
+    std::size_t length = 0;
+    while (attributes != nullptr && attributes[length] != 0) {
+        length += 2;
+    }
+    return {attributes, length};
+}
+
+BOOL WINAPI ChooseFormats(HDC dc, const int* attributes, const float*, UINT max_formats, int* formats,
+                          UINT* count)
+{
+    winsys::Backend* backend = FindBackendOf(dc);
+    if (backend == nullptr || count == nullptr || (formats == nullptr && max_formats > 0)) {
+        return FALSE;
+    }
+    const auto matches = backend->MatchFormats(AttributePairs(attributes));
+    if (!matches) {
+        return FALSE;
+    }
+    *count = std::min(max_formats, static_cast<UINT>(matches->size()));
+    std::copy_n(matches->begin(), *count, formats);
+    return TRUE;
+}
+
+// By way of the one function type that converts to any other without a compiler's doubt.
+template <typename Function>
+PROC ToProc(Function* function)
+{
+    return reinterpret_cast<PROC>(reinterpret_cast<void (*)()>(function));
+}
+
+struct EntryPoint {
+    std::string_view name;
+    PROC function;
+};
+
+const std::array<EntryPoint, 2> kEntryPoints{{
+    {"wglGetExtensionsStringARB", ToProc(&GetExtensionsString)},
+    {"wglChoosePixelFormatARB", ToProc(&ChooseFormats)},
+}};
+
+} // namespace
+
+HDC GetDC(HWND window)
+{
+    if (window == nullptr) {
+        return NewDeviceContext(nullptr);
+    }
+    Window* record = GetLayer().windows.Find(window);
+    if (record == nullptr) {
+        return nullptr;
+    }
+    if ((record->window_class->record.style & CS_OWNDC) == 0) {
+        return NewDeviceContext(window);
+    }
+    if (record->own_dc == nullptr) {
+        record->own_dc = NewDeviceContext(window);
+    }
+    return record->own_dc;
+}
+
+int ReleaseDC(HWND window, HDC dc)
+{
+    if (!IsDeviceContext(dc) || WindowFromDC(dc) != window) {
+        return 0;
+    }
+    const Window* record = FindWindowOf(dc);
+    if (record == nullptr || record->own_dc != dc) {
+        GetLayer().device_contexts.erase(dc);
+    }
+    return 1;
+}
+
+HWND WindowFromDC(HDC dc)
+{
+    const Layer& layer = GetLayer();
+    const auto found = layer.device_contexts.find(dc);
+    return found == layer.device_contexts.end() ? nullptr : found->second;
+}
+
+int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* descriptor)
+{
+    return descriptor == nullptr ? 0 : ChooseFormat(FormatsOf(dc), *descriptor);
+}
+
+int DescribePixelFormat(HDC dc, int format, UINT size, PIXELFORMATDESCRIPTOR* descriptor)
+{
+    const auto formats = FormatsOf(dc);
+    const auto count = static_cast<int>(formats.size());
+    if (descriptor != nullptr) {
+        if (size < sizeof *descriptor || format < 1 || format > count) {
+            return 0;
+        }
+        *descriptor = Describe(formats[static_cast<std::size_t>(format) - 1]);
+    }
+    return count;
+}
+
+BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*)
+{
+    Window* window = FindWindowOf(dc);
+    if (window == nullptr || format < 1 || format > static_cast<int>(FormatsOf(dc).size())) {
+        return FALSE;
+    }
+    if (window->pixel_format != 0) {
+        return window->pixel_format == format ? TRUE : FALSE;
+    }
+    if (!GetLayer().backend->SetNativePixelFormat(window->handle, format)) {
+        return FALSE;
+    }
+    window->pixel_format = format;
+    return TRUE;
+}
+
+int GetPixelFormat(HDC dc)
+{
+    const Window* window = FindWindowOf(dc);
+    return window == nullptr ? 0 : window->pixel_format;
+}
+
+BOOL SwapBuffers(HDC dc)
+{
+    Window* window = FindWindowOf(dc);
+    if (window == nullptr || window->pixel_format == 0) {
+        return FALSE;
+    }
+    ObserveFrame(*window);
+    if (!GetLayer().backend->SwapBuffers(window->handle)) {
+        return FALSE;
+    }
+    ++window->swap_count;
+    return TRUE;
+}
+
+HGLRC wglCreateContext(HDC dc)
+{
+    Layer& layer = GetLayer();
+    const Window* window = FindWindowOf(dc);
+    if (window == nullptr || window->pixel_format == 0) {
+        return nullptr;
+    }
+    const HGLRC context = NewHandle<HGLRC>();
+    if (!layer.backend->CreateContext(context, window->handle, window->pixel_format)) {
+        return nullptr;
+    }
+    layer.rendering_contexts.emplace(context, window->pixel_format);
+    return context;
+}
+
+BOOL wglDeleteContext(HGLRC context)
+{
+    Layer& layer = GetLayer();
+    if (!layer.rendering_contexts.contains(context)) {
+        return FALSE;
+    }
+    if (layer.current_context == context) {
+        ReleaseCurrentContext();
+    }
+    layer.backend->DeleteContext(context);
+    layer.rendering_contexts.erase(context);
+    return TRUE;
+}
+
+BOOL wglMakeCurrent(HDC dc, HGLRC context)
+{
+    Layer& layer = GetLayer();
+    if (context == nullptr) {
+        ReleaseCurrentContext();
+        return TRUE;
+    }
+    const auto found = layer.rendering_contexts.find(context);
+    const Window* window = FindWindowOf(dc);
+    if (found == layer.rendering_contexts.end() || window == nullptr ||
+        window->pixel_format != found->second) {
+        return FALSE;
+    }
+    if (!layer.backend->MakeCurrent(window->handle, context)) {
+        return FALSE;
+    }
+    layer.current_context = context;
+    layer.current_dc = dc;
+    return TRUE;
+}
+
+HGLRC wglGetCurrentContext()
+{
+    return GetLayer().current_context;
+}
+
+HDC wglGetCurrentDC()
+{
+    return GetLayer().current_dc;
+}
+
+PROC wglGetProcAddress(LPCSTR name)
+{
+    const Layer& layer = GetLayer();
+    if (layer.current_context == nullptr || name == nullptr) {
+        return nullptr;
+    }
+    const auto found = std::ranges::find(kEntryPoints, std::string_view(name), &EntryPoint::name);
+    return found != kEntryPoints.end() && layer.backend->OffersEntryPoint(name) ? found->function : nullptr;
+}

@@ -1,0 +1,22 @@
+// How a shared library marks what crosses its boundary.
+#pragma once
+
+#ifdef _WIN32
+#define KARV_EXPORT __declspec(dllexport)
+#define KARV_IMPORT __declspec(dllimport)
+#else
+#define KARV_EXPORT __attribute__((visibility("default")))
+#define KARV_IMPORT __attribute__((visibility("default")))
+#endif
+
+#ifdef KARV_PLATFORM_BUILD
+#define KARV_PLATFORM_API KARV_EXPORT
+#else
+#define KARV_PLATFORM_API KARV_IMPORT
+#endif
+
+#ifdef KARV_MODULE_BUILD
+#define KARV_MODULE_API KARV_EXPORT
+#else
+#define KARV_MODULE_API KARV_IMPORT
+#endif

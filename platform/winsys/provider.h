@@ -1,0 +1,56 @@
+// What a process may ask of the window layer beyond the Win32 names: which backend serves it,
+// frames as they are swapped, swap counts, the frame clock, and the descriptor that a foreign event
+// loop waits on. Hosts and tests use it; the module uses FrameClock alone.
+//
+// All of it belongs to the thread that owns the windows.
+#pragma once
+
+#include "platform/winsys/winsys.h"
+
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace winsys
+{
+
+class Backend;
+
+/// The time that frames are measured with, in ticks of 1 ms. Wall time: processor time would be
+/// wrong for a frame, because a software rasteriser draws on several threads.
+[[nodiscard]] KARV_PLATFORM_API std::clock_t FrameClock();
+
+/// Replaces the clock behind `FrameClock`; an empty function restores the real one.
+KARV_PLATFORM_API void SetFrameClock(std::function<std::clock_t()> clock);
+
+/// Called by `SwapBuffers` just before the swap of a window whose context is current, with the frame
+/// complete in the context's default read buffer; `width` and `height` are the client size in pixels.
+/// The observer may read pixels; it must leave GL state as it found it and must not throw.
+using FrameObserver = std::function<void(HWND window, int width, int height)>;
+
+/// Installs the one frame observer of the process; an empty function removes it.
+KARV_PLATFORM_API void SetFrameObserver(FrameObserver observer);
+
+/// How often `SwapBuffers` succeeded on this window since it was created; 0 for no window.
+[[nodiscard]] KARV_PLATFORM_API unsigned long GetSwapCount(HWND window);
+
+/// Chooses the backend that serves this process. Must come before the first window, or after the last
+/// one is gone; a call while a window exists throws std::logic_error and changes nothing. The backend is
+/// owned by the layer until it is replaced. Without a call, the first window installs the default one.
+KARV_PLATFORM_API void UseBackend(std::unique_ptr<Backend> backend);
+
+/// The backend without a display: windows are records, contexts draw to off-screen buffers.
+/// Throws std::runtime_error with the reason where no off-screen OpenGL can be had.
+[[nodiscard]] KARV_PLATFORM_API std::unique_ptr<Backend> MakeHeadlessBackend();
+
+/// The name of the backend in use, "headless" for example; installs the default one where none is.
+[[nodiscard]] KARV_PLATFORM_API std::string BackendName();
+
+/// A descriptor that is readable whenever a message may wait: posted, due from a timer, or arriving from
+/// the display. For event loops of other toolkits, which then dispatch messages until `PeekMessageW` finds
+/// none or one timer message was handled. Owned by the layer, never to be read or closed. -1 where none
+/// exists.
+[[nodiscard]] KARV_PLATFORM_API int GetMessageDescriptor();
+
+} // namespace winsys
