@@ -1,0 +1,68 @@
+// The scene's box in KARVOpenGLControl, its centre, and what follows for the camera.
+#include "control/KARVOpenGLControl.h"
+
+#include "control/control_source.h"
+#include "module/guard.h"
+
+using karv::Guarded;
+using karv::kControlSource;
+
+namespace
+{
+
+/// Scene size per diagonal of the scene's box.
+constexpr double kSceneSizePerDiagonal = 1.2;
+
+AcGePoint3d Widened(const KARVGLVertex& vertex)
+{
+    return {static_cast<double>(vertex.x), static_cast<double>(vertex.y), static_cast<double>(vertex.z)};
+}
+
+} // namespace
+
+void KARVOpenGLControl::ComputeExtents(bool compute)
+{
+    Guarded(L"KARVOpenGLControl::ComputeExtents", kControlSource, [&] { computeExtentsOnAppend = compute; });
+}
+
+void KARVOpenGLControl::OverrideExtents(AcGePoint3d min_corner, AcGePoint3d max_corner)
+{
+    Guarded(L"KARVOpenGLControl::OverrideExtents", kControlSource, [&] {
+        extentsMin = KARVGLVertex(min_corner.x, min_corner.y, min_corner.z);
+        extentsMax = KARVGLVertex(max_corner.x, max_corner.y, max_corner.z);
+        GLComputeCentroid();
+    });
+}
+
+void KARVOpenGLControl::GLDetectExtents(KARVGraphicalEntity entity)
+{
+    Guarded(L"KARVOpenGLControl::GLDetectExtents", kControlSource, [&] {
+        KARVGLVertex min;
+        KARVGLVertex max;
+        entity.GetExtents(min, max);
+        if (!extentsSeeded) {
+            // Both corners start at the far one; the growth below pulls the near one down.
+            extentsMax = max;
+            extentsMin = max;
+            extentsSeeded = true;
+        }
+        KARVGraphicalEntity::DoesPointContainExtent(min, extentsMin, extentsMax);
+        KARVGraphicalEntity::DoesPointContainExtent(max, extentsMin, extentsMax);
+        GLComputeCentroid();
+    });
+}
+
+void KARVOpenGLControl::GLComputeCentroid()
+{
+    Guarded(L"KARVOpenGLControl::GLComputeCentroid", kControlSource, [&] {
+        centroid.x = (extentsMax.x + extentsMin.x) * 0.5F;
+        centroid.y = (extentsMax.y + extentsMin.y) * 0.5F;
+        centroid.z = (extentsMax.z + extentsMin.z) * 0.5F;
+        // Rounded to float before and after the product.
+        const auto diagonal = static_cast<float>(Widened(extentsMax).distanceTo(Widened(extentsMin)));
+        sceneSize = static_cast<float>(static_cast<double>(diagonal) * kSceneSizePerDiagonal);
+        if (!cameraSetByCaller)
+            camera.SetTarget(Widened(centroid));
+        camera.SetFarPlaneDistance(static_cast<double>(sceneSize));
+    });
+}

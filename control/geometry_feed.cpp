@@ -1,0 +1,73 @@
+// The door through which geometry enters KARVOpenGLControl, and the switches of its categories.
+#include "control/KARVOpenGLControl.h"
+
+#include "control/control_source.h"
+#include "module/guard.h"
+
+#include <cstdint>
+#include <utility>
+
+using karv::Guarded;
+using karv::kControlSource;
+
+void KARVOpenGLControl::AppendGeometry(AcDbEntity* entity, KARVGraphicalEntity::EntityType type)
+{
+    Guarded(L"KARVOpenGLControl::AppendGeometry", kControlSource, [&] {
+        KARVGraphicalEntity built(entity, type);
+        AddEntityToCache(std::move(built));
+    });
+}
+
+void KARVOpenGLControl::AppendGeometry(KARVGraphicalEntity entity)
+{
+    Guarded(L"KARVOpenGLControl::AppendGeometry", kControlSource,
+            [&] { AddEntityToCache(std::move(entity)); });
+}
+
+void KARVOpenGLControl::AppendGeometry(std::vector<KARVGLFace> faces, KARVGraphicalEntity::EntityType type,
+                                       unsigned short color, float alpha)
+{
+    Guarded(L"KARVOpenGLControl::AppendGeometry", kControlSource, [&] {
+        KARVGraphicalEntity built(std::move(faces), type, color);
+        built.SetAlpha(alpha);
+        AddEntityToCache(std::move(built));
+    });
+}
+
+void KARVOpenGLControl::AddEntityToCache(KARVGraphicalEntity entity)
+{
+    Guarded(L"KARVOpenGLControl::AddEntityToCache", kControlSource, [&] {
+        if (computeExtentsOnAppend)
+            GLDetectExtents(entity);
+        entities.push_back(std::move(entity));
+        faceCount += entities.back().GetFaceNumber();
+    });
+}
+
+void KARVOpenGLControl::AllocateMemory(int count)
+{
+    // A negative count becomes a huge size, which the vector refuses; the guard swallows that.
+    Guarded(L"KARVOpenGLControl::AllocateMemory", kControlSource,
+            [&] { entities.reserve(static_cast<std::size_t>(static_cast<std::int64_t>(count))); });
+}
+
+void KARVOpenGLControl::ClearGeometry(bool /*unused*/)
+{
+    // Face total, extents and switches stay on purpose: what comes next extends the old scene.
+    Guarded(L"KARVOpenGLControl::ClearGeometry", kControlSource, [&] { entities.clear(); });
+}
+
+void KARVOpenGLControl::EnableObject(KARVGraphicalEntity::EntityType type)
+{
+    Guarded(L"KARVOpenGLControl::EnableObject", kControlSource, [&] { disabledTypes[type] = false; });
+}
+
+void KARVOpenGLControl::DisableObject(KARVGraphicalEntity::EntityType type)
+{
+    Guarded(L"KARVOpenGLControl::DisableObject", kControlSource, [&] { disabledTypes[type] = true; });
+}
+
+int KARVOpenGLControl::GetFaceNumber()
+{
+    return Guarded(L"KARVOpenGLControl::GetFaceNumber", kControlSource, [&] { return faceCount; });
+}

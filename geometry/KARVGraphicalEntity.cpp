@@ -1,0 +1,201 @@
+#include "geometry/KARVGraphicalEntity.h"
+
+#include "geometry/entity_source.h"
+#include "module/guard.h"
+#include "platform/host/cm/color.h"
+#include "platform/host/db/entities.h"
+
+#include <cmath>
+#include <utility>
+
+using karv::Guarded;
+using karv::kEntitySource;
+
+namespace
+{
+
+float FromPaletteChannel(Adesk::UInt32 channel)
+{
+    const float value = static_cast<float>(channel & 255U);
+    return static_cast<float>(static_cast<double>(value) / 255.0);
+}
+
+/// The palette's colour of the index's low 8 bits. `SetColor` deliberately takes another route: the full 16
+/// bits, and a product with 1/255 in place of the division.
+KARVGLVertex LookUpColor(unsigned short color_index)
+{
+    const Adesk::UInt32 rgb = AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(color_index & 255U));
+    KARVGLVertex color;
+    color.x = FromPaletteChannel(rgb >> 16U);
+    color.y = FromPaletteChannel(rgb >> 8U);
+    color.z = FromPaletteChannel(rgb);
+    return color;
+}
+
+/// How far outside a coordinate may lie and still count as inside: the magnitude is rounded to float on its
+/// way.
+double BoundTolerance(float coordinate)
+{
+    constexpr double kTolerance = 1e-20;
+    const float magnitude = static_cast<float>(std::fabs(static_cast<double>(coordinate)));
+    return static_cast<double>(magnitude) * kTolerance + kTolerance;
+}
+
+void LowerTo(float point, float& low)
+{
+    if (static_cast<double>(low) - BoundTolerance(low) > static_cast<double>(point))
+        low = point;
+}
+
+void RaiseTo(float point, float& high)
+{
+    if (static_cast<double>(point) > static_cast<double>(high) + BoundTolerance(high))
+        high = point;
+}
+
+KARVGLVertex Narrowed(const AcGePoint3d& point)
+{
+    return {point.x, point.y, point.z};
+}
+
+} // namespace
+
+KARVGraphicalEntity::KARVGraphicalEntity()
+{
+    InitParameters();
+}
+
+KARVGraphicalEntity::KARVGraphicalEntity(const KARVGraphicalEntity& source) = default;
+KARVGraphicalEntity::KARVGraphicalEntity(KARVGraphicalEntity&& source) noexcept = default;
+KARVGraphicalEntity& KARVGraphicalEntity::operator=(const KARVGraphicalEntity& source) = default;
+KARVGraphicalEntity& KARVGraphicalEntity::operator=(KARVGraphicalEntity&& source) noexcept = default;
+
+KARVGraphicalEntity::KARVGraphicalEntity(AcDbEntity* entity, EntityType type)
+{
+    Guarded(L"KARVGraphicalEntity::KARVGraphicalEntity", kEntitySource, [&] {
+        InitParameters();
+        if (entity == nullptr)
+            return;
+        entityType = type;
+        color = LookUpColor(entity->colorIndex());
+        CreateGLCache(entity);
+    });
+}
+
+KARVGraphicalEntity::KARVGraphicalEntity(std::vector<KARVGLFace> source, EntityType type,
+                                         unsigned short color_index)
+{
+    Guarded(L"KARVGraphicalEntity::KARVGraphicalEntity", kEntitySource, [&] {
+        InitParameters();
+        for (KARVGLFace& face : source) {
+            if (face.vertices.size() >= 4)
+                TesselateFace(face);
+            else
+                face.displayList = 0;
+        }
+        faces = std::move(source);
+        entityType = type;
+        color = LookUpColor(color_index);
+        for (const KARVGLFace& face : faces) {
+            for (const KARVGLVertex& corner : face.vertices) {
+                if (!extentsValid) {
+                    minExtent = corner;
+                    maxExtent = corner;
+                    extentsValid = true;
+                }
+                DoesPointContainExtent(corner, minExtent, maxExtent);
+            }
+        }
+    });
+}
+
+KARVGraphicalEntity::~KARVGraphicalEntity()
+{
+    Guarded(L"KARVGraphicalEntity::~KARVGraphicalEntity", kEntitySource, [&] {
+        // Faces first. Their display lists stay: copies may still draw them, and they die with the GL
+        // context.
+        std::vector<KARVGLFace>().swap(faces);
+        std::vector<KARVGLVertex>().swap(lineVertices);
+    });
+}
+
+KARVGraphicalEntity::EntityType KARVGraphicalEntity::GetEntityType()
+{
+    return Guarded(L"KARVGraphicalEntity::GetEntityType", kEntitySource, [&] { return entityType; });
+}
+
+void KARVGraphicalEntity::SetEntityType(EntityType type)
+{
+    Guarded(L"KARVGraphicalEntity::SetEntityType", kEntitySource, [&] { entityType = type; });
+}
+
+void KARVGraphicalEntity::SetColor(unsigned short color_index)
+{
+    Guarded(L"KARVGraphicalEntity::SetColor", kEntitySource, [&] {
+        AcCmColor palette_color;
+        palette_color.setColorIndex(color_index);
+        const unsigned char blue = palette_color.blue();
+        const unsigned char green = palette_color.green();
+        const unsigned char red = palette_color.red();
+        color = KARVGLVertex(red, green, blue);
+    });
+}
+
+void KARVGraphicalEntity::SetAlpha(float opacity)
+{
+    Guarded(L"KARVGraphicalEntity::SetAlpha", kEntitySource, [&] { alpha = opacity; });
+}
+
+void KARVGraphicalEntity::GetExtents(KARVGLVertex& min, KARVGLVertex& max)
+{
+    Guarded(L"KARVGraphicalEntity::GetExtents", kEntitySource, [&] {
+        min = minExtent;
+        max = maxExtent;
+    });
+}
+
+int KARVGraphicalEntity::GetFaceNumber()
+{
+    return Guarded(L"KARVGraphicalEntity::GetFaceNumber", kEntitySource,
+                   [&] { return static_cast<int>(faces.size()); });
+}
+
+void KARVGraphicalEntity::DoesPointContainExtent(KARVGLVertex point, KARVGLVertex& min, KARVGLVertex& max)
+{
+    Guarded(L"KARVGraphicalEntity::DoesPointContainExtent", kEntitySource, [&] {
+        LowerTo(point.x, min.x);
+        LowerTo(point.y, min.y);
+        LowerTo(point.z, min.z);
+        RaiseTo(point.x, max.x);
+        RaiseTo(point.y, max.y);
+        RaiseTo(point.z, max.z);
+    });
+}
+
+void KARVGraphicalEntity::InitParameters()
+{
+    extentsValid = false;
+    maxExtent = KARVGLVertex();
+    minExtent = KARVGLVertex();
+    alpha = 1.0F;
+}
+
+void KARVGraphicalEntity::CreateGLCache(AcDbEntity* entity)
+{
+    Guarded(L"KARVGraphicalEntity::CreateGLCache", kEntitySource, [&] {
+        if (!entity->isKindOf(AcDbLine::desc()))
+            return;
+        const auto* line = static_cast<const AcDbLine*>(entity);
+        const KARVGLVertex start = Narrowed(line->startPoint());
+        const KARVGLVertex end = Narrowed(line->endPoint());
+        lineVertices.push_back(start);
+        lineVertices.push_back(end);
+        if (!extentsValid) {
+            // The maximum corner keeps the origin: clients size their margins by boxes that reach it.
+            minExtent = end;
+            extentsValid = true;
+        }
+        DoesPointContainExtent(start, minExtent, maxExtent);
+        DoesPointContainExtent(end, minExtent, maxExtent);
+    });
+}

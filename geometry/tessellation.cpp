@@ -1,0 +1,98 @@
+// Face normals, and polygons turned into compiled display lists by the GLU tessellator.
+#include "geometry/KARVGraphicalEntity.h"
+
+#include "geometry/entity_source.h"
+#include "module/guard.h"
+#include "platform/host/ge/geometry.h"
+#include "platform/winsys/opengl.h"
+
+#include <array>
+#include <memory>
+
+using karv::Guarded;
+using karv::kEntitySource;
+
+namespace
+{
+
+void CALLBACK BeginPrimitive(GLenum type)
+{
+    glBegin(type);
+}
+
+void CALLBACK EndPrimitive()
+{
+    glEnd();
+}
+
+/// Tessellation errors are silent: a face with a crossing outline draws what came before the error, or
+/// nothing.
+void CALLBACK IgnoreError(GLenum code)
+{
+    static_cast<void>(gluErrorString(code));
+}
+
+void CALLBACK SendVertex(void* coordinates)
+{
+    glVertex3dv(static_cast<const GLdouble*>(coordinates));
+}
+
+struct TessellatorDeleter {
+    void operator()(GLUtesselator* tessellator) const { gluDeleteTess(tessellator); }
+};
+
+AcGePoint3d Widened(const KARVGLVertex& vertex)
+{
+    return {static_cast<double>(vertex.x), static_cast<double>(vertex.y), static_cast<double>(vertex.z)};
+}
+
+} // namespace
+
+void KARVGraphicalEntity::TesselateFace(KARVGLFace& face)
+{
+    const GLuint list = glGenLists(1);
+    if (list == 0) {
+        face.displayList = 0;
+        return;
+    }
+    std::unique_ptr<GLUtesselator, TessellatorDeleter> tessellator(gluNewTess());
+    if (!tessellator) {
+        face.displayList = 0;
+        return;
+    }
+    GLUtesselator* const tess = tessellator.get();
+    gluTessCallback(tess, GLU_TESS_BEGIN, reinterpret_cast<GluTessCallback>(BeginPrimitive));
+    gluTessCallback(tess, GLU_TESS_END, reinterpret_cast<GluTessCallback>(EndPrimitive));
+    gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<GluTessCallback>(IgnoreError));
+    gluTessCallback(tess, GLU_TESS_VERTEX, reinterpret_cast<GluTessCallback>(SendVertex));
+
+    // The tessellator keeps pointers to the coordinates and reads them only when the polygon ends.
+    std::vector<std::array<GLdouble, 3>> coordinates(face.vertices.size());
+    glNewList(list, GL_COMPILE);
+    gluTessBeginPolygon(tess, nullptr);
+    gluTessBeginContour(tess);
+    for (std::size_t i = 0; i < face.vertices.size(); ++i) {
+        const AcGePoint3d corner = Widened(face.vertices.at(i));
+        std::array<GLdouble, 3>& place = coordinates.at(i);
+        place = {corner.x, corner.y, corner.z};
+        gluTessVertex(tess, place.data(), place.data());
+    }
+    gluTessEndContour(tess);
+    gluTessEndPolygon(tess);
+    glEndList();
+    tessellator.reset();
+    face.displayList = list;
+}
+
+KARVGLVertex KARVGraphicalEntity::FindFaceNormal(std::vector<KARVGLVertex> corners)
+{
+    return Guarded(L"KARVGraphicalEntity::FindFaceNormal", kEntitySource, [&] {
+        if (corners.size() < 3)
+            return KARVGLVertex();
+        const AcGePoint3d middle = Widened(corners.at(1));
+        const AcGeVector3d a = Widened(corners.at(0)) - middle;
+        const AcGeVector3d b = Widened(corners.at(2)) - middle;
+        const AcGeVector3d normal = b.crossProduct(a);
+        return KARVGLVertex(normal.x, normal.y, normal.z);
+    });
+}
