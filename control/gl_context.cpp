@@ -111,6 +111,6 @@ void KARVOpenGLControl::GLInitializeMaterials()
         glMaterialfv(GL_FRONT, GL_AMBIENT, kAmbient.data());
         glMaterialfv(GL_FRONT, GL_DIFFUSE, kDiffuse.data());
         glMaterialfv(GL_FRONT, GL_SPECULAR, kSpecular.data());
-        glMaterialf(GL_FRONT, GL_SHININESS, kShininess);
+        glMaterialfv(GL_FRONT, GL_SHININESS, &kShininess);
     });
 }

@@ -7,8 +7,12 @@
 class CPoint : public POINT
 {
   public:
-    CPoint() noexcept : POINT{0, 0} {}
-    CPoint(int x_in, int y_in) noexcept : POINT{x_in, y_in} {}
+    CPoint() noexcept : POINT() {}
+    CPoint(int x_in, int y_in) noexcept : POINT()
+    {
+        x = x_in;
+        y = y_in;
+    }
     explicit CPoint(const POINT& point) noexcept : POINT(point) {}
 };
 
@@ -16,10 +20,13 @@ class CPoint : public POINT
 class CRect : public RECT
 {
   public:
-    CRect() noexcept : RECT{0, 0, 0, 0} {}
-    CRect(int left_in, int top_in, int right_in, int bottom_in) noexcept
-        : RECT{left_in, top_in, right_in, bottom_in}
+    CRect() noexcept : RECT() {}
+    CRect(int left_in, int top_in, int right_in, int bottom_in) noexcept : RECT()
     {
+        left = left_in;
+        top = top_in;
+        right = right_in;
+        bottom = bottom_in;
     }
     explicit CRect(const RECT& rect) noexcept : RECT(rect) {}
 

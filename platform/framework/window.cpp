@@ -152,12 +152,6 @@ void AbandonCreation(HWND window)
     Detach(window);
 }
 
-/// The extent from `low` to `high`; one that does not fit wraps around, as it does for the system.
-int Extent(LONG low, LONG high)
-{
-    return static_cast<int>(static_cast<std::int64_t>(high) - static_cast<std::int64_t>(low));
-}
-
 template <typename Handle>
 std::wstring HandleText(Handle handle)
 {
@@ -216,7 +210,7 @@ CWnd::~CWnd()
     const HWND window = m_hWnd;
     if (window == nullptr)
         return;
-    // Parted first: a handler of a derived class must not run any more.
+    // Parted first: an object that is half gone gets no message.
     Detach(window);
     m_hWnd = nullptr;
     ::DestroyWindow(window);
@@ -256,13 +250,14 @@ BOOL CWnd::CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWO
 {
     if (m_hWnd != nullptr)
         return FALSE;
+    const CRect place(rect);
     const Creation creation(this);
     // From here on a handler may have deleted this object, so nothing of it is touched.
     try {
         const HWND window = ::CreateWindowExW(
-            ex_style, class_name, window_name, style, rect.left, rect.top, Extent(rect.left, rect.right),
-            Extent(rect.top, rect.bottom), parent != nullptr ? parent->m_hWnd : nullptr,
-            reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), ::GetModuleHandleW(nullptr), param);
+            ex_style, class_name, window_name, style, rect.left, rect.top, place.Width(), place.Height(),
+            parent != nullptr ? parent->m_hWnd : nullptr, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)),
+            ::GetModuleHandleW(nullptr), param);
         if (window != nullptr && creation.Window() != window) {
             // The class has another procedure, so the object never got its window.
             ::DestroyWindow(window);
@@ -282,8 +277,8 @@ BOOL CWnd::DestroyWindow()
 
 BOOL CWnd::MoveWindow(const RECT& rect, BOOL repaint)
 {
-    return ::MoveWindow(m_hWnd, rect.left, rect.top, Extent(rect.left, rect.right),
-                        Extent(rect.top, rect.bottom), repaint);
+    const CRect place(rect);
+    return ::MoveWindow(m_hWnd, rect.left, rect.top, place.Width(), place.Height(), repaint);
 }
 
 CWnd* CWnd::SetFocus()

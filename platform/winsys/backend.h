@@ -43,6 +43,9 @@ struct NativeWindow {
     SIZE size{};
 };
 
+/// Any OpenGL function; cast to its own type before the call.
+using GlFunction = void (*)();
+
 /// A press, release, movement or turn of the wheel, over one window.
 struct MouseEvent {
     /// WM_MOUSEMOVE, WM_LBUTTONDOWN and so on, or WM_MOUSEWHEEL.
@@ -132,6 +135,10 @@ class KARV_PLATFORM_API Backend
     virtual void ReleaseCurrent() = 0;
     /// Shows the frame of a window that has a format. False where it cannot.
     virtual bool SwapBuffers(HWND window) = 0;
+
+    /// The address of an OpenGL function of any version for the current context; null where there is none. By
+    /// default none is found, and frames are then read as the driver reads them.
+    [[nodiscard]] virtual GlFunction FindGlFunction(const char* name);
 
     /// The words that `wglGetExtensionsStringARB` answers; none makes it answer null. By default those that
     /// the layer implements, with WGL_ARB_multisample where a format has samples.

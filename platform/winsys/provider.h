@@ -25,8 +25,10 @@ class Backend;
 KARV_PLATFORM_API void SetFrameClock(std::function<std::clock_t()> clock);
 
 /// Called by `SwapBuffers` just before the swap of a window whose context is current, with the frame
-/// complete in the context's default read buffer; `width` and `height` are the client size in pixels.
-/// The observer may read pixels; it must leave GL state as it found it and must not throw.
+/// complete in the context's default read buffer; `width` and `height` are the client size in pixels. The
+/// samples of a multisampled frame are already averaged: reading outside the observer may give unblended
+/// edges on some drivers. The observer may read pixels; it must leave GL state as it found it and must not
+/// throw.
 using FrameObserver = std::function<void(HWND window, int width, int height)>;
 
 /// Installs the one frame observer of the process; an empty function removes it.

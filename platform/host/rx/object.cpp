@@ -4,8 +4,6 @@ AcRxClass::AcRxClass(const wchar_t* name, const AcRxClass* parent) : name_(name)
 
 bool AcRxClass::isDerivedFrom(const AcRxClass* other) const noexcept
 {
-    if (other == nullptr)
-        return false;
     for (const AcRxClass* ancestor = this; ancestor != nullptr; ancestor = ancestor->parent_) {
         if (ancestor == other)
             return true;

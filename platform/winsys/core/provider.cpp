@@ -30,6 +30,11 @@ EventSink::~EventSink() = default;
 
 Backend::~Backend() = default;
 
+GlFunction Backend::FindGlFunction(const char*)
+{
+    return nullptr;
+}
+
 std::optional<std::string> Backend::Extensions()
 {
     std::string words = "WGL_ARB_extensions_string WGL_ARB_pixel_format";

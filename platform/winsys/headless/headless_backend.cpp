@@ -171,8 +171,6 @@ class HeadlessBackend::Egl
         current_window_ = nullptr;
     }
 
-    bool Swap(HWND window) { return eglSwapBuffers(display_, windows_[window].surface) == EGL_TRUE; }
-
   private:
     struct Window {
         SIZE size{};
@@ -268,9 +266,15 @@ void HeadlessBackend::ReleaseCurrent()
     egl_->ReleaseCurrent();
 }
 
-bool HeadlessBackend::SwapBuffers(HWND window)
+bool HeadlessBackend::SwapBuffers(HWND)
 {
-    return egl_->Swap(window);
+    // An off-screen surface has one buffer, and readers of it find all drawing done.
+    return true;
+}
+
+GlFunction HeadlessBackend::FindGlFunction(const char* name)
+{
+    return eglGetProcAddress(name);
 }
 
 } // namespace winsys

@@ -40,6 +40,7 @@ class KARV_PLATFORM_API HeadlessBackend : public Backend
     bool MakeCurrent(HWND window, HGLRC context) override;
     void ReleaseCurrent() override;
     bool SwapBuffers(HWND window) override;
+    [[nodiscard]] GlFunction FindGlFunction(const char* name) override;
 
   private:
     class Egl;

@@ -1,0 +1,75 @@
+// Comparisons that the camera's tests share.
+#pragma once
+
+#include "camera/KARVGLCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace karv_test
+{
+
+/// Whether a point or vector has these components, each within `tolerance`; NaN is near nothing.
+template <typename Triple>
+testing::AssertionResult IsAt(const Triple& actual, double x, double y, double z, double tolerance = 1e-12)
+{
+    const bool near = std::fabs(actual.x - x) <= tolerance && std::fabs(actual.y - y) <= tolerance &&
+                      std::fabs(actual.z - z) <= tolerance;
+    if (near)
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "(" << actual.x << ", " << actual.y << ", " << actual.z
+                                       << ") is not (" << x << ", " << y << ", " << z << ")";
+}
+
+/// Whether two points or vectors are the same numbers.
+template <typename Triple>
+bool Same(const Triple& a, const Triple& b)
+{
+    return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+inline bool SamePlace(const KARVGLCamera& a, const KARVGLCamera& b)
+{
+    return Same(a.position, b.position) && Same(a.target, b.target);
+}
+
+inline bool SameFrame(const KARVGLCamera& a, const KARVGLCamera& b)
+{
+    return Same(a.xAxis, b.xAxis) && Same(a.yAxis, b.yAxis) && Same(a.zAxis, b.zAxis) &&
+           Same(a.upVector, b.upVector);
+}
+
+inline bool SameProjection(const KARVGLCamera& a, const KARVGLCamera& b)
+{
+    return a.aspect == b.aspect && a.nearPlane == b.nearPlane && a.farPlane == b.farPlane &&
+           a.perspectiveOn == b.perspectiveOn && a.fieldOfView == b.fieldOfView && a.orthoZoom == b.orthoZoom;
+}
+
+/// Whether every field that can be observed is the same number.
+inline bool SameCamera(const KARVGLCamera& a, const KARVGLCamera& b)
+{
+    return SamePlace(a, b) && SameFrame(a, b) && SameProjection(a, b);
+}
+
+/// A camera in front of `target`, `distance` away on the -Y side, with the world axes.
+inline KARVGLCamera FrontCamera(double distance = 10.0, const AcGePoint3d& target = {0.0, 0.0, 0.0})
+{
+    KARVGLCamera camera;
+    camera.target = target;
+    camera.position = {target.x, target.y - distance, target.z};
+    return camera;
+}
+
+/// Whether the frame's axes are of length 1 and at right angles.
+inline bool IsOrthonormal(const KARVGLCamera& camera, double tolerance = 1e-12)
+{
+    return std::fabs(camera.xAxis.length() - 1.0) <= tolerance &&
+           std::fabs(camera.yAxis.length() - 1.0) <= tolerance &&
+           std::fabs(camera.zAxis.length() - 1.0) <= tolerance &&
+           std::fabs(camera.xAxis.dotProduct(camera.yAxis)) <= tolerance &&
+           std::fabs(camera.yAxis.dotProduct(camera.zAxis)) <= tolerance &&
+           std::fabs(camera.zAxis.dotProduct(camera.xAxis)) <= tolerance;
+}
+
+} // namespace karv_test

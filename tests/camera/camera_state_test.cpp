@@ -1,0 +1,396 @@
+#include "tests/camera/camera_checks.h"
+
+#include "tests/support/gl_recorder.h"
+#include "tests/support/trace_recording.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+using karv_test::GlRecording;
+using karv_test::IsAt;
+using karv_test::Same;
+using karv_test::SameCamera;
+using karv_test::SameFrame;
+using karv_test::SamePlace;
+using karv_test::SameProjection;
+using karv_test::ThrowAt;
+using karv_test::TraceRecording;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+/// A camera whose fields are all different from each other and from the defaults.
+KARVGLCamera DistinctCamera()
+{
+    KARVGLCamera camera;
+    camera.position = {1.0, 2.0, 3.0};
+    camera.target = {4.0, 5.0, 6.0};
+    camera.xAxis = {0.0, 1.0, 0.0};
+    camera.yAxis = {0.0, 0.0, 1.0};
+    camera.zAxis = {1.0, 0.0, 0.0};
+    camera.upVector = {7.0, 8.0, 9.0};
+    camera.aspect = 1.5F;
+    camera.nearPlane = 0.25F;
+    camera.farPlane = 77.0F;
+    camera.perspectiveOn = false;
+    camera.fieldOfView = 33.0;
+    camera.orthoZoom = 2.5;
+    return camera;
+}
+
+} // namespace
+
+TEST(Camera, FreshCameraHasTheDefaults)
+{
+    const KARVGLCamera camera;
+    EXPECT_TRUE(IsAt(camera.position, 0, 0, 0, 0));
+    EXPECT_TRUE(IsAt(camera.target, 0, 0, 0, 0));
+    EXPECT_TRUE(IsAt(camera.xAxis, 1, 0, 0, 0));
+    EXPECT_TRUE(IsAt(camera.yAxis, 0, 1, 0, 0));
+    EXPECT_TRUE(IsAt(camera.zAxis, 0, 0, 1, 0));
+    EXPECT_TRUE(IsAt(camera.upVector, 0, 0, 1, 0));
+    EXPECT_EQ(camera.aspect, 1.0F);
+    EXPECT_EQ(camera.nearPlane, 0.01F);
+    EXPECT_EQ(camera.farPlane, 1000.0F);
+    EXPECT_TRUE(camera.perspectiveOn);
+    EXPECT_EQ(camera.fieldOfView, 40.0);
+    EXPECT_EQ(camera.orthoZoom, 1.0);
+}
+
+TEST(Camera, CopyHasEveryFieldOfItsSource)
+{
+    const KARVGLCamera source = DistinctCamera();
+    const KARVGLCamera copy = source;
+    EXPECT_TRUE(SameCamera(copy, source));
+}
+
+TEST(Camera, AssignmentTakesEveryField)
+{
+    const KARVGLCamera source = DistinctCamera();
+    KARVGLCamera camera;
+    const KARVGLCamera* result = &(camera = source);
+    EXPECT_TRUE(SameCamera(camera, source));
+    EXPECT_EQ(result, &camera);
+}
+
+TEST(Camera, AssignmentToItselfChangesNothing)
+{
+    KARVGLCamera camera = DistinctCamera();
+    const KARVGLCamera& same = camera;
+    camera = same;
+    EXPECT_TRUE(SameCamera(camera, DistinctCamera()));
+}
+
+TEST(Camera, CopyIsIndependentOfItsSource)
+{
+    KARVGLCamera source = DistinctCamera();
+    const KARVGLCamera copy = source;
+    source.SetPosition({100.0, 100.0, 100.0});
+    source.SetFarPlaneDistance(3.0);
+    EXPECT_TRUE(SameCamera(copy, DistinctCamera()));
+}
+
+TEST(Camera, SetPositionChangesThePositionAlone)
+{
+    KARVGLCamera camera;
+    camera.SetPosition({1.5, -2.5, 1e300});
+    EXPECT_TRUE(IsAt(camera.position, 1.5, -2.5, 1e300, 0));
+    EXPECT_TRUE(IsAt(camera.target, 0, 0, 0, 0));
+    EXPECT_TRUE(SameFrame(camera, KARVGLCamera()));
+    EXPECT_TRUE(SameProjection(camera, KARVGLCamera()));
+}
+
+TEST(Camera, SetTargetChangesTheTargetAlone)
+{
+    KARVGLCamera camera;
+    camera.SetTarget({1.5, -2.5, 1e-300});
+    EXPECT_TRUE(IsAt(camera.target, 1.5, -2.5, 1e-300, 0));
+    EXPECT_TRUE(IsAt(camera.position, 0, 0, 0, 0));
+    EXPECT_TRUE(SameFrame(camera, KARVGLCamera()));
+    EXPECT_TRUE(SameProjection(camera, KARVGLCamera()));
+}
+
+TEST(Camera, SetUpVectorLeavesTheAxes)
+{
+    KARVGLCamera camera;
+    camera.SetUpVector({0.0, 3.0, 0.0});
+    EXPECT_TRUE(IsAt(camera.upVector, 0, 3, 0, 0));
+    EXPECT_TRUE(IsAt(camera.xAxis, 1, 0, 0, 0));
+    EXPECT_TRUE(IsAt(camera.yAxis, 0, 1, 0, 0));
+    EXPECT_TRUE(IsAt(camera.zAxis, 0, 0, 1, 0));
+    EXPECT_TRUE(SamePlace(camera, KARVGLCamera()));
+}
+
+TEST(Camera, PositionsOfNaNAndInfinityAreTaken)
+{
+    KARVGLCamera camera;
+    camera.SetPosition({kNaN, kInfinity, -kInfinity});
+    EXPECT_TRUE(std::isnan(camera.position.x));
+    EXPECT_EQ(camera.position.y, kInfinity);
+    EXPECT_EQ(camera.position.z, -kInfinity);
+}
+
+TEST(Camera, FarDistanceIsHundredTimesTheSceneDistance)
+{
+    KARVGLCamera camera;
+    camera.SetFarPlaneDistance(2.5);
+    EXPECT_EQ(camera.farPlane, 250.0F);
+}
+
+TEST(Camera, FarDistanceIsMultipliedIn64BitsAndStoredIn32)
+{
+    // A distance just above a float's half-way point: its product with 100 rounds to another float than that
+    // of the distance cut to float first.
+    const double distance = 1.0 + 0x1p-24 + 0x1p-40;
+    const auto wide = static_cast<float>(distance * 100.0);
+    const float narrow = static_cast<float>(distance) * 100.0F;
+    ASSERT_NE(wide, narrow);
+    KARVGLCamera camera;
+    camera.SetFarPlaneDistance(distance);
+    EXPECT_EQ(camera.farPlane, wide);
+}
+
+TEST(Camera, FarDistanceTakesZeroNegativeAndHugeValues)
+{
+    KARVGLCamera camera;
+    camera.SetFarPlaneDistance(0.0);
+    EXPECT_EQ(camera.farPlane, 0.0F);
+    camera.SetFarPlaneDistance(-1.0);
+    EXPECT_EQ(camera.farPlane, -100.0F);
+    camera.SetFarPlaneDistance(kInfinity);
+    EXPECT_EQ(camera.farPlane, std::numeric_limits<float>::infinity());
+    camera.SetFarPlaneDistance(kNaN);
+    EXPECT_TRUE(std::isnan(camera.farPlane));
+}
+
+TEST(Camera, SetCameraIsReadBackExactly)
+{
+    KARVGLCamera camera;
+    camera.SetCamera({0.1, 0.2, 0.3}, {1.1, 1.2, 1.3}, {0.0, 2.0, 0.0});
+    AcGePoint3d position;
+    AcGePoint3d target;
+    AcGeVector3d up;
+    camera.GetCamera(position, target, up);
+    EXPECT_TRUE(IsAt(position, 0.1, 0.2, 0.3, 0));
+    EXPECT_TRUE(IsAt(target, 1.1, 1.2, 1.3, 0));
+    EXPECT_TRUE(IsAt(up, 0, 2, 0, 0));
+}
+
+TEST(Camera, SetCameraKeepsTheOldAxes)
+{
+    KARVGLCamera camera;
+    camera.SetCamera({5.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {0.0, 1.0, 0.0});
+    AcGeVector3d x;
+    AcGeVector3d y;
+    AcGeVector3d z;
+    camera.GetLocalAxes(x, y, z);
+    EXPECT_TRUE(IsAt(x, 1, 0, 0, 0));
+    EXPECT_TRUE(IsAt(y, 0, 1, 0, 0));
+    EXPECT_TRUE(IsAt(z, 0, 0, 1, 0));
+}
+
+TEST(Camera, GetLocalAxesGivesRightForwardAndUp)
+{
+    KARVGLCamera camera = DistinctCamera();
+    AcGeVector3d x;
+    AcGeVector3d y;
+    AcGeVector3d z;
+    camera.GetLocalAxes(x, y, z);
+    EXPECT_TRUE(Same(x, camera.xAxis));
+    EXPECT_TRUE(Same(y, camera.yAxis));
+    EXPECT_TRUE(Same(z, camera.zAxis));
+}
+
+TEST(Camera, ResetAngleRestoresTheFrameAndNothingElse)
+{
+    KARVGLCamera camera = DistinctCamera();
+    camera.angle = 12.0;
+    camera.ResetAngle();
+    EXPECT_EQ(camera.angle, 0.0);
+    EXPECT_TRUE(IsAt(camera.xAxis, 1, 0, 0, 0));
+    EXPECT_TRUE(IsAt(camera.yAxis, 0, 1, 0, 0));
+    EXPECT_TRUE(IsAt(camera.zAxis, 0, 0, 1, 0));
+    EXPECT_TRUE(IsAt(camera.upVector, 7, 8, 9, 0));
+    EXPECT_TRUE(SamePlace(camera, DistinctCamera()));
+    EXPECT_TRUE(SameProjection(camera, DistinctCamera()));
+}
+
+TEST(Camera, SettersGettersAndMotionIssueNoGlCall)
+{
+    const GlRecording recording;
+    KARVGLCamera camera;
+    AcGePoint3d position;
+    AcGePoint3d target;
+    AcGeVector3d x;
+    AcGeVector3d y;
+    AcGeVector3d z;
+    camera.SetPosition({0.0, -5.0, 0.0});
+    camera.SetTarget({0.0, 0.0, 0.0});
+    camera.SetUpVector({0.0, 0.0, 1.0});
+    camera.SetFarPlaneDistance(10.0);
+    camera.SetCamera({0.0, -5.0, 0.0}, {0.0, 0.0, 0.0}, {0.0, 0.0, 1.0});
+    camera.GetCamera(position, target, x);
+    camera.GetLocalAxes(x, y, z);
+    camera.ResetAngle();
+    camera.RotateCamera(10.0F, AcGeVector3d::kZAxis);
+    camera.RotateCamera(10.0F, AcGeVector3d::kXAxis);
+    camera.PanCamera(1.0F, AcGeVector3d::kXAxis);
+    camera.ZoomCamera(1.0F);
+    EXPECT_THAT(recording.Listing(), IsEmpty());
+}
+
+TEST(CameraTrace, EveryOperationIsTracedUnderItsName)
+{
+    using Operation = std::function<void(KARVGLCamera&)>;
+    AcGePoint3d p;
+    AcGeVector3d v;
+    AcGeVector3d w;
+    AcGeVector3d u;
+    float zoom = 1.0F;
+    float fov = 40.0F;
+    const std::vector<std::pair<std::string, Operation>> operations = {
+        {"SetPosition", [](KARVGLCamera& c) { c.SetPosition({}); }},
+        {"SetTarget", [](KARVGLCamera& c) { c.SetTarget({}); }},
+        {"SetUpVector", [](KARVGLCamera& c) { c.SetUpVector({}); }},
+        {"SetFarPlaneDistance", [](KARVGLCamera& c) { c.SetFarPlaneDistance(1.0); }},
+        {"SetCamera", [](KARVGLCamera& c) { c.SetCamera({}, {}, {}); }},
+        {"GetCamera", [&](KARVGLCamera& c) { c.GetCamera(p, p, v); }},
+        {"GetLocalAxes", [&](KARVGLCamera& c) { c.GetLocalAxes(u, v, w); }},
+        {"ResetAngle", [](KARVGLCamera& c) { c.ResetAngle(); }},
+        {"UpdateCamera", [](KARVGLCamera& c) { c.UpdateCamera(); }},
+        {"RefreshCameraView", [](KARVGLCamera& c) { c.RefreshCameraView(40.0, 1.0, 1.0F); }},
+        {"SetPerspectiveOn", [](KARVGLCamera& c) { c.SetPerspectiveOn(false); }},
+        {"SetPerspectiveOn", [](KARVGLCamera& c) { c.SetPerspectiveOn(false); }},
+        {"SetPerspectiveOn", [](KARVGLCamera& c) { c.SetPerspectiveOn(true); }},
+        {"ZoomAt", [&](KARVGLCamera& c) { c.ZoomAt(zoom, fov); }},
+        {"SetViewFront", [](KARVGLCamera& c) { c.SetViewFront(); }},
+        {"SetViewBack", [](KARVGLCamera& c) { c.SetViewBack(); }},
+        {"SetViewLeft", [](KARVGLCamera& c) { c.SetViewLeft(); }},
+        {"SetViewRight", [](KARVGLCamera& c) { c.SetViewRight(); }},
+        {"SetViewTop", [](KARVGLCamera& c) { c.SetViewTop(); }},
+        {"SetViewBottom", [](KARVGLCamera& c) { c.SetViewBottom(); }},
+        {"SetViewSE", [](KARVGLCamera& c) { c.SetViewSE(); }},
+        {"SetViewSW", [](KARVGLCamera& c) { c.SetViewSW(); }},
+        {"SetViewNE", [](KARVGLCamera& c) { c.SetViewNE(); }},
+        {"SetViewNW", [](KARVGLCamera& c) { c.SetViewNW(); }},
+        {"RotateCamera", [](KARVGLCamera& c) { c.RotateCamera(1.0F, AcGeVector3d::kZAxis); }},
+        {"RotateCamera", [](KARVGLCamera& c) { c.RotateCamera(0.0F, AcGeVector3d::kZAxis); }},
+        {"PanCamera", [](KARVGLCamera& c) { c.PanCamera(1.0F, AcGeVector3d::kXAxis); }},
+        {"ZoomCamera", [](KARVGLCamera& c) { c.ZoomCamera(1.0F); }},
+    };
+    KARVGLCamera camera;
+    for (const auto& [name, operation] : operations) {
+        const TraceRecording trace;
+        operation(camera);
+        EXPECT_THAT(trace.OutermostCalls(), ElementsAre("KARVGLCamera::" + name));
+        EXPECT_THAT(trace.Faults(), IsEmpty());
+        EXPECT_EQ(trace.Listing().back(), "< KARVGLCamera::" + name);
+    }
+}
+
+TEST(CameraTrace, ConstructionCopyAssignmentAndDestructionAreNotTraced)
+{
+    const TraceRecording trace;
+    {
+        const KARVGLCamera camera;
+        const KARVGLCamera copy = camera;
+        KARVGLCamera assigned;
+        assigned = copy;
+    }
+    EXPECT_THAT(trace.Listing(), IsEmpty());
+}
+
+TEST(CameraTrace, StandardViewNestsTheOperationsItCalls)
+{
+    KARVGLCamera camera;
+    const TraceRecording trace;
+    camera.SetViewTop();
+    EXPECT_THAT(trace.Listing(), ElementsAre("> KARVGLCamera::SetViewTop", "> KARVGLCamera::SetViewFront",
+                                             "> KARVGLCamera::ResetAngle", "< KARVGLCamera::ResetAngle",
+                                             "> KARVGLCamera::UpdateCamera", "< KARVGLCamera::UpdateCamera",
+                                             "< KARVGLCamera::SetViewFront", "> KARVGLCamera::RotateCamera",
+                                             "< KARVGLCamera::RotateCamera", "> KARVGLCamera::UpdateCamera",
+                                             "< KARVGLCamera::UpdateCamera", "< KARVGLCamera::SetViewTop"));
+}
+
+TEST(CameraTrace, IsoViewTurnsTwice)
+{
+    KARVGLCamera camera;
+    const TraceRecording trace;
+    camera.SetViewSE();
+    EXPECT_THAT(trace.Calls(), ElementsAre("KARVGLCamera::SetViewSE", "KARVGLCamera::SetViewFront",
+                                           "KARVGLCamera::ResetAngle", "KARVGLCamera::UpdateCamera",
+                                           "KARVGLCamera::RotateCamera", "KARVGLCamera::RotateCamera",
+                                           "KARVGLCamera::UpdateCamera"));
+}
+
+TEST(CameraFault, FaultInTheLookAtIsReportedOnceAndSwallowed)
+{
+    KARVGLCamera camera;
+    const TraceRecording trace;
+    const auto hook = ThrowAt("gluLookAt", 1, 42);
+    EXPECT_NO_THROW(camera.UpdateCamera());
+    EXPECT_THAT(trace.Listing(), ElementsAre("> KARVGLCamera::UpdateCamera", "< KARVGLCamera::UpdateCamera",
+                                             R"(! .\KARVGLCamera.cpp)"));
+}
+
+TEST(CameraFault, FaultNamesItsOwnLine)
+{
+    KARVGLCamera camera;
+    const TraceRecording trace;
+    {
+        const auto hook = ThrowAt("gluLookAt", 1, 42);
+        camera.UpdateCamera();
+    }
+    {
+        const auto hook = ThrowAt("glMatrixMode", 1, 42);
+        camera.RefreshCameraView(40.0, 1.0, 1.0F);
+    }
+    const std::vector<std::string> faults = trace.Faults();
+    ASSERT_EQ(faults.size(), 2U);
+    EXPECT_THAT(faults[0], testing::MatchesRegex(R"(\.\\KARVGLCamera\.cpp:[1-9][0-9]*)"));
+    EXPECT_NE(faults[0], faults[1]);
+}
+
+TEST(CameraFault, InnerFaultOfAViewLeavesTheOuterRunning)
+{
+    KARVGLCamera camera;
+    const TraceRecording trace;
+    // The first look-at is the front view's; the view goes on to turn the eye and to look again.
+    const auto hook = ThrowAt("gluLookAt", 1, 42);
+    camera.SetViewBack();
+    EXPECT_TRUE(IsAt(camera.position, 0, 10, 0));
+    EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
+    EXPECT_EQ(trace.Listing().back(), "< KARVGLCamera::SetViewBack");
+}
+
+TEST(CameraFault, FieldsWrittenBeforeAFaultStay)
+{
+    // The first matrix mode is the projection's, the second one the model-view's, before the fields are
+    // stored.
+    KARVGLCamera camera;
+    {
+        const auto hook = ThrowAt("glMatrixMode", 2, 42);
+        camera.RefreshCameraView(20.0, 5.0, 2.0F);
+    }
+    EXPECT_TRUE(SameProjection(camera, KARVGLCamera()));
+
+    // Switching to parallel stores its zoom before it loads the projection, and the mode after it.
+    {
+        const auto hook = ThrowAt("glOrtho", 1, 42);
+        camera.SetPerspectiveOn(false);
+    }
+    EXPECT_EQ(camera.orthoZoom, 40.0 / 16.65999984741211);
+    EXPECT_TRUE(camera.perspectiveOn);
+}

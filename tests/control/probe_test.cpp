@@ -1,0 +1,439 @@
+// The probe for a multisampled pixel format: what it asks, what it takes as an answer, and what it remembers for
+// the controls that come later. Its two process-wide values show through the pixel format that a control gets.
+#include "tests/support/control_test.h"
+
+#include "platform/winsys/opengl.h"
+#include "platform/winsys/wgl_extensions.h"
+
+#include <array>
+
+using namespace karv_test;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace
+{
+
+/// How a query for 4 samples and one for 2 go.
+enum class Answer { kCallFails, kNoFormat, kFound };
+
+struct Query {
+    HDC dc = nullptr;
+    std::vector<int> attributes; ///< up to and with the final pair of zeros
+    std::array<float, 2> float_attributes{};
+    UINT max_formats = 0;
+};
+
+// What the scripted entry points answer and what they were asked: plain functions, as the system's are.
+const char* extensions = nullptr;
+Answer four_samples = Answer::kFound;
+Answer two_samples = Answer::kFound;
+int offered_format = 0;
+std::vector<HDC> asked_dcs;
+std::vector<Query> queries;
+
+const char* WINAPI GetExtensions(HDC dc)
+{
+    asked_dcs.push_back(dc);
+    return extensions;
+}
+
+BOOL WINAPI ChooseFormat(HDC dc, const int* attributes, const float* float_attributes, UINT max_formats, int* formats,
+                         UINT* count)
+{
+    Query query{dc, {}, {float_attributes[0], float_attributes[1]}, max_formats};
+    while (attributes[0] != 0) {
+        query.attributes.insert(query.attributes.end(), attributes, attributes + 2);
+        attributes += 2;
+    }
+    query.attributes.insert(query.attributes.end(), attributes, attributes + 2);
+    const int samples = query.attributes.at(query.attributes.size() - 3);
+    queries.push_back(query);
+    const Answer answer = samples == 4 ? four_samples : two_samples;
+    *count = answer == Answer::kFound ? 1 : 0;
+    if (answer == Answer::kFound)
+        *formats = offered_format;
+    return answer == Answer::kCallFails ? FALSE : TRUE;
+}
+
+template <typename Function>
+PROC ToProc(Function* function)
+{
+    return reinterpret_cast<PROC>(reinterpret_cast<void (*)()>(function));
+}
+
+class ControlProbe : public ControlTest
+{
+  protected:
+    ControlProbe()
+    {
+        extensions = "WGL_ARB_multisample";
+        four_samples = Answer::kFound;
+        two_samples = Answer::kFound;
+        asked_dcs.clear();
+        queries.clear();
+        plain_format_ = PlainFormat();
+        offered_format = plain_format_ == 1 ? 2 : 1;
+    }
+
+    /// The format that is chosen without a probe, learnt from a control that gets none.
+    int PlainFormat()
+    {
+        const EntryPointAnswer none("wglGetExtensionsStringARB", nullptr);
+        const GlAnswer no_string("glGetString", 0);
+        return NewControl(false, 0, 0)->pixelFormat;
+    }
+
+    /// Whether a control made now takes the format of the probe.
+    bool TakesOfferedFormat()
+    {
+        return NewControl(false, 0, 0)->pixelFormat == offered_format;
+    }
+
+    bool Accepts(const char* words)
+    {
+        extensions = words;
+        return TakesOfferedFormat();
+    }
+
+    /// The windows of the probe that still exist.
+    int LeftProbes() const
+    {
+        int left = 0;
+        for (const WindowCreation& creation : window_calls_.Creations())
+            left += creation.name == L"Dummy" && ::IsWindow(creation.window) ? 1 : 0;
+        return left;
+    }
+
+    EntryPointAnswer extensions_answer_{"wglGetExtensionsStringARB", ToProc(&GetExtensions)};
+    EntryPointAnswer choose_answer_{"wglChoosePixelFormatARB", ToProc(&ChooseFormat)};
+    int plain_format_ = 0;
+};
+
+TEST_F(ControlProbe, FourSamplesFoundGiveTheirFormatWithOneQuery)
+{
+    const auto control = NewControl();
+    EXPECT_EQ(control->pixelFormat, offered_format);
+    EXPECT_EQ(queries.size(), 1U);
+    EXPECT_EQ(::GetPixelFormat(control->hDC), offered_format);
+}
+
+TEST_F(ControlProbe, TheQueryListsItsAttributesInOrder)
+{
+    const auto control = NewControl();
+    ASSERT_EQ(queries.size(), 1U);
+    EXPECT_THAT(queries[0].attributes,
+                ElementsAre(WGL_DRAW_TO_WINDOW_ARB, 1, WGL_SUPPORT_OPENGL_ARB, 1, WGL_ACCELERATION_ARB,
+                            WGL_FULL_ACCELERATION_ARB, WGL_COLOR_BITS_ARB, 24, WGL_ALPHA_BITS_ARB, 8,
+                            WGL_DEPTH_BITS_ARB, 16, WGL_STENCIL_BITS_ARB, 0, WGL_DOUBLE_BUFFER_ARB, 1,
+                            WGL_SAMPLE_BUFFERS_ARB, 1, WGL_SAMPLES_ARB, 4, 0, 0));
+    EXPECT_THAT(queries[0].float_attributes, ElementsAre(0.0F, 0.0F));
+    EXPECT_EQ(queries[0].max_formats, 1U);
+}
+
+TEST_F(ControlProbe, TheQueriesAndTheStringConcernTheProbeWindow)
+{
+    window_calls_.Clear();
+    const auto control = NewControl();
+    const WindowCreation& dummy = window_calls_.Creations().back();
+    ASSERT_EQ(dummy.name, L"Dummy");
+    const HDC dummy_dc = queries.at(0).dc;
+    EXPECT_EQ(window_calls_.NameOf(dummy_dc), "dc of Dummy");
+    EXPECT_THAT(asked_dcs, Contains(dummy_dc)); // the current device context is the probe window's own one
+}
+
+TEST_F(ControlProbe, OnlyTwoSamplesFoundWinWithTheSecondQuery)
+{
+    four_samples = Answer::kNoFormat;
+    const auto control = NewControl();
+    EXPECT_EQ(control->pixelFormat, offered_format);
+    ASSERT_EQ(queries.size(), 2U);
+    std::vector<int> expected = queries[0].attributes;
+    expected.at(expected.size() - 3) = 2; // the value of the last pair before the zeros
+    EXPECT_EQ(queries[1].attributes, expected);
+}
+
+TEST_F(ControlProbe, AFailedCallForFourSamplesIsFollowedByTwo)
+{
+    four_samples = Answer::kCallFails;
+    EXPECT_TRUE(TakesOfferedFormat());
+    EXPECT_EQ(queries.size(), 2U);
+}
+
+TEST_F(ControlProbe, NoFormatForEitherNumberFallsBack)
+{
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    const auto control = NewControl();
+    EXPECT_EQ(control->pixelFormat, plain_format_);
+    EXPECT_EQ(queries.size(), 2U);
+}
+
+TEST_F(ControlProbe, FailedCallsForBothNumbersFallBack)
+{
+    four_samples = Answer::kCallFails;
+    two_samples = Answer::kCallFails;
+    EXPECT_FALSE(TakesOfferedFormat());
+}
+
+TEST_F(ControlProbe, SuccessDestroysTheProbeWindowAndItsContext)
+{
+    const int before = LeftProbes();
+    window_calls_.Clear();
+    const auto control = NewControl();
+    EXPECT_EQ(LeftProbes(), before);
+    EXPECT_THAT(window_calls_.Listing(), Contains("DestroyWindow(Dummy)"));
+}
+
+TEST_F(ControlProbe, TheFallbackLeavesTheProbeWindowHiddenWithItsContext)
+{
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    const int before = LeftProbes();
+    const auto contexts_before = window_calls_.Contexts().size();
+    window_calls_.Clear();
+    const auto control = NewControl();
+    EXPECT_EQ(LeftProbes(), before + 1);
+    const WindowCreation& dummy = window_calls_.Creations().back();
+    ASSERT_EQ(dummy.name, L"Dummy");
+    EXPECT_TRUE(::IsWindow(dummy.window));
+    EXPECT_FALSE(::IsWindowVisible(dummy.window));
+    for (const std::string& line : window_calls_.Listing()) {
+        EXPECT_FALSE(line.starts_with("wglDeleteContext")) << line;
+        EXPECT_FALSE(line.starts_with("ReleaseDC")) << line;
+        EXPECT_FALSE(line.ends_with(", none)")) << line;
+    }
+    ASSERT_EQ(window_calls_.Contexts().size(), contexts_before + 2);
+    // The context is alive: it can be made current once more.
+    EXPECT_TRUE(::wglMakeCurrent(queries.at(0).dc, window_calls_.Contexts().at(contexts_before)));
+}
+
+TEST_F(ControlProbe, TheFallbackMakesTheControlsOwnContextCurrent)
+{
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    const auto control = NewControl();
+    EXPECT_EQ(::wglGetCurrentContext(), control->hRC);
+    EXPECT_EQ(::GetPixelFormat(control->hDC), plain_format_);
+}
+
+TEST_F(ControlProbe, TheNameAloneIsAHit)
+{
+    EXPECT_TRUE(Accepts("WGL_ARB_multisample"));
+}
+
+TEST_F(ControlProbe, TheNameAtTheVeryStartIsAHit)
+{
+    EXPECT_TRUE(Accepts("WGL_ARB_multisample WGL_ARB_pixel_format"));
+}
+
+TEST_F(ControlProbe, TheNameAtTheVeryEndIsAHit)
+{
+    EXPECT_TRUE(Accepts("WGL_ARB_pixel_format WGL_ARB_multisample"));
+}
+
+TEST_F(ControlProbe, TheNameBetweenSpacesIsAHit)
+{
+    EXPECT_TRUE(Accepts("WGL_A WGL_ARB_multisample WGL_B"));
+}
+
+TEST_F(ControlProbe, TheNameBeforeATrailingSpaceIsAHit)
+{
+    EXPECT_TRUE(Accepts("WGL_ARB_multisample "));
+}
+
+TEST_F(ControlProbe, TheStartOfALongerWordIsAMiss)
+{
+    EXPECT_FALSE(Accepts("WGL_ARB_multisample_more WGL_B"));
+}
+
+TEST_F(ControlProbe, TheEndOfALongerWordIsAMiss)
+{
+    EXPECT_FALSE(Accepts("MY_WGL_ARB_multisample"));
+}
+
+TEST_F(ControlProbe, ATabIsNoWordBoundary)
+{
+    EXPECT_FALSE(Accepts("WGL_A\tWGL_ARB_multisample"));
+    EXPECT_FALSE(Accepts("WGL_ARB_multisample\tWGL_B"));
+}
+
+TEST_F(ControlProbe, AnExactNameAfterALongerWordIsAHit)
+{
+    EXPECT_TRUE(Accepts("WGL_ARB_multisample_more WGL_ARB_multisample"));
+}
+
+TEST_F(ControlProbe, AnExactNameAfterARejectedOneInTheSameWordIsAMiss)
+{
+    EXPECT_FALSE(Accepts("WGL_ARB_multisampleWGL_ARB_multisample"));
+}
+
+TEST_F(ControlProbe, AnExactNameAfterManyRejectedOnesIsAHit)
+{
+    EXPECT_TRUE(Accepts("xWGL_ARB_multisample WGL_ARB_multisamplex xWGL_ARB_multisample WGL_ARB_multisample"));
+}
+
+TEST_F(ControlProbe, AnEmptyStringIsAMissWithoutAQuery)
+{
+    EXPECT_FALSE(Accepts(""));
+    EXPECT_THAT(queries, IsEmpty());
+}
+
+TEST_F(ControlProbe, ADifferentCaseIsAMiss)
+{
+    EXPECT_FALSE(Accepts("wgl_arb_multisample"));
+}
+
+TEST_F(ControlProbe, ATruncatedNameIsAMiss)
+{
+    EXPECT_FALSE(Accepts("WGL_ARB_multisampl"));
+}
+
+TEST_F(ControlProbe, AMissingStringEntryPointAsksGlForItsExtensions)
+{
+    const EntryPointAnswer none("wglChoosePixelFormatARB", nullptr);
+    window_calls_.Clear();
+    const GlRecording gl;
+    extensions = nullptr;
+    const auto control = NewControl();
+    ASSERT_FALSE(gl.Calls().empty());
+    EXPECT_EQ(gl.Calls().front().text, "glGetString(GL_EXTENSIONS)");
+}
+
+TEST_F(ControlProbe, AStringThatIsThereIsNotAskedOfGl)
+{
+    const GlRecording gl;
+    const auto control = NewControl();
+    EXPECT_EQ(gl.Count("glGetString"), 0);
+}
+
+TEST_F(ControlProbe, AnEmptyStringIsThereAndIsNotAskedOfGl)
+{
+    extensions = "";
+    const GlRecording gl;
+    const auto control = NewControl();
+    EXPECT_EQ(gl.Count("glGetString"), 0);
+}
+
+TEST_F(ControlProbe, ANullStringIsReplacedByThatOfGl)
+{
+    extensions = nullptr;
+    const char* const words = "GL_EXT_one WGL_ARB_multisample";
+    const GlAnswer answer("glGetString", reinterpret_cast<std::uintptr_t>(words), GL_EXTENSIONS);
+    EXPECT_TRUE(TakesOfferedFormat());
+}
+
+TEST_F(ControlProbe, NullStringsFromBothFallBackWithoutAQuery)
+{
+    extensions = nullptr;
+    const GlAnswer answer("glGetString", 0, GL_EXTENSIONS);
+    EXPECT_FALSE(TakesOfferedFormat());
+    EXPECT_THAT(queries, IsEmpty());
+}
+
+TEST_F(ControlProbe, ASecondControlUsesTheRememberedFormatWhenBothQueriesFail)
+{
+    const auto first = NewControl();
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kCallFails;
+    window_calls_.Clear();
+    const auto second = NewControl();
+    EXPECT_EQ(second->pixelFormat, offered_format);
+    EXPECT_THAT(window_calls_.Listing(), Contains("DestroyWindow(Dummy)"));
+}
+
+TEST_F(ControlProbe, AfterTheFirstControlIsGoneANewOneFallsBack)
+{
+    auto first = NewControl();
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    first.reset();
+    EXPECT_FALSE(TakesOfferedFormat());
+}
+
+TEST_F(ControlProbe, AnyControlThatGoesMakesTheOthersFallBack)
+{
+    const auto first = NewControl();
+    auto second = NewControl();
+    second.reset();
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    EXPECT_FALSE(TakesOfferedFormat());
+}
+
+TEST_F(ControlProbe, AMissingNameForgetsTheRememberedFormat)
+{
+    const auto first = NewControl();
+    extensions = "";
+    const auto second = NewControl();
+    EXPECT_EQ(second->pixelFormat, plain_format_);
+    extensions = "WGL_ARB_multisample";
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    const auto third = NewControl();
+    EXPECT_EQ(third->pixelFormat, plain_format_);
+}
+
+TEST_F(ControlProbe, AMissingQueryForgetsTheRememberedFormat)
+{
+    const auto first = NewControl();
+    extensions = nullptr;
+    const GlAnswer no_string("glGetString", 0, GL_EXTENSIONS);
+    const auto second = NewControl();
+    EXPECT_EQ(second->pixelFormat, plain_format_);
+    extensions = "WGL_ARB_multisample";
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    const auto third = NewControl();
+    EXPECT_EQ(third->pixelFormat, plain_format_);
+}
+
+TEST_F(ControlProbe, ALaterSuccessReplacesTheRememberedFormat)
+{
+    const auto first = NewControl();
+    const int remembered = offered_format;
+    offered_format = plain_format_;
+    const auto second = NewControl();
+    EXPECT_EQ(first->pixelFormat, remembered);
+    EXPECT_EQ(second->pixelFormat, plain_format_);
+}
+
+/// The probe against a driver as it is, which refuses a number of samples or hides an entry point.
+class ControlProbeOfDriver : public ControlTest
+{
+  protected:
+    static int Samples()
+    {
+        constexpr GLenum kSamples = 0x80A9;
+        GLint samples = 0;
+        glGetIntegerv(kSamples, &samples);
+        return samples;
+    }
+};
+
+TEST_F(ControlProbeOfDriver, TheDriversOwnFormatsGiveFourSamples)
+{
+    const auto control = NewControl();
+    EXPECT_EQ(Samples(), 4);
+}
+
+TEST_F(ControlProbeOfDriver, AHiddenQueryEntryPointGivesAPlainContext)
+{
+    const EntryPointAnswer none("wglChoosePixelFormatARB", nullptr);
+    const auto control = NewControl();
+    ASSERT_NE(control->hRC, nullptr);
+    EXPECT_EQ(Samples(), 0);
+}
+
+TEST_F(ControlProbeOfDriver, AHiddenStringEntryPointGivesAPlainContext)
+{
+    // The driver's own GL extensions do not name an extension of the window system.
+    const EntryPointAnswer none("wglGetExtensionsStringARB", nullptr);
+    const auto control = NewControl();
+    ASSERT_NE(control->hRC, nullptr);
+    EXPECT_EQ(Samples(), 0);
+}
+
+} // namespace

@@ -1,0 +1,53 @@
+// Faces that the geometry's tests share.
+#pragma once
+
+#include "geometry/KARVGraphicalEntity.h"
+
+#include <initializer_list>
+#include <vector>
+
+namespace karv_test
+{
+
+inline constexpr unsigned short kRed = 1;
+inline constexpr unsigned short kGreen = 3;
+
+inline KARVGLFace Face(std::initializer_list<KARVGLVertex> corners,
+                       const KARVGLVertex& normal = {0.0, 0.0, 1.0})
+{
+    KARVGLFace face;
+    face.vertices = corners;
+    face.normal = normal;
+    return face;
+}
+
+inline KARVGLFace Triangle()
+{
+    return Face({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}});
+}
+
+/// A square of `side` in the plane z = 0, its lower left corner at the origin.
+inline KARVGLFace Square(double side = 1.0)
+{
+    return Face({{0.0, 0.0, 0.0}, {side, 0.0, 0.0}, {side, side, 0.0}, {0.0, side, 0.0}});
+}
+
+/// An L whose notch is the square from (1, 1) to (2, 2). It starts where a fan from the first corner covers
+/// the notch.
+inline KARVGLFace LShape()
+{
+    return Face({{2.0, 0.0, 0.0},
+                 {2.0, 1.0, 0.0},
+                 {1.0, 1.0, 0.0},
+                 {1.0, 2.0, 0.0},
+                 {0.0, 2.0, 0.0},
+                 {0.0, 0.0, 0.0}});
+}
+
+/// An entity of one face, in red.
+inline KARVGraphicalEntity EntityOf(const KARVGLFace& face)
+{
+    return KARVGraphicalEntity(std::vector<KARVGLFace>{face}, KARVGraphicalEntity::EntityType2, kRed);
+}
+
+} // namespace karv_test

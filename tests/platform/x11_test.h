@@ -1,0 +1,70 @@
+// The fixture of the tests that look at the X server from both sides: the window layer with its x11 backend,
+// and another program on the same display.
+#pragma once
+
+#include "platform/winsys/provider.h"
+#include "platform/winsys/winsys.h"
+#include "tests/support/x_client.h"
+#include "tests/support/x_server.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace karv_test
+{
+
+class X11Test : public testing::Test
+{
+  protected:
+    using Size = std::pair<int, int>;
+
+    X11Test();
+    ~X11Test() override;
+
+    /// A window of a recorded class at (100, 50) unless given; its X window is found by its title.
+    HWND Make(const std::wstring& title, DWORD style, HWND parent, RECT place = {100, 50, 300, 200});
+    /// A shown top-level window.
+    HWND MakeShown(const std::wstring& title, RECT place = {100, 50, 300, 200});
+    /// A shown child at (10, 20) of 80 x 60 pixels unless given.
+    HWND MakeChild(HWND parent, RECT place = {10, 20, 90, 80});
+    /// Gives the window the format for 16 depth bits, and a context that is current on it.
+    HGLRC MakeCurrentContext(HWND window);
+    /// Draws a frame of one colour, 0 or 1 a channel, and swaps.
+    static bool Show(HWND window, float red, float green, float blue);
+
+    /// The X window of a top-level window with this title.
+    XClient::Id IdOf(const std::string& title);
+    /// The only X window in this one.
+    XClient::Id OnlyChildOf(XClient::Id window);
+
+    /// Dispatches what has arrived, without waiting.
+    static void PumpArrived();
+    /// Waits for messages and dispatches them until the condition holds; whether it came to hold in a minute.
+    static bool PumpUntil(const std::function<bool()>& condition);
+    /// Whether a foreign loop would find the message descriptor readable now.
+    static bool IsDescriptorReadable();
+
+    /// Messages since the last call, without those that only come with time (WM_TIMER).
+    std::vector<MSG> TakeMessages() { return std::exchange(messages_, {}); }
+    /// Those of one kind since the start or the last `TakeMessages`.
+    [[nodiscard]] std::vector<MSG> MessagesOf(UINT message) const;
+    [[nodiscard]] int CountOf(UINT message) const { return static_cast<int>(MessagesOf(message).size()); }
+    [[nodiscard]] static Size ClientSizeOf(HWND window);
+
+    XClient client_{SharedXServer().Display()};
+
+  private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+    static X11Test* running_;
+    std::vector<MSG> messages_;
+    std::vector<HWND> made_;
+    std::vector<HGLRC> contexts_;
+};
+
+} // namespace karv_test

@@ -1,0 +1,127 @@
+// Top-level windows under a window manager, which frames them, moves them and gives them the focus in its own
+// time.
+#include "tests/platform/x11_test.h"
+
+#include "tests/support/child_process.h"
+
+#include <chrono>
+
+namespace karv_test
+{
+
+class X11WindowManager : public X11Test
+{
+  protected:
+    X11WindowManager()
+    {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (!client_.HasWindowManager() && std::chrono::steady_clock::now() < limit) {
+        }
+        EXPECT_TRUE(client_.HasWindowManager());
+    }
+
+    /// A top-level window that the window manager has put on the screen and given the focus.
+    HWND MakeManaged()
+    {
+        const HWND window = Make(L"managed", WS_OVERLAPPEDWINDOW | WS_VISIBLE, nullptr, {200, 150, 500, 350});
+        EXPECT_TRUE(PumpUntil([&] { return client_.IsSeen(IdOf("managed")) && GetFocus() == window; }));
+        return window;
+    }
+
+    [[nodiscard]] static Size OriginOf(HWND window)
+    {
+        POINT origin{};
+        ClientToScreen(window, &origin);
+        return {origin.x, origin.y};
+    }
+
+  private:
+    // Before the window manager, so that it outlives it.
+    const std::string& display_ = SharedXServer().Display();
+    ChildProcess window_manager_{{"env", "DISPLAY=" + display_, "openbox", "--sm-disable"}};
+};
+
+TEST_F(X11WindowManager, FramesTheWindowAroundItsClientArea)
+{
+    const HWND window = MakeManaged();
+    const XClient::Id id = IdOf("managed");
+    EXPECT_NE(client_.ParentOf(id), client_.Root());
+    EXPECT_TRUE(PumpUntil([&] { return OriginOf(window) == client_.PositionOnScreen(id); }));
+    EXPECT_EQ(OriginOf(window), Size(200, 150)) << "the client area is where the program put it";
+    EXPECT_EQ(ClientSizeOf(window), Size(300, 200));
+}
+
+TEST_F(X11WindowManager, ProgramsOwnMoveIsExact)
+{
+    const HWND window = MakeManaged();
+    const XClient::Id id = IdOf("managed");
+    for (const LONG x : {300, 310, 320}) {
+        MoveWindow(window, x, 200, 250, 150, TRUE);
+        EXPECT_TRUE(PumpUntil([&] {
+            return client_.PositionOnScreen(id) == Size(x, 200) && client_.SizeOf(id) == Size(250, 150);
+        }));
+        PumpArrived();
+        EXPECT_EQ(OriginOf(window), Size(x, 200));
+        EXPECT_EQ(ClientSizeOf(window), Size(250, 150));
+    }
+}
+
+TEST_F(X11WindowManager, MoveAndResizeByTheManagerAreFollowed)
+{
+    const HWND window = MakeManaged();
+    const XClient::Id id = IdOf("managed");
+    client_.MoveResize(id, 330, 220, 280, 170);
+    EXPECT_TRUE(PumpUntil([&] { return ClientSizeOf(window) == Size(280, 170); }));
+    EXPECT_TRUE(PumpUntil([&] { return OriginOf(window) == client_.PositionOnScreen(id); }));
+}
+
+TEST_F(X11WindowManager, MouseAndWheelHaveTheirPlacesInsideTheFrame)
+{
+    const HWND window = MakeManaged();
+    const auto [left, top] = client_.PositionOnScreen(IdOf("managed"));
+    TakeMessages();
+    client_.MovePointer(left + 30, top + 40);
+    client_.Click(4);
+    ASSERT_TRUE(PumpUntil([&] { return CountOf(WM_MOUSEWHEEL) == 1; }));
+    EXPECT_EQ(MessagesOf(WM_MOUSEMOVE).back().lParam, MAKELPARAM(30, 40));
+    EXPECT_EQ(MessagesOf(WM_MOUSEWHEEL).front().lParam, MAKELPARAM(left + 30, top + 40));
+    EXPECT_EQ(MessagesOf(WM_MOUSEWHEEL).front().hwnd, window);
+}
+
+TEST_F(X11WindowManager, FocusOfABackgroundWindowIsNotTaken)
+{
+    const HWND back = MakeManaged();
+    const HWND child = MakeChild(back, {0, 0, 50, 50});
+    const HWND front = Make(L"front", WS_OVERLAPPEDWINDOW | WS_VISIBLE, nullptr, {50, 50, 150, 100});
+    ASSERT_TRUE(PumpUntil([&] { return GetFocus() == front && client_.Focused() == IdOf("front"); }));
+    SetFocus(child);
+    PumpArrived();
+    EXPECT_EQ(GetFocus(), child);
+    EXPECT_EQ(client_.Focused(), IdOf("front"));
+}
+
+TEST_F(X11WindowManager, HiddenAndShownAgainItComesBack)
+{
+    const HWND window = MakeManaged();
+    const XClient::Id id = IdOf("managed");
+    ShowWindow(window, SW_HIDE);
+    EXPECT_TRUE(PumpUntil([&] { return !client_.IsSeen(id); }));
+    ShowWindow(window, SW_SHOW);
+    EXPECT_TRUE(PumpUntil([&] { return client_.IsSeen(id); }));
+    EXPECT_TRUE(IsWindowVisible(window));
+}
+
+TEST_F(X11WindowManager, WindowShownLateIsPaintedWhenItAppears)
+{
+    const HWND window = MakeManaged();
+    MakeCurrentContext(window);
+    PumpArrived();
+    ShowWindow(window, SW_HIDE);
+    ASSERT_TRUE(PumpUntil([&] { return !client_.IsSeen(IdOf("managed")); }));
+    ShowWindow(window, SW_SHOW);
+    ValidateRect(window, nullptr);
+    TakeMessages();
+    EXPECT_TRUE(PumpUntil([&] { return CountOf(WM_PAINT) > 0 && client_.IsSeen(IdOf("managed")); }));
+}
+
+} // namespace karv_test

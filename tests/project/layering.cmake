@@ -1,0 +1,75 @@
+# Fails when a file includes what its folder must not know, or asks outside platform/ which operating system it is on.
+#
+#   cmake -D ROOT=<tree> -P layering.cmake
+cmake_minimum_required(VERSION 3.25)
+
+# What a file may include, as path prefixes. The first rule whose pattern matches the file holds.
+set(rules
+    "^platform/tools/=platform/tools/|platform/winsys/export.h"
+    "^platform/host/=platform/host/|platform/winsys/export.h"
+    "^platform/framework/=platform/framework/|platform/winsys/winsys.h|platform/winsys/export.h"
+    "^platform/winsys/=platform/winsys/|platform/tools/trace.h"
+    "^platform/=platform/"
+    "^module/guard.h=platform/tools/trace.h"
+    "^camera/=camera/|module/guard.h|PLATFORM"
+    "^geometry/=geometry/|module/guard.h|PLATFORM"
+    "^control/=control/|camera/|geometry/|module/guard.h|PLATFORM"
+    "^module/=module/|control/|camera/|geometry/|PLATFORM"
+    "^viewer/=viewer/|BOUNDARY|PLATFORM"
+    "^examples/=examples/|BOUNDARY|PLATFORM"
+    "^tests/=.*")
+# The boundary of the module, which is all that its clients may include of it.
+set(boundary "control/KARVOpenGLControl.h|camera/KARVGLCamera.h|geometry/KARVG[A-Za-z]+.h")
+# The folders that implement the window system belong to it alone.
+set(platform "platform/(tools|host|framework)/|platform/winsys/[a-z_]+.h")
+set(system_macros "_WIN32|_WIN64|WIN32|__linux__|__linux|__unix__|__APPLE__|_MSC_VER|__MINGW32__|__MINGW64__")
+
+set(found 0)
+macro(report message)
+  message(NOTICE "${message}")
+  math(EXPR found "${found} + 1")
+endmacro()
+
+set(patterns "")
+foreach(folder IN ITEMS camera control examples geometry module platform tests viewer)
+  list(APPEND patterns "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
+endforeach()
+file(GLOB_RECURSE files RELATIVE "${ROOT}" ${patterns})
+if(NOT files)
+  message(FATAL_ERROR "no sources under ${ROOT}")
+endif()
+
+foreach(file IN LISTS files)
+  set(allowed "")
+  foreach(rule IN LISTS rules)
+    string(REGEX REPLACE "=.*$" "" pattern "${rule}")
+    if(file MATCHES "${pattern}")
+      string(REGEX REPLACE "^[^=]+=" "" allowed "${rule}")
+      break()
+    endif()
+  endforeach()
+  string(REPLACE "BOUNDARY" "${boundary}" allowed "${allowed}")
+  string(REPLACE "PLATFORM" "${platform}" allowed "${allowed}")
+
+  # Project headers are the quoted ones, and those in angle brackets that begin with a folder of the project.
+  file(STRINGS "${ROOT}/${file}" includes REGEX
+       "^[ \t]*#[ \t]*include[ \t]*(\"|<(camera|control|examples|geometry|module|platform|tests|viewer)/)")
+  foreach(line IN LISTS includes)
+    string(REGEX REPLACE "^[ \t]*#[ \t]*include[ \t]*[\"<]([^\">]*)[\">].*$" "\\1" header "${line}")
+    if(NOT header MATCHES "^(${allowed})")
+      report("${file} must not include ${header}")
+    endif()
+  endforeach()
+
+  if(NOT file MATCHES "^platform/")
+    file(STRINGS "${ROOT}/${file}" conditions REGEX
+         "^[ \t]*#[ \t]*(if|ifdef|ifndef|elif)[ \t(!].*(${system_macros})")
+    foreach(line IN LISTS conditions)
+      report("${file} asks for the operating system: ${line}")
+    endforeach()
+  endif()
+endforeach()
+
+if(found GREATER 0)
+  message(FATAL_ERROR "${found} breaches of the layering")
+endif()

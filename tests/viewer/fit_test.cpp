@@ -1,0 +1,241 @@
+#include "viewer/fit.h"
+
+#include "platform/winsys/backend.h"
+#include "platform/winsys/opengl.h"
+#include "platform/winsys/provider.h"
+#include "viewer/bundled_model.h"
+#include "viewer/offscreen_view.h"
+#include "viewer/options.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <string>
+
+namespace viewer
+{
+namespace
+{
+
+constexpr double kDegree = 3.14159265358979323846 / 180.0;
+
+Box BoxOf(const Point& min, const Point& max)
+{
+    Box box;
+    box.Add(min);
+    box.Add(max);
+    return box;
+}
+
+/// A closed box of six faces.
+Model BoxModel(const Box& box)
+{
+    const auto c = box.Corners();
+    Model model;
+    Piece piece;
+    for (const auto& face : {std::array{0, 2, 3, 1}, std::array{4, 5, 7, 6}, std::array{0, 1, 5, 4},
+                             std::array{2, 6, 7, 3}, std::array{0, 4, 6, 2}, std::array{1, 3, 7, 5}}) {
+        std::vector<Point> corners;
+        for (const int index : face)
+            corners.push_back(c.at(static_cast<std::size_t>(index)));
+        if (auto made = MakeFace(std::move(corners))) // the sides of a flat box are none
+            piece.faces.push_back(std::move(*made));
+    }
+    model.pieces.push_back(std::move(piece));
+    return model;
+}
+
+/// Where a point of the scene lies in the viewport of the current context: -1 to 1 from edge to edge, and in
+/// depth.
+Point ProjectToViewport(const Point& point)
+{
+    std::array<double, 16> view{};
+    std::array<double, 16> projection{};
+    const std::array<GLint, 4> viewport{-1, -1, 2, 2};
+    glGetDoublev(GL_MODELVIEW_MATRIX, view.data());
+    glGetDoublev(GL_PROJECTION_MATRIX, projection.data());
+    Point result;
+    gluProject(point.x, point.y, point.z, view.data(), projection.data(), viewport.data(), &result.x,
+               &result.y, &result.z);
+    return result;
+}
+
+void UseHeadless()
+{
+    winsys::UseBackend(winsys::MakeHeadlessBackend());
+}
+
+TEST(FitGrowth, LeavesAMarginAroundTheSphereOfTheModelInBothProjections)
+{
+    for (const double aspect : {0.2, 0.5, 0.99, 1.0, 1.01, 4.0 / 3.0, 1.45, 1.46, 2.0, 5.0}) {
+        // For a sphere of radius 1 the eye stands at 1.2 times the grown diagonal of 2.
+        const double distance = 1.2 * 2.0 * FitGrowth(aspect);
+        const double sideways = std::atan(aspect * std::tan(20.0 * kDegree));
+        EXPECT_GT(distance * std::sin(20.0 * kDegree), 1.04) << aspect;
+        EXPECT_GT(distance * std::sin(sideways), 1.04) << aspect;
+        EXPECT_GT(distance * 0.5, 1.04) << aspect;
+        EXPECT_GT(distance * 0.5 / aspect, 1.04) << aspect;
+    }
+}
+
+TEST(ScenePlacement, PutsTheModelAtTheOriginAtTheSizeThatTheDepthRangeLikes)
+{
+    const ScenePlacement placement(BoxOf({1e6, -5e6, 2e6}, {1e6 + 3, -5e6 + 4, 2e6 + 12}));
+    EXPECT_EQ(placement.SceneBox().min, (Point{0, 0, 0}));
+    const Box fitted = placement.FittedBox(1.0);
+    EXPECT_NEAR(1.2 * fitted.Diagonal(), kSceneSize, 1e-12);
+    // The edges are 3, 4 and 12 still, in proportion.
+    const Point edges = placement.SceneBox().max;
+    EXPECT_NEAR(edges.y / edges.x, 4.0 / 3.0, 1e-12);
+    EXPECT_NEAR(edges.z / edges.x, 4.0, 1e-12);
+}
+
+TEST(ScenePlacement, TheFittedBoxKeepsTheCentre)
+{
+    const ScenePlacement placement(BoxOf({-1, -2, -3}, {4, 8, 1}));
+    for (const double aspect : {0.2, 1.0, 5.0}) {
+        const Point offset = placement.FittedBox(aspect).Center() - placement.SceneBox().Center();
+        EXPECT_LT(Length(offset), 1e-15) << aspect;
+    }
+}
+
+class FittedSceneView : public testing::TestWithParam<PictureSize>
+{
+};
+
+TEST_P(FittedSceneView, ShowsTheWholeBoxWithAMarginFromEveryStandardView)
+{
+    UseHeadless();
+    const auto [width, height] = GetParam();
+    const double aspect = static_cast<double>(width) / height;
+    for (const Box& box : {BoxOf({0, 0, 0}, {1, 1, 1}), BoxOf({-700, 50, 1}, {700, 60, 2}),
+                           BoxOf({1e-6, 0, 0}, {2e-6, 1e-4, 1e-6}), BoxOf({0, 0, 0}, {3, 2, 0})}) {
+        OffscreenView view(width, height, false);
+        FittedScene scene(view.Control(), BoxModel(box));
+        const ScenePlacement placement(box);
+        for (const Projection projection :
+             {Projection::Perspective, Projection::Parallel, Projection::Perspective})
+            for (const StandardView standard_view : kStandardViews) {
+                scene.Show(standard_view, projection, aspect);
+                for (const Point& corner : box.Corners()) {
+                    const Point seen = ProjectToViewport(placement.ToScene(corner));
+                    const std::string where(NameOf(standard_view));
+                    EXPECT_LT(std::abs(seen.x), 0.98) << where;
+                    EXPECT_LT(std::abs(seen.y), 0.98) << where;
+                    EXPECT_GT(seen.z, 0.0) << where;
+                    EXPECT_LT(seen.z, 1.0) << where;
+                }
+            }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Aspects, FittedSceneView,
+                         testing::Values(PictureSize{60, 300}, PictureSize{100, 200}, PictureSize{100, 101},
+                                         PictureSize{100, 100}, PictureSize{160, 120}, PictureSize{146, 100},
+                                         PictureSize{300, 60}),
+                         [](const auto& test) {
+                             return std::to_string(test.param.width) + "x" +
+                                    std::to_string(test.param.height);
+                         });
+
+TEST(FittedScene, LooksFromTheSideThatTheViewIsNamedFor)
+{
+    UseHeadless();
+    OffscreenView view(100, 100, false);
+    const Box box = BoxOf({0, 0, 0}, {1, 1, 1});
+    FittedScene scene(view.Control(), BoxModel(box));
+    const ScenePlacement placement(box);
+    struct Case {
+        StandardView view;
+        Point near_corner; ///< of the box, in the middle of what is nearest
+        Point far_corner;
+    };
+    for (const Case& c :
+         {Case{StandardView::Front, {.5, 0, .5}, {.5, 1, .5}},
+          Case{StandardView::Back, {.5, 1, .5}, {.5, 0, .5}},
+          Case{StandardView::Left, {0, .5, .5}, {1, .5, .5}},
+          Case{StandardView::Right, {1, .5, .5}, {0, .5, .5}},
+          Case{StandardView::Top, {.5, .5, 1}, {.5, .5, 0}},
+          Case{StandardView::Bottom, {.5, .5, 0}, {.5, .5, 1}}, Case{StandardView::SE, {1, 0, 1}, {0, 1, 0}},
+          Case{StandardView::SW, {0, 0, 1}, {1, 1, 0}}, Case{StandardView::NE, {1, 1, 1}, {0, 0, 0}},
+          Case{StandardView::NW, {0, 1, 1}, {1, 0, 0}}}) {
+        scene.Show(c.view, Projection::Perspective, 1.0);
+        const Point near_point = ProjectToViewport(placement.ToScene(c.near_corner));
+        const Point far_point = ProjectToViewport(placement.ToScene(c.far_corner));
+        EXPECT_LT(near_point.z, far_point.z) << NameOf(c.view);
+        EXPECT_NEAR(near_point.x, 0.0, 1e-4) << NameOf(c.view);
+        EXPECT_NEAR(near_point.y, 0.0, 1e-4) << NameOf(c.view);
+    }
+}
+
+TEST(FittedScene, FramesShowTheModelInsideAnUntouchedBorder)
+{
+    UseHeadless();
+    constexpr int kWidth = 160;
+    constexpr int kHeight = 120;
+    constexpr std::uint32_t kBackground = 0x102030;
+    OffscreenView view(kWidth, kHeight, false);
+    view.Control().SetBgColor(0x10, 0x20, 0x30);
+    FittedScene scene(view.Control(), MakeBundledModel());
+    for (const StandardView standard_view : kStandardViews) {
+        scene.Show(standard_view, Projection::Perspective, 4.0 / 3.0);
+        const Picture picture = view.TakePicture();
+        ASSERT_EQ(picture.width, kWidth);
+        ASSERT_EQ(picture.height, kHeight);
+        int drawn = 0;
+        for (int row = 0; row < kHeight; ++row)
+            for (int column = 0; column < kWidth; ++column) {
+                const bool border = row == 0 || column == 0 || row == kHeight - 1 || column == kWidth - 1;
+                const bool background = picture.At(column, row) == kBackground;
+                EXPECT_TRUE(background || !border) << NameOf(standard_view) << ' ' << column << ' ' << row;
+                drawn += background ? 0 : 1;
+            }
+        EXPECT_GT(drawn, kWidth * kHeight / 20) << NameOf(standard_view);
+    }
+}
+
+TEST(FittedScene, SlantedEdgesAreSmooth)
+{
+    UseHeadless();
+    OffscreenView view(100, 100, false);
+    view.Control().SetBgColor(0, 0, 0);
+    GLint sample_buffers = 0;
+    constexpr GLenum kSampleBuffers = 0x80A8; // GL_SAMPLE_BUFFERS, of OpenGL 1.3
+    glGetIntegerv(kSampleBuffers, &sample_buffers);
+    ASSERT_EQ(sample_buffers, 1) << "the window layer offers multisampling without a display";
+    // One flat triangle, seen squarely: without smoothing there would be its colours, with it mixtures with
+    // the background.
+    Model model;
+    model.pieces.push_back({"triangle", {MakeFace({{0, 0, 0}, {3, 1, 0}, {1, 3, 0}}).value()}, 0, 1, 1.0F});
+    FittedScene scene(view.Control(), model);
+    scene.Show(StandardView::Top, Projection::Parallel, 1.0);
+    const Picture picture = view.TakePicture();
+    const std::uint32_t full = picture.At(50, 50) >> 16U;
+    int mixed = 0;
+    for (const std::uint32_t pixel : picture.pixels)
+        mixed += pixel >> 16U > full / 8 && pixel >> 16U < full - full / 8 ? 1 : 0;
+    EXPECT_GT(mixed, 30);
+}
+
+TEST(FittedScene, FacesShowTheirOutsideAndItIsLit)
+{
+    UseHeadless();
+    OffscreenView view(100, 100, false);
+    view.Control().SetBgColor(0, 0, 0);
+    Model model = BoxModel(BoxOf({0, 0, 0}, {1, 1, 1}));
+    model.pieces[0].color = 1; // red
+    FittedScene scene(view.Control(), model);
+    for (const StandardView standard_view : {StandardView::Front, StandardView::Back, StandardView::Left,
+                                             StandardView::Right, StandardView::Top, StandardView::Bottom}) {
+        scene.Show(standard_view, Projection::Parallel, 1.0);
+        const std::uint32_t middle = view.TakePicture().At(50, 50);
+        // The light shines from the viewer, so a face seen squarely has its full colour; a highlight may be
+        // on it.
+        EXPECT_GE(middle >> 16U, 250U) << NameOf(standard_view);
+        EXPECT_LT(middle & 0xFFU, 250U) << NameOf(standard_view);
+    }
+}
+
+} // namespace
+} // namespace viewer

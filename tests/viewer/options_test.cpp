@@ -1,0 +1,160 @@
+#include "viewer/options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+namespace viewer
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Parse {
+    ParsedOptions parsed;
+    std::string out;
+    std::string err;
+
+    explicit Parse(std::vector<const char*> arguments)
+    {
+        std::ostringstream out_stream;
+        std::ostringstream err_stream;
+        arguments.insert(arguments.begin(), "karv-view");
+        parsed = ParseOptions(static_cast<int>(arguments.size()), arguments.data(), out_stream, err_stream);
+        out = out_stream.str();
+        err = err_stream.str();
+    }
+};
+
+void ExpectRefused(std::vector<const char*> arguments)
+{
+    const Parse parse(std::move(arguments));
+    EXPECT_FALSE(parse.parsed.options);
+    EXPECT_NE(parse.parsed.exit_status, 0);
+    EXPECT_THAT(parse.err, StartsWith("karv-view: "));
+    EXPECT_EQ(std::count(parse.err.begin(), parse.err.end(), '\n'), 1) << parse.err;
+    EXPECT_EQ(parse.out, "");
+}
+
+TEST(Options, WithoutArgumentsTheDefaultsHold)
+{
+    const Parse parse({});
+    ASSERT_TRUE(parse.parsed.options);
+    const Options& options = *parse.parsed.options;
+    EXPECT_TRUE(options.models.empty());
+    EXPECT_EQ(options.view, StandardView::SE);
+    EXPECT_EQ(options.projection, Projection::Perspective);
+    EXPECT_FALSE(options.lines || options.transparent || options.headless || options.stats);
+    EXPECT_FALSE(options.picture || options.sheet || options.trace || options.size || options.background ||
+                 options.color || options.alpha);
+    EXPECT_EQ(options.size.value_or(PictureSize{}), (PictureSize{1024, 768}));
+}
+
+TEST(Options, EveryOptionIsTaken)
+{
+    const Parse parse({"--picture",     "p.png",    "--sheet", "s.png",      "--view",  "nw",
+                       "--projection",  "parallel", "--mode",  "lines",      "--size",  "640x480",
+                       "--background",  "1,2,255",  "--color", "40",         "--alpha", "0.25",
+                       "--transparent", "--hide",   "0,12",    "--headless", "--trace", "t.json",
+                       "--stats",       "a.obj",    "b.stl"});
+    ASSERT_TRUE(parse.parsed.options) << parse.err;
+    const Options& options = *parse.parsed.options;
+    EXPECT_EQ(options.picture, "p.png");
+    EXPECT_EQ(options.sheet, "s.png");
+    EXPECT_EQ(options.trace, "t.json");
+    EXPECT_EQ(options.view, StandardView::NW);
+    EXPECT_EQ(options.projection, Projection::Parallel);
+    EXPECT_TRUE(options.lines && options.transparent && options.headless && options.stats);
+    EXPECT_EQ(options.size, (PictureSize{640, 480}));
+    EXPECT_EQ(options.background, (std::array{1, 2, 255}));
+    EXPECT_EQ(options.color, 40);
+    EXPECT_EQ(options.alpha, 0.25F);
+    EXPECT_THAT(options.hidden, ElementsAre(0, 12));
+    EXPECT_THAT(options.models, ElementsAre("a.obj", "b.stl"));
+}
+
+TEST(Options, ListsDoNotSwallowTheModelsBehindThem)
+{
+    const Parse parse({"--hide", "1", "a.obj", "--background", "0,0,0", "b.obj"});
+    ASSERT_TRUE(parse.parsed.options) << parse.err;
+    EXPECT_THAT(parse.parsed.options->hidden, ElementsAre(1));
+    EXPECT_THAT(parse.parsed.options->models, ElementsAre("a.obj", "b.obj"));
+}
+
+TEST(Options, HideMayBeGivenTwice)
+{
+    const Parse parse({"--hide", "1,2", "--hide", "5"});
+    ASSERT_TRUE(parse.parsed.options) << parse.err;
+    EXPECT_THAT(parse.parsed.options->hidden, ElementsAre(1, 2, 5));
+}
+
+TEST(Options, EveryViewNameIsTaken)
+{
+    for (const StandardView view : kStandardViews) {
+        const std::string name(NameOf(view));
+        const Parse parse({"--view", name.c_str()});
+        ASSERT_TRUE(parse.parsed.options) << name;
+        EXPECT_EQ(parse.parsed.options->view, view);
+    }
+}
+
+TEST(Options, HelpNamesEveryOptionAndSucceeds)
+{
+    const Parse parse({"--help"});
+    EXPECT_FALSE(parse.parsed.options);
+    EXPECT_EQ(parse.parsed.exit_status, 0);
+    EXPECT_EQ(parse.err, "");
+    for (const char* option :
+         {"--picture", "--sheet", "--view", "--projection", "--mode", "--size", "--background", "--color",
+          "--alpha", "--transparent", "--hide", "--headless", "--trace", "--stats", "MODEL"})
+        EXPECT_THAT(parse.out, HasSubstr(option));
+}
+
+TEST(Options, UnknownOptionIsRefused)
+{
+    ExpectRefused({"--sheets", "a.png"});
+}
+
+TEST(Options, MissingValueIsRefused)
+{
+    ExpectRefused({"--picture"});
+}
+
+TEST(Options, UnknownNamesAreRefused)
+{
+    ExpectRefused({"--view", "above"});
+    ExpectRefused({"--view", "SE"});
+    ExpectRefused({"--projection", "flat"});
+    ExpectRefused({"--mode", "points"});
+}
+
+TEST(Options, SizesOutOfBoundsOrShapeAreRefused)
+{
+    for (const char* size :
+         {"0x10", "10x0", "10", "10x", "x10", "10x10x10", "-1x5", "8193x10", "10X10", "1e2x10", ""})
+        ExpectRefused({"--size", size});
+}
+
+TEST(Options, BackgroundsOutOfBoundsOrShapeAreRefused)
+{
+    for (const char* background : {"1,2", "1,2,3,4", "256,0,0", "-1,0,0", "a,b,c", "1,,2"})
+        ExpectRefused({"--background", background});
+}
+
+TEST(Options, ColoursAndOpacitiesOutOfBoundsAreRefused)
+{
+    ExpectRefused({"--color", "256"});
+    ExpectRefused({"--color", "-1"});
+    ExpectRefused({"--alpha", "1.5"});
+    ExpectRefused({"--alpha", "nan"});
+    ExpectRefused({"--hide", "-1"});
+    ExpectRefused({"--hide", "1,"});
+}
+
+} // namespace
+} // namespace viewer

@@ -1,0 +1,250 @@
+// Runs of the whole program, as a user starts it.
+#include "tests/viewer/viewer_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace viewer
+{
+namespace
+{
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class Program : public ViewerTest
+{
+  protected:
+    /// A run that fails with one line that begins so, and leaves no picture behind.
+    void ExpectRefused(const std::string& arguments, const std::string& line_start) const
+    {
+        const std::vector<std::string> before = Names();
+        const ProgramRun run = View("--picture p.png --sheet s.png " + arguments);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.out, "");
+        EXPECT_THAT(run.err, StartsWith(line_start));
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(Names(), before);
+    }
+};
+
+TEST_F(Program, PictureHasTheDefaultSize)
+{
+    const ProgramRun run = View("--picture p.png");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out + run.err, "");
+    EXPECT_EQ(SizeOfPng(PathOf("p.png")), (PictureSize{1024, 768}));
+    EXPECT_THAT(Names(), ElementsAre("p.png"));
+}
+
+TEST_F(Program, PictureHasTheAskedSize)
+{
+    Write("t.obj", kTetrahedronObj);
+    EXPECT_EQ(View("t.obj --picture p.png --size 123x45 --view top --projection parallel").status, 0);
+    EXPECT_EQ(SizeOfPng(PathOf("p.png")), (PictureSize{123, 45}));
+}
+
+TEST_F(Program, SheetHasTheAskedSize)
+{
+    EXPECT_EQ(View("--sheet s.png --size 800x600").status, 0);
+    EXPECT_EQ(SizeOfPng(PathOf("s.png")), (PictureSize{800, 600}));
+}
+
+TEST_F(Program, WithoutAnyPictureAskedItDrawsTheSheetAndSaysWhere)
+{
+    const ProgramRun run = View("");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("karv-view-sheet.png"));
+    EXPECT_TRUE(SizeOfPng(PathOf("karv-view-sheet.png")));
+}
+
+TEST_F(Program, StatsAreThoseOfTheFile)
+{
+    Write("t.obj", kTetrahedronObj);
+    const ProgramRun run = View("--stats --headless --picture p.png --size 64x64 t.obj");
+    ASSERT_EQ(run.status, 0) << run.err;
+    const auto stats = nlohmann::json::parse(run.out);
+    EXPECT_EQ(stats.at("files"), 1);
+    EXPECT_EQ(stats.at("entities"), 1);
+    EXPECT_EQ(stats.at("faces"), 4);
+    EXPECT_EQ(stats.at("extents").at("min"), (std::vector<double>{0, 0, 0}));
+    EXPECT_EQ(stats.at("extents").at("max"), (std::vector<double>{10, 20, 30}));
+    EXPECT_GT(stats.at("load_s"), 0.0);
+    EXPECT_GT(stats.at("first_frame_s"), stats.at("load_s"));
+    EXPECT_GT(stats.at("fps"), 0.0);
+    EXPECT_NE(stats.at("renderer"), "");
+    EXPECT_EQ(stats.size(), 8U);
+}
+
+TEST_F(Program, SeveralFilesAreShownTogether)
+{
+    Write("t.obj", kTetrahedronObj);
+    Write("a.stl", BinaryStl(1, BinaryFacet()));
+    const ProgramRun run = View("--stats --picture p.png --size 64x64 a.stl t.obj t.obj");
+    ASSERT_EQ(run.status, 0) << run.err;
+    const auto stats = nlohmann::json::parse(run.out);
+    EXPECT_EQ(stats.at("files"), 3);
+    EXPECT_EQ(stats.at("entities"), 3);
+    EXPECT_EQ(stats.at("faces"), 9);
+    EXPECT_EQ(stats.at("extents").at("max"), (std::vector<double>{10, 20, 30}));
+}
+
+TEST_F(Program, StatsWithoutAPictureAskedKeepTheOutputToTheObject)
+{
+    const ProgramRun run = View("--stats");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(nlohmann::json::parse(run.out).at("files"), 0);
+    EXPECT_THAT(run.err, HasSubstr("karv-view-sheet.png"));
+}
+
+TEST_F(Program, HidingACategoryChangesThePictureAndHidingAllLeavesTheBackground)
+{
+    const std::string common = " --size 64x64 --background 1,2,3";
+    ASSERT_EQ(View("--picture all.png" + common).status, 0);
+    ASSERT_EQ(View("--picture some.png --hide 1,3" + common).status, 0);
+    ASSERT_EQ(View("--picture none.png --hide 0,1,2,3,4,5" + common).status, 0);
+    Write("t.obj", kTetrahedronObj);
+    ASSERT_EQ(View("--picture blank.png --hide 0 t.obj" + common).status, 0);
+    EXPECT_NE(Read("all.png"), Read("some.png"));
+    EXPECT_NE(Read("some.png"), Read("none.png"));
+    EXPECT_EQ(Read("none.png"), Read("blank.png"));
+}
+
+TEST_F(Program, ColourViewProjectionAndTransparencyChangeThePicture)
+{
+    const std::string common = "--size 64x64 --picture ";
+    ASSERT_EQ(View(common + "plain.png").status, 0);
+    for (const std::string option : {"--color 1", "--view top", "--projection parallel",
+                                     "--alpha 0.5 --transparent", "--background 255,0,0"}) {
+        ASSERT_EQ(View(common + "other.png " + option).status, 0);
+        EXPECT_NE(Read("plain.png"), Read("other.png")) << option;
+    }
+}
+
+TEST_F(Program, AlphaWithoutTransparentGivesAHintAndAPicture)
+{
+    const ProgramRun run = View("--alpha 0.5 --picture p.png --size 64x64");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.err, HasSubstr("--transparent"));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+    EXPECT_THAT(Names(), ElementsAre("p.png"));
+    EXPECT_EQ(View("--alpha 0.5 --transparent --picture p.png --size 64x64").err, "");
+}
+
+TEST_F(Program, LineModeGivesAHintAndAPictureOfTheBackground)
+{
+    const ProgramRun run = View("--mode lines --picture p.png --size 64x64");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.err, HasSubstr("--mode lines"));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+    EXPECT_THAT(Names(), ElementsAre("p.png"));
+}
+
+TEST_F(Program, TraceHoldsTheCallsOfTheWholeRun)
+{
+    const ProgramRun run = View("--trace t.json --picture p.png --size 64x64");
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::vector<std::string> names;
+    const auto trace = nlohmann::json::parse(Read("t.json"));
+    for (const auto& event : trace.at("traceEvents"))
+        if (event.contains("name"))
+            names.push_back(event.at("name"));
+    for (const char* name : {"KARVOpenGLControl::KARVOpenGLControl", "KARVOpenGLControl::CreateCtrl",
+                             "KARVOpenGLControl::AppendGeometry", "KARVOpenGLControl::CameraViewSE",
+                             "KARVOpenGLControl::GLDrawFrame", "KARVOpenGLControl::~KARVOpenGLControl"})
+        EXPECT_THAT(names, Contains(name));
+}
+
+TEST_F(Program, TraceThatCannotBeWrittenIsAnError)
+{
+    ExpectRefused("--trace none/t.json", "karv-view: cannot write none/t.json: ");
+}
+
+TEST_F(Program, FiguresThatCannotBePrintedAreAnError)
+{
+    const ProgramRun run = View("--stats --picture p.png --size 64x64 >/dev/full");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "karv-view: the standard output cannot be written\n");
+}
+
+TEST_F(Program, MissingFileIsRefused)
+{
+    ExpectRefused("none.obj", "karv-view: none.obj: no such file");
+}
+
+TEST_F(Program, OneBadFileAmongGoodOnesIsRefused)
+{
+    Write("t.obj", kTetrahedronObj);
+    ExpectRefused("t.obj none.obj", "karv-view: none.obj: no such file");
+}
+
+TEST_F(Program, EmptyFileIsRefused)
+{
+    Write("e.stl", "");
+    ExpectRefused("e.stl", "karv-view: e.stl: is empty");
+}
+
+TEST_F(Program, TruncatedFileIsRefused)
+{
+    Write("t.stl", BinaryStl(3, BinaryFacet()));
+    ExpectRefused("t.stl", "karv-view: t.stl: truncated");
+}
+
+TEST_F(Program, UnknownKindIsRefused)
+{
+    Write("notes.txt", "Buy milk.\n");
+    ExpectRefused("notes.txt", "karv-view: notes.txt: unknown kind of file");
+}
+
+TEST_F(Program, FileWithoutFacesIsRefused)
+{
+    Write("points.obj", "v 0 0 0\nv 1 0 0\np 1 2\n");
+    ExpectRefused("points.obj", "karv-view: points.obj: holds no faces");
+}
+
+TEST_F(Program, FolderIsRefused)
+{
+    ExpectRefused(".", "karv-view: .: is a directory");
+}
+
+TEST_F(Program, RefusedFileLeavesAnOlderPictureAsItWas)
+{
+    Write("p.png", "old");
+    EXPECT_EQ(View("--picture p.png none.obj").status, 1);
+    EXPECT_EQ(Read("p.png"), "old");
+}
+
+TEST_F(Program, PictureThatCannotBeWrittenIsAnErrorWithItsName)
+{
+    const ProgramRun run = View("--picture none/p.png --size 64x64");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, StartsWith("karv-view: none/p.png: "));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+    EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(Program, BadOptionGivesOneLineAndAStatus)
+{
+    const ProgramRun run = View("--view above --picture p.png");
+    EXPECT_NE(run.status, 0);
+    EXPECT_THAT(run.err, StartsWith("karv-view: "));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+    EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(Program, HelpSucceeds)
+{
+    const ProgramRun run = View("--help");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr("--picture FILE.png"));
+    EXPECT_EQ(run.err, "");
+}
+
+} // namespace
+} // namespace viewer

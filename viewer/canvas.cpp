@@ -1,0 +1,198 @@
+#include "viewer/canvas.h"
+
+#include "viewer/file_error.h"
+
+#include <cairo.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <random>
+#include <sstream>
+#include <system_error>
+
+namespace viewer
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+struct SurfaceDeleter {
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+};
+
+struct ContextDeleter {
+    void operator()(cairo_t* context) const { cairo_destroy(context); }
+};
+
+using SurfacePointer = std::unique_ptr<cairo_surface_t, SurfaceDeleter>;
+using ContextPointer = std::unique_ptr<cairo_t, ContextDeleter>;
+
+SurfacePointer MakeSurface(int width, int height)
+{
+    SurfacePointer surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height));
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
+        throw std::bad_alloc();
+    return surface;
+}
+
+cairo_status_t WriteToStream(void* closure, const unsigned char* data, unsigned int length)
+{
+    auto& stream = *static_cast<std::ofstream*>(closure);
+    stream.write(reinterpret_cast<const char*>(data), length);
+    return stream ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+}
+
+/// A file beside its target that takes the target's place when complete, and is gone when anything fails.
+class PendingFile
+{
+  public:
+    explicit PendingFile(const std::string& path) : path_(path), target_(path)
+    {
+        std::error_code error;
+        if (fs::is_symlink(target_, error))
+            target_ = fs::weakly_canonical(target_, error);
+        const fs::file_status status = fs::status(target_, error);
+        if (fs::exists(status) && !fs::is_regular_file(status))
+            throw FileError(path_, "is not a regular file");
+        pending_ = target_;
+        pending_ += Suffix();
+        errno = 0;
+        stream_.open(pending_, std::ios::binary | std::ios::trunc);
+        if (!stream_)
+            throw FileError(path_, errno == 0 ? "cannot be written" : std::generic_category().message(errno));
+    }
+    PendingFile(const PendingFile&) = delete;
+    PendingFile& operator=(const PendingFile&) = delete;
+    ~PendingFile()
+    {
+        std::error_code ignored;
+        stream_.close();
+        if (!committed_)
+            fs::remove(pending_, ignored);
+    }
+
+    [[nodiscard]] std::ofstream& Stream() { return stream_; }
+
+    void Commit()
+    {
+        errno = 0;
+        stream_.close();
+        if (!stream_)
+            throw FileError(path_, errno == 0 ? "cannot be written" : std::generic_category().message(errno));
+        std::error_code error;
+        fs::rename(pending_, target_, error);
+        if (error)
+            throw FileError(path_, error.message());
+        committed_ = true;
+    }
+
+  private:
+    static std::string Suffix()
+    {
+        std::ostringstream suffix;
+        suffix << ".part-" << std::hex << std::random_device{}();
+        return suffix.str();
+    }
+
+    std::string path_;
+    fs::path target_;
+    fs::path pending_;
+    std::ofstream stream_;
+    bool committed_ = false;
+};
+
+/// Whether Cairo can write this text, which takes nothing but proper UTF-8.
+bool IsWritable(const std::string& text)
+{
+    const SurfacePointer surface = MakeSurface(1, 1);
+    const ContextPointer scratch(cairo_create(surface.get()));
+    cairo_text_extents_t extents;
+    cairo_text_extents(scratch.get(), text.c_str(), &extents);
+    return cairo_status(scratch.get()) == CAIRO_STATUS_SUCCESS;
+}
+
+std::string WritableText(std::string text)
+{
+    if (!IsWritable(text))
+        std::replace_if(
+            text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; }, '?');
+    return text;
+}
+
+} // namespace
+
+struct Canvas::Surface {
+    SurfacePointer surface;
+    ContextPointer context;
+
+    Surface(int width, int height) : surface(MakeSurface(width, height)), context(cairo_create(surface.get()))
+    {
+    }
+};
+
+Canvas::Canvas(int width, int height) : surface_(std::make_unique<Surface>(width, height))
+{
+    cairo_t* context = surface_->context.get();
+    cairo_set_source_rgb(context, 1.0, 1.0, 1.0);
+    cairo_paint(context);
+    cairo_select_font_face(context, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+}
+
+Canvas::~Canvas() = default;
+
+void Canvas::Draw(const Picture& picture, int left, int top)
+{
+    const SurfacePointer source = MakeSurface(picture.width, picture.height);
+    cairo_surface_flush(source.get());
+    unsigned char* rows = cairo_image_surface_get_data(source.get());
+    const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(source.get()));
+    const auto width = static_cast<std::size_t>(picture.width);
+    for (std::size_t row = 0; row < static_cast<std::size_t>(picture.height); ++row)
+        std::memcpy(rows + row * stride, &picture.pixels[row * width], width * sizeof(std::uint32_t));
+    cairo_surface_mark_dirty(source.get());
+    cairo_set_source_surface(surface_->context.get(), source.get(), left, top);
+    cairo_paint(surface_->context.get());
+}
+
+void Canvas::DrawText(const std::string& text, double center_x, double baseline, double size,
+                      double most_width)
+{
+    constexpr double kInk = 0.15;
+    const std::string line = WritableText(text);
+    cairo_t* context = surface_->context.get();
+    cairo_text_extents_t extents;
+    cairo_set_font_size(context, size);
+    cairo_text_extents(context, line.c_str(), &extents);
+    if (extents.width > most_width) {
+        cairo_set_font_size(context, size * most_width / extents.width);
+        cairo_text_extents(context, line.c_str(), &extents);
+    }
+    cairo_set_source_rgb(context, kInk, kInk, kInk);
+    cairo_move_to(context, center_x - extents.width / 2 - extents.x_bearing, baseline);
+    cairo_show_text(context, line.c_str());
+}
+
+void Canvas::WritePng(const std::string& path) const
+{
+    PendingFile file(path);
+    const cairo_status_t status =
+        cairo_surface_write_to_png_stream(surface_->surface.get(), WriteToStream, &file.Stream());
+    if (status != CAIRO_STATUS_SUCCESS)
+        throw FileError(path, cairo_status_to_string(status));
+    file.Commit();
+}
+
+void WritePng(const Picture& picture, const std::string& path)
+{
+    Canvas canvas(picture.width, picture.height);
+    canvas.Draw(picture, 0, 0);
+    canvas.WritePng(path);
+}
+
+} // namespace viewer

@@ -1,0 +1,121 @@
+#include "viewer/fit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// The control's scene size is this many diagonals of its box.
+constexpr double kSceneSizePerDiagonal = 1.2;
+constexpr double kMargin = 1.05;
+/// Half the control's vertical field of view, in radians.
+constexpr double kHalfFieldOfView = 20.0 * std::numbers::pi / 180.0;
+
+AcGePoint3d ToHost(const Point& point)
+{
+    return {point.x, point.y, point.z};
+}
+
+KARVGLVertex ToVertex(const Point& point)
+{
+    return {point.x, point.y, point.z};
+}
+
+std::vector<KARVGLFace> ToFaces(const Piece& piece, const ScenePlacement& placement)
+{
+    std::vector<KARVGLFace> faces(piece.faces.size());
+    for (std::size_t i = 0; i < faces.size(); ++i) {
+        const ModelFace& source = piece.faces[i];
+        faces[i].normal = ToVertex(source.normal);
+        faces[i].vertices.reserve(source.corners.size());
+        for (const Point& corner : source.corners)
+            faces[i].vertices.push_back(ToVertex(placement.ToScene(corner)));
+    }
+    return faces;
+}
+
+void ApplyView(KARVOpenGLControl& control, StandardView view)
+{
+    using Command = void (KARVOpenGLControl::*)();
+    static constexpr std::array<Command, kStandardViews.size()> kCommands = {
+        &KARVOpenGLControl::CameraViewFront, &KARVOpenGLControl::CameraViewBack,
+        &KARVOpenGLControl::CameraViewLeft,  &KARVOpenGLControl::CameraViewRight,
+        &KARVOpenGLControl::CameraViewTop,   &KARVOpenGLControl::CameraViewBottom,
+        &KARVOpenGLControl::CameraViewSE,    &KARVOpenGLControl::CameraViewSW,
+        &KARVOpenGLControl::CameraViewNE,    &KARVOpenGLControl::CameraViewNW};
+    (control.*kCommands.at(static_cast<std::size_t>(view)))();
+}
+
+} // namespace
+
+double FitGrowth(double aspect)
+{
+    // The model lies within a sphere of radius R, half its box's diagonal; the box that is grown by g makes a
+    // scene size of S = 1.2 g 2R, and standard views put the eye at S from the centre.
+    //  - In perspective the sphere touches the edge of a cone of half angle a at S sin(a) = R, so g = 1 /
+    //  (2.4 sin(a)):
+    //    upwards a is 20 degrees (1.22); sideways tan(a) is the aspect times tan(20 degrees).
+    //  - In parallel projection the viewport is S wide (g = 1/1.2 holds, less than 1.22) and S / aspect high.
+    constexpr double kUpwards = 1.22;
+    constexpr double kParallelUpwardsPerAspect = 0.84;
+    const double sideways =
+        0.5 / (kSceneSizePerDiagonal * std::sin(std::atan(aspect * std::tan(kHalfFieldOfView))));
+    return kMargin * std::max({kUpwards, kParallelUpwardsPerAspect * aspect, sideways});
+}
+
+ScenePlacement::ScenePlacement(const Box& extents)
+    : origin_(extents.min), scale_(kSceneSize / (kSceneSizePerDiagonal * FitGrowth(1.0) * extents.Diagonal()))
+{
+    scene_box_.Add(ToScene(extents.min));
+    scene_box_.Add(ToScene(extents.max));
+}
+
+Box ScenePlacement::FittedBox(double aspect) const
+{
+    const Point center = scene_box_.Center();
+    const Point reach = (scene_box_.max - center) * FitGrowth(aspect);
+    Box box;
+    box.Add(center - reach);
+    box.Add(center + reach);
+    return box;
+}
+
+FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model)
+    : control_(control), placement_(model.Extents())
+{
+    control_.ComputeExtents(false);
+    control_.AllocateMemory(static_cast<int>(model.pieces.size()));
+    for (const Piece& piece : model.pieces)
+        control_.AppendGeometry(ToFaces(piece, placement_),
+                                static_cast<KARVGraphicalEntity::EntityType>(piece.category), piece.color,
+                                piece.alpha);
+}
+
+void FittedScene::Show(StandardView view, Projection projection, double aspect)
+{
+    const Box box = placement_.FittedBox(aspect);
+    control_.OverrideExtents(ToHost(box.min), ToHost(box.max));
+    control_.ResetCameraZoom();
+    ApplyView(control_, view);
+    SetProjection(projection);
+    // Frames never load matrices; this does, and it also replaces the passing projection of a switch to
+    // perspective.
+    control_.OnDraw(nullptr);
+}
+
+void FittedScene::SetProjection(Projection projection)
+{
+    // A control that is in perspective already would take its projection stack below its bottom.
+    if (projection != projection_)
+        control_.SetToPerspective(projection == Projection::Perspective);
+    projection_ = projection;
+}
+
+} // namespace viewer

@@ -1,0 +1,15 @@
+// karv-view: shows model files, or a bundled model, in the viewport.
+#include "viewer/application.h"
+#include "viewer/options.h"
+
+#include <chrono>
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const viewer::ParsedOptions parsed = viewer::ParseOptions(argc, argv, std::cout, std::cerr);
+    if (!parsed.options)
+        return parsed.exit_status;
+    return viewer::Run(*parsed.options, start, std::cout, std::cerr);
+}

@@ -1,0 +1,286 @@
+#include "viewer/mesh_import.h"
+
+#include "platform/host/cm/color.h"
+#include "viewer/file_checks.h"
+#include "viewer/file_error.h"
+
+#include <assimp/GltfMaterial.h>
+#include <assimp/Importer.hpp>
+#include <assimp/ProgressHandler.hpp>
+#include <assimp/config.h>
+#include <assimp/material.h>
+#include <assimp/scene.h>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <filesystem>
+#include <map>
+#include <new>
+#include <string_view>
+#include <utility>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// A node's place in the file's space, in double precision from here on.
+struct Transform {
+    std::array<std::array<double, 4>, 3> rows{
+        {{{1.0, 0.0, 0.0, 0.0}}, {{0.0, 1.0, 0.0, 0.0}}, {{0.0, 0.0, 1.0, 0.0}}}};
+
+    [[nodiscard]] Point Apply(const aiVector3D& v) const
+    {
+        const auto row = [&](const std::array<double, 4>& r) {
+            return r[0] * static_cast<double>(v.x) + r[1] * static_cast<double>(v.y) +
+                   r[2] * static_cast<double>(v.z) + r[3];
+        };
+        return {row(rows[0]), row(rows[1]), row(rows[2])};
+    }
+
+    /// Whether it turns a right hand into a left one, so that windings run the other way round.
+    [[nodiscard]] bool Mirrors() const
+    {
+        const auto axis = [&](std::size_t column) {
+            return Point{rows[0].at(column), rows[1].at(column), rows[2].at(column)};
+        };
+        return Dot(Cross(axis(0), axis(1)), axis(2)) < 0.0;
+    }
+};
+
+Transform operator*(const Transform& parent, const aiMatrix4x4& child)
+{
+    Transform result;
+    for (unsigned int row = 0; row < 3; ++row)
+        for (unsigned int column = 0; column < 4; ++column) {
+            double sum = column == 3 ? parent.rows.at(row)[3] : 0.0;
+            for (unsigned int k = 0; k < 3; ++k)
+                sum += parent.rows.at(row).at(k) * static_cast<double>(child[k][column]);
+            result.rows.at(row).at(column) = sum;
+        }
+    return result;
+}
+
+/// Hands the importer's own progress on; it takes the first part of the whole.
+class ImporterProgress final : public Assimp::ProgressHandler
+{
+  public:
+    explicit ImporterProgress(const ProgressFunction& report) : report_(report) {}
+
+    bool Update(float fraction) override
+    {
+        if (report_ && fraction >= 0.0F)
+            report_(kShare * static_cast<double>(fraction));
+        return true;
+    }
+
+    static constexpr double kShare = 0.7;
+
+  private:
+    const ProgressFunction& report_;
+};
+
+unsigned char ToChannel(float value)
+{
+    return static_cast<unsigned char>(std::lround(std::clamp(value, 0.0F, 1.0F) * 255.0F));
+}
+
+unsigned char ColorOf(const aiMaterial& material)
+{
+    aiColor4D color(0.6F, 0.6F, 0.6F, 1.0F);
+    if (material.Get(AI_MATKEY_COLOR_DIFFUSE, color) != AI_SUCCESS)
+        material.Get(AI_MATKEY_BASE_COLOR, color);
+    if (!std::isfinite(color.r) || !std::isfinite(color.g) || !std::isfinite(color.b))
+        color = aiColor4D(0.6F, 0.6F, 0.6F, 1.0F);
+    return NearestColorIndex(ToChannel(color.r), ToChannel(color.g), ToChannel(color.b));
+}
+
+float AlphaOf(const aiMaterial& material)
+{
+    // glTF says in so many words whether the opacity counts.
+    aiString mode;
+    if (material.Get(AI_MATKEY_GLTF_ALPHAMODE, mode) == AI_SUCCESS &&
+        std::string_view(mode.C_Str()) != "BLEND")
+        return 1.0F;
+    float alpha = 1.0F;
+    if (material.Get(AI_MATKEY_OPACITY, alpha) != AI_SUCCESS || !std::isfinite(alpha))
+        return 1.0F;
+    return std::clamp(alpha, 0.0F, 1.0F);
+}
+
+/// One read scene on its way to a model.
+class SceneConverter
+{
+  public:
+    SceneConverter(const std::string& path, const aiScene& scene, const ProgressFunction& progress)
+        : path_(path), scene_(scene), progress_(progress)
+    {
+        CountFaces();
+    }
+
+    Model Convert()
+    {
+        std::vector<std::pair<const aiNode*, Transform>> pending;
+        if (scene_.mRootNode != nullptr)
+            pending.emplace_back(scene_.mRootNode, Transform{});
+        while (!pending.empty()) {
+            const auto [node, parent] = pending.back();
+            pending.pop_back();
+            const Transform transform = parent * node->mTransformation;
+            for (unsigned int i = 0; i < node->mNumMeshes; ++i)
+                AddMesh(MeshAt(node->mMeshes[i]), *node, transform);
+            for (unsigned int i = node->mNumChildren; i-- > 0;)
+                pending.emplace_back(node->mChildren[i], transform);
+        }
+        NumberCategories();
+        return std::move(model_);
+    }
+
+  private:
+    void CountFaces()
+    {
+        for (unsigned int i = 0; i < scene_.mNumMeshes; ++i)
+            faces_total_ += scene_.mMeshes[i]->mNumFaces;
+    }
+
+    const aiMesh& MeshAt(unsigned int index) const
+    {
+        if (index >= scene_.mNumMeshes)
+            throw FileError(path_, "damaged: a node refers to a mesh that is not there");
+        return *scene_.mMeshes[index];
+    }
+
+    void AddMesh(const aiMesh& mesh, const aiNode& node, const Transform& transform)
+    {
+        Piece piece;
+        piece.name = mesh.mName.length > 0 ? mesh.mName.C_Str() : node.mName.C_Str();
+        // The material for now; categories are numbered when it is known which materials have faces.
+        piece.category = static_cast<int>(mesh.mMaterialIndex);
+        if (mesh.mMaterialIndex < scene_.mNumMaterials) {
+            piece.color = ColorOf(*scene_.mMaterials[mesh.mMaterialIndex]);
+            piece.alpha = AlphaOf(*scene_.mMaterials[mesh.mMaterialIndex]);
+        }
+        const bool mirrors = transform.Mirrors();
+        for (unsigned int i = 0; i < mesh.mNumFaces; ++i) {
+            Report();
+            AddFace(piece, mesh, mesh.mFaces[i], transform, mirrors);
+        }
+        if (!piece.faces.empty())
+            model_.pieces.push_back(std::move(piece));
+    }
+
+    void AddFace(Piece& piece, const aiMesh& mesh, const aiFace& source, const Transform& transform,
+                 bool mirrors)
+    {
+        if (source.mNumIndices < 3)
+            return;
+        std::vector<Point> corners;
+        corners.reserve(source.mNumIndices);
+        for (unsigned int i = 0; i < source.mNumIndices; ++i) {
+            if (source.mIndices[i] >= mesh.mNumVertices)
+                throw FileError(path_, "damaged: a face refers to a vertex that is not there");
+            corners.push_back(transform.Apply(mesh.mVertices[source.mIndices[i]]));
+            if (!IsFinite(corners.back()))
+                throw FileError(path_, "holds coordinates that are not finite");
+        }
+        if (mirrors)
+            std::reverse(corners.begin(), corners.end());
+        if (auto face = MakeFace(std::move(corners)))
+            piece.faces.push_back(std::move(*face));
+    }
+
+    void NumberCategories()
+    {
+        std::map<int, int> categories;
+        for (const Piece& piece : model_.pieces)
+            categories[piece.category] = 0;
+        int next = 0;
+        for (auto& [material, category] : categories)
+            category = next++;
+        for (Piece& piece : model_.pieces)
+            piece.category = categories.at(piece.category);
+    }
+
+    void Report()
+    {
+        constexpr std::size_t kFacesPerReport = 4096;
+        ++faces_seen_;
+        if (!progress_ || faces_seen_ % kFacesPerReport != 0)
+            return;
+        // Meshes that several nodes show are seen more often than they are counted.
+        const double done = static_cast<double>(faces_seen_) / static_cast<double>(faces_total_);
+        progress_(ImporterProgress::kShare + (1.0 - ImporterProgress::kShare) * std::min(done, 1.0));
+    }
+
+    const std::string& path_;
+    const aiScene& scene_;
+    const ProgressFunction& progress_;
+    std::size_t faces_total_ = 0;
+    std::size_t faces_seen_ = 0;
+    Model model_;
+};
+
+/// The importer's words in one line of reasonable length.
+std::string ReasonFrom(const std::string& message)
+{
+    constexpr std::size_t kLongest = 200;
+    std::string reason;
+    for (const char c : message) {
+        const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+        if (!control)
+            reason += c;
+        else if (!reason.empty() && reason.back() != ' ')
+            reason += ' ';
+    }
+    if (reason.size() > kLongest)
+        reason = reason.substr(0, kLongest) + "...";
+    return reason.empty() ? "cannot be read" : "cannot be read: " + reason;
+}
+
+std::string ReasonOf(const Assimp::Importer& importer, const std::string& path)
+{
+    const std::string message = importer.GetErrorString();
+    if (message.find("No suitable reader") == std::string::npos)
+        return ReasonFrom(message);
+    // Some importers look into the file first, and are not there for one they do not recognise.
+    const bool known = importer.IsExtensionSupported(std::filesystem::path(path).extension().string());
+    return known ? "damaged or truncated" : "unknown kind of file";
+}
+
+Model Read(const std::string& path, const ProgressFunction& progress)
+{
+    Assimp::Importer importer;
+    // Files without meshes must not be given made-up ones.
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
+    importer.SetProgressHandler(new ImporterProgress(progress)); // the importer owns it
+    // No post-processing: it would triangulate, merge or smooth.
+    const aiScene* scene = importer.ReadFile(path, 0);
+    if (scene == nullptr)
+        throw FileError(path, ReasonOf(importer, path));
+    return SceneConverter(path, *scene, progress).Convert();
+}
+
+} // namespace
+
+Model ImportMesh(const std::string& path, const ProgressFunction& progress)
+{
+    CheckModelFile(path);
+    Model model;
+    try {
+        model = Read(path, progress);
+    } catch (const FileError&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw FileError(path, "needs more memory than there is");
+    } catch (const std::exception& error) {
+        throw FileError(path, ReasonFrom(error.what()));
+    }
+    if (model.pieces.empty())
+        throw FileError(path, "holds no faces");
+    model.title = std::filesystem::path(path).filename().string();
+    return model;
+}
+
+} // namespace viewer

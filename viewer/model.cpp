@@ -1,0 +1,145 @@
+#include "viewer/model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+namespace viewer
+{
+
+Point operator+(const Point& a, const Point& b)
+{
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+Point operator-(const Point& a, const Point& b)
+{
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+Point operator*(const Point& a, double factor)
+{
+    return {a.x * factor, a.y * factor, a.z * factor};
+}
+
+double Dot(const Point& a, const Point& b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+Point Cross(const Point& a, const Point& b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+double Length(const Point& a)
+{
+    return std::hypot(a.x, a.y, a.z);
+}
+
+bool IsFinite(const Point& a)
+{
+    return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z);
+}
+
+std::array<Point, 8> Box::Corners() const
+{
+    return {Point{min.x, min.y, min.z}, Point{max.x, min.y, min.z}, Point{min.x, max.y, min.z},
+            Point{max.x, max.y, min.z}, Point{min.x, min.y, max.z}, Point{max.x, min.y, max.z},
+            Point{min.x, max.y, max.z}, Point{max.x, max.y, max.z}};
+}
+
+void Box::Add(const Point& point)
+{
+    min = {std::min(min.x, point.x), std::min(min.y, point.y), std::min(min.z, point.z)};
+    max = {std::max(max.x, point.x), std::max(max.y, point.y), std::max(max.z, point.z)};
+}
+
+namespace
+{
+
+/// Twice the area times the normal. Corners are taken relative to the first, so that a small face far from
+/// the origin keeps its digits, and at a length of about 1, so that a tiny one does not vanish in the
+/// products.
+Point AreaVector(const std::vector<Point>& corners)
+{
+    double reach = 0.0;
+    for (const Point& corner : corners)
+        reach = std::max(reach, Length(corner - corners.front()));
+    if (reach == 0.0)
+        return {};
+    Point sum;
+    for (std::size_t i = 1; i + 1 < corners.size(); ++i) {
+        const Point a = (corners[i] - corners.front()) * (1.0 / reach);
+        const Point b = (corners[i + 1] - corners.front()) * (1.0 / reach);
+        sum = sum + Cross(a, b);
+    }
+    return sum;
+}
+
+} // namespace
+
+std::optional<ModelFace> MakeFace(std::vector<Point> counterclockwise)
+{
+    if (counterclockwise.size() < 3)
+        return std::nullopt;
+    const Point area = AreaVector(counterclockwise);
+    const double length = Length(area);
+    // Below this the "area" is what rounding left of corners in one line.
+    constexpr double kNoArea = 1e-14;
+    if (!(length > kNoArea))
+        return std::nullopt;
+    std::reverse(counterclockwise.begin(), counterclockwise.end());
+    return ModelFace{std::move(counterclockwise), area * (1.0 / length)};
+}
+
+Box Model::Extents() const
+{
+    Box box;
+    for (const Piece& piece : pieces)
+        for (const ModelFace& face : piece.faces)
+            for (const Point& corner : face.corners)
+                box.Add(corner);
+    return box;
+}
+
+std::size_t Model::FaceCount() const
+{
+    std::size_t count = 0;
+    for (const Piece& piece : pieces)
+        count += piece.faces.size();
+    return count;
+}
+
+int Model::CategoryCount() const
+{
+    int count = 0;
+    for (const Piece& piece : pieces)
+        count = std::max(count, piece.category + 1);
+    return count;
+}
+
+bool Model::IsTranslucent() const
+{
+    return std::any_of(pieces.begin(), pieces.end(), [](const Piece& piece) { return piece.alpha < 1.0F; });
+}
+
+void Model::Append(Model other)
+{
+    const int first_category = CategoryCount();
+    for (Piece& piece : other.pieces)
+        piece.category += first_category;
+    std::move(other.pieces.begin(), other.pieces.end(), std::back_inserter(pieces));
+    if (!title.empty() && !other.title.empty())
+        title += ", ";
+    title += other.title;
+}
+
+void Model::PutTranslucentLast()
+{
+    std::stable_partition(pieces.begin(), pieces.end(),
+                          [](const Piece& piece) { return piece.alpha >= 1.0F; });
+}
+
+} // namespace viewer

@@ -1,0 +1,40 @@
+// A picture in memory. What draws into it and what files it goes to is not its business.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace viewer
+{
+
+/// Red in bits 16 to 23, green in 8 to 15, blue in 0 to 7.
+[[nodiscard]] constexpr std::uint32_t PackColor(unsigned char red, unsigned char green, unsigned char blue)
+{
+    return static_cast<std::uint32_t>(red) << 16U | static_cast<std::uint32_t>(green) << 8U |
+           static_cast<std::uint32_t>(blue);
+}
+
+/// Opaque pixels, row by row from the top.
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+
+    Picture() = default;
+    /// Black.
+    Picture(int width_in, int height_in)
+        : width(width_in), height(height_in),
+          pixels(static_cast<std::size_t>(width_in) * static_cast<std::size_t>(height_in))
+    {
+    }
+
+    /// The pixel in this column and row, which must be inside.
+    [[nodiscard]] std::uint32_t At(int column, int row) const
+    {
+        return pixels.at(static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
+                         static_cast<std::size_t>(column));
+    }
+};
+
+} // namespace viewer
