@@ -74,6 +74,8 @@ const AFX_MSGMAP* KARVOpenGLControl::GetMessageMap() const
         OnWmSize<&KARVOpenGLControl::OnSize>(),
         OnWmCreate<&KARVOpenGLControl::OnCreate>(),
         OnWmTimer<&KARVOpenGLControl::OnTimer>(),
+        OnWmMouseMove<&KARVOpenGLControl::OnMouseMove>(),
+        OnWmMouseWheel<&KARVOpenGLControl::OnMouseWheel>(),
         OnWmPaint<&KARVOpenGLControl::OnPaint>(),
     };
     static const AFX_MSGMAP map{CWnd::GetThisMessageMap(), kEntries};

@@ -101,6 +101,16 @@ class KARV_MODULE_API KARVOpenGLControl : public CWnd
     /// that has no entity yet, the next append that computes extents discards it.
     void OverrideExtents(AcGePoint3d min_corner, AcGePoint3d max_corner);
 
+    // Navigation. The left button orbits and tilts at first; the middle one always pans, the right one always
+    // zooms.
+
+    void RestrictToRotate();
+    void RestrictToPan();
+    void RestrictToZoom();
+    /// Ends navigation with the mouse buttons for good, and with it the drop of multisampling in slow scenes;
+    /// the wheel still zooms.
+    void KillUserControl();
+
     // Camera. The zoom is kept by all but the two operations that say otherwise.
 
     void CameraViewTop();
@@ -133,6 +143,8 @@ class KARV_MODULE_API KARVOpenGLControl : public CWnd
     int OnCreate(CREATESTRUCT* create);
     void OnSize(UINT type, int cx, int cy);
     void OnTimer(UINT_PTR id);
+    void OnMouseMove(UINT nFlags, CPoint point);
+    BOOL OnMouseWheel(UINT nFlags, short zDelta, CPoint point);
     void OnPaint();
 
   private:
@@ -146,6 +158,9 @@ class KARV_MODULE_API KARVOpenGLControl : public CWnd
     void GLInitializeLight();
     void GLInitializeMaterials();
     void GLDrawFrame();
+    void GLMouseRotate(int dx, int dy);
+    void GLMousePan(int dx, int dy);
+    void GLMouseZoom(int d);
     void DrawDebugCubeAt(KARVGLVertex position, float size);
     void AddEntityToCache(KARVGraphicalEntity entity);
     void GLDetectExtents(KARVGraphicalEntity entity);

@@ -126,8 +126,7 @@ void KARVOpenGLControl::GLDrawFrame()
             glEnable(GL_NORMALIZE);
         }
         const WindowProjection projection = WindowProjection::Current();
-        for (std::size_t i = 0; i < entities.size(); ++i) {
-            KARVGraphicalEntity& entity = entities.at(i);
+        for (KARVGraphicalEntity& entity : entities) {
             if (disabledTypes[entity.GetEntityType()])
                 continue;
             KARVGLVertex min;

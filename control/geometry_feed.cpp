@@ -38,7 +38,7 @@ void KARVOpenGLControl::AddEntityToCache(KARVGraphicalEntity entity)
 {
     Guarded(L"KARVOpenGLControl::AddEntityToCache", kControlSource, [&] {
         if (computeExtentsOnAppend)
-            GLDetectExtents(entity);
+            GLDetectExtents(KARVGraphicalEntity(entity, KARVGraphicalEntity::BoxOnly{}));
         entities.push_back(std::move(entity));
         faceCount += entities.back().GetFaceNumber();
     });

@@ -74,6 +74,14 @@ class KARV_MODULE_API KARVGraphicalEntity
   private:
     friend class KARVOpenGLControl;
 
+    struct BoxOnly {
+    };
+    /// Takes the box of the source and leaves its geometry: a copy for whoever only asks for the extents.
+    KARVGraphicalEntity(const KARVGraphicalEntity& source, BoxOnly /*tag*/) noexcept
+        : minExtent(source.minExtent), maxExtent(source.maxExtent), extentsValid(source.extentsValid)
+    {
+    }
+
     void InitParameters();
     void CreateGLCache(AcDbEntity* entity);
 

@@ -76,8 +76,9 @@ void SetAlpha(Options& options, const std::string& text)
     float alpha = 0.0F;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, alpha);
-    // The comparison is written so that what is not a number fails it.
-    if (error != std::errc{} || stop != end || !(alpha >= 0.0F && alpha <= 1.0F))
+    // What is not a number fails every comparison, this one too.
+    const bool in_range = alpha >= 0.0F && alpha <= 1.0F;
+    if (error != std::errc{} || stop != end || !in_range)
         throw CLI::ValidationError("--alpha", "'" + text + "' is not a number from 0 to 1");
     options.alpha = alpha;
 }
@@ -85,6 +86,7 @@ void SetAlpha(Options& options, const std::string& text)
 std::vector<std::string> ViewNames()
 {
     std::vector<std::string> names;
+    names.reserve(kStandardViews.size());
     for (const StandardView view : kStandardViews)
         names.emplace_back(NameOf(view));
     return names;

@@ -157,6 +157,29 @@ constexpr AFX_MSGMAP_ENTRY OnWmTimer()
             }};
 }
 
+/// WM_MOUSEMOVE to `void OnMouseMove(UINT keys, CPoint point)`; the point in client pixels.
+template <auto Handler>
+constexpr AFX_MSGMAP_ENTRY OnWmMouseMove()
+{
+    return {WM_MOUSEMOVE, [](CWnd& window, WPARAM wparam, LPARAM lparam) -> LRESULT {
+                auto& target = message_map_detail::Target(window, Handler);
+                (target.*Handler)(static_cast<UINT>(wparam),
+                                  CPoint(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)));
+                return 0;
+            }};
+}
+
+/// WM_MOUSEWHEEL to `BOOL OnMouseWheel(UINT keys, short delta, CPoint point)`; the point in screen pixels.
+template <auto Handler>
+constexpr AFX_MSGMAP_ENTRY OnWmMouseWheel()
+{
+    return {WM_MOUSEWHEEL, [](CWnd& window, WPARAM wparam, LPARAM lparam) -> LRESULT {
+                auto& target = message_map_detail::Target(window, Handler);
+                return (target.*Handler)(LOWORD(wparam), GET_WHEEL_DELTA_WPARAM(wparam),
+                                         CPoint(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)));
+            }};
+}
+
 /// WM_PAINT to `void OnPaint()`.
 template <auto Handler>
 constexpr AFX_MSGMAP_ENTRY OnWmPaint()

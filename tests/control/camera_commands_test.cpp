@@ -128,19 +128,13 @@ TEST_P(ControlStandardView, LoadsTheFrontViewAndThenItsOwn)
     }
     ASSERT_EQ(gl.Count("gluLookAt"), 2);
     const GlCall& own = gl.Call("gluLookAt", 1);
-    EXPECT_THAT(gl.Listing(), ElementsAre("glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()", front, "glLoadIdentity()",
-                                          "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()", own.text));
+    EXPECT_THAT(gl.Listing(),
+                ElementsAre("glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()", front, "glLoadIdentity()",
+                            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()", own.text));
     const AcGeVector3d outward = Outward();
     const AcGeVector3d up = Up();
-    const std::array<double, 9> expected = {1.5 + 6.0 * outward.x,
-                                            2.0 + 6.0 * outward.y,
-                                            6.0 * outward.z,
-                                            1.5,
-                                            2.0,
-                                            0.0,
-                                            up.x,
-                                            up.y,
-                                            up.z};
+    const std::array<double, 9> expected = {
+        1.5 + 6.0 * outward.x, 2.0 + 6.0 * outward.y, 6.0 * outward.z, 1.5, 2.0, 0.0, up.x, up.y, up.z};
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_NEAR(own.values.at(i), expected.at(i), kRounding) << i;
 }
@@ -347,13 +341,12 @@ TEST_F(ControlCamera, ToParallelTheProjectionIsPushedAndReplaced)
 {
     const GlRecording gl;
     control_->SetToPerspective(false);
-    // Half the width is half the scene size, 3; at aspect 2 half the height is 1.5. Top and bottom are swapped and
-    // swapped back.
-    EXPECT_THAT(gl.Listing(),
-                ElementsAre("glMatrixMode(GL_PROJECTION)", "glPushMatrix()", "glLoadIdentity()",
-                            "glOrtho(-3, 3, 1.5, -1.5, -600, 600)", "glScalef(1, -1, 1)", "glMatrixMode(GL_MODELVIEW)",
-                            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                            "gluLookAt(0, 0, 0, 1.5, 2, 0, 0, 0, 1)"));
+    // Half the width is half the scene size, 3; at aspect 2 half the height is 1.5. Top and bottom are
+    // swapped and swapped back.
+    EXPECT_THAT(gl.Listing(), ElementsAre("glMatrixMode(GL_PROJECTION)", "glPushMatrix()", "glLoadIdentity()",
+                                          "glOrtho(-3, 3, 1.5, -1.5, -600, 600)", "glScalef(1, -1, 1)",
+                                          "glMatrixMode(GL_MODELVIEW)", "glMatrixMode(GL_MODELVIEW)",
+                                          "glLoadIdentity()", "gluLookAt(0, 0, 0, 1.5, 2, 0, 0, 0, 1)"));
     EXPECT_FALSE(control_->camera.perspectiveOn);
 }
 
@@ -371,11 +364,10 @@ TEST_F(ControlCamera, BackToPerspectiveTheProjectionIsPoppedAndHasANegativeNearD
     const GlRecording gl;
     control_->SetToPerspective(true);
     // 40 / 16.66 and times 16.66 again.
-    EXPECT_THAT(gl.Listing(),
-                ElementsAre("glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glLoadIdentity()",
-                            "gluPerspective(40, 2, -600, 600)", "glMatrixMode(GL_MODELVIEW)",
-                            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                            "gluLookAt(0, 0, 0, 1.5, 2, 0, 0, 0, 1)"));
+    EXPECT_THAT(gl.Listing(), ElementsAre("glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glLoadIdentity()",
+                                          "gluPerspective(40, 2, -600, 600)", "glMatrixMode(GL_MODELVIEW)",
+                                          "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
+                                          "gluLookAt(0, 0, 0, 1.5, 2, 0, 0, 0, 1)"));
 }
 
 TEST_F(ControlCamera, ARedrawRepairsThePerspective)

@@ -1,5 +1,5 @@
-// Creations that the window system, the base window or the driver refuse: nothing is shown, nothing is thrown,
-// later calls do nothing.
+// Creations that the window system, the base window or the driver refuse: nothing is shown, nothing is
+// thrown, later calls do nothing.
 #include "tests/support/control_test.h"
 
 using namespace karv_test;
@@ -32,7 +32,8 @@ class RefusedControl : public KARVOpenGLControl
   protected:
     LRESULT DefWindowProc(UINT message, WPARAM wparam, LPARAM lparam) override
     {
-        return message == WM_CREATE ? base_answer_ : KARVOpenGLControl::DefWindowProc(message, wparam, lparam);
+        return message == WM_CREATE ? base_answer_
+                                    : KARVOpenGLControl::DefWindowProc(message, wparam, lparam);
     }
 
   private:
@@ -135,10 +136,10 @@ TEST_F(ControlCreationFailure, WithoutAProbeWindowTheFormatIsChosenForTheControl
     const auto control = NewControl();
     const std::string set = "SetPixelFormat(dc of 3DView, " + std::to_string(control->pixelFormat) + ")";
     EXPECT_THAT(window_calls_.Listing(),
-                testing::ElementsAre("CreateWindowExW(3DView)", "CreateWindowExW(Dummy)", "GetDC(3DView)",
-                                     "ChoosePixelFormat(dc of 3DView)", "GetDC(3DView)", set,
-                                     "wglCreateContext(dc of 3DView)", "wglMakeCurrent(dc of 3DView, context 1)",
-                                     "SetFocus(3DView)", "SetFocus(3DView)"));
+                testing::ElementsAre(
+                    "CreateWindowExW(3DView)", "CreateWindowExW(Dummy)", "GetDC(3DView)",
+                    "ChoosePixelFormat(dc of 3DView)", "GetDC(3DView)", set, "wglCreateContext(dc of 3DView)",
+                    "wglMakeCurrent(dc of 3DView, context 1)", "SetFocus(3DView)", "SetFocus(3DView)"));
     EXPECT_EQ(::wglGetCurrentContext(), control->hRC);
 }
 

@@ -53,26 +53,26 @@ TEST_F(ControlCreation, TheFixedStateIsSetOnceInItsOrderAndTheCameraApplied)
     SetHostBackgroundColor({255, 0, 51});
     const GlRecording gl;
     const auto control = NewControl();
-    // 51 / 255 = 0.2. The last eight calls apply the camera: a fresh one, whose eye and target are the origin.
-    EXPECT_THAT(UntilTheFirstSize(gl),
-                ElementsAre("glClearColor(1, 0, 0.2, 1)", "glClearDepth(1)", "glEnable(GL_CULL_FACE)",
-                            "glFrontFace(GL_CW)", "glCullFace(GL_BACK)", "glEnable(GL_DEPTH_TEST)",
-                            "glDepthFunc(GL_LEQUAL)", "glLightfv(GL_LIGHT0, GL_AMBIENT, [0.01, 0.01, 0.01, 1])",
-                            "glLightfv(GL_LIGHT0, GL_DIFFUSE, [1, 1, 1, 1])",
-                            "glLightfv(GL_LIGHT0, GL_SPECULAR, [1, 1, 1, 1])",
-                            "glMaterialfv(GL_FRONT, GL_AMBIENT, [1, 1, 1, 1])",
-                            "glMaterialfv(GL_FRONT, GL_DIFFUSE, [1, 1, 1, 1])",
-                            "glMaterialfv(GL_FRONT, GL_SPECULAR, [0.5, 0.5, 0.5, 0.5])",
-                            "glMaterialfv(GL_FRONT, GL_SHININESS, [5])", "glEnable(GL_LIGHT0)",
-                            "glEnable(GL_LIGHTING)", "glEnable(GL_COLOR_MATERIAL)",
-                            "glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE)",
-                            "glEnable(GL_NORMALIZE)", "glShadeModel(GL_SMOOTH)",
-                            "glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST)", "glEnable(GL_MULTISAMPLE)",
-                            "glPolygonMode(GL_FRONT_AND_BACK, GL_FILL)", "glLoadIdentity()",
-                            "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
-                            "gluPerspective(40, 1, 0.01, 1000)", "glMatrixMode(GL_MODELVIEW)",
-                            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                            "gluLookAt(0, 0, 0, 0, 0, 0, 0, 0, 1)"));
+    // 51 / 255 = 0.2. The last eight calls apply the camera: a fresh one, whose eye and target are the
+    // origin.
+    EXPECT_THAT(
+        UntilTheFirstSize(gl),
+        ElementsAre(
+            "glClearColor(1, 0, 0.2, 1)", "glClearDepth(1)", "glEnable(GL_CULL_FACE)", "glFrontFace(GL_CW)",
+            "glCullFace(GL_BACK)", "glEnable(GL_DEPTH_TEST)", "glDepthFunc(GL_LEQUAL)",
+            "glLightfv(GL_LIGHT0, GL_AMBIENT, [0.01, 0.01, 0.01, 1])",
+            "glLightfv(GL_LIGHT0, GL_DIFFUSE, [1, 1, 1, 1])",
+            "glLightfv(GL_LIGHT0, GL_SPECULAR, [1, 1, 1, 1])",
+            "glMaterialfv(GL_FRONT, GL_AMBIENT, [1, 1, 1, 1])",
+            "glMaterialfv(GL_FRONT, GL_DIFFUSE, [1, 1, 1, 1])",
+            "glMaterialfv(GL_FRONT, GL_SPECULAR, [0.5, 0.5, 0.5, 0.5])",
+            "glMaterialfv(GL_FRONT, GL_SHININESS, [5])", "glEnable(GL_LIGHT0)", "glEnable(GL_LIGHTING)",
+            "glEnable(GL_COLOR_MATERIAL)", "glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE)",
+            "glEnable(GL_NORMALIZE)", "glShadeModel(GL_SMOOTH)",
+            "glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST)", "glEnable(GL_MULTISAMPLE)",
+            "glPolygonMode(GL_FRONT_AND_BACK, GL_FILL)", "glLoadIdentity()", "glMatrixMode(GL_PROJECTION)",
+            "glLoadIdentity()", "gluPerspective(40, 1, 0.01, 1000)", "glMatrixMode(GL_MODELVIEW)",
+            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()", "gluLookAt(0, 0, 0, 0, 0, 0, 0, 0, 1)"));
 }
 
 TEST_F(ControlCreation, TheFirstSizeFollowsWithAnEmptyScene)
@@ -83,8 +83,9 @@ TEST_F(ControlCreation, TheFirstSizeFollowsWithAnEmptyScene)
     EXPECT_THAT(FromTheFirstSize(gl),
                 ElementsAre("glViewport(0, 0, 64, 32)", "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
                             "gluPerspective(40, 2, 0.1, 0)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                            "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", "gluPerspective(40, 2, 0.01, 0)",
-                            "glMatrixMode(GL_MODELVIEW)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
+                            "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
+                            "gluPerspective(40, 2, 0.01, 0)", "glMatrixMode(GL_MODELVIEW)",
+                            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
                             "gluLookAt(0, 0, 0, 0, 0, 0, 0, 0, 1)"));
 }
 
@@ -116,9 +117,9 @@ TEST_F(ControlCreation, TheWindowCallsComeInOrderWithTheProbeFirst)
                             "wglCreateContext(dc of Dummy)", "wglMakeCurrent(dc of Dummy, context 1)",
                             "wglGetProcAddress(wglGetExtensionsStringARB)", "wglGetCurrentDC()",
                             "wglGetProcAddress(wglChoosePixelFormatARB)", "GetDC(Dummy)",
-                            "wglMakeCurrent(dc of Dummy, none)", "wglDeleteContext(context 1)", "GetDC(3DView)",
-                            "ReleaseDC(3DView, dc of 3DView)", "DestroyWindow(Dummy)", "GetDC(3DView)",
-                            "SetPixelFormat(dc of 3DView)", "wglCreateContext(dc of 3DView)",
+                            "wglMakeCurrent(dc of Dummy, none)", "wglDeleteContext(context 1)",
+                            "GetDC(3DView)", "ReleaseDC(3DView, dc of 3DView)", "DestroyWindow(Dummy)",
+                            "GetDC(3DView)", "SetPixelFormat(dc of 3DView)", "wglCreateContext(dc of 3DView)",
                             "wglMakeCurrent(dc of 3DView, context 2)", "the fixed state", "SetFocus(3DView)",
                             "the first size", "SetFocus(3DView)"));
 }
@@ -199,7 +200,9 @@ TEST_F(ControlCreation, EveryPixelFormatCallGetsTheOneDescriptor)
         EXPECT_EQ(descriptor.cColorBits, 32);
         EXPECT_EQ(descriptor.cDepthBits, 16);
         EXPECT_EQ(descriptor.iLayerType, PFD_MAIN_PLANE);
-        EXPECT_EQ(descriptor.cAlphaBits + descriptor.cAccumBits + descriptor.cStencilBits + descriptor.cAuxBuffers, 0);
+        EXPECT_EQ(descriptor.cAlphaBits + descriptor.cAccumBits + descriptor.cStencilBits +
+                      descriptor.cAuxBuffers,
+                  0);
         EXPECT_EQ(descriptor.dwLayerMask + descriptor.dwVisibleMask + descriptor.dwDamageMask, 0U);
     }
 }
@@ -280,8 +283,8 @@ TEST_F(ControlCreation, TheDestructorReleasesContextAndWindowInOrder)
     window_calls_.Clear();
     control.reset();
     EXPECT_THAT(window_calls_.Listing(),
-                ElementsAre("wglMakeCurrent(dc of 3DView, none)", "wglDeleteContext(context 2)", "GetDC(3DView)",
-                            "ReleaseDC(3DView, dc of 3DView)", "DestroyWindow(3DView)"));
+                ElementsAre("wglMakeCurrent(dc of 3DView, none)", "wglDeleteContext(context 2)",
+                            "GetDC(3DView)", "ReleaseDC(3DView, dc of 3DView)", "DestroyWindow(3DView)"));
 }
 
 TEST_F(ControlCreation, TheDestructorMakesNoCallOfGl)
@@ -301,11 +304,12 @@ TEST_F(ControlCreation, TheDestructorsEntryClosesBeforeTheEntitiesGo)
     control->AppendGeometry(KARVGraphicalEntity());
     TraceRecording trace;
     control.reset();
-    EXPECT_THAT(
-        trace.Listing(),
-        ElementsAre("> KARVOpenGLControl::~KARVOpenGLControl", "< KARVOpenGLControl::~KARVOpenGLControl",
-                    "> KARVGraphicalEntity::~KARVGraphicalEntity", "< KARVGraphicalEntity::~KARVGraphicalEntity",
-                    "> KARVGraphicalEntity::~KARVGraphicalEntity", "< KARVGraphicalEntity::~KARVGraphicalEntity"));
+    EXPECT_THAT(trace.Listing(), ElementsAre("> KARVOpenGLControl::~KARVOpenGLControl",
+                                             "< KARVOpenGLControl::~KARVOpenGLControl",
+                                             "> KARVGraphicalEntity::~KARVGraphicalEntity",
+                                             "< KARVGraphicalEntity::~KARVGraphicalEntity",
+                                             "> KARVGraphicalEntity::~KARVGraphicalEntity",
+                                             "< KARVGraphicalEntity::~KARVGraphicalEntity"));
 }
 
 TEST_F(ControlCreation, DestructionLeavesNoContextAndNoWindow)
@@ -347,8 +351,8 @@ TEST_F(ControlCreation, AControlThatWasNeverCreatedCanBeDestroyed)
         const KARVOpenGLControl control;
     }
     EXPECT_THAT(trace.Faults(), IsEmpty());
-    EXPECT_THAT(trace.OutermostCalls(), ElementsAre("KARVOpenGLControl::KARVOpenGLControl",
-                                                    "KARVOpenGLControl::~KARVOpenGLControl"));
+    EXPECT_THAT(trace.OutermostCalls(),
+                ElementsAre("KARVOpenGLControl::KARVOpenGLControl", "KARVOpenGLControl::~KARVOpenGLControl"));
 }
 
 TEST_F(ControlCreation, AParentThatGoesFirstTakesTheWindowAndTheControlDeletesItsContext)

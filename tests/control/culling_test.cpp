@@ -21,9 +21,11 @@ class ControlCulling : public ControlTest
   protected:
     ControlCulling() : control_(NewControl())
     {
+        constexpr double right = kWidth;
+        constexpr double top = kHeight;
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
-        glOrtho(0.0, kWidth, 0.0, kHeight, -10.0, 10.0);
+        glOrtho(0.0, right, 0.0, top, -10.0, 10.0);
         glMatrixMode(GL_MODELVIEW);
         glLoadIdentity();
     }
@@ -36,7 +38,8 @@ class ControlCulling : public ControlTest
 
     void AppendBox(double min_x, double min_y, double max_x, double max_y, int type = 0)
     {
-        control_->AppendGeometry(TriangleInBox({min_x, min_y, 0.0}, {max_x, max_y, 0.0}), TypeOf(type), 1, 1.0F);
+        control_->AppendGeometry(TriangleInBox({min_x, min_y, 0.0}, {max_x, max_y, 0.0}), TypeOf(type), 1,
+                                 1.0F);
     }
 
     /// How many entities a frame draws.
@@ -148,15 +151,15 @@ TEST_F(ControlCullingTolerance, AllJustBeyondTheToleranceIsSkipped)
     EXPECT_FALSE(IsDrawnAt(-2e-20, -2e-20, -2e-20, -2e-20));
 }
 
-TEST_F(ControlCullingTolerance, EachOfTheFourCoordinatesAloneKeepsTheEntity)
+TEST_F(ControlCullingTolerance, EachOfTheFourCoordinatesAtTheToleranceAloneKeepsTheEntity)
 {
-    EXPECT_TRUE(IsDrawnAt(0.0, -1.0, -1.0, -1.0));
+    EXPECT_TRUE(IsDrawnAt(-1e-20, -1.0, -1.0, -1.0));
     control_->ClearGeometry(true);
-    EXPECT_TRUE(IsDrawnAt(-1.0, 0.0, -1.0, -1.0));
+    EXPECT_TRUE(IsDrawnAt(-1.0, -1e-20, -1.0, -1.0));
     control_->ClearGeometry(true);
-    EXPECT_TRUE(IsDrawnAt(-1.0, -1.0, 0.0, -1.0));
+    EXPECT_TRUE(IsDrawnAt(-1.0, -1.0, -1e-20, -1.0));
     control_->ClearGeometry(true);
-    EXPECT_TRUE(IsDrawnAt(-1.0, -1.0, -1.0, 0.0));
+    EXPECT_TRUE(IsDrawnAt(-1.0, -1.0, -1.0, -1e-20));
 }
 
 TEST_F(ControlCullingTolerance, NotANumberIsDrawn)

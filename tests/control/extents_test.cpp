@@ -18,7 +18,10 @@ class ControlExtents : public ControlTest
 {
   protected:
     /// Appends one triangle with this box. No window is needed.
-    void AppendBox(KARVGLVertex a, KARVGLVertex b) { control_.AppendGeometry(TriangleInBox(a, b), TypeOf(0), 1, 1.0F); }
+    void AppendBox(KARVGLVertex a, KARVGLVertex b)
+    {
+        control_.AppendGeometry(TriangleInBox(a, b), TypeOf(0), 1, 1.0F);
+    }
 
     /// Appends an entity that says it has this box.
     void AppendClaiming(KARVGLVertex a, KARVGLVertex b)
@@ -145,8 +148,8 @@ TEST_F(ControlExtents, ASinglePointIsASceneOfNoSize)
 
 TEST_F(ControlExtents, TheSeedIsTheFarCornerForBoth)
 {
-    // A claimed box whose minimum lies above its maximum: the seed is the maximum, and the minimum, added as a
-    // point, then raises the maximum.
+    // A claimed box whose minimum lies above its maximum: the seed is the maximum, and the minimum, added as
+    // a point, then raises the maximum.
     AppendClaiming({5.0, 5.0, 5.0}, {1.0, 1.0, 1.0});
     ExpectBox({1.0, 1.0, 1.0}, {5.0, 5.0, 5.0});
 }
@@ -171,8 +174,8 @@ TEST_F(ControlExtents, AnUpperBoundMovesOnlyBeyondItsTolerance)
 
 TEST_F(ControlExtents, TheDiagonalIsRoundedToFloatBeforeItIsScaled)
 {
-    // The root of 1 + 36 = 37 is 6.082762530298219, as a float 6.082762718200684. Times 1.2 that is nearest to the
-    // float 7.299315452575684; the unrounded root times 1.2 would be nearest to 7.299314975738525.
+    // The root of 1 + 36 = 37 is 6.082762530298219, as a float 6.082762718200684. Times 1.2 that is nearest
+    // to the float 7.299315452575684; the unrounded root times 1.2 would be nearest to 7.299314975738525.
     AppendBox({0.0, 0.0, 0.0}, {1.0, 6.0, 0.0});
     ExpectSize(7.299315452575684F);
     ASSERT_NE(7.299315452575684F, static_cast<float>(std::sqrt(37.0) * 1.2));
@@ -180,8 +183,8 @@ TEST_F(ControlExtents, TheDiagonalIsRoundedToFloatBeforeItIsScaled)
 
 TEST_F(ControlExtents, TheCentreIsTakenInSinglePrecision)
 {
-    // 16777216 + 1 is 16777216 in float (its neighbours are 2 apart); half of it is 8388608. In double it would
-    // be 8388608.5.
+    // 16777216 + 1 is 16777216 in float (its neighbours are 2 apart); half of it is 8388608. In double it
+    // would be 8388608.5.
     AppendBox({1.0, 0.0, 0.0}, {16777216.0, 1.0, 1.0});
     EXPECT_EQ(control_.centroid.x, 8388608.0F);
     EXPECT_EQ(control_.camera.target.x, 8388608.0);
@@ -230,8 +233,8 @@ TEST_F(ControlExtents, AnInfiniteCoordinateGivesAnInfiniteSize)
 
 TEST_F(ControlExtents, ASceneSeededAtInfinityStaysThere)
 {
-    // The seed is the far corner for both bounds. The tolerance of an infinite bound is infinite, and infinity less
-    // infinity is no number, so that nothing lies beyond it.
+    // The seed is the far corner for both bounds. The tolerance of an infinite bound is infinite, and
+    // infinity less infinity is no number, so that nothing lies beyond it.
     AppendBox({0.0, 0.0, 0.0}, {std::numeric_limits<double>::infinity(), 1.0, 1.0});
     EXPECT_EQ(control_.extentsMin.x, kInfinity);
     EXPECT_EQ(control_.extentsMax.x, kInfinity);

@@ -198,7 +198,8 @@ TEST_F(ControlFrame, AFrameTouchesNeitherCameraNorMatrices)
     const GlRecording gl;
     const TraceRecording trace;
     control_->OnTimer(1);
-    for (const char* name : {"glMatrixMode", "glLoadIdentity", "gluPerspective", "glOrtho", "gluLookAt", "glViewport"})
+    for (const char* name :
+         {"glMatrixMode", "glLoadIdentity", "gluPerspective", "glOrtho", "gluLookAt", "glViewport"})
         EXPECT_EQ(gl.Count(name), 0) << name;
     for (const std::string& name : trace.Calls())
         EXPECT_FALSE(name.starts_with("KARVGLCamera::")) << name;
@@ -215,8 +216,9 @@ TEST_F(ControlFrame, TheFrameIsTraced)
                 ElementsAre("> KARVOpenGLControl::OnTimer", "> KARVOpenGLControl::GLDrawFrame",
                             "> KARVGraphicalEntity::GetEntityType", "< KARVGraphicalEntity::GetEntityType",
                             "> KARVGraphicalEntity::GetExtents", "< KARVGraphicalEntity::GetExtents",
-                            "> KARVGraphicalEntity::DrawObjectQuads", "< KARVGraphicalEntity::DrawObjectQuads",
-                            "< KARVOpenGLControl::GLDrawFrame", "< KARVOpenGLControl::OnTimer"));
+                            "> KARVGraphicalEntity::DrawObjectQuads",
+                            "< KARVGraphicalEntity::DrawObjectQuads", "< KARVOpenGLControl::GLDrawFrame",
+                            "< KARVOpenGLControl::OnTimer"));
 }
 
 // The frame rate.

@@ -38,11 +38,12 @@ std::vector<std::string> FunnelEntries(bool computes_extents)
 {
     std::vector<std::string> lines = {"> KARVOpenGLControl::AddEntityToCache"};
     if (computes_extents) {
-        lines.insert(lines.end(), {"> KARVOpenGLControl::GLDetectExtents", "> KARVGraphicalEntity::GetExtents",
-                                   "< KARVGraphicalEntity::GetExtents", "> KARVOpenGLControl::GLComputeCentroid",
-                                   "> KARVGLCamera::SetTarget", "< KARVGLCamera::SetTarget",
-                                   "> KARVGLCamera::SetFarPlaneDistance", "< KARVGLCamera::SetFarPlaneDistance",
-                                   "< KARVOpenGLControl::GLComputeCentroid", "< KARVOpenGLControl::GLDetectExtents"});
+        lines.insert(lines.end(),
+                     {"> KARVOpenGLControl::GLDetectExtents", "> KARVGraphicalEntity::GetExtents",
+                      "< KARVGraphicalEntity::GetExtents", "> KARVOpenGLControl::GLComputeCentroid",
+                      "> KARVGLCamera::SetTarget", "< KARVGLCamera::SetTarget",
+                      "> KARVGLCamera::SetFarPlaneDistance", "< KARVGLCamera::SetFarPlaneDistance",
+                      "< KARVOpenGLControl::GLComputeCentroid", "< KARVOpenGLControl::GLDetectExtents"});
         lines.insert(lines.end(), kDestroyed.begin(), kDestroyed.end()); // the copy for the extents
     }
     lines.insert(lines.end(), {"> KARVGraphicalEntity::GetFaceNumber", "< KARVGraphicalEntity::GetFaceNumber",
@@ -115,7 +116,7 @@ TEST_F(ControlGeometryFeed, EveryFaceCounts)
 {
     std::vector<KARVGLFace> faces = TriangleInBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0});
     faces.push_back(faces.front());
-    faces.push_back(KARVGLFace());
+    faces.emplace_back();
     control_->AppendGeometry(faces, TypeOf(0), kRed, 1.0F);
     EXPECT_EQ(control_->GetFaceNumber(), 3);
     EXPECT_EQ(control_->entities.size(), 1U);
@@ -131,8 +132,8 @@ TEST_F(ControlGeometryFeed, AnEmptyFaceListIsAnEntityWithoutFaces)
 
 TEST_F(ControlGeometryFeed, TheCallersFacesAreNotTouched)
 {
-    const KARVGLFace square = MakeFace({{0.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {1.0, 0.0, 1.0}, {1.0, 0.0, 0.0}},
-                                       {0.0, -1.0, 0.0});
+    const KARVGLFace square =
+        MakeFace({{0.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {1.0, 0.0, 1.0}, {1.0, 0.0, 0.0}}, {0.0, -1.0, 0.0});
     const std::vector<KARVGLFace> faces = {square};
     control_->AppendGeometry(faces, TypeOf(0), kRed, 1.0F);
     EXPECT_EQ(faces[0].displayList, 0U);
@@ -279,11 +280,10 @@ TEST_F(ControlGeometryFeed, AReadyEntityIsTracedWithItsArgumentDestroyedLast)
     const KARVGraphicalEntity entity;
     const TraceRecording trace;
     control_->AppendGeometry(entity);
-    EXPECT_EQ(WithoutInnerSteps(trace),
-              Joined({{"> KARVOpenGLControl::AppendGeometry"},
-                      FunnelEntries(true),
-                      {"< KARVOpenGLControl::AppendGeometry"},
-                      kDestroyed}));
+    EXPECT_EQ(WithoutInnerSteps(trace), Joined({{"> KARVOpenGLControl::AppendGeometry"},
+                                                FunnelEntries(true),
+                                                {"< KARVOpenGLControl::AppendGeometry"},
+                                                kDestroyed}));
 }
 
 TEST_F(ControlGeometryFeed, WithoutExtentsTheirStepIsLeftOut)
@@ -307,11 +307,10 @@ TEST_F(ControlGeometryFeed, AReservedCacheSavesTheCopiesOfGrowing)
     const KARVGraphicalEntity entity;
     const TraceRecording trace;
     control_->AppendGeometry(entity);
-    EXPECT_EQ(WithoutInnerSteps(trace),
-              Joined({{"> KARVOpenGLControl::AppendGeometry"},
-                      FunnelEntries(true),
-                      {"< KARVOpenGLControl::AppendGeometry"},
-                      kDestroyed}));
+    EXPECT_EQ(WithoutInnerSteps(trace), Joined({{"> KARVOpenGLControl::AppendGeometry"},
+                                                FunnelEntries(true),
+                                                {"< KARVOpenGLControl::AppendGeometry"},
+                                                kDestroyed}));
 }
 
 TEST_F(ControlGeometryFeed, TheScenesBoxTakesTwoPointsOfAnEntity)
@@ -322,8 +321,9 @@ TEST_F(ControlGeometryFeed, TheScenesBoxTakesTwoPointsOfAnEntity)
     EXPECT_THAT(trace.Calls(),
                 ElementsAre("KARVOpenGLControl::GLDetectExtents", "KARVGraphicalEntity::GetExtents",
                             "KARVGraphicalEntity::DoesPointContainExtent",
-                            "KARVGraphicalEntity::DoesPointContainExtent", "KARVOpenGLControl::GLComputeCentroid",
-                            "KARVGLCamera::SetTarget", "KARVGLCamera::SetFarPlaneDistance",
+                            "KARVGraphicalEntity::DoesPointContainExtent",
+                            "KARVOpenGLControl::GLComputeCentroid", "KARVGLCamera::SetTarget",
+                            "KARVGLCamera::SetFarPlaneDistance",
                             "KARVGraphicalEntity::~KARVGraphicalEntity")); // of the argument
 }
 
@@ -450,8 +450,8 @@ TEST_F(ControlGeometryFeed, TheMostNegativeCountIsReportedToo)
 TEST_F(ControlGeometryFeed, ReservedEntitiesStillDrawTheirLists)
 {
     control_->AppendGeometry(
-        {MakeFace({{0.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {1.0, 0.0, 1.0}, {1.0, 0.0, 0.0}}, {0.0, -1.0, 0.0})}, TypeOf(0),
-        kRed, 1.0F);
+        {MakeFace({{0.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {1.0, 0.0, 1.0}, {1.0, 0.0, 0.0}}, {0.0, -1.0, 0.0})},
+        TypeOf(0), kRed, 1.0F);
     const unsigned list = control_->entities.at(0).faces.at(0).displayList;
     control_->AllocateMemory(100);
     const GlRecording gl;

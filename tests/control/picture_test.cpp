@@ -1,7 +1,7 @@
 // The whole road from geometry to pixels: real frames of real windows, by chosen pixels.
 //
-// Lighting: the light shines along the line of sight, so that a side seen face on has its full colour plus the
-// white highlight of 0.5. Red face on is (1, 0.5, 0.5).
+// Lighting: the light shines along the line of sight, so that a side seen face on has its full colour plus
+// the white highlight of 0.5. Red face on is (1, 0.5, 0.5).
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -30,8 +30,8 @@ constexpr int kMagenta = 6;
 const Pixel kBlack{0, 0, 0};
 const Pixel kRedFaceOn{255, 128, 128};
 
-/// The colour index of a lit surface by the channels that stand out, 0 for the black background. A full channel is
-/// at least half again as bright as the highlight alone.
+/// The colour index of a lit surface by the channels that stand out, 0 for the black background. A full
+/// channel is at least half again as bright as the highlight alone.
 int HueOf(const Pixel& pixel)
 {
     const int brightest = std::max({pixel.red, pixel.green, pixel.blue});
@@ -58,9 +58,8 @@ int CountHue(const Picture& picture, int hue)
 /// A rectangle in the plane y = `depth`, clockwise seen from the front (from -Y).
 KARVGLFace FrontRectangle(double left, double bottom, double right, double top, double depth)
 {
-    return MakeFace(
-        {{left, depth, bottom}, {left, depth, top}, {right, depth, top}, {right, depth, bottom}},
-        {0.0, -1.0, 0.0});
+    return MakeFace({{left, depth, bottom}, {left, depth, top}, {right, depth, top}, {right, depth, bottom}},
+                    {0.0, -1.0, 0.0});
 }
 
 /// A triangle in the plane y = `depth`, clockwise seen from the front.
@@ -80,10 +79,11 @@ class ControlPicture : public ControlTest
         ControlTest::TearDown();
     }
 
-    /// Makes a control on black whose scene is the cube from 0 to 0.2: centre 0.1, diagonal 0.34641, size 0.41569.
-    /// The eye of a standard view stands that far from the centre.
+    /// Makes a control on black whose scene is the cube from 0 to 0.2: centre 0.1, diagonal 0.34641, size
+    /// 0.41569. The eye of a standard view stands that far from the centre.
     void Open(bool transparent)
     {
+        control_.reset(); // first, because a control that goes leaves no context current
         control_ = NewControl(transparent, kSide, kSide);
         control_->SetBgColor(0, 0, 0);
         control_->ComputeExtents(false);
@@ -110,12 +110,12 @@ class ControlPicture : public ControlTest
     {
         constexpr double a = 0.05;
         constexpr double b = 0.15;
-        Append(MakeFace({{a, a, b}, {a, b, b}, {b, b, b}, {b, a, b}}, {0.0, 0.0, 1.0}), kRed);      // top
-        Append(MakeFace({{a, a, a}, {b, a, a}, {b, b, a}, {a, b, a}}, {0.0, 0.0, -1.0}), kYellow);  // bottom
-        Append(MakeFace({{a, a, a}, {a, a, b}, {b, a, b}, {b, a, a}}, {0.0, -1.0, 0.0}), kGreen);   // front
-        Append(MakeFace({{b, b, a}, {b, b, b}, {a, b, b}, {a, b, a}}, {0.0, 1.0, 0.0}), kCyan);     // back
-        Append(MakeFace({{a, b, a}, {a, b, b}, {a, a, b}, {a, a, a}}, {-1.0, 0.0, 0.0}), kBlue);    // left
-        Append(MakeFace({{b, a, a}, {b, a, b}, {b, b, b}, {b, b, a}}, {1.0, 0.0, 0.0}), kMagenta);  // right
+        Append(MakeFace({{a, a, b}, {a, b, b}, {b, b, b}, {b, a, b}}, {0.0, 0.0, 1.0}), kRed);     // top
+        Append(MakeFace({{a, a, a}, {b, a, a}, {b, b, a}, {a, b, a}}, {0.0, 0.0, -1.0}), kYellow); // bottom
+        Append(MakeFace({{a, a, a}, {a, a, b}, {b, a, b}, {b, a, a}}, {0.0, -1.0, 0.0}), kGreen);  // front
+        Append(MakeFace({{b, b, a}, {b, b, b}, {a, b, b}, {a, b, a}}, {0.0, 1.0, 0.0}), kCyan);    // back
+        Append(MakeFace({{a, b, a}, {a, b, b}, {a, a, b}, {a, a, a}}, {-1.0, 0.0, 0.0}), kBlue);   // left
+        Append(MakeFace({{b, a, a}, {b, a, b}, {b, b, b}, {b, b, a}}, {1.0, 0.0, 0.0}), kMagenta); // right
     }
 
     std::unique_ptr<KARVOpenGLControl> control_;
@@ -167,9 +167,11 @@ TEST_F(ControlPicture, ACounterClockwiseFaceIsVisibleFromTheBackAlone)
 
 TEST_F(ControlPicture, AnLShapeLeavesItsNotchFree)
 {
-    // An L of three squares of 0.05, its notch at the upper right; corners clockwise from the upper left one. The
-    // fan from there would fill the notch's lower left half.
-    const auto corner = [](double x, double z) { return KARVGLVertex(0.05 + 0.05 * x, 0.1, 0.05 + 0.05 * z); };
+    // An L of three squares of 0.05, its notch at the upper right; corners clockwise from the upper left one.
+    // The fan from there would fill the notch's lower left half.
+    const auto corner = [](double x, double z) {
+        return KARVGLVertex(0.05 + 0.05 * x, 0.1, 0.05 + 0.05 * z);
+    };
     Append(MakeFace({corner(0, 2), corner(1, 2), corner(1, 1), corner(2, 1), corner(2, 0), corner(0, 0)},
                     {0.0, -1.0, 0.0}),
            kRed);
@@ -258,8 +260,8 @@ TEST_P(ControlPictureOfCorner, ShowsTheTopAndTheTwoSidesItNames)
     EXPECT_EQ(HueOf(picture.At(kMiddle + 12, kMiddle - 7)), GetParam().right_side);
 }
 
-// For an eye to the south-east, the right of the screen is north-east: the front shows left and the right side
-// right; and so on around.
+// For an eye to the south-east, the right of the screen is north-east: the front shows left and the right
+// side right; and so on around.
 INSTANTIATE_TEST_SUITE_P(Four, ControlPictureOfCorner,
                          testing::Values(CornerView{"SE", &KARVOpenGLControl::CameraViewSE, kGreen, kMagenta},
                                          CornerView{"SW", &KARVOpenGLControl::CameraViewSW, kBlue, kGreen},
@@ -278,15 +280,21 @@ class ControlPictureOfTwoSquares : public ControlPicture
         Append(FrontRectangle(0.02, 0.07, 0.08, 0.13, 0.0), kGreen);
         Append(FrontRectangle(0.12, 0.07, 0.18, 0.13, 0.2), kRed);
     }
+
+    /// The square of this hue has sides of so many pixels, give or take those that an edge covers in part.
+    static void ExpectSide(const Picture& picture, int hue, double side)
+    {
+        EXPECT_NEAR(CountHue(picture, hue), side * side, 4.0 * side);
+    }
 };
 
 TEST_F(ControlPictureOfTwoSquares, InPerspectiveTheNearOneIsLarger)
 {
-    // The eye is 0.31569 from the near one and 0.51569 from the far one. At 48 pixels for tan 20 degrees their
-    // sides of 0.06 are 25.1 and 15.3 pixels.
+    // The eye is 0.31569 from the near one and 0.51569 from the far one. At 48 pixels for tan 20 degrees
+    // their sides of 0.06 are 25.1 and 15.3 pixels.
     const Picture picture = Front();
-    EXPECT_NEAR(CountHue(picture, kGreen), 25.1 * 25.1, 2 * 25.1);
-    EXPECT_NEAR(CountHue(picture, kRed), 15.3 * 15.3, 2 * 15.3);
+    ExpectSide(picture, kGreen, 25.1);
+    ExpectSide(picture, kRed, 15.3);
 }
 
 TEST_F(ControlPictureOfTwoSquares, InParallelBothHaveOneSize)
@@ -294,8 +302,8 @@ TEST_F(ControlPictureOfTwoSquares, InParallelBothHaveOneSize)
     // Half the picture is half the scene size, 0.20785: a side of 0.06 is 13.9 pixels.
     control_->SetToPerspective(false);
     const Picture picture = Front();
-    EXPECT_NEAR(CountHue(picture, kGreen), 13.9 * 13.9, 2 * 13.9);
-    EXPECT_NEAR(CountHue(picture, kRed), 13.9 * 13.9, 2 * 13.9);
+    ExpectSide(picture, kGreen, 13.9);
+    ExpectSide(picture, kRed, 13.9);
 }
 
 TEST_F(ControlPictureOfTwoSquares, BackInPerspectiveThePictureIsAsBefore)
@@ -318,11 +326,11 @@ TEST_F(ControlPictureOfTwoSquares, AParallelPictureIsNotUpsideDown)
     EXPECT_EQ(HueOf(picture.At(kMiddle - 12, kMiddle - 15)), 0);
 }
 
-TEST_F(ControlPictureOfTwoSquares, AParallelZoomOfTwoHalvesTheSizes)
+TEST_F(ControlPictureOfTwoSquares, AParallelZoomOfAHalfDoublesTheSizes)
 {
     control_->SetToPerspective(false);
-    control_->zoomFactor = 2.0F;
-    EXPECT_NEAR(CountHue(Front(), kGreen), 6.9 * 6.9, 2 * 6.9 + 1.0);
+    control_->zoomFactor = 0.5F;
+    ExpectSide(Front(), kGreen, 2 * 13.9);
 }
 
 TEST_F(ControlPictureOfTwoSquares, ANarrowFieldOfViewEnlarges)
@@ -360,9 +368,10 @@ TEST_F(ControlPicture, LineModeShowsLinesInTheirColourAndNoFaces)
     control_->SetRenderMode(KARVGLRenderModeLines);
     const Picture picture = Front();
     EXPECT_EQ(CountHue(picture, kRed), 0);
-    // Across the whole picture in its middle, on one or two rows; nothing lies elsewhere.
-    EXPECT_TRUE(HueOf(picture.At(10, kMiddle)) == kGreen || HueOf(picture.At(10, kMiddle - 1)) == kGreen);
-    EXPECT_EQ(HueOf(picture.At(10, kMiddle + 5)), 0);
+    // In the plane of the target its half of 0.1 is 0.1 / 0.1513 x 48 = 31.7 pixels, on one or two rows.
+    EXPECT_TRUE(HueOf(picture.At(20, kMiddle)) == kGreen || HueOf(picture.At(20, kMiddle - 1)) == kGreen);
+    EXPECT_EQ(HueOf(picture.At(20, kMiddle + 5)), 0);
+    EXPECT_EQ(HueOf(picture.At(12, kMiddle)), 0);
     EXPECT_GT(CountHue(picture, kGreen), 60);
 }
 

@@ -1,5 +1,6 @@
-// The probe for a multisampled pixel format: what it asks, what it takes as an answer, and what it remembers for
-// the controls that come later. Its two process-wide values show through the pixel format that a control gets.
+// The probe for a multisampled pixel format: what it asks, what it takes as an answer, and what it remembers
+// for the controls that come later. Its two process-wide values show through the pixel format that a control
+// gets.
 #include "tests/support/control_test.h"
 
 #include "platform/winsys/opengl.h"
@@ -11,7 +12,6 @@ using namespace karv_test;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace
 {
@@ -40,8 +40,8 @@ const char* WINAPI GetExtensions(HDC dc)
     return extensions;
 }
 
-BOOL WINAPI ChooseFormat(HDC dc, const int* attributes, const float* float_attributes, UINT max_formats, int* formats,
-                         UINT* count)
+BOOL WINAPI ChooseFormat(HDC dc, const int* attributes, const float* float_attributes, UINT max_formats,
+                         int* formats, UINT* count)
 {
     Query query{dc, {}, {float_attributes[0], float_attributes[1]}, max_formats};
     while (attributes[0] != 0) {
@@ -67,14 +67,13 @@ PROC ToProc(Function* function)
 class ControlProbe : public ControlTest
 {
   protected:
-    ControlProbe()
+    ControlProbe() : plain_format_(PlainFormat())
     {
         extensions = "WGL_ARB_multisample";
         four_samples = Answer::kFound;
         two_samples = Answer::kFound;
         asked_dcs.clear();
         queries.clear();
-        plain_format_ = PlainFormat();
         offered_format = plain_format_ == 1 ? 2 : 1;
     }
 
@@ -87,9 +86,19 @@ class ControlProbe : public ControlTest
     }
 
     /// Whether a control made now takes the format of the probe.
-    bool TakesOfferedFormat()
+    bool TakesOfferedFormat() { return NewControl(false, 0, 0)->pixelFormat == offered_format; }
+
+    /// The same of a control that lives to the end of the test, because one that goes forgets the format.
+    bool TakesFormatAndStays()
     {
-        return NewControl(false, 0, 0)->pixelFormat == offered_format;
+        kept_.push_back(NewControl(false, 0, 0));
+        return kept_.back()->pixelFormat == offered_format;
+    }
+
+    void TearDown() override
+    {
+        kept_.clear();
+        ControlTest::TearDown();
     }
 
     bool Accepts(const char* words)
@@ -110,6 +119,7 @@ class ControlProbe : public ControlTest
     EntryPointAnswer extensions_answer_{"wglGetExtensionsStringARB", ToProc(&GetExtensions)};
     EntryPointAnswer choose_answer_{"wglChoosePixelFormatARB", ToProc(&ChooseFormat)};
     int plain_format_ = 0;
+    std::vector<std::unique_ptr<KARVOpenGLControl>> kept_;
 };
 
 TEST_F(ControlProbe, FourSamplesFoundGiveTheirFormatWithOneQuery)
@@ -272,7 +282,8 @@ TEST_F(ControlProbe, AnExactNameAfterARejectedOneInTheSameWordIsAMiss)
 
 TEST_F(ControlProbe, AnExactNameAfterManyRejectedOnesIsAHit)
 {
-    EXPECT_TRUE(Accepts("xWGL_ARB_multisample WGL_ARB_multisamplex xWGL_ARB_multisample WGL_ARB_multisample"));
+    EXPECT_TRUE(
+        Accepts("xWGL_ARB_multisample WGL_ARB_multisamplex xWGL_ARB_multisample WGL_ARB_multisample"));
 }
 
 TEST_F(ControlProbe, AnEmptyStringIsAMissWithoutAQuery)
@@ -293,13 +304,26 @@ TEST_F(ControlProbe, ATruncatedNameIsAMiss)
 
 TEST_F(ControlProbe, AMissingStringEntryPointAsksGlForItsExtensions)
 {
-    const EntryPointAnswer none("wglChoosePixelFormatARB", nullptr);
-    window_calls_.Clear();
+    const EntryPointAnswer none("wglGetExtensionsStringARB", nullptr);
     const GlRecording gl;
-    extensions = nullptr;
     const auto control = NewControl();
     ASSERT_FALSE(gl.Calls().empty());
     EXPECT_EQ(gl.Calls().front().text, "glGetString(GL_EXTENSIONS)");
+}
+
+TEST_F(ControlProbe, AMissingStringEntryPointTakesTheNameFromGl)
+{
+    const EntryPointAnswer none("wglGetExtensionsStringARB", nullptr);
+    const char* const words = "WGL_ARB_multisample";
+    const GlAnswer answer("glGetString", reinterpret_cast<std::uintptr_t>(words), GL_EXTENSIONS);
+    EXPECT_TRUE(TakesOfferedFormat());
+}
+
+TEST_F(ControlProbe, AMissingQueryEntryPointFallsBack)
+{
+    const EntryPointAnswer none("wglChoosePixelFormatARB", nullptr);
+    EXPECT_FALSE(TakesOfferedFormat());
+    EXPECT_THAT(queries, IsEmpty());
 }
 
 TEST_F(ControlProbe, AStringThatIsThereIsNotAskedOfGl)
@@ -367,27 +391,37 @@ TEST_F(ControlProbe, AMissingNameForgetsTheRememberedFormat)
 {
     const auto first = NewControl();
     extensions = "";
-    const auto second = NewControl();
-    EXPECT_EQ(second->pixelFormat, plain_format_);
+    EXPECT_FALSE(TakesFormatAndStays());
     extensions = "WGL_ARB_multisample";
     four_samples = Answer::kNoFormat;
     two_samples = Answer::kNoFormat;
-    const auto third = NewControl();
-    EXPECT_EQ(third->pixelFormat, plain_format_);
+    EXPECT_FALSE(TakesFormatAndStays());
+}
+
+TEST_F(ControlProbe, NullStringsForgetTheRememberedFormat)
+{
+    const auto first = NewControl();
+    {
+        extensions = nullptr;
+        const GlAnswer no_string("glGetString", 0, GL_EXTENSIONS);
+        EXPECT_FALSE(TakesFormatAndStays());
+    }
+    extensions = "WGL_ARB_multisample";
+    four_samples = Answer::kNoFormat;
+    two_samples = Answer::kNoFormat;
+    EXPECT_FALSE(TakesFormatAndStays());
 }
 
 TEST_F(ControlProbe, AMissingQueryForgetsTheRememberedFormat)
 {
     const auto first = NewControl();
-    extensions = nullptr;
-    const GlAnswer no_string("glGetString", 0, GL_EXTENSIONS);
-    const auto second = NewControl();
-    EXPECT_EQ(second->pixelFormat, plain_format_);
-    extensions = "WGL_ARB_multisample";
+    {
+        const EntryPointAnswer none("wglChoosePixelFormatARB", nullptr);
+        EXPECT_FALSE(TakesFormatAndStays());
+    }
     four_samples = Answer::kNoFormat;
     two_samples = Answer::kNoFormat;
-    const auto third = NewControl();
-    EXPECT_EQ(third->pixelFormat, plain_format_);
+    EXPECT_FALSE(TakesFormatAndStays());
 }
 
 TEST_F(ControlProbe, ALaterSuccessReplacesTheRememberedFormat)

@@ -48,11 +48,10 @@ TEST_F(ControlRedraw, WithNothingQueuedProjectionAndViewAreLoaded)
 {
     const GlRecording gl;
     control_->OnDraw(nullptr);
-    EXPECT_THAT(gl.Listing(),
-                ElementsAre("glLoadIdentity()", "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
-                            "gluPerspective(40, 2, 0.01, 1000)", "glMatrixMode(GL_MODELVIEW)",
-                            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                            "gluLookAt(0, -10, 0, 0, 0, 0, 0, 0, 1)"));
+    EXPECT_THAT(gl.Listing(), ElementsAre("glLoadIdentity()", "glMatrixMode(GL_PROJECTION)",
+                                          "glLoadIdentity()", "gluPerspective(40, 2, 0.01, 1000)",
+                                          "glMatrixMode(GL_MODELVIEW)", "glMatrixMode(GL_MODELVIEW)",
+                                          "glLoadIdentity()", "gluLookAt(0, -10, 0, 0, 0, 0, 0, 0, 1)"));
 }
 
 TEST_F(ControlRedraw, TheCameraIsAskedInAFixedOrder)
@@ -60,9 +59,9 @@ TEST_F(ControlRedraw, TheCameraIsAskedInAFixedOrder)
     const TraceRecording trace;
     control_->OnDraw(nullptr);
     EXPECT_THAT(trace.Calls(),
-                ElementsAre("KARVOpenGLControl::OnDraw", "KARVGLCamera::RotateCamera", "KARVGLCamera::RotateCamera",
-                            "KARVGLCamera::PanCamera", "KARVGLCamera::PanCamera", "KARVGLCamera::ZoomAt",
-                            "KARVGLCamera::UpdateCamera"));
+                ElementsAre("KARVOpenGLControl::OnDraw", "KARVGLCamera::RotateCamera",
+                            "KARVGLCamera::RotateCamera", "KARVGLCamera::PanCamera",
+                            "KARVGLCamera::PanCamera", "KARVGLCamera::ZoomAt", "KARVGLCamera::UpdateCamera"));
 }
 
 TEST_F(ControlRedraw, TheFocusIsTakenLast)
@@ -246,9 +245,10 @@ TEST_F(ControlSize, ASizeSetsViewportProjectionAndCamera)
     EXPECT_EQ(control_->aspectRatio, 1.5F);
     EXPECT_THAT(gl.Listing(),
                 ElementsAre("glViewport(0, 0, 90, 60)", "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
-                            "gluPerspective(40, 1.5, 0.1, 600)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                            "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", "gluPerspective(40, 1.5, 0.01, 600)",
-                            "glMatrixMode(GL_MODELVIEW)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
+                            "gluPerspective(40, 1.5, 0.1, 600)", "glMatrixMode(GL_MODELVIEW)",
+                            "glLoadIdentity()", "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
+                            "gluPerspective(40, 1.5, 0.01, 600)", "glMatrixMode(GL_MODELVIEW)",
+                            "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
                             "gluLookAt(0, 0, 0, 1.5, 2, 0, 0, 0, 1)"));
 }
 

@@ -110,21 +110,26 @@ TEST_F(ControlSettings, TheDebugCubeIsSixSidesFromAFixedTable)
 {
     const GlRecording gl;
     control_->DrawDebugCubeAt({1.0, 2.0, 3.0}, 4.0F); // h = 2
-    EXPECT_THAT(
-        gl.Listing(),
-        ElementsAreArray({"glPushMatrix()",         "glTranslatef(1, 2, 3)",  "glRotatef(0, 1, 0, 0)",
-                          "glRotatef(0, 0, 1, 0)",  "glRotatef(0, 0, 0, 1)",  "glColor3f(0, 0, 1)",
-                          "glBegin(GL_QUADS)",      "glNormal3f(0, 0, 2)",    "glVertex3f(-2, -2, 2)",
-                          "glVertex3f(2, -2, 2)",   "glVertex3f(2, 2, 2)",    "glVertex3f(-2, 2, 2)",
-                          "glNormal3f(0, 0, -2)",   "glVertex3f(-2, -2, -2)", "glVertex3f(-2, 2, -2)",
-                          "glVertex3f(2, 2, -2)",   "glVertex3f(2, -2, -2)",  "glNormal3f(0, 2, 0)",
-                          "glVertex3f(-2, 2, -2)",  "glVertex3f(-2, 2, 2)",   "glVertex3f(2, 2, 2)",
-                          "glVertex3f(2, 2, -2)",   "glNormal3f(0, -2, 0)",   "glVertex3f(-2, -2, -2)",
-                          "glVertex3f(2, -2, -2)",  "glVertex3f(2, -2, 2)",   "glVertex3f(-2, -2, 2)",
-                          "glNormal3f(2, 0, 0)",    "glVertex3f(2, -2, -2)",  "glVertex3f(2, 2, -2)",
-                          "glVertex3f(2, 2, 2)",    "glVertex3f(2, -2, 2)",   "glNormal3f(-2, 0, 0)",
-                          "glVertex3f(-2, -2, -2)", "glVertex3f(-2, -2, 2)",  "glVertex3f(-2, 2, 2)",
-                          "glVertex3f(-2, 2, -2)",  "glEnd()",                "glPopMatrix()"}));
+    EXPECT_THAT(gl.Listing(), ElementsAreArray({"glPushMatrix()",        "glTranslatef(1, 2, 3)",
+                                                "glRotatef(0, 1, 0, 0)", "glRotatef(0, 0, 1, 0)",
+                                                "glRotatef(0, 0, 0, 1)", "glColor3f(0, 0, 1)",
+                                                "glBegin(GL_QUADS)",     "glNormal3f(0, 0, 2)",
+                                                "glVertex3f(-2, -2, 2)", "glVertex3f(2, -2, 2)",
+                                                "glVertex3f(2, 2, 2)",   "glVertex3f(-2, 2, 2)",
+                                                "glNormal3f(0, 0, -2)",  "glVertex3f(-2, -2, -2)",
+                                                "glVertex3f(-2, 2, -2)", "glVertex3f(2, 2, -2)",
+                                                "glVertex3f(2, -2, -2)", "glNormal3f(0, 2, 0)",
+                                                "glVertex3f(-2, 2, -2)", "glVertex3f(-2, 2, 2)",
+                                                "glVertex3f(2, 2, 2)",   "glVertex3f(2, 2, -2)",
+                                                "glNormal3f(0, -2, 0)",  "glVertex3f(-2, -2, -2)",
+                                                "glVertex3f(2, -2, -2)", "glVertex3f(2, -2, 2)",
+                                                "glVertex3f(-2, -2, 2)", "glNormal3f(2, 0, 0)",
+                                                "glVertex3f(2, -2, -2)", "glVertex3f(2, 2, -2)",
+                                                "glVertex3f(2, 2, 2)",   "glVertex3f(2, -2, 2)",
+                                                "glNormal3f(-2, 0, 0)",  "glVertex3f(-2, -2, -2)",
+                                                "glVertex3f(-2, -2, 2)", "glVertex3f(-2, 2, 2)",
+                                                "glVertex3f(-2, 2, -2)", "glEnd()",
+                                                "glPopMatrix()"}));
     EXPECT_EQ(control_->debugCubeAngle, 1);
 }
 

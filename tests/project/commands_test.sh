@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 failures=0
 
 # A project with our commands, whose packages, build and viewer are stand-ins.
-mkdir -p "$work/tools" "$work/bin" "$work/build/linux" "$work/elsewhere/deep"
+mkdir -p "$work/tools" "$work/bin" "$work/build/linux" "$work/build/linux-bench" "$work/elsewhere/deep"
 cp "$root/run" "$root/test" "$work"
 cp "$root/tools/build" "$work/tools/build"
 touch "$work/CMakePresets.json"
@@ -27,6 +27,7 @@ make_stub()
     make_stub bin/cmake 'echo "cmake $*" >>"$WORK/calls"; echo "words of cmake"; exit "${CMAKE_STATUS:-0}"'
     make_stub bin/ninja 'echo "${NINJA_SAYS:-[1/2] compiling}"'
     make_stub bin/ctest 'echo "ctest $1 $2 in $PWD" >>"$WORK/calls"; echo summary; exit "${CTEST_STATUS:-0}"'
+    make_stub build/linux-bench/karv_bench 'printf "table "; printf "[%s]" "$@"; exit "${BENCH_STATUS:-0}"'
     make_stub build/linux/karv-view 'printf "[%s]" "$PWD" "$@"; exit "${VIEWER_STATUS:-0}"'
 }
 
@@ -64,6 +65,15 @@ expect 'run stops where packages are missing' "$status $calls" '1 setup build vi
 CMAKE_STATUS=1 call "$work" ./run
 expect 'run stops where the build cannot be configured' "$status $said" '1 '
 expect 'run shows why' "$complained" 'words of cmake'
+
+call "$work/elsewhere" ../run bench --quick 'a filter'
+expect 'run bench measures' "$said" 'table \[--quick\]\[a filter\]'
+expect 'run bench sets up what the benchmarks need, and builds them' "$calls" \
+    $'setup build bench\ncmake --preset linux-bench\ncmake --build --preset linux-bench'
+BENCH_STATUS=3 call "$work" ./run bench
+expect 'run bench ends as the benchmarks do' "$status" 3
+call "$work" ./run ./bench
+expect 'a model can still be called bench' "$said" "\[$work\]\[./bench\]"
 
 touch -d '1 hour ago' "$work/CMakePresets.json"
 touch "$work/build/linux/build.ninja"

@@ -8,7 +8,7 @@ set(rules
     "^platform/tools/=platform/tools/|platform/winsys/export.h"
     "^platform/host/=platform/host/|platform/winsys/export.h"
     "^platform/framework/=platform/framework/|platform/winsys/winsys.h|platform/winsys/export.h"
-    "^platform/winsys/=platform/winsys/|platform/tools/trace.h"
+    "^platform/winsys/=platform/winsys/|platform/tools/"
     "^platform/=platform/"
     "^module/guard.h=platform/tools/trace.h"
     "^camera/=camera/|module/guard.h|PLATFORM"
@@ -17,6 +17,7 @@ set(rules
     "^module/=module/|control/|camera/|geometry/|PLATFORM"
     "^viewer/=viewer/|BOUNDARY|PLATFORM"
     "^examples/=examples/|BOUNDARY|PLATFORM"
+    "^bench/=bench/|module/guard.h|BOUNDARY|PLATFORM"
     "^tests/=.*")
 # The boundary of the module, which is all that its clients may include of it.
 set(boundary "control/KARVOpenGLControl.h|camera/KARVGLCamera.h|geometry/KARVG[A-Za-z]+.h")
@@ -31,7 +32,7 @@ macro(report message)
 endmacro()
 
 set(patterns "")
-foreach(folder IN ITEMS camera control examples geometry module platform tests viewer)
+foreach(folder IN ITEMS bench camera control examples geometry module platform tests viewer)
   list(APPEND patterns "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
 endforeach()
 file(GLOB_RECURSE files RELATIVE "${ROOT}" ${patterns})
@@ -53,7 +54,7 @@ foreach(file IN LISTS files)
 
   # Project headers are the quoted ones, and those in angle brackets that begin with a folder of the project.
   file(STRINGS "${ROOT}/${file}" includes REGEX
-       "^[ \t]*#[ \t]*include[ \t]*(\"|<(camera|control|examples|geometry|module|platform|tests|viewer)/)")
+       "^[ \t]*#[ \t]*include[ \t]*(\"|<(bench|camera|control|examples|geometry|module|platform|tests|viewer)/)")
   foreach(line IN LISTS includes)
     string(REGEX REPLACE "^[ \t]*#[ \t]*include[ \t]*[\"<]([^\">]*)[\">].*$" "\\1" header "${line}")
     if(NOT header MATCHES "^(${allowed})")

@@ -31,7 +31,7 @@ std::vector<KARVGLFace> TriangleInBox(KARVGLVertex a, KARVGLVertex b)
 
 ControlTest::ControlTest()
 {
-    UseHeadlessWindows();
+    UseTestWindows();
     winsys::SetFrameClock([this] { return now_; });
     host_.CreateEx(0, AfxRegisterWndClass(0), L"host", WS_POPUP | WS_VISIBLE,
                    CRect(0, 0, kHostSide, kHostSide), nullptr, 0);

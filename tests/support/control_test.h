@@ -43,12 +43,13 @@ class ControlTest : public testing::Test
     /// Opens the host window, which is larger than any control in it. The frame clock stands still.
     ControlTest();
     ~ControlTest() override;
-    /// Keeps the last picture in the test's temporary folder where the test failed, and destroys the windows and
-    /// contexts that the test or the control left over.
+    /// Keeps the last picture in the test's temporary folder where the test failed, and destroys the windows
+    /// and contexts that the test or the control left over.
     void TearDown() override;
 
     /// A control at (0, 0) in the host, of kWidth x kHeight unless given.
-    std::unique_ptr<KARVOpenGLControl> NewControl(bool transparent = false, int width = kWidth, int height = kHeight);
+    std::unique_ptr<KARVOpenGLControl> NewControl(bool transparent = false, int width = kWidth,
+                                                  int height = kHeight);
     /// Draws one frame of the control and reads it before the swap.
     Picture Frame(KARVOpenGLControl& control);
     /// Dispatches messages until the condition holds; false where it does not within a limit.

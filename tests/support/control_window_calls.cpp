@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <ranges>
 #include <stdexcept>
 
 namespace karv_test
@@ -306,10 +307,9 @@ HDC wglGetCurrentDC()
 PROC wglGetProcAddress(LPCSTR name)
 {
     Note(__func__, {name});
-    const auto& answers = State().answers;
-    for (auto answer = answers.rbegin(); answer != answers.rend(); ++answer) {
-        if ((*answer)->EntryPoint() == name)
-            return (*answer)->Result();
+    for (const EntryPointAnswer* answer : State().answers | std::views::reverse) {
+        if (answer->EntryPoint() == name)
+            return answer->Result();
     }
     return Layer<&wglGetProcAddress>("_Z17wglGetProcAddressPKc")(name);
 }

@@ -1,6 +1,6 @@
-// The recorder of window-system calls stands before the calls that the module and the framework make: the test
-// program's own definitions pre-empt the layer's, note each call and pass it on. Refusals and answers stage what no
-// system does on demand.
+// The recorder of window-system calls stands before the calls that the module and the framework make: the
+// test program's own definitions pre-empt the layer's, note each call and pass it on. Refusals and answers
+// stage what no system does on demand.
 //
 // It knows nothing of the control. One thread. The program must be linked with its symbols exported.
 #pragma once
@@ -76,8 +76,8 @@ class WindowCalls
     WindowCalls* outer_;
 };
 
-/// Answers an entry point with 0, null or FALSE in place of the system: its call number `nth` since the refusal was
-/// made, from 1, or every one for 0.
+/// Answers an entry point with 0, null or FALSE in place of the system: its call number `nth` since the
+/// refusal was made, from 1, or every one for 0.
 class WindowRefusal
 {
   public:

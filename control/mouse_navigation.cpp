@@ -1,0 +1,138 @@
+// Mouse navigation of KARVOpenGLControl. Handlers never touch the camera: they queue amounts, or scale the
+// zoom, and ask for a redraw, which applies them.
+#include "control/KARVOpenGLControl.h"
+
+#include "control/control_source.h"
+#include "module/guard.h"
+
+#include <cstdint>
+
+using karv::Guarded;
+using karv::kControlSource;
+
+namespace
+{
+
+constexpr float kDegreesPerPixel = 0.5F;
+/// A turn beyond this, from a jump of the pointer, is dropped.
+constexpr float kLargestTurn = 360.0F;
+constexpr float kZoomPerPixel = 0.01F;
+/// Wheel units per pixel of an equivalent drag; negative, because a turn forward zooms in, as a drag upward
+/// does.
+constexpr int kWheelUnitsPerPixel = -10;
+// Panning by one pixel moves by this share of the scene.
+constexpr float kPanPerPixel = 0.01F;
+constexpr float kScenePanDivisor = 4.45F;
+
+/// Truncates towards zero, and wraps around where 32 bits do not hold the value.
+int Truncated(float value)
+{
+    return static_cast<int>(static_cast<std::int64_t>(value));
+}
+
+float TurnWithinLimit(float degrees)
+{
+    return degrees > kLargestTurn || degrees < -kLargestTurn ? 0.0F : degrees;
+}
+
+} // namespace
+
+void KARVOpenGLControl::OnMouseMove(UINT nFlags, CPoint point)
+{
+    Guarded(L"KARVOpenGLControl::OnMouseMove", kControlSource, [&] {
+        if (!userControlEnabled)
+            return;
+        const auto x = static_cast<float>(point.x);
+        const auto y = static_cast<float>(point.y);
+        const int dx = Truncated(x - lastMousePoint.x);
+        const int dy = Truncated(y - lastMousePoint.y);
+        lastMousePoint = {x, y};
+        if ((nFlags & MK_LBUTTON) != 0) {
+            if (mouseRotates)
+                GLMouseRotate(dx, dy);
+            else if (mousePans)
+                GLMousePan(dx, dy);
+            else if (mouseZooms)
+                GLMouseZoom(dy);
+        } else if ((nFlags & MK_MBUTTON) != 0) {
+            GLMousePan(dx, dy);
+        } else if ((nFlags & MK_RBUTTON) != 0) {
+            GLMouseZoom(dy);
+        }
+        OnDraw(nullptr);
+        Default();
+    });
+}
+
+BOOL KARVOpenGLControl::OnMouseWheel(UINT /*nFlags*/, short zDelta, CPoint /*point*/)
+{
+    // Outside the guard, and open even after the mouse was switched off: hosts rely on the wheel alone
+    // staying.
+    GLMouseZoom(zDelta / kWheelUnitsPerPixel);
+    OnDraw(nullptr);
+    return static_cast<BOOL>(Default());
+}
+
+void KARVOpenGLControl::GLMouseRotate(int dx, int dy)
+{
+    Guarded(L"KARVOpenGLControl::GLMouseRotate", kControlSource, [&] {
+        pendingRotateX = TurnWithinLimit(static_cast<float>(dy) * kDegreesPerPixel);
+        const float turn = static_cast<float>(dx) * kDegreesPerPixel;
+        pendingRotateZ = TurnWithinLimit(static_cast<float>(static_cast<double>(turn) * -1.0));
+    });
+}
+
+void KARVOpenGLControl::GLMousePan(int dx, int dy)
+{
+    Guarded(L"KARVOpenGLControl::GLMousePan", kControlSource, [&] {
+        // Each factor in 32 bits, their products in 64.
+        const float of_width = panScale * kPanPerPixel;
+        const float of_scene = sceneSize / kScenePanDivisor;
+        const double per_pixel =
+            static_cast<double>(of_width) * static_cast<double>(of_scene) * static_cast<double>(zoomFactor);
+        pendingPanX = static_cast<float>(static_cast<double>(dx) * per_pixel);
+        pendingPanZ = static_cast<float>(static_cast<double>(dy) * per_pixel);
+    });
+}
+
+void KARVOpenGLControl::GLMouseZoom(int d)
+{
+    Guarded(L"KARVOpenGLControl::GLMouseZoom", kControlSource, [&] {
+        const float factor = static_cast<float>(d) * kZoomPerPixel + 1.0F;
+        // Both, so that the zoom survives a switch of the projection.
+        fieldOfView = fieldOfView * factor;
+        zoomFactor = zoomFactor * factor;
+    });
+}
+
+void KARVOpenGLControl::RestrictToRotate()
+{
+    Guarded(L"KARVOpenGLControl::RestrictToRotate", kControlSource, [&] {
+        mouseRotates = true;
+        mouseZooms = false;
+        mousePans = false;
+    });
+}
+
+void KARVOpenGLControl::RestrictToPan()
+{
+    Guarded(L"KARVOpenGLControl::RestrictToPan", kControlSource, [&] {
+        mousePans = true;
+        mouseZooms = false;
+        mouseRotates = false;
+    });
+}
+
+void KARVOpenGLControl::RestrictToZoom()
+{
+    Guarded(L"KARVOpenGLControl::RestrictToZoom", kControlSource, [&] {
+        mouseZooms = true;
+        mousePans = false;
+        mouseRotates = false;
+    });
+}
+
+void KARVOpenGLControl::KillUserControl()
+{
+    Guarded(L"KARVOpenGLControl::KillUserControl", kControlSource, [&] { userControlEnabled = false; });
+}
