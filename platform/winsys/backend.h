@@ -11,6 +11,7 @@
 #include "platform/winsys/winsys.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -45,6 +46,12 @@ struct NativeWindow {
 
 /// Any OpenGL function; cast to its own type before the call.
 using GlFunction = void (*)();
+
+/// Where a native window is: on the screen for a top-level or adopted one, else in its parent.
+struct NativePlace {
+    POINT position{};
+    SIZE size{};
+};
 
 /// A press, release, movement or turn of the wheel, over one window.
 struct MouseEvent {
@@ -83,6 +90,8 @@ class KARV_PLATFORM_API EventSink
     virtual void OnKey(HWND window, UINT message, WPARAM code) = 0;
     /// The system moved the keyboard focus to this window, or away from it and its children.
     virtual void OnFocus(HWND window, bool gained) = 0;
+    /// The native window is gone by another's doing; the window is destroyed, with its children.
+    virtual void OnDestroyed(HWND window) = 0;
 };
 
 class KARV_PLATFORM_API Backend
@@ -99,6 +108,11 @@ class KARV_PLATFORM_API Backend
 
     /// Makes the window, hidden. False refuses it, and the creation fails.
     virtual bool CreateNativeWindow(HWND window, const NativeWindow& description) = 0;
+    /// Takes a window of another toolkit, by the id that its window system gave it, as a parent for windows
+    /// of the layer, and watches it from now on. It stays the other toolkit's: no call below shows, moves,
+    /// titles or ends it, and `DestroyNativeWindow` only stops the watching. None refuses it, as backends
+    /// without native windows do.
+    virtual std::optional<NativePlace> AdoptNativeWindow(HWND window, std::uintptr_t id);
     /// The window is gone, its children went before. Where a context is current on it, that context stays
     /// current and GL calls stay harmless, without visible effect, until another is made current or it is
     /// released.

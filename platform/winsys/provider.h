@@ -7,6 +7,7 @@
 
 #include "platform/winsys/winsys.h"
 
+#include <cstdint>
 #include <ctime>
 #include <functional>
 #include <memory>
@@ -46,8 +47,27 @@ KARV_PLATFORM_API void UseBackend(std::unique_ptr<Backend> backend);
 /// Throws std::runtime_error with the reason where no off-screen OpenGL can be had.
 [[nodiscard]] KARV_PLATFORM_API std::unique_ptr<Backend> MakeHeadlessBackend();
 
+/// The backend over an X server: `display` names it as the variable DISPLAY does, which an empty one means.
+/// Windows are X windows and contexts are GLX contexts, of the server's formats with a visual of depth 24.
+/// Errors that the server reports go to the tools library as faults and change nothing else; a lost
+/// connection is reported once, its windows stay as records on which nothing can be drawn any more, and the
+/// process goes on. Throws std::runtime_error with the reason where no server answers, or none with GLX.
+[[nodiscard]] KARV_PLATFORM_API std::unique_ptr<Backend> MakeX11Backend(const std::string& display = {});
+
+/// The backend that serves where none was chosen: x11 where the display that DISPLAY names answers, else
+/// headless. Throws as `MakeHeadlessBackend` does.
+[[nodiscard]] KARV_PLATFORM_API std::unique_ptr<Backend> MakeDefaultBackend();
+
 /// The name of the backend in use, "headless" for example; installs the default one where none is.
 [[nodiscard]] KARV_PLATFORM_API std::string BackendName();
+
+/// The layer's handle for a window of another toolkit, to be the parent of windows made here: the same one
+/// for the same id as long as the handle lives. The other toolkit owns the window and must have flushed its
+/// creation to the server. The handle ends when that window does, and its children with it; `DestroyWindow`
+/// on the handle destroys the children and leaves the other toolkit's window alone. Calls that would show,
+/// move or title it fail. Null where there is no such window, or where the backend has no native ones. `id`
+/// is the window's X id.
+[[nodiscard]] KARV_PLATFORM_API HWND AdoptForeignWindow(std::uintptr_t id);
 
 /// A descriptor that is readable whenever a message may wait: posted, due from a timer, or arriving from
 /// the display. For event loops of other toolkits, which then dispatch messages until `PeekMessageW` finds

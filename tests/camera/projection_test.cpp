@@ -525,7 +525,7 @@ TEST_F(CameraMatrices, FrontViewPutsTheTargetOneSceneDistanceAhead)
     camera.SetViewFront();
     const std::array<double, 16> m = Matrix(GL_MODELVIEW_MATRIX);
     // The target in eye space: straight ahead is -z.
-    const auto eye = [&](int row) {
+    const auto eye = [&](std::size_t row) {
         return m.at(row) * 1.0 + m.at(4 + row) * 2.0 + m.at(8 + row) * 3.0 + m.at(12 + row);
     };
     EXPECT_NEAR(eye(0), 0.0, 1e-5);

@@ -43,7 +43,7 @@ class DerivedLine : public AcDbLine
 
 Entity FromFaces(std::vector<KARVGLFace> faces, unsigned short color = kRed)
 {
-    return Entity(std::move(faces), Entity::EntityType3, color);
+    return {std::move(faces), Entity::EntityType3, color};
 }
 
 void ExpectEmpty(Entity& entity)

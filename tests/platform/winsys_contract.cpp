@@ -2,6 +2,7 @@
 
 #include "platform/winsys/backend.h"
 #include "tests/support/scripted_backend.h"
+#include "tests/support/x_server.h"
 
 #include <algorithm>
 #include <map>
@@ -61,6 +62,8 @@ void InstallBackend(const std::string& name)
 {
     if (name == "scripted") {
         ScriptedBackend::Install();
+    } else if (name == "x11") {
+        winsys::UseBackend(winsys::MakeX11Backend(SharedXServer().Display()));
     } else {
         winsys::UseBackend(winsys::MakeHeadlessBackend());
     }

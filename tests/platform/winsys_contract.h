@@ -29,9 +29,10 @@ class WinsysContract : public testing::TestWithParam<std::string>
     /// What a test does within a message, and its answer; none leaves the message to DefWindowProcW.
     using Handler = std::function<std::optional<LRESULT>(HWND window, UINT message, WPARAM, LPARAM)>;
 
+    ~WinsysContract() override;
+
   protected:
     WinsysContract();
-    ~WinsysContract() override;
 
     /// A window of a recorded class; "a" is its name in the record. Child windows are made with WS_CHILD.
     HWND Make(const std::wstring& name, DWORD style = WS_OVERLAPPED, HWND parent = nullptr, int width = 64,
@@ -69,7 +70,7 @@ class WinsysContract : public testing::TestWithParam<std::string>
 /// Every backend that the suite runs on.
 inline auto EveryBackend()
 {
-    return testing::Values("headless", "scripted");
+    return testing::Values("headless", "scripted", "x11");
 }
 
 /// Names each instance of a test after its backend.

@@ -10,7 +10,7 @@ namespace karv_test
 
 class WinsysGraphics : public WinsysContract
 {
-  protected:
+  public:
     ~WinsysGraphics() override
     {
         for (const HGLRC context : contexts_) {
@@ -18,6 +18,7 @@ class WinsysGraphics : public WinsysContract
         }
     }
 
+  protected:
     HGLRC MakeContext(HDC dc)
     {
         contexts_.push_back(wglCreateContext(dc));
@@ -515,6 +516,32 @@ TEST_P(WinsysGraphics, EdgeOfAMultisampledPictureIsBlended)
     // Each of the four samples counts a quarter; on the left half of the pixel lie one to three of them.
     EXPECT_GE(on_edge.red, 60);
     EXPECT_LE(on_edge.red, 195);
+}
+
+TEST_P(WinsysGraphics, MultisampledFrameIsReadWholeAndLeavesTheStateAlone)
+{
+    MakeDrawable(L"probe");
+    const int format = Choose(wglGetCurrentDC(), {WGL_SAMPLE_BUFFERS_ARB, 1, WGL_SAMPLES_ARB, 4});
+    const HDC dc = GetDC(MakeShown(L"a"));
+    ASSERT_TRUE(SetPixelFormat(dc, format, nullptr));
+    ASSERT_TRUE(wglMakeCurrent(dc, MakeContext(dc)));
+    Clear(0, 1, 0);
+    glScissor(0, 0, 4, 4);
+    glEnable(GL_SCISSOR_TEST);
+    Pixel beyond_scissor;
+    winsys::SetFrameObserver(
+        [&](HWND, int width, int height) { beyond_scissor = Picture(width, height).At(50, 50); });
+    ASSERT_TRUE(SwapBuffers(dc));
+    EXPECT_EQ(beyond_scissor, kGreen);
+    EXPECT_TRUE(glIsEnabled(GL_SCISSOR_TEST));
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    // Drawing still goes to the window, and the next frame shows it.
+    Clear(1, 0, 0);
+    Pixel inside_scissor;
+    winsys::SetFrameObserver(
+        [&](HWND, int width, int height) { inside_scissor = Picture(width, height).At(2, 2); });
+    ASSERT_TRUE(SwapBuffers(dc));
+    EXPECT_EQ(inside_scissor, kRed);
 }
 
 } // namespace karv_test

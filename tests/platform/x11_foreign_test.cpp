@@ -13,11 +13,8 @@ namespace karv_test
 class X11Foreign : public X11Test
 {
   protected:
-    X11Foreign() { host_ = winsys::AdoptForeignWindow(host_id_); }
-    ~X11Foreign() override { ::DestroyWindow(host_); }
-
     XClient::Id host_id_ = client_.MakeWindow(200, 100, 300, 250);
-    HWND host_ = nullptr;
+    HWND host_ = Adopt(host_id_);
 };
 
 constexpr unsigned kRedPixel = 0xFF0000;
@@ -39,7 +36,7 @@ TEST_F(X11Foreign, SameWindowHasOneHandle)
 {
     EXPECT_EQ(winsys::AdoptForeignWindow(host_id_), host_);
     const XClient::Id other = client_.MakeWindow(0, 0, 10, 10);
-    const HWND adopted = winsys::AdoptForeignWindow(other);
+    const HWND adopted = Adopt(other);
     EXPECT_NE(adopted, host_);
     EXPECT_TRUE(DestroyWindow(adopted));
     client_.DestroyWindow(other);
@@ -93,7 +90,7 @@ TEST_F(X11Foreign, MoveWithAWindowFurtherOutIsLearntFromThePointer)
 {
     const XClient::Id outer = client_.MakeWindow(0, 0, 400, 400);
     const XClient::Id inner = client_.MakeWindow(10, 10, 300, 300, outer);
-    const HWND adopted = winsys::AdoptForeignWindow(inner);
+    const HWND adopted = Adopt(inner);
     const HWND child = MakeChild(adopted, {5, 5, 105, 105});
     client_.MoveResize(outer, 300, 200, 400, 400);
     client_.MovePointer(340, 240);
@@ -132,7 +129,7 @@ TEST_F(X11Foreign, ItCanBeAdoptedAgain)
 {
     const HWND before = host_;
     DestroyWindow(host_);
-    host_ = winsys::AdoptForeignWindow(host_id_);
+    host_ = Adopt(host_id_);
     EXPECT_NE(host_, nullptr);
     EXPECT_NE(host_, before);
     EXPECT_NE(MakeChild(host_), nullptr);
@@ -204,7 +201,7 @@ TEST_F(X11Foreign, FocusIsTakenFromTheForeignAncestor)
 {
     const XClient::Id outer = client_.MakeWindow(0, 0, 400, 400);
     const XClient::Id inner = client_.MakeWindow(10, 10, 300, 300, outer);
-    const HWND adopted = winsys::AdoptForeignWindow(inner);
+    const HWND adopted = Adopt(inner);
     const HWND child = MakeChild(adopted);
     client_.Focus(outer);
     SetFocus(child);

@@ -65,6 +65,12 @@ HWND X11Test::MakeChild(HWND parent, RECT place)
     return Make(L"child", WS_CHILD | WS_VISIBLE, parent, place);
 }
 
+HWND X11Test::Adopt(XClient::Id id)
+{
+    made_.push_back(winsys::AdoptForeignWindow(id));
+    return made_.back();
+}
+
 HGLRC X11Test::MakeCurrentContext(HWND window)
 {
     const HDC dc = GetDC(window);
@@ -148,6 +154,35 @@ LRESULT CALLBACK X11Test::Procedure(HWND window, UINT message, WPARAM wparam, LP
         running_->messages_.push_back({window, message, wparam, lparam, 0, {}});
     }
     return DefWindowProcW(window, message, wparam, lparam);
+}
+
+X11ManagedTest::X11ManagedTest()
+{
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    bool is_managing = false;
+    while (!is_managing && std::chrono::steady_clock::now() < limit) {
+        is_managing = IsManaging();
+    }
+    EXPECT_TRUE(is_managing);
+}
+
+HWND X11ManagedTest::MakeManaged()
+{
+    const HWND window = Make(L"managed", WS_OVERLAPPEDWINDOW | WS_VISIBLE, nullptr, {200, 150, 500, 350});
+    EXPECT_TRUE(PumpUntil([&] { return client_.IsSeen(IdOf("managed")) && GetFocus() == window; }));
+    return window;
+}
+
+bool X11ManagedTest::IsManaging()
+{
+    constexpr int kPatience = 200;
+    const XClient::Id probe = client_.MakeWindow(0, 0, 50, 50, 0, true);
+    bool is_framed = false;
+    for (int i = 0; i < kPatience && !is_framed; ++i) {
+        is_framed = client_.ParentOf(probe) != client_.Root() && client_.IsSeen(probe);
+    }
+    client_.DestroyWindow(probe);
+    return is_framed;
 }
 
 } // namespace karv_test

@@ -4,6 +4,7 @@
 
 #include "platform/winsys/provider.h"
 #include "platform/winsys/winsys.h"
+#include "tests/support/child_process.h"
 #include "tests/support/x_client.h"
 #include "tests/support/x_server.h"
 
@@ -32,6 +33,8 @@ class X11Test : public testing::Test
     HWND MakeShown(const std::wstring& title, RECT place = {100, 50, 300, 200});
     /// A shown child at (10, 20) of 80 x 60 pixels unless given.
     HWND MakeChild(HWND parent, RECT place = {10, 20, 90, 80});
+    /// The handle of a window of another program; let go with the fixture.
+    HWND Adopt(XClient::Id id);
     /// Gives the window the format for 16 depth bits, and a context that is current on it.
     HGLRC MakeCurrentContext(HWND window);
     /// Draws a frame of one colour, 0 or 1 a channel, and swaps.
@@ -65,6 +68,24 @@ class X11Test : public testing::Test
     std::vector<MSG> messages_;
     std::vector<HWND> made_;
     std::vector<HGLRC> contexts_;
+};
+
+/// The same under a window manager.
+class X11ManagedTest : public X11Test
+{
+  protected:
+    X11ManagedTest();
+
+    /// A top-level window that the window manager has put on the screen and given the focus: "managed", a
+    /// client area of 300 x 200 pixels at (200, 150).
+    HWND MakeManaged();
+
+  private:
+    /// Whether a window manager frames what is shown. One that is just starting announces itself before it
+    /// does, and may miss what is shown meanwhile, so that each try takes a new window and some patience.
+    bool IsManaging();
+
+    ChildProcess window_manager_{{"env", "DISPLAY=" + SharedXServer().Display(), "openbox", "--sm-disable"}};
 };
 
 } // namespace karv_test

@@ -2,43 +2,18 @@
 // time.
 #include "tests/platform/x11_test.h"
 
-#include "tests/support/child_process.h"
-
-#include <chrono>
-
 namespace karv_test
 {
 
-class X11WindowManager : public X11Test
+class X11WindowManager : public X11ManagedTest
 {
   protected:
-    X11WindowManager()
-    {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        while (!client_.HasWindowManager() && std::chrono::steady_clock::now() < limit) {
-        }
-        EXPECT_TRUE(client_.HasWindowManager());
-    }
-
-    /// A top-level window that the window manager has put on the screen and given the focus.
-    HWND MakeManaged()
-    {
-        const HWND window = Make(L"managed", WS_OVERLAPPEDWINDOW | WS_VISIBLE, nullptr, {200, 150, 500, 350});
-        EXPECT_TRUE(PumpUntil([&] { return client_.IsSeen(IdOf("managed")) && GetFocus() == window; }));
-        return window;
-    }
-
     [[nodiscard]] static Size OriginOf(HWND window)
     {
         POINT origin{};
         ClientToScreen(window, &origin);
         return {origin.x, origin.y};
     }
-
-  private:
-    // Before the window manager, so that it outlives it.
-    const std::string& display_ = SharedXServer().Display();
-    ChildProcess window_manager_{{"env", "DISPLAY=" + display_, "openbox", "--sm-disable"}};
 };
 
 TEST_F(X11WindowManager, FramesTheWindowAroundItsClientArea)

@@ -215,6 +215,13 @@ BOOL ShowWindow(HWND window, int command)
     return IsRefused(__func__) ? FALSE : Layer<&ShowWindow>("_Z10ShowWindowP6HWND__i")(window, command);
 }
 
+LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
+{
+    if (State().recording != nullptr)
+        State().recording->NoteDefaultedMessage(message);
+    return Layer<&DefWindowProcW>("_Z14DefWindowProcWP6HWND__jml")(window, message, wparam, lparam);
+}
+
 HWND SetFocus(HWND window)
 {
     Note(__func__, {Name(window)});

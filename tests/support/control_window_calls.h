@@ -41,7 +41,11 @@ class WindowCalls
 
     [[nodiscard]] const std::vector<std::string>& Listing() const { return listing_; }
     [[nodiscard]] int Count(std::string_view text) const;
-    void Clear() { listing_.clear(); }
+    void Clear()
+    {
+        listing_.clear();
+        defaulted_messages_.clear();
+    }
     /// Adds a line of the test's own, to place other events among the calls.
     void Mark(std::string text) { listing_.push_back(std::move(text)); }
 
@@ -54,6 +58,8 @@ class WindowCalls
     [[nodiscard]] const std::vector<HDC>& DeviceContexts() const { return device_contexts_; }
     /// The contexts created, in order.
     [[nodiscard]] const std::vector<HGLRC>& Contexts() const { return contexts_; }
+    /// The messages given to DefWindowProcW, in order; the listing leaves them out.
+    [[nodiscard]] const std::vector<UINT>& DefaultedMessages() const { return defaulted_messages_; }
 
     // For the entry points.
     [[nodiscard]] std::string NameOf(HWND window);
@@ -64,6 +70,7 @@ class WindowCalls
     void NoteDescriptor(const PIXELFORMATDESCRIPTOR* descriptor);
     void NoteDeviceContext(HWND window, HDC dc);
     void NoteContext(HGLRC context);
+    void NoteDefaultedMessage(UINT message) { defaulted_messages_.push_back(message); }
 
   private:
     std::vector<std::string> listing_;
@@ -71,6 +78,7 @@ class WindowCalls
     std::vector<PIXELFORMATDESCRIPTOR> descriptors_;
     std::vector<HDC> device_contexts_;
     std::vector<HGLRC> contexts_;
+    std::vector<UINT> defaulted_messages_;
     std::map<HWND, std::string> windows_;
     std::map<HDC, std::string> dcs_;
     WindowCalls* outer_;

@@ -43,7 +43,7 @@ PIXELFORMATDESCRIPTOR Descriptor()
 
 HWND MakeWindow(int width, int height)
 {
-    UseHeadlessWindows();
+    UseTestWindows();
     RegisterOnce();
     return CreateWindowExW(0, kClassName, L"", WS_POPUP, 0, 0, width, height, nullptr, nullptr,
                            GetModuleHandleW(nullptr), nullptr);

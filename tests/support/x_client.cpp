@@ -79,23 +79,6 @@ class XClient::Impl
         }
     }
 
-    [[nodiscard]] Id WindowProperty(Id window, const char* name) const
-    {
-        Atom type = 0;
-        int format = 0;
-        unsigned long count = 0;
-        unsigned long left = 0;
-        unsigned char* data = nullptr;
-        const Tolerance tolerance(*this);
-        XGetWindowProperty(display, window, AtomOf(name), 0, 1, False, AnyPropertyType, &type, &format,
-                           &count, &left, &data);
-        const Id value = data != nullptr && format == 32 && count == 1 ? *reinterpret_cast<Id*>(data) : 0;
-        if (data != nullptr) {
-            XFree(data);
-        }
-        return value;
-    }
-
     void SendKey(const char* symbol, bool is_press) const
     {
         const KeyCode code = XKeysymToKeycode(display, XStringToKeysym(symbol));
@@ -267,16 +250,21 @@ int XClient::DepthOf(Id window)
 
 unsigned XClient::ScreenPixel(int x, int y)
 {
-    XImage* image = XGetImage(impl_->display, Root(), x, y, 1, 1, AllPlanes, ZPixmap);
-    const auto pixel = static_cast<unsigned>(XGetPixel(image, 0, 0));
-    XDestroyImage(image);
-    return pixel & 0xFFFFFFU;
+    return Screen(x, y, 1, 1).front();
 }
 
-bool XClient::HasWindowManager()
+std::vector<unsigned> XClient::Screen(int x, int y, int width, int height)
 {
-    const Id child = impl_->WindowProperty(Root(), "_NET_SUPPORTING_WM_CHECK");
-    return child != 0 && impl_->WindowProperty(child, "_NET_SUPPORTING_WM_CHECK") == child;
+    XImage* image = XGetImage(impl_->display, Root(), x, y, static_cast<unsigned>(width),
+                              static_cast<unsigned>(height), AllPlanes, ZPixmap);
+    std::vector<unsigned> pixels;
+    for (int row = 0; row < height; ++row) {
+        for (int column = 0; column < width; ++column) {
+            pixels.push_back(static_cast<unsigned>(XGetPixel(image, column, row)) & 0xFFFFFFU);
+        }
+    }
+    XDestroyImage(image);
+    return pixels;
 }
 
 void XClient::MovePointer(int x, int y)

@@ -50,8 +50,8 @@ class XClient
     [[nodiscard]] int DepthOf(Id window);
     /// The colour of a pixel of the screen as 0xRRGGBB.
     [[nodiscard]] unsigned ScreenPixel(int x, int y);
-    /// A window manager that speaks the usual protocol is there and has set itself up.
-    [[nodiscard]] bool HasWindowManager();
+    /// The pixels of a part of the screen, row by row from the top, as 0xRRGGBB.
+    [[nodiscard]] std::vector<unsigned> Screen(int x, int y, int width, int height);
 
     /// Each is handled by the server when the call returns. Buttons as X counts them: 1, 2, 3 and the wheel's
     /// 4 and 5.

@@ -10,7 +10,7 @@ namespace winsys::core
 Backend& Layer::InstalledBackend()
 {
     if (backend == nullptr) {
-        backend = MakeHeadlessBackend();
+        backend = MakeDefaultBackend();
     }
     return *backend;
 }
@@ -97,16 +97,21 @@ void NativeEvents::OnKey(HWND window, UINT message, WPARAM code)
 
 void NativeEvents::OnFocus(HWND window, bool gained)
 {
-    Layer& layer = GetLayer();
+    const Layer& layer = GetLayer();
     const bool inside = layer.focus != nullptr && layer.windows.IsWithin(layer.focus, window);
     if (gained != inside && layer.windows.Find(window) != nullptr) {
         ChangeFocus(gained ? window : nullptr);
     }
 }
 
+void NativeEvents::OnDestroyed(HWND window)
+{
+    Destroy(window);
+}
+
 void PumpNativeEvents()
 {
-    if (Layer& layer = GetLayer(); layer.backend != nullptr) {
+    if (const Layer& layer = GetLayer(); layer.backend != nullptr) {
         NativeEvents sink;
         layer.backend->PumpEvents(sink);
     }

@@ -36,7 +36,7 @@ struct Layer {
     /// Made when it is first asked for; most programs never wait outside GetMessageW.
     std::unique_ptr<WaitDescriptor> descriptor;
 
-    /// The backend, after installing the default one where none is. Throws as `MakeHeadlessBackend` does.
+    /// The backend, after installing the default one where none is. Throws as `MakeDefaultBackend` does.
     Backend& InstalledBackend();
     /// The same for functions that cannot throw: null where no backend can be had.
     Backend* FindBackend() noexcept;
@@ -67,6 +67,7 @@ class NativeEvents final : public EventSink
     void OnMouse(HWND window, const MouseEvent& event) override;
     void OnKey(HWND window, UINT message, WPARAM code) override;
     void OnFocus(HWND window, bool gained) override;
+    void OnDestroyed(HWND window) override;
 };
 
 /// Takes in what has happened to native windows meanwhile.

@@ -3,6 +3,7 @@
 
 #include "platform/winsys/core/layer.h"
 #include "platform/winsys/core/pixel_formats.h"
+#include "platform/winsys/core/window_lifecycle.h"
 
 #include <algorithm>
 #include <chrono>
@@ -33,6 +34,11 @@ Backend::~Backend() = default;
 GlFunction Backend::FindGlFunction(const char*)
 {
     return nullptr;
+}
+
+std::optional<NativePlace> Backend::AdoptNativeWindow(HWND, std::uintptr_t)
+{
+    return std::nullopt;
 }
 
 std::optional<std::string> Backend::Extensions()
@@ -90,6 +96,21 @@ void UseBackend(std::unique_ptr<Backend> backend)
     }
     DropContexts(layer);
     layer.backend = std::move(backend);
+}
+
+std::unique_ptr<Backend> MakeDefaultBackend()
+{
+    try {
+        return MakeX11Backend();
+    } catch (const std::runtime_error&) {
+        return MakeHeadlessBackend();
+    }
+}
+
+HWND AdoptForeignWindow(std::uintptr_t id)
+{
+    const core::DescriptorUpdate update;
+    return core::Adopt(id);
 }
 
 std::string BackendName()

@@ -111,7 +111,7 @@ BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint)
     const DescriptorUpdate update;
     const Layer& layer = GetLayer();
     const Window* record = Find(window);
-    if (record == nullptr || record->stage != Stage::kAlive) {
+    if (record == nullptr || record->IsAdopted() || record->stage != Stage::kAlive) {
         return FALSE;
     }
     const POINT position{x, y};
@@ -174,7 +174,7 @@ HWND GetParent(HWND window)
 BOOL SetWindowTextW(HWND window, LPCWSTR text)
 {
     Window* record = Find(window);
-    if (record == nullptr) {
+    if (record == nullptr || record->IsAdopted()) {
         return FALSE;
     }
     record->title = text == nullptr ? L"" : text;

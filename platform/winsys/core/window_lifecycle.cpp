@@ -156,6 +156,18 @@ bool SendCreate(HWND window, const CREATESTRUCTW& request)
     return windows.Find(window) != nullptr;
 }
 
+// The class of windows that other toolkits own: it does nothing and cannot be named.
+std::shared_ptr<const WindowClass> AdoptedClass()
+{
+    static const auto adopted = [] {
+        auto made = std::make_shared<WindowClass>();
+        made->record.lpfnWndProc = [](HWND, UINT, WPARAM, LPARAM) -> LRESULT { return 0; };
+        made->record.lpszClassName = made->name.c_str();
+        return made;
+    }();
+    return adopted;
+}
+
 void InvalidateShown(HWND window)
 {
     const WindowTree& windows = GetLayer().windows;
@@ -202,6 +214,29 @@ HWND Create(const CREATESTRUCTW& request)
     return layer.windows.Find(window) == nullptr ? nullptr : window;
 }
 
+HWND Adopt(std::uintptr_t native_id)
+{
+    Layer& layer = GetLayer();
+    if (const HWND known = layer.windows.FindAdopted(native_id); known != nullptr) {
+        return known;
+    }
+    Backend* backend = layer.FindBackend();
+    const HWND window = NewHandle<HWND>();
+    const auto place = backend == nullptr ? std::nullopt : backend->AdoptNativeWindow(window, native_id);
+    if (!place) {
+        return nullptr;
+    }
+    auto record = std::make_unique<Window>();
+    record->handle = window;
+    record->window_class = AdoptedClass();
+    record->native_id = native_id;
+    record->style = WS_POPUP | WS_VISIBLE;
+    record->position = place->position;
+    record->size = place->size;
+    record->size_announced = true;
+    return layer.windows.Add(std::move(record)).handle;
+}
+
 bool Destroy(HWND window)
 {
     const Layer& layer = GetLayer();
@@ -226,7 +261,7 @@ bool Show(HWND window, bool visible)
     const Layer& layer = GetLayer();
     Window* record = layer.windows.Find(window);
     const bool was_visible = record != nullptr && record->IsShown();
-    if (record == nullptr || was_visible == visible) {
+    if (record == nullptr || record->IsAdopted() || was_visible == visible) {
         return was_visible;
     }
     Send(window, WM_SHOWWINDOW, visible ? 1 : 0, 0);

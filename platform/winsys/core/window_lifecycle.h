@@ -5,6 +5,8 @@
 
 #include "platform/winsys/winsys.h"
 
+#include <cstdint>
+
 namespace winsys::core
 {
 
@@ -13,6 +15,8 @@ LRESULT Send(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
 /// CreateWindowExW on a filled-in request.
 HWND Create(const CREATESTRUCTW& request);
+/// The window that stands for a native one of another toolkit; null where the backend refuses it.
+HWND Adopt(std::uintptr_t native_id);
 /// False where the window is gone already or its destruction has begun.
 bool Destroy(HWND window);
 /// The window's visibility before.

@@ -55,6 +55,15 @@ Window* WindowTree::Find(HWND window) const
     return found == windows_.end() ? nullptr : found->second.get();
 }
 
+HWND WindowTree::FindAdopted(std::uintptr_t native_id) const
+{
+    const auto found = std::ranges::find_if(windows_, [&](const auto& entry) {
+        return entry.second->IsAdopted() && entry.second->native_id == native_id &&
+               entry.second->stage == Stage::kAlive;
+    });
+    return found == windows_.end() ? nullptr : found->first;
+}
+
 Window& WindowTree::Add(std::unique_ptr<Window> window)
 {
     Window& added = *window;
@@ -109,7 +118,8 @@ POINT WindowTree::ScreenOrigin(const Window& window) const
 
 bool WindowTree::WantsPaint(const Window& window) const
 {
-    return window.needs_paint && window.size.cx > 0 && window.size.cy > 0 && IsVisible(window);
+    return window.needs_paint && !window.IsAdopted() && window.size.cx > 0 && window.size.cy > 0 &&
+           IsVisible(window);
 }
 
 HWND WindowTree::FindPaint(const std::function<bool(HWND)>& accepts) const

@@ -40,6 +40,8 @@ struct Window {
     std::wstring title;
     DWORD style = 0;
     DWORD ex_style = 0;
+    /// The native id of another toolkit's window that this record stands for; 0 for a window of the layer.
+    std::uintptr_t native_id = 0;
     POINT position{};
     SIZE size{};
     LONG_PTR user_data = 0;
@@ -52,6 +54,7 @@ struct Window {
     int pixel_format = 0;
     unsigned long swap_count = 0;
 
+    [[nodiscard]] bool IsAdopted() const { return native_id != 0; }
     [[nodiscard]] bool IsChild() const { return (style & WS_CHILD) != 0; }
     /// The window's own flag; its ancestors may be hidden.
     [[nodiscard]] bool IsShown() const { return (style & WS_VISIBLE) != 0; }
@@ -68,6 +71,8 @@ class WindowTree
 
     /// Null for null and for handles of windows that are gone.
     [[nodiscard]] Window* Find(HWND window) const;
+    /// The record of this window of another toolkit; null where it is not adopted, or on its way out.
+    [[nodiscard]] HWND FindAdopted(std::uintptr_t native_id) const;
     [[nodiscard]] bool IsEmpty() const { return windows_.empty(); }
     /// Takes the record in and enters it with its parent.
     Window& Add(std::unique_ptr<Window> window);

@@ -1,0 +1,151 @@
+// The time and memory of an append: the control beside a program that builds the same face vector, compiles
+// the same lists by the same GLU calls, and keeps both.
+#include "bench/pairs.h"
+
+#include "bench/allocation_meter.h"
+#include "bench/bare_tessellation.h"
+#include "bench/bare_viewport.h"
+#include "bench/bench_window.h"
+#include "bench/scenes.h"
+
+#include <string>
+#include <utility>
+
+namespace karv_bench
+{
+
+namespace
+{
+
+constexpr int kSide = 64;
+
+struct AppendCase {
+    std::string name;
+    Faces (*make)(std::size_t) = nullptr;
+    std::size_t count = 0;
+    int rounds = 0;
+    enum class Kind {
+        /// GLU compiles a list for each face: what time is judged by.
+        kLists,
+        /// No GLU work, so that the bare program does next to nothing and only memory is judged.
+        kNoLists,
+        /// No context is current, so that there are no lists and the driver has no part in the time.
+        kNoContext,
+        /// The client keeps its face vector and hands over a copy; not judged.
+        kClientKeepsFaces,
+    } kind = Kind::kLists;
+
+    [[nodiscard]] double Limit(Unit unit) const
+    {
+        constexpr double kLimit = 1.2;
+        const bool judged = unit == Unit::kSeconds ? kind == Kind::kLists : kind != Kind::kClientKeepsFaces;
+        return judged ? kLimit : 0.0;
+    }
+};
+
+/// How an append is measured: called with the work, which keeps what it made until the meter has read it.
+using Meter = double (*)(const std::function<void()>& work);
+
+double PeakBytes(const std::function<void()>& work)
+{
+    const AllocationMeter meter;
+    work();
+    return static_cast<double>(meter.PeakBytes());
+}
+
+double HeldBytes(const std::function<void()>& work)
+{
+    const double before = HeapBytes();
+    work();
+    return HeapBytes() - before;
+}
+
+/// In a new control each time: display lists live as long as their context.
+double MeasureControl(HostWindow& host, const AppendCase& test, Meter meter)
+{
+    MeasuredControl measured(host, kSide);
+    KARVOpenGLControl& control = measured.Control();
+    if (test.kind == AppendCase::Kind::kNoContext)
+        wglMakeCurrent(nullptr, nullptr);
+    Faces kept;
+    return meter([&] {
+        Faces faces = test.make(test.count);
+        if (test.kind == AppendCase::Kind::kClientKeepsFaces) {
+            kept = std::move(faces);
+            control.AppendGeometry(kept, KARVGraphicalEntity::EntityType0, kColorIndex, 1.0F);
+        } else {
+            control.AppendGeometry(std::move(faces), KARVGraphicalEntity::EntityType0, kColorIndex, 1.0F);
+        }
+    });
+}
+
+double MeasureBare(HostWindow& host, const AppendCase& test, int pixel_format, Meter meter)
+{
+    const BareViewport viewport(host.m_hWnd, kSide, pixel_format);
+    if (test.kind == AppendCase::Kind::kNoContext)
+        wglMakeCurrent(nullptr, nullptr);
+    BareTessellation tessellation;
+    Faces faces;
+    return meter([&] {
+        faces = test.make(test.count);
+        for (KARVGLFace& face : faces)
+            if (face.vertices.size() >= 4)
+                face.displayList = tessellation.Compile(face.vertices);
+    });
+}
+
+void MeasureAppend(benchmark::State& state, const AppendCase& test, Unit unit, Meter meter)
+{
+    try {
+        HostWindow host;
+        const int pixel_format = MeasuredControl(host, kSide).PixelFormat();
+        const Row row{.unit = unit,
+                      .limit = test.Limit(unit),
+                      .per = static_cast<double>(test.count),
+                      .per_what = "face"};
+        RunPairs(
+            state, row, [&] { return MeasureControl(host, test, meter); },
+            [&] { return MeasureBare(host, test, pixel_format, meter); });
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+std::vector<AppendCase> AllCases()
+{
+    using Kind = AppendCase::Kind;
+    return {
+        {"10 000 quads", MakeQuads, 10'000, 15},
+        {"100 000 quads", MakeQuads, 100'000, 3},
+        {"10 000 L-shaped faces", MakeLShapes, 10'000, 15},
+        {"100 000 triangles", MakeTriangles, 100'000, 15, Kind::kNoLists},
+        {"1 000 000 triangles", MakeTriangles, 1'000'000, 5, Kind::kNoLists},
+        {"10 000 quads, no context", MakeQuads, 10'000, 15, Kind::kNoContext},
+        {"100 000 quads, no context", MakeQuads, 100'000, 15, Kind::kNoContext},
+        {"1 000 000 quads, no context", MakeQuads, 1'000'000, 5, Kind::kNoContext},
+        {"10 000 quads that the client keeps", MakeQuads, 10'000, 5, Kind::kClientKeepsFaces},
+    };
+}
+
+void Register(const std::string& name, const AppendCase& test, int rounds, Unit unit, Meter meter)
+{
+    benchmark::RegisterBenchmark(
+        name.c_str(),
+        [test, unit, meter](benchmark::State& state) { MeasureAppend(state, test, unit, meter); })
+        ->UseManualTime()
+        ->Iterations(rounds);
+}
+
+} // namespace
+
+void RegisterAppends(const Effort& effort)
+{
+    for (const AppendCase& test : AllCases())
+        Register("append, " + test.name, test, effort.Rounds(test.rounds), Unit::kSeconds, &SecondsOf);
+    for (const AppendCase& test : AllCases())
+        Register("memory at peak, " + test.name, test, 1, Unit::kBytes, &PeakBytes);
+    for (const AppendCase& test : AllCases())
+        Register("memory held, " + test.name, test, 1, Unit::kBytes, &HeldBytes);
+}
+
+} // namespace karv_bench

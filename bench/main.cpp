@@ -1,0 +1,63 @@
+// karv_bench: prints one table of what the component costs beside bare programs that issue the same OpenGL
+// calls.
+//
+//   karv_bench [--quick] [--thread-time] [--benchmark_filter=PATTERN] ...
+//
+// Every row is a ratio of two measurements that took turns within this run; figures of different runs or
+// machines do not compare. --quick measures a fifth of the rounds. --thread-time counts the processor time of
+// the measuring thread in place of wall time, for a machine that has other work. Further options are those of
+// the benchmark library.
+#include "bench/bench_window.h"
+#include "bench/pairs.h"
+#include "bench/table.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+
+namespace
+{
+
+/// Takes the option out of the arguments; whether it was there.
+bool TakeOption(int& argc, char** argv, const char* option)
+{
+    char** const end = std::remove_if(argv + 1, argv + argc,
+                                      [option](const char* each) { return std::strcmp(each, option) == 0; });
+    const bool found = end != argv + argc;
+    argc = static_cast<int>(end - argv);
+    *end = nullptr;
+    return found;
+}
+
+int Run(int argc, char** argv)
+{
+    const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+    const karv_bench::Effort effort{TakeOption(argc, argv, "--quick")};
+    if (TakeOption(argc, argv, "--thread-time"))
+        karv_bench::UseClock(karv_bench::Clock::kThread);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 2;
+    karv_bench::UseOffscreenWindows();
+    karv_bench::RegisterFirstFrames(effort, folder);
+    karv_bench::RegisterTraceEntries(effort);
+    karv_bench::RegisterFrames(effort);
+    karv_bench::RegisterAppends(effort);
+    karv_bench::TableReporter table;
+    benchmark::RunSpecifiedBenchmarks(&table);
+    return table.HasErrors() ? 1 : 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        std::cerr << "karv_bench: " << error.what() << '\n';
+        return 1;
+    }
+}

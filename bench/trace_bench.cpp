@@ -1,0 +1,59 @@
+// What the wrapper around every operation costs while no sink is installed.
+#include "bench/pairs.h"
+
+#include "module/guard.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace karv_bench
+{
+
+namespace
+{
+
+constexpr int kCalls = 100'000;
+
+// The body is empty but for the compiler's belief that it does something.
+
+[[gnu::noinline]] void CallPlain()
+{
+    benchmark::ClobberMemory();
+}
+
+[[gnu::noinline]] void CallGuarded()
+{
+    karv::Guarded(L"CallGuarded", L".\\trace_bench.cpp", [] { benchmark::ClobberMemory(); });
+}
+
+/// The time of the calls when nothing disturbs them.
+template <typename Call>
+double SecondsOfCalls(Call call)
+{
+    constexpr int kTries = 10;
+    double fastest = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < kTries; ++i)
+        fastest = std::min(fastest, SecondsOf([&] {
+                               for (int k = 0; k < kCalls; ++k)
+                                   call();
+                           }));
+    return fastest;
+}
+
+} // namespace
+
+void RegisterTraceEntries(const Effort& effort)
+{
+    constexpr int kRounds = 101;
+    const Row row{.per = kCalls, .per_what = "call"};
+    benchmark::RegisterBenchmark("traced and guarded call, no sink",
+                                 [row](benchmark::State& state) {
+                                     RunPairs(
+                                         state, row, [] { return SecondsOfCalls(CallGuarded); },
+                                         [] { return SecondsOfCalls(CallPlain); });
+                                 })
+        ->UseManualTime()
+        ->Iterations(effort.Rounds(kRounds));
+}
+
+} // namespace karv_bench

@@ -1,0 +1,144 @@
+#include "platform/winsys/x11/connection.h"
+
+#include "platform/tools/trace.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <vector>
+
+namespace winsys::x11
+{
+namespace
+{
+
+constexpr const wchar_t* kSourceFile = L"platform/winsys/x11/connection.cpp";
+
+// What is process-wide because Xlib's handlers are. Never destroyed: connections of other libraries may fail
+// until the very end of the process.
+struct Handlers {
+    std::vector<Connection*> connections;
+    XErrorHandler previous_error = nullptr;
+    XIOErrorHandler previous_loss = nullptr;
+    /// A handler that was put in front of ours, and then had ours put in front again, may pass back to us.
+    bool is_passing_on = false;
+    /// Displays whose connection is lost. Nothing may be called on them any more, so they are never closed.
+    std::vector<Display*> lost_displays;
+};
+
+Handlers& GetHandlers()
+{
+    static Handlers& handlers = *new Handlers;
+    return handlers;
+}
+
+Connection* FindConnection(const Display* display)
+{
+    const auto& connections = GetHandlers().connections;
+    const auto found = std::ranges::find(connections, display, &Connection::Get);
+    return found == connections.end() ? nullptr : *found;
+}
+
+} // namespace
+
+Connection::Connection(const std::string& name)
+    : display_(XOpenDisplay(name.empty() ? nullptr : name.c_str()))
+{
+    if (display_ == nullptr) {
+        throw std::runtime_error("no X server answers on display '" +
+                                 std::string(XDisplayName(name.c_str())) + "'");
+    }
+    Handlers& handlers = GetHandlers();
+    handlers.connections.push_back(this);
+    // Another library may have put its own in front meanwhile; ours go in front again, and pass on to those.
+    if (const XErrorHandler before = XSetErrorHandler(&HandleError); before != &HandleError) {
+        handlers.previous_error = before;
+    }
+    if (const XIOErrorHandler before = XSetIOErrorHandler(&HandleLoss); before != &HandleLoss) {
+        handlers.previous_loss = before;
+    }
+    // Without it Xlib ends the process after the handler.
+    XSetIOErrorExitHandler(
+        display_, [](Display*, void* connection) { static_cast<Connection*>(connection)->NoteLoss(); }, this);
+    wm_protocols = XInternAtom(display_, "WM_PROTOCOLS", False);
+    wm_delete_window = XInternAtom(display_, "WM_DELETE_WINDOW", False);
+    net_wm_name = XInternAtom(display_, "_NET_WM_NAME", False);
+    utf8_string = XInternAtom(display_, "UTF8_STRING", False);
+}
+
+Connection::~Connection()
+{
+    if (lost_) {
+        GetHandlers().lost_displays.push_back(display_);
+    } else {
+        XCloseDisplay(display_);
+    }
+    std::erase(GetHandlers().connections, this);
+}
+
+int Connection::HandleError(Display* display, XErrorEvent* error)
+{
+    if (Connection* connection = FindConnection(display); connection != nullptr) {
+        connection->NoteError(*error);
+        return 0;
+    }
+    Handlers& handlers = GetHandlers();
+    if (handlers.is_passing_on || handlers.previous_error == nullptr) {
+        return 0;
+    }
+    handlers.is_passing_on = true;
+    const int answer = handlers.previous_error(display, error);
+    handlers.is_passing_on = false;
+    return answer;
+}
+
+int Connection::HandleLoss(Display* display)
+{
+    // The exit handler, which comes next, takes note of a connection of ours.
+    const XIOErrorHandler previous = GetHandlers().previous_loss;
+    return FindConnection(display) != nullptr || previous == nullptr ? 0 : previous(display);
+}
+
+void Connection::NoteError(const XErrorEvent& error)
+{
+    for (ErrorTrap* trap = trap_; trap != nullptr; trap = trap->outer_) {
+        if (error.serial >= trap->first_request_) {
+            trap->caught_ = true;
+            return;
+        }
+    }
+    const CTqCrashHandler report(kSourceFile, __LINE__);
+}
+
+void Connection::NoteLoss()
+{
+    if (!lost_) {
+        lost_ = true;
+        const CTqCrashHandler report(kSourceFile, __LINE__);
+    }
+}
+
+ErrorTrap::ErrorTrap(Connection& connection)
+    : connection_(connection), outer_(connection.trap_), first_request_(NextRequest(connection.Get())),
+      answered_(first_request_)
+{
+    connection_.trap_ = this;
+}
+
+ErrorTrap::~ErrorTrap()
+{
+    if (connection_.IsAlive() && NextRequest(connection_.Get()) != answered_) {
+        XSync(connection_.Get(), False);
+    }
+    connection_.trap_ = outer_;
+}
+
+bool ErrorTrap::Caught()
+{
+    if (connection_.IsAlive()) {
+        XSync(connection_.Get(), False);
+        answered_ = NextRequest(connection_.Get());
+    }
+    return caught_ || !connection_.IsAlive();
+}
+
+} // namespace winsys::x11

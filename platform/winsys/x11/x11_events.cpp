@@ -1,0 +1,279 @@
+// What the X server reports, told to the layer. Handlers run within the sink's calls and may destroy any
+// window, so that records are looked up again after each.
+#include "platform/winsys/x11/keyboard.h"
+#include "platform/winsys/x11/x11_backend.h"
+
+#include <algorithm>
+#include <vector>
+
+#include <X11/Xutil.h>
+
+namespace winsys::x11
+{
+namespace
+{
+
+// Grabs of a window manager, and focus that comes and goes because of where the pointer is, change nothing
+// for the program.
+bool IsRealFocusChange(const XFocusChangeEvent& event)
+{
+    const bool by_grab = event.mode == NotifyGrab || event.mode == NotifyUngrab;
+    const bool by_pointer = event.detail == NotifyPointer || event.detail == NotifyPointerRoot ||
+                            event.detail == NotifyDetailNone;
+    return !by_grab && !by_pointer && event.detail != NotifyInferior;
+}
+
+} // namespace
+
+void X11Backend::TakeIn() const
+{
+    // Also sends the requests that wait to be sent.
+    while (connection_.IsAlive() && XPending(connection_.Get()) > 0) {
+        XEvent event;
+        XNextEvent(connection_.Get(), &event);
+        if (IsOfInterest(event)) {
+            arrived_.push_back(event);
+        }
+    }
+}
+
+bool X11Backend::IsOfInterest(const XEvent& event) const
+{
+    if (event.type == MappingNotify) {
+        return true;
+    }
+    const NativeRecord* record = windows_.FindById(event.xany.window);
+    if (record == nullptr || record->is_gone) {
+        return false;
+    }
+    switch (event.type) {
+    case ConfigureNotify:
+        // Children are where the program put them.
+        return record->is_adopted || record->IsTopLevel();
+    case FocusIn:
+    case FocusOut:
+        return IsRealFocusChange(event.xfocus);
+    case MapNotify:
+    case UnmapNotify:
+    case GravityNotify:
+    case CirculateNotify:
+        return false;
+    default:
+        return true;
+    }
+}
+
+std::optional<XEvent> X11Backend::TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition)
+{
+    const auto found = std::ranges::find_if(arrived_, condition);
+    if (found == arrived_.end()) {
+        return std::nullopt;
+    }
+    const XEvent event = *found;
+    arrived_.erase(found);
+    return event;
+}
+
+void X11Backend::Report(XEvent& event, EventSink& sink)
+{
+    switch (event.type) {
+    case ConfigureNotify:
+        ReportConfigure(event.xconfigure, sink);
+        break;
+    case ReparentNotify:
+        if (NativeRecord* record = windows_.FindById(event.xreparent.window); record != nullptr) {
+            record->is_framed = event.xreparent.parent != connection_.Root();
+        }
+        break;
+    case DestroyNotify:
+        ReportDestroyed(event.xdestroywindow, sink);
+        break;
+    case Expose:
+        if (const NativeRecord* record = windows_.FindById(event.xexpose.window);
+            record != nullptr && event.xexpose.count == 0) {
+            sink.OnExpose(record->handle);
+        }
+        break;
+    case ButtonPress:
+    case ButtonRelease:
+        ReportButton(event.xbutton, sink);
+        break;
+    case MotionNotify:
+        ReportMotion(event.xmotion, sink);
+        break;
+    case EnterNotify:
+        pointer_.OnState(event.xcrossing.state);
+        break;
+    case KeyPress:
+    case KeyRelease:
+        ReportKey(event.xkey, sink);
+        break;
+    case FocusIn:
+    case FocusOut:
+        ReportFocus(event.xfocus, sink);
+        break;
+    case ClientMessage:
+        ReportMessage(event.xclient, sink);
+        break;
+    case MappingNotify:
+        XRefreshKeyboardMapping(&event.xmapping);
+        break;
+    default:
+        break;
+    }
+}
+
+void X11Backend::ReportConfigure(XConfigureEvent event, EventSink& sink)
+{
+    // While the user drags an edge, only the latest size is worth a frame.
+    while (const auto later = TakeOutOfTurn([&](const XEvent& other) {
+               return other.type == ConfigureNotify && other.xconfigure.window == event.window;
+           })) {
+        event = later->xconfigure;
+    }
+    NativeRecord* record = windows_.FindById(event.window);
+    if (record == nullptr || record->surface.window == event.window || record->is_gone) {
+        return;
+    }
+    if (record->is_adopted) {
+        if (const auto place = QueryPlace(record->outer)) {
+            ReportPlace(record->handle, *place, sink);
+        }
+        return;
+    }
+    // What comes from before the program's own last word would undo it.
+    if (event.serial < record->last_placement || !record->is_mapped) {
+        return;
+    }
+    NativePlace place{{event.x, event.y}, {event.width, event.height}};
+    // Within a frame the coordinates are the frame's, unless the window manager has made the event up to tell
+    // those on the screen.
+    if (record->is_framed && event.send_event == False) {
+        if (const auto queried = QueryPlace(record->outer)) {
+            place.position = queried->position;
+        }
+    }
+    ReportPlace(record->handle, place, sink);
+}
+
+void X11Backend::ReportPlace(HWND window, const NativePlace& place, EventSink& sink)
+{
+    NativeRecord* record = windows_.Find(window);
+    record->position = place.position;
+    const bool sized = place.size.cx != record->size.cx || place.size.cy != record->size.cy;
+    record->size = place.size;
+    if (sized && record->surface.format != 0) {
+        // Before the layer knows, so that the frame it draws then has the new size.
+        contexts_.ResizeSurface(record->surface, place.size);
+    }
+    sink.OnMove(window, place.position);
+    if (sized && windows_.Find(window) != nullptr) {
+        sink.OnResize(window, place.size);
+    }
+}
+
+void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& sink)
+{
+    // The server ends children before their parents and tells of all at once; programs expect to hear of a
+    // parent first.
+    std::vector<HWND> gone;
+    const auto note = [&](::Window id) {
+        if (NativeRecord* record = windows_.FindById(id); record != nullptr && record->outer == id) {
+            record->is_gone = true;
+            gone.push_back(record->handle);
+        }
+    };
+    note(event.window);
+    while (const auto later =
+               TakeOutOfTurn([](const XEvent& other) { return other.type == DestroyNotify; })) {
+        note(later->xdestroywindow.window);
+    }
+    for (auto window = gone.rbegin(); window != gone.rend(); ++window) {
+        sink.OnDestroyed(*window);
+    }
+}
+
+void X11Backend::ReportButton(const XButtonEvent& event, EventSink& sink)
+{
+    if (event.type == ButtonPress) {
+        // Windows lets the mouse go on to other windows while a button is down.
+        // NOTE: Not with the event's time: the server may date the grab a moment later, and would refuse.
+        XUngrabPointer(connection_.Get(), CurrentTime);
+    }
+    if (const NativeRecord* record = windows_.FindById(event.window); record != nullptr) {
+        ReportMouse(record->handle, pointer_.OnButton(record->handle, event), {event.x_root, event.y_root},
+                    sink);
+    }
+}
+
+void X11Backend::ReportMotion(const XMotionEvent& event, EventSink& sink)
+{
+    if (const NativeRecord* record = windows_.FindById(event.window); record != nullptr) {
+        ReportMouse(record->handle, pointer_.OnMotion(record->handle, event), {event.x_root, event.y_root},
+                    sink);
+    }
+}
+
+void X11Backend::ReportMouse(HWND window, const std::optional<MouseEvent>& mouse, POINT screen_point,
+                             EventSink& sink)
+{
+    if (!mouse) {
+        return;
+    }
+    NativeRecord& top = windows_.TopOf(*windows_.Find(window));
+    if (top.is_adopted) {
+        // Nobody tells when a window further out moves another toolkit's window with it; the pointer does.
+        const POINT offset = windows_.OffsetInTop(*windows_.Find(window));
+        top.position = {screen_point.x - mouse->position.x - offset.x,
+                        screen_point.y - mouse->position.y - offset.y};
+        sink.OnMove(top.handle, top.position);
+    }
+    sink.OnMouse(window, *mouse);
+}
+
+void X11Backend::ReportKey(XKeyEvent& event, EventSink& sink)
+{
+    const NativeRecord* record = windows_.FindById(event.window);
+    if (record == nullptr) {
+        return;
+    }
+    const HWND window = record->handle;
+    const KeyStroke stroke = ReadKey(event);
+    const bool is_press = event.type == KeyPress;
+    if (stroke.code != 0) {
+        sink.OnKey(window, is_press ? WM_KEYDOWN : WM_KEYUP, stroke.code);
+    }
+    if (is_press && stroke.character != 0) {
+        sink.OnKey(window, WM_CHAR, static_cast<WPARAM>(stroke.character));
+    }
+}
+
+void X11Backend::ReportFocus(const XFocusChangeEvent& event, EventSink& sink)
+{
+    const NativeRecord* record = windows_.FindById(event.window);
+    if (record == nullptr) {
+        return;
+    }
+    const bool gained = event.type == FocusIn;
+    const HWND window = record->handle;
+    if (gained) {
+        focused_ = window;
+    } else if (focused_ == window) {
+        focused_ = nullptr;
+    }
+    if (!record->IsTopLevel() && !record->is_gone) {
+        SelectEvents(*record, gained);
+    }
+    sink.OnFocus(window, gained);
+}
+
+void X11Backend::ReportMessage(const XClientMessageEvent& event, EventSink& sink)
+{
+    const NativeRecord* record = windows_.FindById(event.window);
+    if (record != nullptr && event.message_type == connection_.wm_protocols && event.format == 32 &&
+        static_cast<Atom>(event.data.l[0]) == connection_.wm_delete_window) {
+        sink.OnClose(record->handle);
+    }
+}
+
+} // namespace winsys::x11

@@ -1,0 +1,19 @@
+// An OpenGL that does nothing: the program's entry points stand before the libraries' for the module, so that
+// what a frame or an append takes is the module's own. Some calls are counted, to show that there was
+// something to do.
+#pragma once
+
+#include <cstddef>
+
+namespace karv_test
+{
+
+struct NullGlCounts {
+    std::size_t lists_called = 0;
+    std::size_t lists_compiled = 0;
+    std::size_t vertices = 0; ///< sent to be drawn
+};
+
+[[nodiscard]] NullGlCounts& NullGl();
+
+} // namespace karv_test
