@@ -347,6 +347,21 @@ TEST_F(X11Input, FocusFollowsTheServer)
     client_.DestroyWindow(other);
 }
 
+TEST_F(X11Input, FocusThatComesWithThePointerIsNone)
+{
+    const XClient::Id other = client_.MakeWindow(400, 50, 100, 100);
+    client_.MovePointer(150, 100);
+    client_.Focus(other);
+    client_.FocusPointer();
+    Settle(window_, 151, 100);
+    EXPECT_EQ(GetFocus(), nullptr);
+    client_.Focus(other);
+    Settle(window_, 152, 100);
+    EXPECT_EQ(CountOf(WM_KILLFOCUS), 0);
+    client_.FocusPointer();
+    client_.DestroyWindow(other);
+}
+
 TEST_F(X11Input, FocusOfABackgroundWindowIsOnlyRecorded)
 {
     const XClient::Id other = client_.MakeWindow(400, 50, 100, 100);

@@ -3,6 +3,7 @@
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
 #include "tests/platform/x11_test.h"
+#include "tests/support/trace_recording.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -154,9 +155,15 @@ TEST_F(X11Windows, OwnResizeIsNotUndoneByAnEarlierOneFromOutside)
     const HWND window = MakeShown(L"a");
     PumpArrived();
     TakeMessages();
-    client_.MoveResize(IdOf("a"), 100, 50, 400, 300);
+    const XClient::Id id = IdOf("a");
+    client_.MoveResize(id, 100, 50, 400, 300);
+    // The news of that arrives before the server has seen the program's own request.
+    client_.HoldServer();
     MoveWindow(window, 100, 50, 250, 125, TRUE);
-    EXPECT_TRUE(PumpUntil([&] { return client_.SizeOf(IdOf("a")) == Size(250, 125); }));
+    PumpArrived();
+    EXPECT_EQ(ClientSizeOf(window), Size(250, 125));
+    client_.LetServerGo();
+    EXPECT_TRUE(PumpUntil([&] { return client_.SizeOf(id) == Size(250, 125); }));
     PumpArrived();
     EXPECT_EQ(ClientSizeOf(window), Size(250, 125));
     EXPECT_EQ(CountOf(WM_SIZE), 1);
@@ -213,6 +220,14 @@ TEST_F(X11Windows, ShownWindowIsPaintedOnce)
     EXPECT_EQ(CountOf(WM_PAINT), 2);
 }
 
+TEST_F(X11Windows, PaintThatTheProgramHasDoneIsNotAskedForAgain)
+{
+    const HWND window = MakeShown(L"a");
+    ValidateRect(window, nullptr);
+    PumpArrived();
+    EXPECT_EQ(CountOf(WM_PAINT), 0);
+}
+
 TEST_F(X11Windows, CloseButtonSendsClose)
 {
     const HWND window = MakeShown(L"a");
@@ -263,6 +278,22 @@ TEST_F(X11Windows, WindowDestroyedByAnotherProgramIsDestroyedWithItsChildren)
                                   std::pair(child, WM_NCDESTROY), std::pair(window, WM_NCDESTROY)));
     glClear(GL_COLOR_BUFFER_BIT);
     glFinish();
+}
+
+TEST_F(X11Windows, DrawingAfterTheEndOfTheCurrentWindowReachesNoServer)
+{
+    const HWND window = MakeShown(L"a");
+    MakeCurrentContext(window);
+    Show(window, 1, 0, 0);
+    TraceRecording trace;
+    DestroyWindow(window);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glViewport(0, 0, 10, 10);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glFinish();
+    // A call that waits for the server brings the errors of before.
+    MakeShown(L"b");
+    EXPECT_THAT(trace.Faults(), IsEmpty());
 }
 
 TEST_F(X11Windows, TwoContextsInOneTreeKeepTheirPictures)

@@ -174,6 +174,11 @@ void XClient::Focus(Id window)
     impl_->Sync();
 }
 
+void XClient::FocusPointer()
+{
+    Focus(PointerRoot);
+}
+
 XClient::Id XClient::Focused()
 {
     Id window = 0;
@@ -299,6 +304,18 @@ void XClient::PressKey(const char* symbol)
 void XClient::ReleaseKey(const char* symbol)
 {
     impl_->SendKey(symbol, false);
+}
+
+void XClient::HoldServer()
+{
+    XGrabServer(impl_->display);
+    impl_->Sync();
+}
+
+void XClient::LetServerGo()
+{
+    XUngrabServer(impl_->display);
+    impl_->Sync();
 }
 
 bool XClient::TakesItsOwnErrors(const std::function<void()>& meanwhile)

@@ -33,6 +33,8 @@ class XClient
     void AskToClose(Id window);
     /// Gives the keyboard focus to the window.
     void Focus(Id window);
+    /// Gives it to whichever window the pointer is over.
+    void FocusPointer();
     [[nodiscard]] Id Focused();
     /// Until the client itself has been sent this event of X (ButtonPress and so on) `count` times; whether
     /// it was.
@@ -63,6 +65,9 @@ class XClient
     void PressKey(const char* symbol);
     void ReleaseKey(const char* symbol);
 
+    /// Keeps the server from handling what other programs ask, until it is let go.
+    void HoldServer();
+    void LetServerGo();
     /// Installs an error handler, does `meanwhile`, and makes a mistake: whether the handler was then called.
     bool TakesItsOwnErrors(const std::function<void()>& meanwhile);
 

@@ -4,6 +4,7 @@
 #include "platform/winsys/x11/x11_backend.h"
 
 #include <algorithm>
+#include <ranges>
 #include <vector>
 
 #include <X11/Xutil.h>
@@ -126,10 +127,11 @@ void X11Backend::Report(XEvent& event, EventSink& sink)
 void X11Backend::ReportConfigure(XConfigureEvent event, EventSink& sink)
 {
     // While the user drags an edge, only the latest size is worth a frame.
-    while (const auto later = TakeOutOfTurn([&](const XEvent& other) {
-               return other.type == ConfigureNotify && other.xconfigure.window == event.window;
-           })) {
-        event = later->xconfigure;
+    const auto is_later = [window = event.window](const XEvent& other) {
+        return other.type == ConfigureNotify && other.xconfigure.window == window;
+    };
+    for (auto later = TakeOutOfTurn(is_later); later.has_value(); later = TakeOutOfTurn(is_later)) {
+        event = later.value().xconfigure;
     }
     NativeRecord* record = windows_.FindById(event.window);
     if (record == nullptr || record->surface.window == event.window || record->is_gone) {
@@ -188,8 +190,8 @@ void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& si
                TakeOutOfTurn([](const XEvent& other) { return other.type == DestroyNotify; })) {
         note(later->xdestroywindow.window);
     }
-    for (auto window = gone.rbegin(); window != gone.rend(); ++window) {
-        sink.OnDestroyed(*window);
+    for (const HWND window : std::views::reverse(gone)) {
+        sink.OnDestroyed(window);
     }
 }
 
