@@ -48,7 +48,7 @@ class X11Navigation : public X11ManagedTest
         Append({{a, b, a}, {a, b, b}, {a, a, b}, {a, a, a}}, {-1.0, 0.0, 0.0}, kBlue);
         control_.CameraViewFront();
         control_.OnDraw(nullptr);
-        origin_ = client_.PositionOnScreen(IdOf("managed"));
+        origin_ = client_.PositionOnScreen(managed_id_);
         client_.MovePointer(origin_.first + kWidth / 2, origin_.second + kHeight / 2);
         EXPECT_TRUE(PumpFrames([&] { return Green().count > 0; }));
         first_ = Green();
@@ -120,7 +120,8 @@ class X11Navigation : public X11ManagedTest
             if (value > 40 && 3 * value > 4 * others) {
                 ++blob.count;
                 blob.x += i % kWidth;
-                blob.y += i / kWidth;
+                const int row = i / kWidth;
+                blob.y += row;
             }
         }
         blob.x /= std::max(blob.count, 1);
@@ -240,7 +241,7 @@ TEST_F(X11Navigation, ViewportOfANewSizeIsFilled)
     MoveWindow(GetParent(control_.m_hWnd), 150, 100, 600, 400, TRUE);
     control_.MoveWindow(CRect(0, 0, 600, 400));
     EXPECT_TRUE(PumpFrames([&] {
-        const auto [left, top] = client_.PositionOnScreen(IdOf("managed"));
+        const auto [left, top] = client_.PositionOnScreen(managed_id_);
         const std::vector<unsigned> pixels = client_.Screen(left, top, 600, 400);
         const auto black = std::ranges::count(pixels, 0U);
         return std::abs(600.0 * 400.0 - static_cast<double>(black) - 4.0 * first_.count) <
@@ -251,7 +252,9 @@ TEST_F(X11Navigation, ViewportOfANewSizeIsFilled)
 TEST_F(X11Navigation, ControlDoesNotTakeTheFocusOfAnotherWindow)
 {
     const HWND front = Make(L"front", WS_OVERLAPPEDWINDOW | WS_VISIBLE, nullptr, {600, 500, 700, 550});
-    ASSERT_TRUE(PumpFrames([&] { return GetFocus() == front && client_.Focused() == IdOf("front"); }));
+    ASSERT_TRUE(PumpFrames([&] {
+        return GetFocus() == front && client_.FindByName("front") == std::vector{client_.Focused()};
+    }));
     // Every move over the viewport redraws, and every redraw asks for the focus.
     for (int i = 0; i < 20; ++i) {
         client_.MovePointer(origin_.first + 50 + i, origin_.second + 50);

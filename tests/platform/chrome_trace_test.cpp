@@ -196,7 +196,7 @@ TEST_F(ChromeTrace, ThreadsAreToldApartAndBalanced)
             ++begun[thread];
         } else {
             ASSERT_FALSE(open[thread].empty());
-            EXPECT_EQ(open[thread].back(), event.at("name"));
+            EXPECT_EQ(open[thread].back(), event.at("name").get<std::string>());
             open[thread].pop_back();
         }
     }

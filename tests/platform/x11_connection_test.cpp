@@ -117,7 +117,7 @@ TEST_F(X11Descriptor, IsReadableWhenAnEventArrives)
     PumpArrived();
     EXPECT_FALSE(IsDescriptorReadable());
     client_.MovePointer(150, 100);
-    EXPECT_TRUE(IsDescriptorReadable());
+    EXPECT_TRUE(Eventually([] { return IsDescriptorReadable(); }));
     PumpArrived();
     EXPECT_FALSE(IsDescriptorReadable());
 }
@@ -157,7 +157,7 @@ TEST_F(X11Descriptor, SendsWhatWaitsToBeSent)
     const HWND window = MakeShown(L"a");
     MoveWindow(window, 10, 20, 30, 40, TRUE);
     EXPECT_GE(winsys::GetMessageDescriptor(), 0);
-    EXPECT_EQ(client_.SizeOf(IdOf("a")), Size(30, 40));
+    EXPECT_TRUE(Eventually([&] { return client_.SizeOf(IdOf("a")) == Size(30, 40); }));
 }
 
 TEST_F(X11Descriptor, SwitchesBetweenTimersAndTheServer)
@@ -188,6 +188,7 @@ class X11Loss : public testing::Test
         window_class.lpfnWndProc = DefWindowProcW;
         window_class.lpszClassName = L"X11Loss";
         RegisterClassW(&window_class);
+        // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): its class is registered above
         window_ = CreateWindowExW(0, L"X11Loss", L"a", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100, nullptr,
                                   nullptr, nullptr, nullptr);
         const HDC dc = GetDC(window_);

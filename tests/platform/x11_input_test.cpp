@@ -4,7 +4,6 @@
 #include <algorithm>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace karv_test
 {

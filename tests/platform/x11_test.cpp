@@ -127,6 +127,14 @@ bool X11Test::PumpUntil(const std::function<bool()>& condition)
     return condition();
 }
 
+bool X11Test::Eventually(const std::function<bool()>& condition)
+{
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!condition() && std::chrono::steady_clock::now() < limit) {
+    }
+    return condition();
+}
+
 bool X11Test::IsDescriptorReadable()
 {
     pollfd descriptor{winsys::GetMessageDescriptor(), POLLIN, 0};
@@ -168,8 +176,11 @@ X11ManagedTest::X11ManagedTest()
 
 HWND X11ManagedTest::MakeManaged()
 {
-    const HWND window = Make(L"managed", WS_OVERLAPPEDWINDOW | WS_VISIBLE, nullptr, {200, 150, 500, 350});
-    EXPECT_TRUE(PumpUntil([&] { return client_.IsSeen(IdOf("managed")) && GetFocus() == window; }));
+    const HWND window = Make(L"managed", WS_OVERLAPPEDWINDOW, nullptr, {200, 150, 500, 350});
+    // Asked for while nobody is moving it from one parent to another.
+    managed_id_ = IdOf("managed");
+    ShowWindow(window, SW_SHOW);
+    EXPECT_TRUE(PumpUntil([&] { return client_.IsSeen(managed_id_) && GetFocus() == window; }));
     return window;
 }
 

@@ -49,6 +49,14 @@ class X11Test : public testing::Test
     static void PumpArrived();
     /// Waits for messages and dispatches them until the condition holds; whether it came to hold in a minute.
     static bool PumpUntil(const std::function<bool()>& condition);
+    /// Whether the condition comes to hold in a minute without another call of the layer: what one program
+    /// has sent may reach the server after what the other asks.
+    static bool Eventually(const std::function<bool()>& condition);
+    /// The colour of this pixel of the screen comes to be this one, as 0xRRGGBB.
+    bool ShowsPixel(int x, int y, unsigned color)
+    {
+        return Eventually([&] { return client_.ScreenPixel(x, y) == color; });
+    }
     /// Whether a foreign loop would find the message descriptor readable now.
     static bool IsDescriptorReadable();
 
@@ -80,12 +88,14 @@ class X11ManagedTest : public X11Test
     /// client area of 300 x 200 pixels at (200, 150).
     HWND MakeManaged();
 
+    /// The X window of that one.
+    XClient::Id managed_id_ = 0;
+    ChildProcess window_manager_{{"env", "DISPLAY=" + SharedXServer().Display(), "openbox", "--sm-disable"}};
+
   private:
     /// Whether a window manager frames what is shown. One that is just starting announces itself before it
     /// does, and may miss what is shown meanwhile, so that each try takes a new window and some patience.
     bool IsManaging();
-
-    ChildProcess window_manager_{{"env", "DISPLAY=" + SharedXServer().Display(), "openbox", "--sm-disable"}};
 };
 
 } // namespace karv_test

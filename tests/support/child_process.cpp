@@ -78,6 +78,18 @@ std::string ChildProcess::ReadLine() const
     }
 }
 
+void ChildProcess::Pause() const
+{
+    kill(id_, SIGSTOP);
+    // Until it has in fact stopped.
+    waitpid(id_, nullptr, WUNTRACED);
+}
+
+void ChildProcess::Resume() const
+{
+    kill(id_, SIGCONT);
+}
+
 void ChildProcess::Kill()
 {
     End(SIGKILL);
@@ -87,6 +99,8 @@ void ChildProcess::End(int signal)
 {
     if (id_ > 0) {
         kill(id_, signal);
+        // One that is paused would not notice.
+        kill(id_, SIGCONT);
         waitpid(id_, nullptr, 0);
         id_ = 0;
     }

@@ -24,6 +24,9 @@ class ChildProcess
 
     /// The first line that it announces; empty where it ends without one.
     [[nodiscard]] std::string ReadLine() const;
+    /// Stops it from doing anything until it is resumed.
+    void Pause() const;
+    void Resume() const;
     /// Ends it at once, without its doing anything more.
     void Kill();
 

@@ -48,8 +48,8 @@ class Picture
     std::vector<std::uint8_t> bytes_;
 };
 
-/// Serves the process from off-screen buffers from now on, where it does not already; on an X server of its own
-/// where the variable KARV_TEST_BACKEND is "x11". No window may exist.
+/// Serves the process from off-screen buffers from now on, where it does not already; on an X server of its
+/// own where the variable KARV_TEST_BACKEND is "x11". No window may exist.
 void UseTestWindows();
 
 /// The window. Its viewport covers it, and all other GL state is the default: no lighting, no culling, no

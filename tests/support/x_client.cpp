@@ -1,7 +1,6 @@
 #include "tests/support/x_client.h"
 
-#include <array>
-#include <map>
+#include <algorithm>
 #include <stdexcept>
 
 #include <X11/Xlib.h>
@@ -201,8 +200,9 @@ bool XClient::HasSeen(int type, int count)
             others.push_back(event);
         }
     }
-    for (auto event = others.rbegin(); event != others.rend(); ++event) {
-        XPutBackEvent(impl_->display, &*event);
+    std::reverse(others.begin(), others.end());
+    for (XEvent& event : others) {
+        XPutBackEvent(impl_->display, &event);
     }
     return seen >= count;
 }

@@ -35,9 +35,9 @@ class PictureFile : public ViewerTest
     {
         cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
         const unsigned char* data = cairo_image_surface_get_data(surface);
-        const int stride = cairo_image_surface_get_stride(surface);
+        const std::ptrdiff_t stride = cairo_image_surface_get_stride(surface);
         std::uint32_t pixel = 0;
-        std::memcpy(&pixel, data + row * stride + column * 4, sizeof pixel);
+        std::memcpy(&pixel, data + row * stride + std::ptrdiff_t{column} * 4, sizeof pixel);
         cairo_surface_destroy(surface);
         return pixel & 0xFFFFFFU;
     }

@@ -155,10 +155,12 @@ void X11Backend::ShowNativeWindow(HWND window, bool visible)
         // paints what it shows, so that to tell of the exposure would only paint it twice.
         XSync(connection_.Get(), False);
         TakeIn();
-        while (TakeOutOfTurn([&](const XEvent& event) {
+        const auto is_exposure = [&](const XEvent& event) {
             const NativeRecord* exposed = windows_.FindById(event.xany.window);
             return event.type == Expose && exposed != nullptr && windows_.IsWithin(*exposed, window);
-        })) {
+        };
+        XEvent exposure;
+        while (TakeOutOfTurn(is_exposure, exposure)) {
         }
     }
 }

@@ -66,8 +66,9 @@ class X11Backend final : public Backend
     /// Takes in every event that has arrived, and drops those that mean nothing to the layer.
     void TakeIn() const;
     [[nodiscard]] bool IsOfInterest(const XEvent& event) const;
-    /// Takes the first event that has arrived and satisfies the condition out of its turn.
-    std::optional<XEvent> TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition);
+    /// Takes the first event that has arrived and satisfies the condition out of its turn; false where none
+    /// does.
+    bool TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition, XEvent& taken);
 
     void Report(XEvent& event, EventSink& sink);
     void ReportConfigure(XConfigureEvent event, EventSink& sink);

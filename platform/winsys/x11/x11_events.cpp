@@ -64,15 +64,15 @@ bool X11Backend::IsOfInterest(const XEvent& event) const
     }
 }
 
-std::optional<XEvent> X11Backend::TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition)
+bool X11Backend::TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition, XEvent& taken)
 {
     const auto found = std::ranges::find_if(arrived_, condition);
     if (found == arrived_.end()) {
-        return std::nullopt;
+        return false;
     }
-    const XEvent event = *found;
+    taken = *found;
     arrived_.erase(found);
-    return event;
+    return true;
 }
 
 void X11Backend::Report(XEvent& event, EventSink& sink)
@@ -130,8 +130,9 @@ void X11Backend::ReportConfigure(XConfigureEvent event, EventSink& sink)
     const auto is_later = [window = event.window](const XEvent& other) {
         return other.type == ConfigureNotify && other.xconfigure.window == window;
     };
-    for (auto later = TakeOutOfTurn(is_later); later.has_value(); later = TakeOutOfTurn(is_later)) {
-        event = later.value().xconfigure;
+    XEvent later;
+    while (TakeOutOfTurn(is_later, later)) {
+        event = later.xconfigure;
     }
     NativeRecord* record = windows_.FindById(event.window);
     if (record == nullptr || record->surface.window == event.window || record->is_gone) {
@@ -186,9 +187,9 @@ void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& si
         }
     };
     note(event.window);
-    while (const auto later =
-               TakeOutOfTurn([](const XEvent& other) { return other.type == DestroyNotify; })) {
-        note(later->xdestroywindow.window);
+    XEvent later;
+    while (TakeOutOfTurn([](const XEvent& other) { return other.type == DestroyNotify; }, later)) {
+        note(later.xdestroywindow.window);
     }
     for (const HWND window : std::views::reverse(gone)) {
         sink.OnDestroyed(window);
