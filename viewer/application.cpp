@@ -5,9 +5,9 @@
 #include "platform/winsys/provider.h"
 #include "viewer/bundled_model.h"
 #include "viewer/canvas.h"
-#include "viewer/fit.h"
+#include "viewer/interactive_window.h"
 #include "viewer/mesh_import.h"
-#include "viewer/offscreen_view.h"
+#include "viewer/message_loop.h"
 #include "viewer/progress.h"
 #include "viewer/sheet.h"
 #include "viewer/stats.h"
@@ -17,6 +17,8 @@
 #include <new>
 #include <ostream>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace viewer
 {
@@ -61,41 +63,75 @@ class Application
 
     void Run()
     {
+        const bool in_windows = ChooseWindows();
         Load();
         GiveHints();
-        winsys::UseBackend(winsys::MakeHeadlessBackend());
-        if (options_.picture)
-            DrawPicture(*options_.picture);
-        if (options_.sheet)
-            DrawSheet(*options_.sheet);
-        if (!options_.picture && !options_.sheet) {
-            DrawSheet(kDefaultSheet);
-            (options_.stats ? err_ : out_) << "karv-view: the pictures are in " << kDefaultSheet << '\n';
-        }
+        if (in_windows)
+            ShowWindows();
+        else
+            DrawPictures(TakeWhole());
         if (options_.stats)
             out_ << ToJson(stats_) << '\n';
     }
 
   private:
+    /// Whether there is a user to show windows to; chooses the backend of the window layer.
+    bool ChooseWindows()
+    {
+        const bool never = options_.picture || options_.sheet || options_.headless;
+        winsys::UseBackend(never ? winsys::MakeHeadlessBackend() : winsys::MakeDefaultBackend());
+        const bool has_display = winsys::BackendName() != "headless";
+        if (!never && !has_display)
+            Notices() << "karv-view: no display answers, so the views are drawn on a sheet\n";
+        return !never && has_display;
+    }
+
+    /// Where the program says what it did, beside the figures if those are asked for.
+    std::ostream& Notices() { return options_.stats ? err_ : out_; }
+
     void Load()
     {
         const SteadyTime before = std::chrono::steady_clock::now();
         for (const std::string& path : options_.models) {
             ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + path);
-            model_.Append(ImportMesh(path, [&](double fraction) { progress.Report(fraction); }));
+            Add(ImportMesh(path, [&](double fraction) { progress.Report(fraction); }));
         }
         if (options_.models.empty())
-            model_ = MakeBundledModel();
+            Add(MakeBundledModel());
         stats_.load_s = SecondsSince(before);
-        for (Piece& piece : model_.pieces) {
+        stats_.files = options_.models.size();
+        for (Model& model : models_) {
+            Prepare(model);
+            stats_.entities += model.pieces.size();
+            stats_.faces += model.FaceCount();
+            stats_.extents.Unite(model.Extents());
+        }
+    }
+
+    void Add(Model model)
+    {
+        if (models_.empty() || options_.windows)
+            models_.emplace_back();
+        models_.back().Append(std::move(model));
+    }
+
+    void Prepare(Model& model) const
+    {
+        for (Piece& piece : model.pieces) {
             piece.color = static_cast<unsigned char>(options_.color.value_or(piece.color));
             piece.alpha = options_.alpha.value_or(piece.alpha);
         }
-        model_.PutTranslucentLast();
-        stats_.files = options_.models.size();
-        stats_.entities = model_.pieces.size();
-        stats_.faces = model_.FaceCount();
-        stats_.extents = model_.Extents();
+        model.PutTranslucentLast();
+    }
+
+    /// All models in one.
+    Model TakeWhole()
+    {
+        Model whole;
+        for (Model& model : models_)
+            whole.Append(std::move(model));
+        whole.PutTranslucentLast();
+        return whole;
     }
 
     void GiveHints()
@@ -107,73 +143,101 @@ class Application
                     "have faces only\n";
     }
 
-    /// The control with the whole model in it, as the options want it drawn.
-    struct Stage {
-        OffscreenView view;
-        double aspect;
-        std::unique_ptr<FittedScene> scene;
-
-        Stage(PictureSize size, const Options& options, const Model& model)
-            : view(size.width, size.height, options.transparent),
-              aspect(static_cast<double>(size.width) / static_cast<double>(size.height))
-        {
-            KARVOpenGLControl& control = view.Control();
-            if (const auto& background = options.background)
-                control.SetBgColor(background->at(0), background->at(1), background->at(2));
-            control.SetRenderMode(options.lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
-            for (const int category : options.hidden)
-                control.DisableObject(static_cast<KARVGraphicalEntity::EntityType>(category));
-            scene = std::make_unique<FittedScene>(control, model);
-        }
-    };
-
-    Picture Draw(Stage& stage, StandardView view)
+    void DrawPictures(const Model& model)
     {
-        stage.scene->Show(view, options_.projection, stage.aspect);
-        Picture picture = stage.view.TakePicture();
-        if (stats_.first_frame_s == 0.0)
-            stats_.first_frame_s = SecondsSince(start_);
+        if (options_.picture)
+            DrawPicture(*options_.picture, model);
+        if (options_.sheet)
+            DrawSheet(*options_.sheet, model);
+        if (!options_.picture && !options_.sheet) {
+            DrawSheet(kDefaultSheet, model);
+            Notices() << "karv-view: the pictures are in " << kDefaultSheet << '\n';
+        }
+    }
+
+    Picture Draw(ModelWindow& window, StandardView view)
+    {
+        window.Show(view, options_.projection);
+        Picture picture = window.TakePicture();
+        NoteFirstFrame();
         return picture;
     }
 
-    void DrawPicture(const std::string& path)
+    void DrawPicture(const std::string& path, const Model& model)
     {
-        Stage stage(options_.size.value_or(PictureSize{}), options_, model_);
-        const Picture picture = Draw(stage, options_.view);
-        Measure(stage.view);
+        ModelWindow window(options_.size.value_or(PictureSize{}), options_, model);
+        const Picture picture = Draw(window, options_.view);
+        Measure(window);
         WritePng(picture, path);
     }
 
-    void DrawSheet(const std::string& path)
+    void DrawSheet(const std::string& path, const Model& model)
     {
         const SheetLayout layout = LayOutSheet(options_.size);
-        Stage stage(layout.cell, options_, model_);
-        WriteSheet(path, model_.title, layout, [&](StandardView view) { return Draw(stage, view); });
-        Measure(stage.view);
+        ModelWindow window(layout.cell, options_, model);
+        WriteSheet(path, model.title, layout, [&](StandardView view) { return Draw(window, view); });
+        Measure(window);
+    }
+
+    void ShowWindows()
+    {
+        std::vector<std::unique_ptr<InteractiveWindow>> windows;
+        windows.reserve(models_.size());
+        for (const Model& model : models_)
+            windows.push_back(std::make_unique<InteractiveWindow>(options_, model, Notices(), err_));
+        stats_.renderer = windows.front()->RendererName();
+        Notices() << "karv-view: the key ? prints the keys" << std::endl;
+        const auto begin = std::chrono::steady_clock::now();
+        unsigned long frames_of_closed = 0;
+        const auto frame_count = [&] {
+            unsigned long frames = frames_of_closed;
+            for (const auto& window : windows)
+                frames += window->FrameCount();
+            return frames;
+        };
+        const auto none_is_open = [&] {
+            if (frame_count() > 0)
+                NoteFirstFrame();
+            std::erase_if(windows, [&](const auto& window) {
+                if (!window->IsOpen())
+                    frames_of_closed += window->FrameCount();
+                return !window->IsOpen();
+            });
+            return windows.empty();
+        };
+        PumpMessages(none_is_open, frame_count);
+        stats_.fps = static_cast<double>(frame_count()) / SecondsSince(begin);
+    }
+
+    void NoteFirstFrame()
+    {
+        if (stats_.first_frame_s == 0.0)
+            stats_.first_frame_s = SecondsSince(start_);
     }
 
     /// Draws a short burst of frames and notes their rate.
-    void Measure(OffscreenView& view)
+    void Measure(const ModelWindow& window)
     {
         if (!options_.stats || stats_.fps != 0.0)
             return;
         constexpr unsigned long kFrames = 30;
         constexpr double kSeconds = 1.0;
-        const unsigned long first = view.FrameCount();
+        const unsigned long first = window.FrameCount();
         const SteadyTime before = std::chrono::steady_clock::now();
-        view.PumpUntil([&] {
-            const unsigned long drawn = view.FrameCount() - first;
+        const auto is_enough = [&] {
+            const unsigned long drawn = window.FrameCount() - first;
             return drawn >= kFrames || (drawn > 0 && SecondsSince(before) >= kSeconds);
-        });
-        stats_.fps = static_cast<double>(view.FrameCount() - first) / SecondsSince(before);
-        stats_.renderer = view.RendererName();
+        };
+        PumpMessages(is_enough, [&] { return window.FrameCount(); });
+        stats_.fps = static_cast<double>(window.FrameCount() - first) / SecondsSince(before);
+        stats_.renderer = window.RendererName();
     }
 
     const Options& options_;
     SteadyTime start_;
     std::ostream& out_;
     std::ostream& err_;
-    Model model_;
+    std::vector<Model> models_; ///< one a window
     Stats stats_;
 };
 

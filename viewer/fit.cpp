@@ -110,6 +110,12 @@ void FittedScene::Show(StandardView view, Projection projection, double aspect)
     control_.OnDraw(nullptr);
 }
 
+void FittedScene::SwitchProjection()
+{
+    SetProjection(projection_ == Projection::Perspective ? Projection::Parallel : Projection::Perspective);
+    control_.OnDraw(nullptr);
+}
+
 void FittedScene::SetProjection(Projection projection)
 {
     // A control that is in perspective already would take its projection stack below its bottom.

@@ -48,6 +48,9 @@ class FittedScene
     /// Shows the whole model from the next frame on. `aspect` is the width of the control's client area over
     /// its height; call this again whenever it changes.
     void Show(StandardView view, Projection projection, double aspect);
+    [[nodiscard]] Projection CurrentProjection() const { return projection_; }
+    /// Changes from one projection to the other where the camera stands.
+    void SwitchProjection();
 
   private:
     void SetProjection(Projection projection);

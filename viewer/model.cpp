@@ -56,6 +56,14 @@ void Box::Add(const Point& point)
     max = {std::max(max.x, point.x), std::max(max.y, point.y), std::max(max.z, point.z)};
 }
 
+void Box::Unite(const Box& box)
+{
+    if (box.IsEmpty())
+        return;
+    Add(box.min);
+    Add(box.max);
+}
+
 namespace
 {
 

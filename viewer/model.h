@@ -42,6 +42,8 @@ struct Box {
     [[nodiscard]] double Diagonal() const { return Length(max - min); }
     [[nodiscard]] std::array<Point, 8> Corners() const;
     void Add(const Point& point);
+    /// An empty one changes nothing.
+    void Unite(const Box& box);
 };
 
 /// One polygon, ready for the viewport: its corners run clockwise as seen from outside, its normal is of unit

@@ -147,6 +147,7 @@ void AddDrawingOptions(CLI::App& app, Options& options)
 void AddRunOptions(CLI::App& app, Options& options)
 {
     app.add_flag("--headless", options.headless, "Never open a window on a display");
+    app.add_flag("--windows", options.windows, "Show each model in a window of its own");
     app.add_option("--trace", options.trace, "Write the trace of the control's calls")
         ->option_text("FILE.json");
     app.add_flag("--stats", options.stats, "Print figures as one JSON object");

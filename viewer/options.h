@@ -38,6 +38,7 @@ struct Options {
     bool transparent = false;
     std::vector<int> hidden; ///< categories
     bool headless = false;
+    bool windows = false; ///< one for each model
     bool stats = false;
 };
 

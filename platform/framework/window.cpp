@@ -248,16 +248,22 @@ void CWnd::DeleteTempMap()
 BOOL CWnd::CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, const RECT& rect,
                     CWnd* parent, UINT id, LPVOID param)
 {
+    const CRect place(rect);
+    return CreateEx(ex_style, class_name, window_name, style, rect.left, rect.top, place.Width(),
+                    place.Height(), parent != nullptr ? parent->m_hWnd : nullptr,
+                    reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), param);
+}
+
+BOOL CWnd::CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, int x, int y,
+                    int width, int height, HWND parent, HMENU id, LPVOID param)
+{
     if (m_hWnd != nullptr)
         return FALSE;
-    const CRect place(rect);
     const Creation creation(this);
     // From here on a handler may have deleted this object, so nothing of it is touched.
     try {
-        const HWND window = ::CreateWindowExW(
-            ex_style, class_name, window_name, style, rect.left, rect.top, place.Width(), place.Height(),
-            parent != nullptr ? parent->m_hWnd : nullptr, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)),
-            ::GetModuleHandleW(nullptr), param);
+        const HWND window = ::CreateWindowExW(ex_style, class_name, window_name, style, x, y, width, height,
+                                              parent, id, ::GetModuleHandleW(nullptr), param);
         if (window != nullptr && creation.Window() != window) {
             // The class has another procedure, so the object never got its window.
             ::DestroyWindow(window);
@@ -284,6 +290,23 @@ BOOL CWnd::MoveWindow(const RECT& rect, BOOL repaint)
 CWnd* CWnd::SetFocus()
 {
     return m_hWnd != nullptr ? FromHandle(::SetFocus(m_hWnd)) : nullptr;
+}
+
+BOOL CWnd::WalkPreTranslateTree(HWND stop, MSG* message)
+{
+    for (HWND window = message->hwnd; window != nullptr; window = ::GetParent(window)) {
+        CWnd* const object = FromHandlePermanent(window);
+        if (object != nullptr && object->PreTranslateMessage(message) != FALSE)
+            return TRUE;
+        if (window == stop)
+            break;
+    }
+    return FALSE;
+}
+
+BOOL CWnd::PreTranslateMessage(MSG* /*message*/)
+{
+    return FALSE;
 }
 
 LRESULT CWnd::WindowProc(UINT message, WPARAM wparam, LPARAM lparam)

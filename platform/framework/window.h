@@ -68,6 +68,9 @@ class KARV_PLATFORM_API CWnd
     /// object meanwhile.
     BOOL CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, const RECT& rect,
                   CWnd* parent, UINT id, LPVOID param = nullptr);
+    /// The same with place and size apart, so that the place may be left to the system (`CW_USEDEFAULT`).
+    BOOL CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, int x, int y,
+                  int width, int height, HWND parent, HMENU id, LPVOID param = nullptr);
     /// Destroys the window, if there is one (FALSE where there is none); the object stays, unless its class
     /// deletes it in `PostNcDestroy`.
     virtual BOOL DestroyWindow();
@@ -79,6 +82,14 @@ class KARV_PLATFORM_API CWnd
     /// Gives this window the keyboard focus; returns the one that had it, null for none. Without a window
     /// nothing changes: the system would take the focus from every window.
     CWnd* SetFocus();
+
+    /// Shows a message that the loop is about to translate and dispatch to the objects of its window and of
+    /// that window's parents, innermost first, up to and with `stop` (all of them for null). TRUE where one
+    /// of them took it: it must then be neither translated nor dispatched.
+    static BOOL WalkPreTranslateTree(HWND stop, MSG* message);
+    /// A look at a message before it is dispatched; keys, for example, that are for a window around the one
+    /// with the focus. TRUE takes it. Does nothing here.
+    virtual BOOL PreTranslateMessage(MSG* message);
 
     /// Looks the message up in the message map and gives it to its handler or to `DefWindowProc`.
     virtual LRESULT WindowProc(UINT message, WPARAM wparam, LPARAM lparam);
@@ -142,6 +153,17 @@ constexpr AFX_MSGMAP_ENTRY OnWmSize()
                 auto& target = message_map_detail::Target(window, Handler);
                 const auto size = static_cast<DWORD_PTR>(lparam);
                 (target.*Handler)(static_cast<UINT>(wparam), LOWORD(size), HIWORD(size));
+                return 0;
+            }};
+}
+
+/// WM_CLOSE to `void OnClose()`, in place of the destruction that is the default.
+template <auto Handler>
+constexpr AFX_MSGMAP_ENTRY OnWmClose()
+{
+    return {WM_CLOSE, [](CWnd& window, WPARAM, LPARAM) -> LRESULT {
+                auto& target = message_map_detail::Target(window, Handler);
+                (target.*Handler)();
                 return 0;
             }};
 }

@@ -1,5 +1,6 @@
 #include "platform/tools/utf8.h"
 
+#include <array>
 #include <cstdint>
 #include <type_traits>
 
@@ -68,6 +69,51 @@ void AppendCharacter(std::string& bytes, std::uint32_t character)
     }
 }
 
+std::uint32_t Byte(char byte)
+{
+    return static_cast<unsigned char>(byte);
+}
+
+/// How many bytes the character takes that begins so, by its first byte alone; 0 for a byte that begins none.
+std::size_t LengthFromFirst(std::uint32_t first)
+{
+    if (first < 0x80)
+        return 1;
+    if (first >= 0xC0 && first < 0xE0)
+        return 2;
+    if (first >= 0xE0 && first < 0xF0)
+        return 3;
+    return first >= 0xF0 && first < 0xF8 ? 4 : 0;
+}
+
+/// Takes one character off the front of `text`, which is not empty; only one byte where it begins none.
+std::uint32_t TakeCharacter(std::string_view& text)
+{
+    constexpr std::array<std::uint32_t, 5> kPayload{0, 0x7F, 0x1F, 0x0F, 0x07};
+    constexpr std::array<std::uint32_t, 5> kLowest{0, 0, 0x80, 0x800, 0x10000};
+    const std::size_t length = LengthFromFirst(Byte(text.front()));
+    std::uint32_t character = Byte(text.front()) & kPayload.at(length);
+    bool is_whole = length != 0 && length <= text.size();
+    for (std::size_t i = 1; is_whole && i < length; ++i) {
+        is_whole = (Byte(text[i]) & 0xC0U) == 0x80U;
+        character = (character << 6U) | (Byte(text[i]) & 0x3FU);
+    }
+    const bool is_character = is_whole && character >= kLowest.at(length) && character <= 0x10FFFF &&
+                              !IsHighSurrogate(character) && !IsLowSurrogate(character);
+    text.remove_prefix(is_character ? length : 1);
+    return is_character ? character : kReplacementCharacter;
+}
+
+void AppendCharacter(std::wstring& text, std::uint32_t character)
+{
+    if (sizeof(wchar_t) == 2 && character >= 0x10000) {
+        text.push_back(static_cast<wchar_t>(0xD800U + ((character - 0x10000U) >> 10U)));
+        text.push_back(static_cast<wchar_t>(0xDC00U + ((character - 0x10000U) & 0x3FFU)));
+    } else {
+        text.push_back(static_cast<wchar_t>(character));
+    }
+}
+
 } // namespace
 
 std::string Utf8FromWide(std::wstring_view text)
@@ -77,4 +123,13 @@ std::string Utf8FromWide(std::wstring_view text)
     while (!text.empty())
         AppendCharacter(bytes, TakeCharacter(text));
     return bytes;
+}
+
+std::wstring WideFromUtf8(std::string_view text)
+{
+    std::wstring wide;
+    wide.reserve(text.size());
+    while (!text.empty())
+        AppendCharacter(wide, TakeCharacter(text));
+    return wide;
 }

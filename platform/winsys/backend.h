@@ -42,6 +42,8 @@ struct NativeWindow {
     std::wstring title;
     POINT position{};
     SIZE size{};
+    /// The system places this top-level window where it likes; `position` holds until it tells.
+    bool is_placed_by_system = false;
 };
 
 /// Any OpenGL function; cast to its own type before the call.

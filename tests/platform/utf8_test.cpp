@@ -59,4 +59,44 @@ TEST(Utf8, ValuesPastTheLastCharacterAreReplaced)
     }
 }
 
+TEST(WideText, EmptyAndAsciiStayAsTheyAre)
+{
+    EXPECT_EQ(WideFromUtf8(""), L"");
+    EXPECT_EQ(WideFromUtf8("part 1.stl\x7F"), L"part 1.stl\x7F");
+    EXPECT_EQ(WideFromUtf8(std::string("a\0b", 3)), std::wstring(L"a\0b", 3));
+}
+
+TEST(WideText, FirstAndLastCharacterOfEachLength)
+{
+    EXPECT_EQ(WideFromUtf8("\xC2\x80"), L"\x80");
+    EXPECT_EQ(WideFromUtf8("\xDF\xBF"), L"\x7FF");
+    EXPECT_EQ(WideFromUtf8("\xE0\xA0\x80"), L"\x800");
+    EXPECT_EQ(WideFromUtf8("\xEF\xBF\xBF"), L"\xFFFF");
+    EXPECT_EQ(WideFromUtf8("\xF0\x90\x80\x80"), L"\U00010000");
+    EXPECT_EQ(WideFromUtf8("\xF4\x8F\xBF\xBF"), L"\U0010FFFF");
+}
+
+// Longer than needed, a surrogate, past the last character, cut off, and bytes that begin nothing: one
+// replacement for each byte.
+TEST(WideText, BytesThatAreNoCharacterAreReplacedOneByOne)
+{
+    EXPECT_EQ(WideFromUtf8("\xC1\xBF"), L"\xFFFD\xFFFD");
+    EXPECT_EQ(WideFromUtf8("\xE0\x9F\xBF"), L"\xFFFD\xFFFD\xFFFD");
+    EXPECT_EQ(WideFromUtf8("\xF0\x8F\xBF\xBF"), L"\xFFFD\xFFFD\xFFFD\xFFFD");
+    EXPECT_EQ(WideFromUtf8("\xED\xA0\x80"), L"\xFFFD\xFFFD\xFFFD");
+    EXPECT_EQ(WideFromUtf8("\xF4\x90\x80\x80"), L"\xFFFD\xFFFD\xFFFD\xFFFD");
+    EXPECT_EQ(WideFromUtf8("\xE2\x82"), L"\xFFFD\xFFFD");
+    EXPECT_EQ(WideFromUtf8("\xE2\x82"
+                           "a"),
+              L"\xFFFD\xFFFD"
+              L"a");
+    EXPECT_EQ(WideFromUtf8("\x80\xFF\xF8"), L"\xFFFD\xFFFD\xFFFD");
+}
+
+TEST(WideText, GoesThereAndBack)
+{
+    const std::string text = "Welle \xC3\xB8 20 \xF0\x9F\x98\x80";
+    EXPECT_EQ(Utf8FromWide(WideFromUtf8(text)), text);
+}
+
 } // namespace

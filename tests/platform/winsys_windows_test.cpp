@@ -117,6 +117,30 @@ TEST_P(WinsysWindows, CreationMessageCarriesTheArguments)
     EXPECT_EQ(seen.dwExStyle, 7U);
 }
 
+TEST_P(WinsysWindows, PlaceLeftToTheSystemIsResolvedBeforeTheCreationMessage)
+{
+    CREATESTRUCTW seen{};
+    handler_ = [&](HWND, UINT message, WPARAM, LPARAM lparam) -> std::optional<LRESULT> {
+        if (message == WM_CREATE) {
+            seen = *reinterpret_cast<CREATESTRUCTW*>(lparam);
+        }
+        return std::nullopt;
+    };
+    const HWND known = Make(L"known");
+    std::array<wchar_t, 64> name{};
+    GetClassNameW(known, name.data(), static_cast<int>(name.size()));
+    const HWND window = CreateWindowExW(0, name.data(), L"", WS_OVERLAPPED, CW_USEDEFAULT, 123, 40, 30,
+                                        nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(seen.x, 0);
+    EXPECT_EQ(seen.y, 0);
+    RECT rect{};
+    EXPECT_TRUE(GetWindowRect(window, &rect));
+    EXPECT_EQ(rect.right - rect.left, 40);
+    EXPECT_EQ(rect.bottom - rect.top, 30);
+    DestroyWindow(window);
+}
+
 TEST_P(WinsysWindows, RefusedNcCreateMakesNoWindow)
 {
     handler_ = [](HWND, UINT message, WPARAM, LPARAM) {

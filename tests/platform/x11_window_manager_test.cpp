@@ -26,6 +26,20 @@ TEST_F(X11WindowManager, FramesTheWindowAroundItsClientArea)
     EXPECT_EQ(ClientSizeOf(window), Size(300, 200));
 }
 
+TEST_F(X11WindowManager, PlaceLeftToTheSystemHasTheTitleBarOnTheScreen)
+{
+    MakeManaged();
+    const HWND window = Make(L"free", WS_OVERLAPPEDWINDOW | WS_VISIBLE, nullptr,
+                             {CW_USEDEFAULT, 0, CW_USEDEFAULT + 200, 100});
+    ASSERT_TRUE(PumpUntil([&] {
+        const auto found = client_.FindByName("free");
+        return found.size() == 1 && client_.IsSeen(found.front()) &&
+               OriginOf(window) == client_.PositionOnScreen(found.front());
+    }));
+    EXPECT_EQ(ClientSizeOf(window), Size(200, 100));
+    EXPECT_GT(OriginOf(window).second, 5) << "room for the frame";
+}
+
 TEST_F(X11WindowManager, ProgramsOwnMoveIsExact)
 {
     const HWND window = MakeManaged();

@@ -1,11 +1,10 @@
 #include "viewer/fit.h"
 
-#include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
+#include "tests/viewer/viewer_fixture.h"
 #include "viewer/bundled_model.h"
-#include "viewer/offscreen_view.h"
 #include "viewer/options.h"
+#include "viewer/viewport_window.h"
 
 #include <gtest/gtest.h>
 
@@ -19,52 +18,6 @@ namespace
 {
 
 constexpr double kDegree = 3.14159265358979323846 / 180.0;
-
-Box BoxOf(const Point& min, const Point& max)
-{
-    Box box;
-    box.Add(min);
-    box.Add(max);
-    return box;
-}
-
-/// A closed box of six faces.
-Model BoxModel(const Box& box)
-{
-    const auto c = box.Corners();
-    Model model;
-    Piece piece;
-    for (const auto& face : {std::array{0, 2, 3, 1}, std::array{4, 5, 7, 6}, std::array{0, 1, 5, 4},
-                             std::array{2, 6, 7, 3}, std::array{0, 4, 6, 2}, std::array{1, 3, 7, 5}}) {
-        std::vector<Point> corners;
-        for (const int index : face)
-            corners.push_back(c.at(static_cast<std::size_t>(index)));
-        if (auto made = MakeFace(std::move(corners))) // the sides of a flat box are none
-            piece.faces.push_back(std::move(*made));
-    }
-    model.pieces.push_back(std::move(piece));
-    return model;
-}
-
-/// Where a point of the scene lies in the viewport of the current context: -1 to 1 from edge to edge, and in
-/// depth.
-Point ProjectToViewport(const Point& point)
-{
-    std::array<double, 16> view{};
-    std::array<double, 16> projection{};
-    const std::array<GLint, 4> viewport{-1, -1, 2, 2};
-    glGetDoublev(GL_MODELVIEW_MATRIX, view.data());
-    glGetDoublev(GL_PROJECTION_MATRIX, projection.data());
-    Point result;
-    gluProject(point.x, point.y, point.z, view.data(), projection.data(), viewport.data(), &result.x,
-               &result.y, &result.z);
-    return result;
-}
-
-void UseHeadless()
-{
-    winsys::UseBackend(winsys::MakeHeadlessBackend());
-}
 
 TEST(FitGrowth, LeavesAMarginAroundTheSphereOfTheModelInBothProjections)
 {
@@ -111,7 +64,7 @@ TEST_P(FittedSceneView, ShowsTheWholeBoxWithAMarginFromEveryStandardView)
     const double aspect = static_cast<double>(width) / height;
     for (const Box& box : {BoxOf({0, 0, 0}, {1, 1, 1}), BoxOf({-700, 50, 1}, {700, 60, 2}),
                            BoxOf({1e-6, 0, 0}, {2e-6, 1e-4, 1e-6}), BoxOf({0, 0, 0}, {3, 2, 0})}) {
-        OffscreenView view(width, height, false);
+        ViewportWindow view(L"test", PictureSize{width, height}, false);
         FittedScene scene(view.Control(), BoxModel(box));
         const ScenePlacement placement(box);
         for (const Projection projection :
@@ -142,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(Aspects, FittedSceneView,
 TEST(FittedScene, LooksFromTheSideThatTheViewIsNamedFor)
 {
     UseHeadless();
-    OffscreenView view(100, 100, false);
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
     const Box box = BoxOf({0, 0, 0}, {1, 1, 1});
     FittedScene scene(view.Control(), BoxModel(box));
     const ScenePlacement placement(box);
@@ -175,7 +128,7 @@ TEST(FittedScene, FramesShowTheModelInsideAnUntouchedBorder)
     constexpr int kWidth = 160;
     constexpr int kHeight = 120;
     constexpr std::uint32_t kBackground = 0x102030;
-    OffscreenView view(kWidth, kHeight, false);
+    ViewportWindow view(L"test", PictureSize{kWidth, kHeight}, false);
     view.Control().SetBgColor(0x10, 0x20, 0x30);
     FittedScene scene(view.Control(), MakeBundledModel());
     for (const StandardView standard_view : kStandardViews) {
@@ -198,7 +151,7 @@ TEST(FittedScene, FramesShowTheModelInsideAnUntouchedBorder)
 TEST(FittedScene, SlantedEdgesAreSmooth)
 {
     UseHeadless();
-    OffscreenView view(100, 100, false);
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
     view.Control().SetBgColor(0, 0, 0);
     GLint sample_buffers = 0;
     constexpr GLenum kSampleBuffers = 0x80A8; // GL_SAMPLE_BUFFERS, of OpenGL 1.3
@@ -221,7 +174,7 @@ TEST(FittedScene, SlantedEdgesAreSmooth)
 TEST(FittedScene, FacesShowTheirOutsideAndItIsLit)
 {
     UseHeadless();
-    OffscreenView view(100, 100, false);
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
     view.Control().SetBgColor(0, 0, 0);
     Model model = BoxModel(BoxOf({0, 0, 0}, {1, 1, 1}));
     model.pieces[0].color = 1; // red

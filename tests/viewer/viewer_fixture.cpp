@@ -1,5 +1,9 @@
 #include "tests/viewer/viewer_fixture.h"
 
+#include "platform/winsys/backend.h"
+#include "platform/winsys/opengl.h"
+#include "platform/winsys/provider.h"
+
 #include <cairo.h>
 
 #include <sys/wait.h>
@@ -101,8 +105,9 @@ ProgramRun ViewerTest::View(const std::string& arguments) const
     const std::string out = folder_.string() + ".out";
     const std::string err = folder_.string() + ".err";
     // The arguments come last, so that a test can send a stream elsewhere.
-    const std::string command = "cd '" + folder_.string() + "' && '" KARV_VIEW "' >'" + out + "' 2>'" + err +
-                                "' </dev/null " + arguments;
+    // Without a display, whatever the tests themselves run on.
+    const std::string command = "cd '" + folder_.string() + "' && env -u DISPLAY '" KARV_VIEW "' >'" + out +
+                                "' 2>'" + err + "' </dev/null " + arguments;
     const int result = std::system(command.c_str());
     ProgramRun run;
     if (WIFEXITED(result))
@@ -157,3 +162,51 @@ std::string Gltf(const std::string& material, const std::string& nodes)
            R"("buffers":[{"byteLength":42,"uri":"data:application/octet-stream;base64,)" +
            Base64(buffer) + R"("}]})";
 }
+
+namespace viewer
+{
+
+Box BoxOf(const Point& min, const Point& max)
+{
+    Box box;
+    box.Add(min);
+    box.Add(max);
+    return box;
+}
+
+Model BoxModel(const Box& box)
+{
+    const auto c = box.Corners();
+    Model model;
+    Piece piece;
+    for (const auto& face : {std::array{0, 2, 3, 1}, std::array{4, 5, 7, 6}, std::array{0, 1, 5, 4},
+                             std::array{2, 6, 7, 3}, std::array{0, 4, 6, 2}, std::array{1, 3, 7, 5}}) {
+        std::vector<Point> corners;
+        for (const int index : face)
+            corners.push_back(c.at(static_cast<std::size_t>(index)));
+        if (auto made = MakeFace(std::move(corners))) // the sides of a flat box are none
+            piece.faces.push_back(std::move(*made));
+    }
+    model.pieces.push_back(std::move(piece));
+    return model;
+}
+
+Point ProjectToViewport(const Point& point)
+{
+    std::array<double, 16> view{};
+    std::array<double, 16> projection{};
+    const std::array<GLint, 4> viewport{-1, -1, 2, 2};
+    glGetDoublev(GL_MODELVIEW_MATRIX, view.data());
+    glGetDoublev(GL_PROJECTION_MATRIX, projection.data());
+    Point result;
+    gluProject(point.x, point.y, point.z, view.data(), projection.data(), viewport.data(), &result.x,
+               &result.y, &result.z);
+    return result;
+}
+
+void UseHeadless()
+{
+    winsys::UseBackend(winsys::MakeHeadlessBackend());
+}
+
+} // namespace viewer

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #define CALLBACK
 #define WINAPI
@@ -143,6 +144,12 @@ struct PIXELFORMATDESCRIPTOR {
 };
 static_assert(sizeof(PIXELFORMATDESCRIPTOR) == 40);
 
+// Notifications of the process to a module.
+inline constexpr DWORD DLL_PROCESS_DETACH = 0;
+inline constexpr DWORD DLL_PROCESS_ATTACH = 1;
+inline constexpr DWORD DLL_THREAD_ATTACH = 2;
+inline constexpr DWORD DLL_THREAD_DETACH = 3;
+
 // Window classes.
 inline constexpr UINT CS_VREDRAW = 0x0001;
 inline constexpr UINT CS_HREDRAW = 0x0002;
@@ -157,6 +164,10 @@ inline constexpr DWORD WS_VISIBLE = 0x10000000;
 inline constexpr DWORD WS_CLIPSIBLINGS = 0x04000000;
 inline constexpr DWORD WS_CLIPCHILDREN = 0x02000000;
 inline constexpr DWORD WS_OVERLAPPEDWINDOW = 0x00CF0000;
+
+/// The horizontal place of a top-level window whose place the system chooses; the vertical one is then not
+/// used.
+inline constexpr int CW_USEDEFAULT = std::numeric_limits<int>::min();
 
 // Messages.
 inline constexpr UINT WM_NULL = 0x0000;

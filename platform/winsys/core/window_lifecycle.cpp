@@ -10,6 +10,16 @@ namespace winsys::core
 namespace
 {
 
+bool IsPlacedBySystem(const CREATESTRUCTW& request)
+{
+    return request.x == CW_USEDEFAULT;
+}
+
+POINT PlaceOf(const CREATESTRUCTW& request)
+{
+    return IsPlacedBySystem(request) ? POINT{} : POINT{request.x, request.y};
+}
+
 SIZE NotNegative(SIZE size)
 {
     return {std::max<LONG>(size.cx, 0), std::max<LONG>(size.cy, 0)};
@@ -35,7 +45,7 @@ std::unique_ptr<Window> MakeRecord(const Layer& layer, const CREATESTRUCTW& requ
     // The window is shown as the last step of its creation.
     window->style = static_cast<DWORD>(request.style) & ~WS_VISIBLE;
     window->ex_style = request.dwExStyle;
-    window->position = {request.x, request.y};
+    window->position = PlaceOf(request);
     window->size = NotNegative({request.cx, request.cy});
     return window;
 }
@@ -142,6 +152,8 @@ bool SendCreate(HWND window, const CREATESTRUCTW& request)
 {
     const WindowTree& windows = GetLayer().windows;
     CREATESTRUCTW create = request;
+    create.x = PlaceOf(request).x;
+    create.y = PlaceOf(request).y;
     const auto parameter = reinterpret_cast<LPARAM>(&create);
     if (Send(window, WM_NCCREATE, 0, parameter) == 0) {
         if (windows.Find(window) != nullptr) {
@@ -197,8 +209,9 @@ HWND Create(const CREATESTRUCTW& request)
     const Window& record = layer.windows.Add(MakeRecord(layer, request));
     const HWND window = record.handle;
     const bool is_child = record.IsChild();
-    if (!backend->CreateNativeWindow(
-            window, {is_child ? record.parent : nullptr, record.title, record.position, record.size})) {
+    if (!backend->CreateNativeWindow(window,
+                                     {is_child ? record.parent : nullptr, record.title, record.position,
+                                      record.size, !is_child && IsPlacedBySystem(request)})) {
         layer.windows.Remove(window);
         return nullptr;
     }

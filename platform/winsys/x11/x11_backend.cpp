@@ -99,7 +99,7 @@ bool X11Backend::CreateNativeWindow(HWND window, const NativeWindow& description
     }
     windows_.Add(record);
     if (record.IsTopLevel()) {
-        AnnounceTopLevel(record);
+        AnnounceTopLevel(record, description.is_placed_by_system);
         SetNativeTitle(window, description.title);
     }
     return true;
@@ -291,12 +291,12 @@ GlFunction X11Backend::FindGlFunction(const char* name)
     return glXGetProcAddressARB(reinterpret_cast<const GLubyte*>(name));
 }
 
-void X11Backend::AnnounceTopLevel(const NativeRecord& record)
+void X11Backend::AnnounceTopLevel(const NativeRecord& record, bool is_placed_by_system)
 {
     Display* const display = connection_.Get();
     XSizeHints place{};
     // The layer's windows have no frame: what is placed is the client area, and the frame goes around it.
-    place.flags = USPosition | USSize | PWinGravity;
+    place.flags = (is_placed_by_system ? 0 : USPosition) | USSize | PWinGravity;
     place.win_gravity = StaticGravity;
     XSetWMNormalHints(display, record.outer, &place);
     XWMHints hints{};

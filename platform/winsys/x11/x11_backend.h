@@ -52,7 +52,7 @@ class X11Backend final : public Backend
     /// The window, if it is ours and the server may be called about it.
     NativeRecord* FindOurs(HWND window);
 
-    void AnnounceTopLevel(const NativeRecord& record);
+    void AnnounceTopLevel(const NativeRecord& record, bool is_placed_by_system);
     void Place(NativeRecord& record, POINT position, SIZE size);
     void UpdateMapping(NativeRecord& record);
     /// Where the client area of a window is now; none where it is gone.

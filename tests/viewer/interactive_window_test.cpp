@@ -1,0 +1,369 @@
+// The window that a user sees, without a display: keys, resizing and closing, by messages as they come from a
+// window system.
+#include "viewer/interactive_window.h"
+
+#include "platform/winsys/opengl.h"
+#include "tests/viewer/viewer_fixture.h"
+#include "viewer/key_commands.h"
+#include "viewer/message_loop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
+#include <sstream>
+
+namespace viewer
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Headless {
+    Headless() { UseHeadless(); }
+};
+
+Options SmallWindow()
+{
+    Options options;
+    options.size = PictureSize{120, 90};
+    options.background = std::array{0, 0, 0};
+    return options;
+}
+
+/// A window with a box of 1 by 2 by 3, in a folder of its own.
+class InteractiveWindowTest : public ViewerTest
+{
+  protected:
+    InteractiveWindowTest() : before_(std::filesystem::current_path())
+    {
+        std::filesystem::current_path(PathOf(""));
+    }
+    ~InteractiveWindowTest() override { std::filesystem::current_path(before_); }
+
+    /// Posts a message to the control, which has the focus, and pumps until a frame after it.
+    bool Post(UINT message, WPARAM wparam, LPARAM lparam = 0)
+    {
+        PostMessageW(GetFocus(), message, wparam, lparam);
+        const unsigned long frames = window_.FrameCount();
+        return PumpMessages([&] { return window_.FrameCount() > frames; },
+                            [&] { return window_.FrameCount(); });
+    }
+    bool Press(char key) { return Post(WM_CHAR, static_cast<WPARAM>(key)); }
+    /// A drag with these buttons from the middle, 10 pixels right and down.
+    void Drag(WPARAM buttons)
+    {
+        Post(WM_MOUSEMOVE, 0, MAKELPARAM(60, 45));
+        Post(WM_MOUSEMOVE, buttons, MAKELPARAM(70, 55));
+    }
+
+    struct Camera {
+        AcGePoint3d position;
+        AcGePoint3d target;
+        AcGeVector3d up;
+    };
+    Camera CameraNow()
+    {
+        Camera camera;
+        window_.Control().GetCameraData(camera.position, camera.target, camera.up);
+        return camera;
+    }
+    [[nodiscard]] static bool IsParallel()
+    {
+        std::array<double, 16> projection{};
+        glGetDoublev(GL_PROJECTION_MATRIX, projection.data());
+        return projection[15] == 1.0;
+    }
+    std::uint32_t Middle()
+    {
+        const Picture picture = window_.TakePicture();
+        return picture.At(picture.width / 2, picture.height / 2);
+    }
+    std::uint32_t Corner() { return window_.TakePicture().At(0, 0); }
+
+    std::ostringstream notices_;
+    std::ostringstream errors_;
+    Model model_ = BoxModel(BoxOf({0, 0, 0}, {1, 2, 3}));
+    Headless headless_;
+    InteractiveWindow window_{SmallWindow(), model_, notices_, errors_};
+
+  private:
+    std::filesystem::path before_;
+};
+
+TEST_F(InteractiveWindowTest, IsShownWithTheModelInItAndHasTheFocus)
+{
+    EXPECT_TRUE(IsWindowVisible(window_.GetSafeHwnd()));
+    EXPECT_TRUE(IsWindowVisible(window_.Control().GetSafeHwnd()));
+    EXPECT_EQ(GetFocus(), window_.Control().GetSafeHwnd());
+    EXPECT_TRUE(window_.IsOpen());
+    EXPECT_NE(Middle(), 0U);
+    EXPECT_EQ(Corner(), 0U);
+}
+
+TEST_F(InteractiveWindowTest, TitleNamesTheModelAndTheProgram)
+{
+    Model named;
+    named.Append(model_);
+    named.title = "Welle \xC3\xB8 20.stl";
+    const InteractiveWindow window(SmallWindow(), named, notices_, errors_);
+    std::array<wchar_t, 64> title{};
+    GetWindowTextW(window.GetSafeHwnd(), title.data(), static_cast<int>(title.size()));
+    EXPECT_EQ(std::wstring(title.data()), L"Welle \u00F8 20.stl - karv-view");
+}
+
+TEST_F(InteractiveWindowTest, NumberKeysChooseTheTenViews)
+{
+    struct Case {
+        char key;
+        double x; ///< where the eye is seen from the target, by sign
+        double y;
+        double z;
+    };
+    // Fronts look along +y, so the eye lies on the side of -y, and the east is +x.
+    for (const Case& c : {Case{'1', 0, -1, 0}, Case{'2', 0, 1, 0}, Case{'3', -1, 0, 0}, Case{'4', 1, 0, 0},
+                          Case{'5', 0, 0, 1}, Case{'6', 0, 0, -1}, Case{'7', 1, -1, 1}, Case{'8', -1, -1, 1},
+                          Case{'9', 1, 1, 1}, Case{'0', -1, 1, 1}}) {
+        ASSERT_TRUE(Press(c.key));
+        const Camera camera = CameraNow();
+        const AcGeVector3d eye = camera.position - camera.target;
+        const auto sign = [&](double value) {
+            return value > 0.1 * eye.length() ? 1.0 : value < -0.1 * eye.length() ? -1.0 : 0.0;
+        };
+        EXPECT_EQ(sign(eye.x), c.x) << c.key;
+        EXPECT_EQ(sign(eye.y), c.y) << c.key;
+        EXPECT_EQ(sign(eye.z), c.z) << c.key;
+        EXPECT_NE(Middle(), 0U) << c.key;
+        EXPECT_EQ(Corner(), 0U) << c.key;
+    }
+}
+
+TEST_F(InteractiveWindowTest, ViewKeyFitsTheModelAgain)
+{
+    Press('1');
+    const Picture first = window_.TakePicture();
+    Drag(MK_RBUTTON);
+    Drag(MK_MBUTTON);
+    Drag(MK_LBUTTON);
+    EXPECT_NE(window_.TakePicture().pixels, first.pixels);
+    Press('1');
+    EXPECT_EQ(window_.TakePicture().pixels, first.pixels);
+}
+
+TEST_F(InteractiveWindowTest, PSwitchesTheProjectionWhereTheCameraStands)
+{
+    Drag(MK_LBUTTON);
+    const Camera before = CameraNow();
+    EXPECT_FALSE(IsParallel());
+    Press('p');
+    EXPECT_TRUE(IsParallel());
+    Press('p');
+    EXPECT_FALSE(IsParallel());
+    const Camera after = CameraNow();
+    EXPECT_EQ(after.position.x, before.position.x);
+    EXPECT_EQ(after.position.y, before.position.y);
+    EXPECT_EQ(after.position.z, before.position.z);
+    EXPECT_NE(Middle(), 0U);
+}
+
+TEST_F(InteractiveWindowTest, ViewKeyKeepsTheProjection)
+{
+    Press('p');
+    Press('1');
+    EXPECT_TRUE(IsParallel());
+}
+
+TEST_F(InteractiveWindowTest, MSwitchesBetweenFacesAndLines)
+{
+    Press('m');
+    EXPECT_EQ(window_.Control().renderMode, KARVGLRenderModeLines);
+    Press('m');
+    EXPECT_EQ(window_.Control().renderMode, KARVGLRenderModeFaces);
+    EXPECT_NE(Middle(), 0U);
+}
+
+TEST_F(InteractiveWindowTest, MStartsFromTheModeThatWasAskedFor)
+{
+    Options options = SmallWindow();
+    options.lines = true;
+    InteractiveWindow window(options, model_, notices_, errors_);
+    ASSERT_TRUE(RunKeyCommand(L'm', window));
+    EXPECT_EQ(window.Control().renderMode, KARVGLRenderModeFaces);
+}
+
+TEST_F(InteractiveWindowTest, RTAndZChooseWhatTheLeftButtonDoes)
+{
+    const auto is = [&](bool rotates, bool pans, bool zooms) {
+        const KARVOpenGLControl& control = window_.Control();
+        return control.mouseRotates == rotates && control.mousePans == pans && control.mouseZooms == zooms;
+    };
+    Press('t');
+    EXPECT_TRUE(is(false, true, false));
+    Press('z');
+    EXPECT_TRUE(is(false, false, true));
+    Press('r');
+    EXPECT_TRUE(is(true, false, false));
+}
+
+TEST_F(InteractiveWindowTest, KEndsNavigationWithTheButtons)
+{
+    Press('k');
+    const Camera before = CameraNow();
+    Drag(MK_LBUTTON);
+    EXPECT_EQ(CameraNow().position.x, before.position.x);
+    EXPECT_FALSE(window_.Control().userControlEnabled);
+}
+
+TEST_F(InteractiveWindowTest, HResetsTheZoomAndLeavesTheCamera)
+{
+    const Picture first = window_.TakePicture();
+    PostMessageW(GetFocus(), WM_MOUSEWHEEL, MAKEWPARAM(0, 120), 0);
+    Press('?');
+    EXPECT_NE(window_.TakePicture().pixels, first.pixels);
+    Press('h');
+    EXPECT_EQ(window_.TakePicture().pixels, first.pixels);
+}
+
+TEST_F(InteractiveWindowTest, BGoesThroughTheBackgrounds)
+{
+    Press('b');
+    EXPECT_EQ(Corner(), 0xFFFFFFU);
+    Press('b');
+    EXPECT_EQ(Corner(), 0x5A5A5AU);
+    Press('b');
+    EXPECT_EQ(Corner(), 0U);
+    Press('b');
+    EXPECT_EQ(Corner(), 0xFFFFFFU);
+}
+
+TEST_F(InteractiveWindowTest, LTurnsTheLightsOffAndOn)
+{
+    const Picture lit = window_.TakePicture();
+    Press('l');
+    EXPECT_NE(window_.TakePicture().pixels, lit.pixels);
+    Press('l');
+    EXPECT_EQ(window_.TakePicture().pixels, lit.pixels);
+}
+
+TEST_F(InteractiveWindowTest, SSavesPicturesUnderNamesThatAreFree)
+{
+    Write("karv-view-2.png", "mine");
+    Press('s');
+    Press('s');
+    EXPECT_THAT(Names(), ElementsAre("karv-view-1.png", "karv-view-2.png", "karv-view-3.png"));
+    EXPECT_EQ(Read("karv-view-2.png"), "mine");
+    EXPECT_EQ(SizeOfPng(PathOf("karv-view-3.png")), (PictureSize{120, 90}));
+    EXPECT_EQ(notices_.str(), "karv-view: the picture is in karv-view-1.png\n"
+                              "karv-view: the picture is in karv-view-3.png\n");
+}
+
+TEST_F(InteractiveWindowTest, PictureThatCannotBeSavedIsSaidAndTheWindowLivesOn)
+{
+    std::filesystem::create_directory(PathOf("gone"));
+    std::filesystem::current_path(PathOf("gone"));
+    std::filesystem::remove(PathOf("gone"));
+    Press('s');
+    EXPECT_THAT(errors_.str(), StartsWith("karv-view: karv-view-1.png: "));
+    EXPECT_EQ(notices_.str(), "");
+    EXPECT_TRUE(window_.IsOpen());
+    EXPECT_NE(Middle(), 0U);
+}
+
+TEST_F(InteractiveWindowTest, QuestionMarkPrintsEveryKey)
+{
+    Press('?');
+    for (const KeyCommand& command : KeyCommands())
+        EXPECT_THAT(notices_.str(), HasSubstr(std::string("  ") + static_cast<char>(command.key) + "  " +
+                                              std::string(command.meaning) + "\n"));
+    std::string keys;
+    for (const KeyCommand& command : KeyCommands())
+        keys += static_cast<char>(command.key);
+    EXPECT_EQ(keys, "1234567890pmrtzkhbls?q");
+}
+
+TEST_F(InteractiveWindowTest, QEndsTheLoop)
+{
+    PostMessageW(GetFocus(), WM_CHAR, 'q', 0);
+    EXPECT_FALSE(PumpMessages([] { return false; }, [&] { return window_.FrameCount(); }));
+}
+
+TEST_F(InteractiveWindowTest, CapitalMeansTheSame)
+{
+    Press('P');
+    EXPECT_TRUE(IsParallel());
+}
+
+TEST_F(InteractiveWindowTest, OtherKeysAreLeftAlone)
+{
+    MSG message{};
+    message.hwnd = GetFocus();
+    message.message = WM_CHAR;
+    message.wParam = 'x';
+    EXPECT_EQ(CWnd::WalkPreTranslateTree(nullptr, &message), FALSE);
+    message.message = WM_KEYDOWN;
+    message.wParam = 'Q';
+    EXPECT_EQ(CWnd::WalkPreTranslateTree(nullptr, &message), FALSE);
+    EXPECT_TRUE(window_.IsOpen());
+}
+
+TEST_F(InteractiveWindowTest, ControlFollowsTheSizeAndTheModelStaysFitted)
+{
+    for (const PictureSize size : {PictureSize{300, 60}, PictureSize{60, 300}, PictureSize{120, 90}}) {
+        window_.MoveWindow(CRect(0, 0, size.width, size.height));
+        const Picture picture = window_.TakePicture();
+        ASSERT_EQ(picture.width, size.width);
+        ASSERT_EQ(picture.height, size.height);
+        const std::vector<Point> corners = [&] {
+            const ScenePlacement placement(model_.Extents());
+            std::vector<Point> points;
+            for (const Point& corner : model_.Extents().Corners())
+                points.push_back(ProjectToViewport(placement.ToScene(corner)));
+            return points;
+        }();
+        for (const Point& corner : corners) {
+            EXPECT_LT(std::abs(corner.x), 0.98) << size.width;
+            EXPECT_LT(std::abs(corner.y), 0.98) << size.width;
+        }
+    }
+}
+
+TEST_F(InteractiveWindowTest, CameraThatTheUserMovedStaysWhenTheSizeChanges)
+{
+    Drag(MK_LBUTTON);
+    const Camera before = CameraNow();
+    window_.MoveWindow(CRect(0, 0, 200, 90));
+    EXPECT_EQ(CameraNow().position.x, before.position.x);
+    EXPECT_EQ(CameraNow().position.y, before.position.y);
+    Press('7');
+    const Camera fitted = CameraNow();
+    window_.MoveWindow(CRect(0, 0, 60, 200));
+    EXPECT_NE(CameraNow().position.x, fitted.position.x) << "fitted again";
+}
+
+TEST_F(InteractiveWindowTest, SizeOfNothingIsSurvived)
+{
+    window_.MoveWindow(CRect(0, 0, 0, 0));
+    Press('1');
+    window_.MoveWindow(CRect(0, 0, 120, 90));
+    EXPECT_NE(Middle(), 0U);
+}
+
+TEST_F(InteractiveWindowTest, CloseHidesIt)
+{
+    PostMessageW(window_.GetSafeHwnd(), WM_CLOSE, 0, 0);
+    EXPECT_TRUE(PumpMessages([&] { return !window_.IsOpen(); }, [&] { return window_.FrameCount(); }));
+    EXPECT_FALSE(IsWindowVisible(window_.GetSafeHwnd()));
+}
+
+TEST_F(InteractiveWindowTest, LoopThatBringsNoFramesEnds)
+{
+    // Frames whose count does not grow are as good as none.
+    EXPECT_THROW(PumpMessages([] { return false; }, [] { return 7UL; }), std::runtime_error);
+}
+
+} // namespace
+} // namespace viewer

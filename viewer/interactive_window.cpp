@@ -1,0 +1,118 @@
+#include "viewer/interactive_window.h"
+
+#include "viewer/canvas.h"
+#include "viewer/key_commands.h"
+
+#include <array>
+#include <exception>
+#include <filesystem>
+#include <ostream>
+
+namespace viewer
+{
+
+namespace
+{
+
+constexpr std::array<std::array<int, 3>, 3> kBackgrounds = {{{255, 255, 255}, {90, 90, 90}, {0, 0, 0}}};
+
+std::string FreePictureName()
+{
+    for (int number = 1;; ++number) {
+        std::string name = "karv-view-" + std::to_string(number) + ".png";
+        if (!std::filesystem::exists(std::filesystem::symlink_status(name)))
+            return name;
+    }
+}
+
+} // namespace
+
+InteractiveWindow::InteractiveWindow(const Options& options, const Model& model, std::ostream& notices,
+                                     std::ostream& errors)
+    : ModelWindow(options.size.value_or(PictureSize{}), options, model), notices_(notices), errors_(errors),
+      view_(options.view), lines_(options.lines)
+{
+    Show(view_, options.projection);
+    ShowWindow(SW_SHOW);
+}
+
+void InteractiveWindow::ShowFrom(StandardView view)
+{
+    view_ = view;
+    Show(view, Scene().CurrentProjection());
+    Control().ForgetUser();
+}
+
+void InteractiveWindow::SwitchProjection()
+{
+    Scene().SwitchProjection();
+}
+
+void InteractiveWindow::SwitchMode()
+{
+    lines_ = !lines_;
+    Control().SetRenderMode(lines_ ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
+}
+
+void InteractiveWindow::SwitchLights()
+{
+    lights_off_ = !lights_off_;
+    Control().SetLightsOff(lights_off_);
+}
+
+void InteractiveWindow::NextBackground()
+{
+    const auto& [red, green, blue] = kBackgrounds.at(next_background_);
+    Control().SetBgColor(red, green, blue);
+    next_background_ = (next_background_ + 1) % kBackgrounds.size();
+}
+
+void InteractiveWindow::ResetZoom()
+{
+    Control().ResetCameraZoom();
+    Control().OnDraw(nullptr);
+}
+
+void InteractiveWindow::SavePicture()
+{
+    try {
+        const std::string name = FreePictureName();
+        WritePng(TakePicture(), name);
+        notices_ << "karv-view: the picture is in " << name << std::endl;
+    } catch (const std::exception& error) {
+        errors_ << "karv-view: " << error.what() << std::endl;
+    }
+}
+
+void InteractiveWindow::PrintKeys()
+{
+    notices_ << KeyHelp() << std::flush;
+}
+
+BOOL InteractiveWindow::PreTranslateMessage(MSG* message)
+{
+    const bool is_command =
+        message->message == WM_CHAR && RunKeyCommand(static_cast<wchar_t>(message->wParam), *this);
+    return is_command ? TRUE : FALSE;
+}
+
+const AFX_MSGMAP* InteractiveWindow::GetMessageMap() const
+{
+    static constexpr std::array kEntries = {OnWmClose<&InteractiveWindow::OnClose>()};
+    static const AFX_MSGMAP map{ModelWindow::GetMessageMap(), kEntries};
+    return &map;
+}
+
+void InteractiveWindow::OnClose()
+{
+    is_open_ = false;
+    ShowWindow(SW_HIDE);
+}
+
+void InteractiveWindow::OnViewportResized()
+{
+    if (!Control().WasMovedByUser())
+        Show(view_, Scene().CurrentProjection());
+}
+
+} // namespace viewer

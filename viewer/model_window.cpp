@@ -1,0 +1,36 @@
+#include "viewer/model_window.h"
+
+#include "platform/tools/utf8.h"
+
+namespace viewer
+{
+
+namespace
+{
+
+std::wstring TitleOf(const Model& model)
+{
+    return (model.title.empty() ? L"" : WideFromUtf8(model.title) + L" - ") + std::wstring(L"karv-view");
+}
+
+} // namespace
+
+ModelWindow::ModelWindow(PictureSize size, const Options& options, const Model& model)
+    : ViewportWindow(TitleOf(model), size, options.transparent)
+{
+    KARVOpenGLControl& control = Control();
+    if (const auto& background = options.background)
+        control.SetBgColor(background->at(0), background->at(1), background->at(2));
+    control.SetRenderMode(options.lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
+    for (const int category : options.hidden)
+        control.DisableObject(static_cast<KARVGraphicalEntity::EntityType>(category));
+    scene_ = std::make_unique<FittedScene>(control, model);
+}
+
+void ModelWindow::Show(StandardView view, Projection projection)
+{
+    Control().MakeCurrent();
+    scene_->Show(view, projection, Aspect());
+}
+
+} // namespace viewer
