@@ -7,7 +7,7 @@
 #include <cmath>
 
 using karv::Guarded;
-using karv::kCameraSource;
+using karv::kCameraMotionSource;
 
 namespace
 {
@@ -51,7 +51,7 @@ AcGeVector3d RightOf(const AcGeVector3d& view_direction)
 
 void KARVGLCamera::RotateCamera(float angle_degrees, AcGeVector3d axis)
 {
-    Guarded(L"KARVGLCamera::RotateCamera", kCameraSource, [&] {
+    Guarded(L"KARVGLCamera::RotateCamera", kCameraMotionSource, [&] {
         const double turn = static_cast<double>(angle_degrees) * kRadiansPerDegree;
         const float square = angle_degrees * angle_degrees;
         if (static_cast<double>(square) <= kZeroSquare)
@@ -77,7 +77,7 @@ void KARVGLCamera::RotateCamera(float angle_degrees, AcGeVector3d axis)
 
 void KARVGLCamera::PanCamera(float amount, AcGeVector3d axis)
 {
-    Guarded(L"KARVGLCamera::PanCamera", kCameraSource, [&] {
+    Guarded(L"KARVGLCamera::PanCamera", kCameraMotionSource, [&] {
         const AcGeVector3d view_direction = target - position;
         const AcGeVector3d right = RightOf(view_direction);
         AcGeVector3d offset;
@@ -100,7 +100,7 @@ void KARVGLCamera::PanCamera(float amount, AcGeVector3d axis)
 
 void KARVGLCamera::ZoomCamera(float amount)
 {
-    Guarded(L"KARVGLCamera::ZoomCamera", kCameraSource, [&] {
+    Guarded(L"KARVGLCamera::ZoomCamera", kCameraMotionSource, [&] {
         AcGeMatrix3d matrix =
             AcGeMatrix3d::alignCoordSys(target, AcGeVector3d::kXAxis, AcGeVector3d::kYAxis,
                                         AcGeVector3d::kZAxis, position, xAxis, yAxis, zAxis);

@@ -16,6 +16,13 @@ if(KARV_SANITIZE)
   target_link_options(karv_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# For the module, and for the programs that compile its headers once more.
+add_library(karv_coverage INTERFACE)
+if(KARV_COVERAGE)
+  target_compile_options(karv_coverage INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(karv_coverage INTERFACE --coverage)
+endif()
+
 add_library(karv_warnings INTERFACE)
 target_compile_options(karv_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 

@@ -9,7 +9,7 @@
 //  - Colour, opacity and transparent drawing are fixed at append and at creation; clearing keeps the face
 //  total, the
 //    extents and the switches. To change one, make a new control and feed it again.
-//  - Line mode shows lines and nothing of client faces.
+//  - Line mode shows lines and the edges of bodies, and nothing of client faces.
 //  - With two controls alive GL calls go to the context made current last, and destroying one leaves none
 //    current: a host that wants both calls `wglMakeCurrent` itself.
 #pragma once
@@ -72,6 +72,10 @@ class KARV_MODULE_API KARVOpenGLControl : public CWnd
 
     // Geometry. Each append makes one entity, drawn after those before it, from the next frame on.
 
+    /// Appends a solid, which is only read and must not be null, with a colour index (cut to its low 8 bits)
+    /// and an opacity from 0 to 1: its faces, and its physical edges for line mode.
+    void AppendGeometry(AModeler::Body* body, KARVGraphicalEntity::EntityType type, unsigned short color,
+                        float alpha);
     /// Appends a line of the host's database in its own colour; other kinds, and null, append an entity
     /// without geometry. The entity is only read.
     void AppendGeometry(AcDbEntity* entity, KARVGraphicalEntity::EntityType type);

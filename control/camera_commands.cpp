@@ -6,7 +6,7 @@
 #include "module/guard.h"
 
 using karv::Guarded;
-using karv::kControlSource;
+using karv::kCameraCommandsSource;
 
 namespace
 {
@@ -22,57 +22,57 @@ constexpr float kDefaultFieldOfView = 40.0F;
 
 void KARVOpenGLControl::CameraViewTop()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewTop", kControlSource, [&] { camera.SetViewTop(); });
+    Guarded(L"KARVOpenGLControl::CameraViewTop", kCameraCommandsSource, [&] { camera.SetViewTop(); });
 }
 
 void KARVOpenGLControl::CameraViewBottom()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewBottom", kControlSource, [&] { camera.SetViewBottom(); });
+    Guarded(L"KARVOpenGLControl::CameraViewBottom", kCameraCommandsSource, [&] { camera.SetViewBottom(); });
 }
 
 void KARVOpenGLControl::CameraViewFront()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewFront", kControlSource, [&] { camera.SetViewFront(); });
+    Guarded(L"KARVOpenGLControl::CameraViewFront", kCameraCommandsSource, [&] { camera.SetViewFront(); });
 }
 
 void KARVOpenGLControl::CameraViewBack()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewBack", kControlSource, [&] { camera.SetViewBack(); });
+    Guarded(L"KARVOpenGLControl::CameraViewBack", kCameraCommandsSource, [&] { camera.SetViewBack(); });
 }
 
 void KARVOpenGLControl::CameraViewLeft()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewLeft", kControlSource, [&] { camera.SetViewLeft(); });
+    Guarded(L"KARVOpenGLControl::CameraViewLeft", kCameraCommandsSource, [&] { camera.SetViewLeft(); });
 }
 
 void KARVOpenGLControl::CameraViewRight()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewRight", kControlSource, [&] { camera.SetViewRight(); });
+    Guarded(L"KARVOpenGLControl::CameraViewRight", kCameraCommandsSource, [&] { camera.SetViewRight(); });
 }
 
 void KARVOpenGLControl::CameraViewNE()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewNE", kControlSource, [&] { camera.SetViewNE(); });
+    Guarded(L"KARVOpenGLControl::CameraViewNE", kCameraCommandsSource, [&] { camera.SetViewNE(); });
 }
 
 void KARVOpenGLControl::CameraViewNW()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewNW", kControlSource, [&] { camera.SetViewNW(); });
+    Guarded(L"KARVOpenGLControl::CameraViewNW", kCameraCommandsSource, [&] { camera.SetViewNW(); });
 }
 
 void KARVOpenGLControl::CameraViewSE()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewSE", kControlSource, [&] { camera.SetViewSE(); });
+    Guarded(L"KARVOpenGLControl::CameraViewSE", kCameraCommandsSource, [&] { camera.SetViewSE(); });
 }
 
 void KARVOpenGLControl::CameraViewSW()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewSW", kControlSource, [&] { camera.SetViewSW(); });
+    Guarded(L"KARVOpenGLControl::CameraViewSW", kCameraCommandsSource, [&] { camera.SetViewSW(); });
 }
 
 void KARVOpenGLControl::SetCamera(AcGePoint3d position, AcGePoint3d target, AcGeVector3d up)
 {
-    Guarded(L"KARVOpenGLControl::SetCamera", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::SetCamera", kCameraCommandsSource, [&] {
         camera.SetCamera(position, target, up);
         zoomFactor = kPlacedZoomFactor;
         fieldOfView = kPlacedFieldOfView;
@@ -82,7 +82,7 @@ void KARVOpenGLControl::SetCamera(AcGePoint3d position, AcGePoint3d target, AcGe
 
 void KARVOpenGLControl::SetCameraData(AcGePoint3d position, AcGePoint3d target, AcGeVector3d up)
 {
-    Guarded(L"KARVOpenGLControl::SetCameraData", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::SetCameraData", kCameraCommandsSource, [&] {
         camera.SetCamera(position, target, up);
         camera.UpdateCamera();
         cameraSetByCaller = true;
@@ -91,23 +91,25 @@ void KARVOpenGLControl::SetCameraData(AcGePoint3d position, AcGePoint3d target, 
 
 void KARVOpenGLControl::GetCameraData(AcGePoint3d& position, AcGePoint3d& target, AcGeVector3d& up)
 {
-    Guarded(L"KARVOpenGLControl::GetCameraData", kControlSource,
+    Guarded(L"KARVOpenGLControl::GetCameraData", kCameraCommandsSource,
             [&] { camera.GetCamera(position, target, up); });
 }
 
 void KARVOpenGLControl::GetCameraAxes(AcGeVector3d& x, AcGeVector3d& y, AcGeVector3d& z)
 {
-    Guarded(L"KARVOpenGLControl::GetCameraAxes", kControlSource, [&] { camera.GetLocalAxes(x, y, z); });
+    Guarded(L"KARVOpenGLControl::GetCameraAxes", kCameraCommandsSource,
+            [&] { camera.GetLocalAxes(x, y, z); });
 }
 
 void KARVOpenGLControl::SetToPerspective(bool on)
 {
-    Guarded(L"KARVOpenGLControl::SetToPerspective", kControlSource, [&] { camera.SetPerspectiveOn(on); });
+    Guarded(L"KARVOpenGLControl::SetToPerspective", kCameraCommandsSource,
+            [&] { camera.SetPerspectiveOn(on); });
 }
 
 void KARVOpenGLControl::ResetCameraZoom()
 {
-    Guarded(L"KARVOpenGLControl::ResetCameraZoom", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::ResetCameraZoom", kCameraCommandsSource, [&] {
         zoomFactor = kDefaultZoomFactor;
         fieldOfView = kDefaultFieldOfView;
     });

@@ -5,7 +5,7 @@
 #include "module/guard.h"
 
 using karv::Guarded;
-using karv::kControlSource;
+using karv::kExtentsSource;
 
 namespace
 {
@@ -22,12 +22,12 @@ AcGePoint3d Widened(const KARVGLVertex& vertex)
 
 void KARVOpenGLControl::ComputeExtents(bool compute)
 {
-    Guarded(L"KARVOpenGLControl::ComputeExtents", kControlSource, [&] { computeExtentsOnAppend = compute; });
+    Guarded(L"KARVOpenGLControl::ComputeExtents", kExtentsSource, [&] { computeExtentsOnAppend = compute; });
 }
 
 void KARVOpenGLControl::OverrideExtents(AcGePoint3d min_corner, AcGePoint3d max_corner)
 {
-    Guarded(L"KARVOpenGLControl::OverrideExtents", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::OverrideExtents", kExtentsSource, [&] {
         extentsMin = KARVGLVertex(min_corner.x, min_corner.y, min_corner.z);
         extentsMax = KARVGLVertex(max_corner.x, max_corner.y, max_corner.z);
         GLComputeCentroid();
@@ -36,7 +36,7 @@ void KARVOpenGLControl::OverrideExtents(AcGePoint3d min_corner, AcGePoint3d max_
 
 void KARVOpenGLControl::GLDetectExtents(KARVGraphicalEntity entity)
 {
-    Guarded(L"KARVOpenGLControl::GLDetectExtents", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLDetectExtents", kExtentsSource, [&] {
         KARVGLVertex min;
         KARVGLVertex max;
         entity.GetExtents(min, max);
@@ -54,7 +54,7 @@ void KARVOpenGLControl::GLDetectExtents(KARVGraphicalEntity entity)
 
 void KARVOpenGLControl::GLComputeCentroid()
 {
-    Guarded(L"KARVOpenGLControl::GLComputeCentroid", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLComputeCentroid", kExtentsSource, [&] {
         centroid.x = (extentsMax.x + extentsMin.x) * 0.5F;
         centroid.y = (extentsMax.y + extentsMin.y) * 0.5F;
         centroid.z = (extentsMax.z + extentsMin.z) * 0.5F;

@@ -11,7 +11,7 @@
 #include <ctime>
 
 using karv::Guarded;
-using karv::kControlSource;
+using karv::kFrameLoopSource;
 
 namespace
 {
@@ -82,7 +82,7 @@ constexpr std::array<CubeSide, 6> kCubeSides = {{
 
 void KARVOpenGLControl::OnPaint()
 {
-    Guarded(L"KARVOpenGLControl::OnPaint", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::OnPaint", kFrameLoopSource, [&] {
         CWnd::OnPaint();
         if (!renderStarted) {
             timerId = SetTimer(m_hWnd, kFrameTimerId, kFrameTimerPeriodMs, nullptr);
@@ -93,7 +93,7 @@ void KARVOpenGLControl::OnPaint()
 
 void KARVOpenGLControl::ForceRenderStart()
 {
-    Guarded(L"KARVOpenGLControl::ForceRenderStart", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::ForceRenderStart", kFrameLoopSource, [&] {
         timerId = SetTimer(m_hWnd, kFrameTimerId, kFrameTimerPeriodMs, nullptr);
         OnDraw(nullptr);
         renderStarted = true;
@@ -102,7 +102,7 @@ void KARVOpenGLControl::ForceRenderStart()
 
 void KARVOpenGLControl::OnTimer(UINT_PTR /*id*/)
 {
-    Guarded(L"KARVOpenGLControl::OnTimer", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::OnTimer", kFrameLoopSource, [&] {
         const std::clock_t begin = winsys::FrameClock();
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         GLDrawFrame();
@@ -114,7 +114,7 @@ void KARVOpenGLControl::OnTimer(UINT_PTR /*id*/)
 
 void KARVOpenGLControl::GLDrawFrame()
 {
-    Guarded(L"KARVOpenGLControl::GLDrawFrame", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLDrawFrame", kFrameLoopSource, [&] {
         if (framesPerSecond < kThrottleBelow && multisampleOn && userControlEnabled) {
             glDisable(GL_MULTISAMPLE);
             multisampleOn = false;
@@ -148,7 +148,7 @@ void KARVOpenGLControl::GLDrawFrame()
 
 void KARVOpenGLControl::OnDraw(CDC* /*dc*/)
 {
-    Guarded(L"KARVOpenGLControl::OnDraw", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::OnDraw", kFrameLoopSource, [&] {
         glLoadIdentity();
         camera.RotateCamera(pendingRotateX, AcGeVector3d::kXAxis);
         camera.RotateCamera(pendingRotateZ, AcGeVector3d::kZAxis);
@@ -168,7 +168,7 @@ void KARVOpenGLControl::OnDraw(CDC* /*dc*/)
 
 void KARVOpenGLControl::OnSize(UINT type, int cx, int cy)
 {
-    Guarded(L"KARVOpenGLControl::OnSize", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::OnSize", kFrameLoopSource, [&] {
         CWnd::OnSize(type, cx, cy);
         if (cx <= 0 || cy <= 0 || type == SIZE_MINIMIZED)
             return;
@@ -186,7 +186,7 @@ void KARVOpenGLControl::OnSize(UINT type, int cx, int cy)
 
 void KARVOpenGLControl::SetBgColor(int r, int g, int b)
 {
-    Guarded(L"KARVOpenGLControl::SetBgColor", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::SetBgColor", kFrameLoopSource, [&] {
         const KARVGLVertex background(static_cast<unsigned char>(r), static_cast<unsigned char>(g),
                                       static_cast<unsigned char>(b));
         backgroundColor[0] = background.x;
@@ -199,12 +199,12 @@ void KARVOpenGLControl::SetBgColor(int r, int g, int b)
 
 void KARVOpenGLControl::SetRenderMode(KARVGLRenderMode mode)
 {
-    Guarded(L"KARVOpenGLControl::SetRenderMode", kControlSource, [&] { renderMode = mode; });
+    Guarded(L"KARVOpenGLControl::SetRenderMode", kFrameLoopSource, [&] { renderMode = mode; });
 }
 
 void KARVOpenGLControl::SetLightsOff(bool off)
 {
-    Guarded(L"KARVOpenGLControl::SetLightsOff", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::SetLightsOff", kFrameLoopSource, [&] {
         if (off) {
             glDisable(GL_LIGHT0);
             glDisable(GL_LIGHTING);
@@ -217,12 +217,12 @@ void KARVOpenGLControl::SetLightsOff(bool off)
 
 void KARVOpenGLControl::SetMetricsFactor(double factor)
 {
-    Guarded(L"KARVOpenGLControl::SetMetricsFactor", kControlSource, [&] { metricsFactor = factor; });
+    Guarded(L"KARVOpenGLControl::SetMetricsFactor", kFrameLoopSource, [&] { metricsFactor = factor; });
 }
 
 void KARVOpenGLControl::DrawDebugCubeAt(KARVGLVertex position, float size)
 {
-    Guarded(L"KARVOpenGLControl::DrawDebugCubeAt", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::DrawDebugCubeAt", kFrameLoopSource, [&] {
         const float half = size * 0.5F;
         const auto along = [half](int sign) {
             // A zero component stays a plain zero, whatever the size.

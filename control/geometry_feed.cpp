@@ -8,11 +8,21 @@
 #include <utility>
 
 using karv::Guarded;
-using karv::kControlSource;
+using karv::kGeometryFeedSource;
+
+void KARVOpenGLControl::AppendGeometry(AModeler::Body* body, KARVGraphicalEntity::EntityType type,
+                                       unsigned short color, float alpha)
+{
+    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource, [&] {
+        KARVGraphicalEntity built(body, type, color);
+        built.SetAlpha(alpha);
+        AddEntityToCache(std::move(built));
+    });
+}
 
 void KARVOpenGLControl::AppendGeometry(AcDbEntity* entity, KARVGraphicalEntity::EntityType type)
 {
-    Guarded(L"KARVOpenGLControl::AppendGeometry", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource, [&] {
         KARVGraphicalEntity built(entity, type);
         AddEntityToCache(std::move(built));
     });
@@ -20,14 +30,14 @@ void KARVOpenGLControl::AppendGeometry(AcDbEntity* entity, KARVGraphicalEntity::
 
 void KARVOpenGLControl::AppendGeometry(KARVGraphicalEntity entity)
 {
-    Guarded(L"KARVOpenGLControl::AppendGeometry", kControlSource,
+    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource,
             [&] { AddEntityToCache(std::move(entity)); });
 }
 
 void KARVOpenGLControl::AppendGeometry(std::vector<KARVGLFace> faces, KARVGraphicalEntity::EntityType type,
                                        unsigned short color, float alpha)
 {
-    Guarded(L"KARVOpenGLControl::AppendGeometry", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource, [&] {
         KARVGraphicalEntity built(std::move(faces), type, color);
         built.SetAlpha(alpha);
         AddEntityToCache(std::move(built));
@@ -36,7 +46,7 @@ void KARVOpenGLControl::AppendGeometry(std::vector<KARVGLFace> faces, KARVGraphi
 
 void KARVOpenGLControl::AddEntityToCache(KARVGraphicalEntity entity)
 {
-    Guarded(L"KARVOpenGLControl::AddEntityToCache", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::AddEntityToCache", kGeometryFeedSource, [&] {
         if (computeExtentsOnAppend)
             GLDetectExtents(KARVGraphicalEntity(entity, KARVGraphicalEntity::BoxOnly{}));
         entities.push_back(std::move(entity));
@@ -47,27 +57,27 @@ void KARVOpenGLControl::AddEntityToCache(KARVGraphicalEntity entity)
 void KARVOpenGLControl::AllocateMemory(int count)
 {
     // A negative count becomes a huge size, which the vector refuses; the guard swallows that.
-    Guarded(L"KARVOpenGLControl::AllocateMemory", kControlSource,
+    Guarded(L"KARVOpenGLControl::AllocateMemory", kGeometryFeedSource,
             [&] { entities.reserve(static_cast<std::size_t>(static_cast<std::int64_t>(count))); });
 }
 
 void KARVOpenGLControl::ClearGeometry(bool /*unused*/)
 {
     // Face total, extents and switches stay on purpose: what comes next extends the old scene.
-    Guarded(L"KARVOpenGLControl::ClearGeometry", kControlSource, [&] { entities.clear(); });
+    Guarded(L"KARVOpenGLControl::ClearGeometry", kGeometryFeedSource, [&] { entities.clear(); });
 }
 
 void KARVOpenGLControl::EnableObject(KARVGraphicalEntity::EntityType type)
 {
-    Guarded(L"KARVOpenGLControl::EnableObject", kControlSource, [&] { disabledTypes[type] = false; });
+    Guarded(L"KARVOpenGLControl::EnableObject", kGeometryFeedSource, [&] { disabledTypes[type] = false; });
 }
 
 void KARVOpenGLControl::DisableObject(KARVGraphicalEntity::EntityType type)
 {
-    Guarded(L"KARVOpenGLControl::DisableObject", kControlSource, [&] { disabledTypes[type] = true; });
+    Guarded(L"KARVOpenGLControl::DisableObject", kGeometryFeedSource, [&] { disabledTypes[type] = true; });
 }
 
 int KARVOpenGLControl::GetFaceNumber()
 {
-    return Guarded(L"KARVOpenGLControl::GetFaceNumber", kControlSource, [&] { return faceCount; });
+    return Guarded(L"KARVOpenGLControl::GetFaceNumber", kGeometryFeedSource, [&] { return faceCount; });
 }

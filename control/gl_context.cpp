@@ -10,7 +10,7 @@
 #include <array>
 
 using karv::Guarded;
-using karv::kControlSource;
+using karv::kGlContextSource;
 using karv::kWindowClassStyle;
 
 namespace
@@ -57,7 +57,7 @@ void FindPixelFormat(HWND control_window, int& pixel_format)
 
 void KARVOpenGLControl::GLInitializeCtrl()
 {
-    Guarded(L"KARVOpenGLControl::GLInitializeCtrl", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLInitializeCtrl", kGlContextSource, [&] {
         FindPixelFormat(m_hWnd, pixelFormat);
         hDC = ::GetDC(m_hWnd);
         SetPixelFormat(hDC, pixelFormat, &kPixelFormatDescriptor);
@@ -90,7 +90,7 @@ void KARVOpenGLControl::GLInitializeCtrl()
 
 void KARVOpenGLControl::GLInitializeLight()
 {
-    Guarded(L"KARVOpenGLControl::GLInitializeLight", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLInitializeLight", kGlContextSource, [&] {
         constexpr std::array<GLfloat, 4> kAmbient = {0.01F, 0.01F, 0.01F, 1.0F};
         constexpr std::array<GLfloat, 4> kDiffuse = {1.0F, 1.0F, 1.0F, 1.0F};
         constexpr std::array<GLfloat, 4> kSpecular = {1.0F, 1.0F, 1.0F, 1.0F};
@@ -103,7 +103,7 @@ void KARVOpenGLControl::GLInitializeLight()
 
 void KARVOpenGLControl::GLInitializeMaterials()
 {
-    Guarded(L"KARVOpenGLControl::GLInitializeMaterials", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLInitializeMaterials", kGlContextSource, [&] {
         constexpr std::array<GLfloat, 4> kAmbient = {1.0F, 1.0F, 1.0F, 1.0F};
         constexpr std::array<GLfloat, 4> kDiffuse = {1.0F, 1.0F, 1.0F, 1.0F};
         constexpr std::array<GLfloat, 4> kSpecular = {0.5F, 0.5F, 0.5F, 0.5F};

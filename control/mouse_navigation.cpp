@@ -8,7 +8,7 @@
 #include <cstdint>
 
 using karv::Guarded;
-using karv::kControlSource;
+using karv::kMouseNavigationSource;
 
 namespace
 {
@@ -39,7 +39,7 @@ float TurnWithinLimit(float degrees)
 
 void KARVOpenGLControl::OnMouseMove(UINT nFlags, CPoint point)
 {
-    Guarded(L"KARVOpenGLControl::OnMouseMove", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::OnMouseMove", kMouseNavigationSource, [&] {
         if (!userControlEnabled)
             return;
         const auto x = static_cast<float>(point.x);
@@ -75,7 +75,7 @@ BOOL KARVOpenGLControl::OnMouseWheel(UINT /*nFlags*/, short zDelta, CPoint /*poi
 
 void KARVOpenGLControl::GLMouseRotate(int dx, int dy)
 {
-    Guarded(L"KARVOpenGLControl::GLMouseRotate", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLMouseRotate", kMouseNavigationSource, [&] {
         pendingRotateX = TurnWithinLimit(static_cast<float>(dy) * kDegreesPerPixel);
         const float turn = static_cast<float>(dx) * kDegreesPerPixel;
         pendingRotateZ = TurnWithinLimit(static_cast<float>(static_cast<double>(turn) * -1.0));
@@ -84,7 +84,7 @@ void KARVOpenGLControl::GLMouseRotate(int dx, int dy)
 
 void KARVOpenGLControl::GLMousePan(int dx, int dy)
 {
-    Guarded(L"KARVOpenGLControl::GLMousePan", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLMousePan", kMouseNavigationSource, [&] {
         // Each factor in 32 bits, their products in 64.
         const float of_width = panScale * kPanPerPixel;
         const float of_scene = sceneSize / kScenePanDivisor;
@@ -97,7 +97,7 @@ void KARVOpenGLControl::GLMousePan(int dx, int dy)
 
 void KARVOpenGLControl::GLMouseZoom(int d)
 {
-    Guarded(L"KARVOpenGLControl::GLMouseZoom", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::GLMouseZoom", kMouseNavigationSource, [&] {
         const float factor = static_cast<float>(d) * kZoomPerPixel + 1.0F;
         // Both, so that the zoom survives a switch of the projection.
         fieldOfView = fieldOfView * factor;
@@ -107,7 +107,7 @@ void KARVOpenGLControl::GLMouseZoom(int d)
 
 void KARVOpenGLControl::RestrictToRotate()
 {
-    Guarded(L"KARVOpenGLControl::RestrictToRotate", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::RestrictToRotate", kMouseNavigationSource, [&] {
         mouseRotates = true;
         mouseZooms = false;
         mousePans = false;
@@ -116,7 +116,7 @@ void KARVOpenGLControl::RestrictToRotate()
 
 void KARVOpenGLControl::RestrictToPan()
 {
-    Guarded(L"KARVOpenGLControl::RestrictToPan", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::RestrictToPan", kMouseNavigationSource, [&] {
         mousePans = true;
         mouseZooms = false;
         mouseRotates = false;
@@ -125,7 +125,7 @@ void KARVOpenGLControl::RestrictToPan()
 
 void KARVOpenGLControl::RestrictToZoom()
 {
-    Guarded(L"KARVOpenGLControl::RestrictToZoom", kControlSource, [&] {
+    Guarded(L"KARVOpenGLControl::RestrictToZoom", kMouseNavigationSource, [&] {
         mouseZooms = true;
         mousePans = false;
         mouseRotates = false;
@@ -134,5 +134,6 @@ void KARVOpenGLControl::RestrictToZoom()
 
 void KARVOpenGLControl::KillUserControl()
 {
-    Guarded(L"KARVOpenGLControl::KillUserControl", kControlSource, [&] { userControlEnabled = false; });
+    Guarded(L"KARVOpenGLControl::KillUserControl", kMouseNavigationSource,
+            [&] { userControlEnabled = false; });
 }

@@ -1,4 +1,6 @@
-// The polygon record that clients build and the viewport draws.
+// The polygon record that clients build and the viewport draws: corners, a normal and the name of a display
+// list. It draws nothing itself, tessellates nothing and checks nothing: not that the polygon is planar, nor
+// that its normal is that of its corners.
 #pragma once
 
 #include "geometry/KARVGLVertex.h"
@@ -19,7 +21,8 @@ class KARV_MODULE_API KARVGLFace
     std::vector<KARVGLVertex> vertices;
     /// Sent once before the face is drawn; need not have unit length.
     KARVGLVertex normal;
-    /// The display list that draws the tessellated polygon, 0 for none. Clients leave it 0: the entity that
-    /// takes the face over overwrites it.
+    /// The display list that draws the tessellated polygon. With 0, for none, the corners are drawn: 3 as a
+    /// triangle, 4 as a quadrilateral, any other number as a fan from the first. Clients leave it 0: the
+    /// entity that takes the face over overwrites it.
     std::uint32_t displayList = 0;
 };

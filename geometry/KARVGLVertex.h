@@ -1,4 +1,6 @@
-// The point record that carries all geometry, in single precision.
+// The point record that carries all geometry between clients, entities and the viewport, in single precision:
+// whatever arrives in double is narrowed when it is stored here. It knows neither what its components mean
+// nor the graphics library.
 #pragma once
 
 #include "platform/winsys/export.h"

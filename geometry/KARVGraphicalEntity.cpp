@@ -85,6 +85,16 @@ KARVGraphicalEntity::KARVGraphicalEntity(AcDbEntity* entity, EntityType type)
     });
 }
 
+KARVGraphicalEntity::KARVGraphicalEntity(AModeler::Body* body, EntityType type, unsigned short color_index)
+{
+    Guarded(L"KARVGraphicalEntity::KARVGraphicalEntity", kEntitySource, [&] {
+        InitParameters();
+        entityType = type;
+        color = LookUpColor(color_index);
+        CreateGLCache(body);
+    });
+}
+
 KARVGraphicalEntity::KARVGraphicalEntity(std::vector<KARVGLFace> source, EntityType type,
                                          unsigned short color_index)
 {

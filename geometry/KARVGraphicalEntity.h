@@ -9,6 +9,10 @@
 #include <vector>
 
 class AcDbEntity;
+namespace AModeler
+{
+class Body;
+} // namespace AModeler
 
 /// A renderable object, a value: copies are deep but for the display lists of tessellated faces, which they
 /// share and which nothing ever deletes (they live as long as the GL context that compiled them).
@@ -46,6 +50,12 @@ class KARV_MODULE_API KARVGraphicalEntity
     /// The box of a line keeps its far corner at the origin or beyond, never below: clients size their
     /// margins by it.
     KARVGraphicalEntity(AcDbEntity* entity, EntityType type);
+    /// From a solid, which is only read and must not be null: a face for each of its faces, with the normal
+    /// of the face's plane (evaluated where it is not yet) and no display list, so that concave faces are
+    /// drawn as fans; and a segment for each physical edge. `color_index` is cut to its low 8 bits.
+    ///
+    /// The box is that of the edges, with its far corner kept as for a line.
+    KARVGraphicalEntity(AModeler::Body* body, EntityType type, unsigned short color_index);
     /// From polygons, whose normals are taken as they are. Faces of four or more corners are tessellated into
     /// display lists, so the viewport's GL context must be current; where no list can be had, a face is drawn
     /// directly from its corners. `color_index` is cut to its low 8 bits.
@@ -84,6 +94,7 @@ class KARV_MODULE_API KARVGraphicalEntity
 
     void InitParameters();
     void CreateGLCache(AcDbEntity* entity);
+    void CreateGLCache(AModeler::Body* body);
 
     /// Compiles the polygon's triangles into a new display list and stores its name in the face, 0 where no
     /// list or no tessellator can be had. Needs the viewport's GL context.

@@ -6,7 +6,7 @@
 #include "platform/winsys/opengl.h"
 
 using karv::Guarded;
-using karv::kEntitySource;
+using karv::kEntityDrawingSource;
 
 namespace
 {
@@ -52,7 +52,7 @@ void DrawFace(const KARVGLFace& face)
 
 void KARVGraphicalEntity::DrawObjectQuads()
 {
-    Guarded(L"KARVGraphicalEntity::DrawObjectQuads", kEntitySource, [&] {
+    Guarded(L"KARVGraphicalEntity::DrawObjectQuads", kEntityDrawingSource, [&] {
         if (faces.empty())
             DrawObjectLines();
         glColor4f(color.x, color.y, color.z, alpha);
@@ -63,7 +63,7 @@ void KARVGraphicalEntity::DrawObjectQuads()
 
 void KARVGraphicalEntity::DrawObjectLines()
 {
-    Guarded(L"KARVGraphicalEntity::DrawObjectLines", kEntitySource, [&] {
+    Guarded(L"KARVGraphicalEntity::DrawObjectLines", kEntityDrawingSource, [&] {
         const std::size_t count = lineVertices.size();
         if (count < 2)
             return;

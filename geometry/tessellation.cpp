@@ -10,7 +10,7 @@
 #include <memory>
 
 using karv::Guarded;
-using karv::kEntitySource;
+using karv::kEntityTessellationSource;
 
 namespace
 {
@@ -86,7 +86,7 @@ void KARVGraphicalEntity::TesselateFace(KARVGLFace& face)
 
 KARVGLVertex KARVGraphicalEntity::FindFaceNormal(std::vector<KARVGLVertex> corners)
 {
-    return Guarded(L"KARVGraphicalEntity::FindFaceNormal", kEntitySource, [&] {
+    return Guarded(L"KARVGraphicalEntity::FindFaceNormal", kEntityTessellationSource, [&] {
         if (corners.size() < 3)
             return KARVGLVertex();
         const AcGePoint3d middle = Widened(corners.at(1));

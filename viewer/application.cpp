@@ -1,5 +1,6 @@
 #include "viewer/application.h"
 
+#include "platform/host/rx/module_loader.h"
 #include "platform/tools/chrome_trace_sink.h"
 #include "platform/winsys/backend.h"
 #include "platform/winsys/provider.h"
@@ -138,9 +139,6 @@ class Application
     {
         if (options_.alpha && !options_.transparent)
             err_ << "karv-view: hint: --alpha shows only together with --transparent\n";
-        if (options_.lines)
-            err_ << "karv-view: hint: --mode lines shows lines and the edges of bodies, and these models "
-                    "have faces only\n";
     }
 
     void DrawPictures(const Model& model)
@@ -246,7 +244,11 @@ void RunTraced(const Options& options, SteadyTime start, std::ostream& out, std:
     std::unique_ptr<TraceFile> trace;
     if (options.trace)
         trace = std::make_unique<TraceFile>(*options.trace);
+    // The program is linked to the module; the host gets to know it as it does any application module.
+    host::ModuleLoader& loader = host::ProcessModuleLoader();
+    void* const module = loader.Load(host::LoadedModuleFile("KARV3DViewport10"));
     Application(options, start, out, err).Run();
+    loader.Unload(module);
     if (trace)
         trace->Close();
     if (!out.flush())

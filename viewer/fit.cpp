@@ -1,5 +1,8 @@
 #include "viewer/fit.h"
 
+#include "platform/host/db/entities.h"
+#include "viewer/solid.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -88,14 +91,45 @@ Box ScenePlacement::FittedBox(double aspect) const
 }
 
 FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model)
-    : control_(control), placement_(model.Extents())
+    : control_(control), placement_(model.Extents()),
+      line_category_(static_cast<KARVGraphicalEntity::EntityType>(model.CategoryCount()))
 {
     control_.ComputeExtents(false);
     control_.AllocateMemory(static_cast<int>(model.pieces.size()));
     for (const Piece& piece : model.pieces)
-        control_.AppendGeometry(ToFaces(piece, placement_),
-                                static_cast<KARVGraphicalEntity::EntityType>(piece.category), piece.color,
-                                piece.alpha);
+        Feed(piece);
+    DrawLines(false);
+}
+
+void FittedScene::Feed(const Piece& piece)
+{
+    const auto category = static_cast<KARVGraphicalEntity::EntityType>(piece.category);
+    auto solid = MakeSolid(piece, [&](const Point& point) { return placement_.ToScene(point); });
+    if (solid) {
+        control_.AppendGeometry(&*solid, category, piece.color, piece.alpha);
+    } else {
+        control_.AppendGeometry(ToFaces(piece, placement_), category, piece.color, piece.alpha);
+        FeedLines(piece);
+    }
+}
+
+void FittedScene::FeedLines(const Piece& piece)
+{
+    for (const auto& [start, end] : FeatureEdges(piece)) {
+        AcDbLine line(ToHost(placement_.ToScene(start)), ToHost(placement_.ToScene(end)));
+        line.setColorIndex(piece.color);
+        control_.AppendGeometry(&line, line_category_);
+    }
+}
+
+void FittedScene::DrawLines(bool lines)
+{
+    control_.SetRenderMode(lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
+    // Lines would be drawn among the faces, too.
+    if (lines)
+        control_.EnableObject(line_category_);
+    else
+        control_.DisableObject(line_category_);
 }
 
 void FittedScene::Show(StandardView view, Projection projection, double aspect)

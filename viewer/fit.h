@@ -37,13 +37,18 @@ class ScenePlacement
     Box scene_box_;
 };
 
-/// A model in a control: fed once, then shown from any standard view.
+/// A model in a control: fed once, then shown from any standard view. Pieces that close are fed as bodies,
+/// which show their edges in line mode; others as faces, with their feature edges as lines of a category of
+/// their own, the one after the model's, which is hidden while faces are drawn.
 class FittedScene
 {
   public:
-    /// Feeds every piece, in order, to a control that was just created, whose context must be current. The
-    /// control is not owned; the model is only read.
+    /// Feeds every piece, in order, to a control that was just created, whose context must be current; faces
+    /// are drawn at first. The control is not owned; the model is only read.
     FittedScene(KARVOpenGLControl& control, const Model& model);
+
+    /// Draws lines or faces from the next frame on.
+    void DrawLines(bool lines);
 
     /// Shows the whole model from the next frame on. `aspect` is the width of the control's client area over
     /// its height; call this again whenever it changes.
@@ -53,10 +58,13 @@ class FittedScene
     void SwitchProjection();
 
   private:
+    void Feed(const Piece& piece);
+    void FeedLines(const Piece& piece);
     void SetProjection(Projection projection);
 
     KARVOpenGLControl& control_;
     ScenePlacement placement_;
+    KARVGraphicalEntity::EntityType line_category_;
     Projection projection_ = Projection::Perspective; ///< as every control begins
 };
 

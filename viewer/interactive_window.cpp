@@ -51,7 +51,7 @@ void InteractiveWindow::SwitchProjection()
 void InteractiveWindow::SwitchMode()
 {
     lines_ = !lines_;
-    Control().SetRenderMode(lines_ ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
+    Scene().DrawLines(lines_);
 }
 
 void InteractiveWindow::SwitchLights()

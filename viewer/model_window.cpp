@@ -21,10 +21,10 @@ ModelWindow::ModelWindow(PictureSize size, const Options& options, const Model& 
     KARVOpenGLControl& control = Control();
     if (const auto& background = options.background)
         control.SetBgColor(background->at(0), background->at(1), background->at(2));
-    control.SetRenderMode(options.lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
     for (const int category : options.hidden)
         control.DisableObject(static_cast<KARVGraphicalEntity::EntityType>(category));
     scene_ = std::make_unique<FittedScene>(control, model);
+    scene_->DrawLines(options.lines);
 }
 
 void ModelWindow::Show(StandardView view, Projection projection)

@@ -10,6 +10,31 @@
 namespace karv_test
 {
 
+inline constexpr double kRadiansPerDegree = 0.017453292519943295;
+
+inline double Sin(double degrees)
+{
+    return std::sin(degrees * kRadiansPerDegree);
+}
+
+inline double Cos(double degrees)
+{
+    return std::cos(degrees * kRadiansPerDegree);
+}
+
+/// Sets the process's tolerance of directions for its life.
+class GlobalTolerance
+{
+  public:
+    explicit GlobalTolerance(double equal_vector) { AcGeContext::gTol.setEqualVector(equal_vector); }
+    GlobalTolerance(const GlobalTolerance&) = delete;
+    GlobalTolerance& operator=(const GlobalTolerance&) = delete;
+    ~GlobalTolerance() { AcGeContext::gTol = before_; }
+
+  private:
+    AcGeTol before_ = AcGeContext::gTol;
+};
+
 /// Whether a point or vector has these components, each within `tolerance`; NaN is near nothing.
 template <typename Triple>
 testing::AssertionResult IsAt(const Triple& actual, double x, double y, double z, double tolerance = 1e-12)
@@ -58,6 +83,14 @@ inline KARVGLCamera FrontCamera(double distance = 10.0, const AcGePoint3d& targe
     KARVGLCamera camera;
     camera.target = target;
     camera.position = {target.x, target.y - distance, target.z};
+    return camera;
+}
+
+/// A fresh camera put to a standard view.
+inline KARVGLCamera View(void (KARVGLCamera::*set)())
+{
+    KARVGLCamera camera;
+    (camera.*set)();
     return camera;
 }
 

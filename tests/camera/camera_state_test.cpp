@@ -5,10 +5,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -68,19 +70,56 @@ TEST(Camera, FreshCameraHasTheDefaults)
     EXPECT_EQ(camera.orthoZoom, 1.0);
 }
 
+TEST(Camera, FieldsStandInTheirOrderInTheirTypes)
+{
+    static_assert(std::is_same_v<decltype(KARVGLCamera::position), AcGePoint3d>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::target), AcGePoint3d>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::upVector), AcGeVector3d>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::angle), double>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::aspect), float>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::nearPlane), float>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::farPlane), float>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::perspectiveOn), bool>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::fieldOfView), double>);
+    static_assert(std::is_same_v<decltype(KARVGLCamera::orthoZoom), double>);
+    const KARVGLCamera camera;
+    const std::vector<const void*> fields = {&camera,          &camera.target,        &camera.xAxis,
+                                             &camera.yAxis,    &camera.zAxis,         &camera.upVector,
+                                             &camera.angle,    &camera.aspect,        &camera.nearPlane,
+                                             &camera.farPlane, &camera.perspectiveOn, &camera.fieldOfView,
+                                             &camera.orthoZoom};
+    EXPECT_EQ(static_cast<const void*>(&camera.position), fields.front());
+    EXPECT_TRUE(std::is_sorted(fields.begin(), fields.end(), std::less<>()));
+}
+
+TEST(Camera, IsAPlainValueWithoutBaseOrVirtualOperations)
+{
+    static_assert(!std::is_polymorphic_v<KARVGLCamera>);
+    static_assert(std::is_standard_layout_v<KARVGLCamera>);
+    static_assert(
+        std::is_same_v<decltype(std::declval<KARVGLCamera&>() = std::declval<const KARVGLCamera&>()),
+                       KARVGLCamera&>);
+    // Six 64-bit triples and three more numbers; three 32-bit ones and the switch, which fill two words.
+    EXPECT_EQ(sizeof(KARVGLCamera), (6U * 3U + 3U) * sizeof(double) + 4U * sizeof(float));
+}
+
 TEST(Camera, CopyHasEveryFieldOfItsSource)
 {
-    const KARVGLCamera source = DistinctCamera();
+    KARVGLCamera source = DistinctCamera();
+    source.angle = 12.0;
     const KARVGLCamera copy = source;
     EXPECT_TRUE(SameCamera(copy, source));
+    EXPECT_EQ(copy.angle, 12.0);
 }
 
 TEST(Camera, AssignmentTakesEveryField)
 {
-    const KARVGLCamera source = DistinctCamera();
+    KARVGLCamera source = DistinctCamera();
+    source.angle = 12.0;
     KARVGLCamera camera;
     const KARVGLCamera* result = &(camera = source);
     EXPECT_TRUE(SameCamera(camera, source));
+    EXPECT_EQ(camera.angle, 12.0);
     EXPECT_EQ(result, &camera);
 }
 
@@ -311,6 +350,44 @@ TEST(CameraTrace, ConstructionCopyAssignmentAndDestructionAreNotTraced)
     EXPECT_THAT(trace.Listing(), IsEmpty());
 }
 
+TEST(CameraTrace, SwitchOfTheProjectionLooksAgainUnlessThereIsNothingToSwitch)
+{
+    KARVGLCamera camera;
+    for (const bool on : {false, true, true}) {
+        const TraceRecording trace;
+        camera.SetPerspectiveOn(on);
+        EXPECT_THAT(trace.Listing(),
+                    ElementsAre("> KARVGLCamera::SetPerspectiveOn", "> KARVGLCamera::UpdateCamera",
+                                "< KARVGLCamera::UpdateCamera", "< KARVGLCamera::SetPerspectiveOn"));
+    }
+    camera.SetPerspectiveOn(false);
+    const TraceRecording trace;
+    camera.SetPerspectiveOn(false);
+    EXPECT_THAT(trace.Listing(),
+                ElementsAre("> KARVGLCamera::SetPerspectiveOn", "< KARVGLCamera::SetPerspectiveOn"));
+}
+
+TEST(CameraTrace, OtherOperationsNestNone)
+{
+    KARVGLCamera camera = karv_test::FrontCamera();
+    float zoom = 1.0F;
+    float fov = 40.0F;
+    AcGePoint3d point;
+    AcGeVector3d vector;
+    const TraceRecording trace;
+    camera.SetCamera({0.0, -10.0, 0.0}, {}, AcGeVector3d::kZAxis);
+    camera.GetCamera(point, point, vector);
+    camera.GetLocalAxes(vector, vector, vector);
+    camera.ResetAngle();
+    camera.UpdateCamera();
+    camera.RefreshCameraView(40.0, 10.0, 1.0F);
+    camera.ZoomAt(zoom, fov);
+    camera.RotateCamera(10.0F, AcGeVector3d::kXAxis);
+    camera.PanCamera(1.0F, AcGeVector3d::kXAxis);
+    camera.ZoomCamera(1.0F);
+    EXPECT_EQ(trace.Calls(), trace.OutermostCalls());
+}
+
 TEST(CameraTrace, StandardViewNestsTheOperationsItCalls)
 {
     KARVGLCamera camera;
@@ -322,17 +399,6 @@ TEST(CameraTrace, StandardViewNestsTheOperationsItCalls)
                                              "< KARVGLCamera::SetViewFront", "> KARVGLCamera::RotateCamera",
                                              "< KARVGLCamera::RotateCamera", "> KARVGLCamera::UpdateCamera",
                                              "< KARVGLCamera::UpdateCamera", "< KARVGLCamera::SetViewTop"));
-}
-
-TEST(CameraTrace, IsoViewTurnsTwice)
-{
-    KARVGLCamera camera;
-    const TraceRecording trace;
-    camera.SetViewSE();
-    EXPECT_THAT(trace.Calls(), ElementsAre("KARVGLCamera::SetViewSE", "KARVGLCamera::SetViewFront",
-                                           "KARVGLCamera::ResetAngle", "KARVGLCamera::UpdateCamera",
-                                           "KARVGLCamera::RotateCamera", "KARVGLCamera::RotateCamera",
-                                           "KARVGLCamera::UpdateCamera"));
 }
 
 TEST(CameraFault, FaultInTheLookAtIsReportedOnceAndSwallowed)
@@ -373,6 +439,27 @@ TEST(CameraFault, InnerFaultOfAViewLeavesTheOuterRunning)
     EXPECT_TRUE(IsAt(camera.position, 0, 10, 0));
     EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
     EXPECT_EQ(trace.Listing().back(), "< KARVGLCamera::SetViewBack");
+}
+
+TEST(CameraFault, ViewIsTurnedOnlyAfterItsIdentityIsLoaded)
+{
+    // The first identity is the front view's, the second one stands between it and the turns.
+    KARVGLCamera camera;
+    const TraceRecording trace;
+    const auto hook = ThrowAt("glLoadIdentity", 2, 42);
+    camera.SetViewBack();
+    EXPECT_TRUE(IsAt(camera.position, 0, -10, 0, 0));
+    EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
+}
+
+TEST(CameraFault, ViewResetsItsFieldsBeforeItLooks)
+{
+    KARVGLCamera camera = DistinctCamera();
+    const auto hook = ThrowAt("glMatrixMode", 1, 42);
+    camera.SetViewFront();
+    EXPECT_TRUE(IsAt(camera.position, 4.0, 5.0 - static_cast<double>(77.0F / 100.0F), 6.0, 0));
+    EXPECT_TRUE(IsAt(camera.yAxis, 0, 1, 0, 0));
+    EXPECT_TRUE(IsAt(camera.upVector, 0, 0, 1, 0));
 }
 
 TEST(CameraFault, FieldsWrittenBeforeAFaultStay)

@@ -1,6 +1,7 @@
 #include "tests/camera/camera_checks.h"
 
 #include "tests/support/gl_recorder.h"
+#include "tests/support/trace_recording.h"
 
 #include <gmock/gmock.h>
 
@@ -120,6 +121,36 @@ TEST_P(StandardView, LooksTwiceWithAnIdentityBetween)
                                 camera.zAxis.x, camera.zAxis.y, camera.zAxis.z));
     }
     EXPECT_EQ(recording.Listing(), expected);
+}
+
+TEST_P(StandardView, IsTheFrontViewTurnedStepByStep)
+{
+    KARVGLCamera expected;
+    expected.target = {3.0, -4.0, 5.0};
+    expected.SetViewFront();
+    expected.RotateCamera(static_cast<float>(GetParam().orbit), AcGeVector3d::kZAxis);
+    expected.RotateCamera(static_cast<float>(GetParam().tilt), AcGeVector3d::kXAxis);
+    // To the last bit: the same turns by the same angles in the same order.
+    EXPECT_TRUE(karv_test::SameCamera(Viewed(), expected));
+}
+
+TEST_P(StandardView, TracesTheOperationsItCalls)
+{
+    std::vector<std::string> expected;
+    if (std::string(GetParam().name) != "Front")
+        expected.emplace_back("KARVGLCamera::SetView" + std::string(GetParam().name));
+    expected.insert(expected.end(),
+                    {"KARVGLCamera::SetViewFront", "KARVGLCamera::ResetAngle", "KARVGLCamera::UpdateCamera"});
+    for (const double angle : {GetParam().orbit, GetParam().tilt}) {
+        if (angle != 0.0)
+            expected.emplace_back("KARVGLCamera::RotateCamera");
+    }
+    if (std::string(GetParam().name) != "Front")
+        expected.emplace_back("KARVGLCamera::UpdateCamera");
+    KARVGLCamera camera;
+    const karv_test::TraceRecording trace;
+    (camera.*GetParam().set)();
+    EXPECT_EQ(trace.Calls(), expected);
 }
 
 TEST_P(StandardView, DoesNotDependOnWhereTheCameraWas)

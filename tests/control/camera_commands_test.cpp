@@ -305,6 +305,23 @@ TEST_F(ControlCamera, TheUpVectorThatIsReadIsNotTheUpAxis)
     ExpectNear(up, 0.0, 0.0, 1.0); // the axis is (0, 1, 0)
 }
 
+TEST_F(ControlCamera, NoCommandAsksForARedraw)
+{
+    window_calls_.Clear();
+    const TraceRecording trace;
+    AcGePoint3d point;
+    AcGeVector3d vector;
+    control_->SetCamera({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}, {0.0, 1.0, 0.0});
+    control_->SetCameraData({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}, {0.0, 1.0, 0.0});
+    control_->GetCameraData(point, point, vector);
+    control_->GetCameraAxes(vector, vector, vector);
+    control_->SetToPerspective(false);
+    control_->SetToPerspective(true);
+    control_->ResetCameraZoom();
+    EXPECT_THAT(window_calls_.Listing(), IsEmpty());
+    EXPECT_THAT(trace.Calls(), testing::Not(testing::Contains("KARVOpenGLControl::OnDraw")));
+}
+
 TEST_F(ControlCamera, APlacedCameraStaysPlaced)
 {
     control_->SetCameraData({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}, {0.0, 1.0, 0.0});

@@ -4,6 +4,9 @@
 #include "platform/host/gs/manager.h"
 #include "platform/winsys/opengl.h"
 
+#include <algorithm>
+#include <array>
+
 using namespace karv_test;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -168,6 +171,20 @@ TEST_F(ControlCreation, RectangleAndParentAreKept)
     EXPECT_EQ(control.parentWnd, &host_);
 }
 
+TEST_F(ControlCreation, RectangleAndParentAreKeptOnceTheWindowIsThere)
+{
+    KARVOpenGLControl control;
+    int sizes = 0;
+    const GlHook first_size("glViewport", [&](int) {
+        ++sizes;
+        EXPECT_EQ(control.createRect.right, 0);
+        EXPECT_EQ(control.initialRect.right, 0);
+        EXPECT_EQ(control.parentWnd, nullptr);
+    });
+    control.CreateCtrl(CRect(5, 7, 45, 37), &host_, false);
+    EXPECT_EQ(sizes, 1);
+}
+
 TEST_F(ControlCreation, TheProbeWindowIsASmallPlainTopLevelOne)
 {
     const auto control = NewControl();
@@ -200,10 +217,16 @@ TEST_F(ControlCreation, EveryPixelFormatCallGetsTheOneDescriptor)
         EXPECT_EQ(descriptor.cColorBits, 32);
         EXPECT_EQ(descriptor.cDepthBits, 16);
         EXPECT_EQ(descriptor.iLayerType, PFD_MAIN_PLANE);
-        EXPECT_EQ(descriptor.cAlphaBits + descriptor.cAccumBits + descriptor.cStencilBits +
-                      descriptor.cAuxBuffers,
-                  0);
-        EXPECT_EQ(descriptor.dwLayerMask + descriptor.dwVisibleMask + descriptor.dwDamageMask, 0U);
+        const std::array rest = {
+            descriptor.cRedBits,        descriptor.cRedShift,       descriptor.cGreenBits,
+            descriptor.cGreenShift,     descriptor.cBlueBits,       descriptor.cBlueShift,
+            descriptor.cAlphaBits,      descriptor.cAlphaShift,     descriptor.cAccumBits,
+            descriptor.cAccumRedBits,   descriptor.cAccumGreenBits, descriptor.cAccumBlueBits,
+            descriptor.cAccumAlphaBits, descriptor.cStencilBits,    descriptor.cAuxBuffers,
+            descriptor.bReserved};
+        EXPECT_THAT(rest, testing::Each(0));
+        EXPECT_THAT((std::array{descriptor.dwLayerMask, descriptor.dwVisibleMask, descriptor.dwDamageMask}),
+                    testing::Each(0U));
     }
 }
 
@@ -214,6 +237,15 @@ TEST_F(ControlCreation, TheContextIsKeptAndCurrent)
     EXPECT_EQ(::wglGetCurrentContext(), control->hRC);
     EXPECT_EQ(::WindowFromDC(control->hDC), control->m_hWnd);
     EXPECT_EQ(::GetPixelFormat(control->hDC), control->pixelFormat);
+}
+
+TEST_F(ControlCreation, TheHostsBackgroundShowsUntilAnotherIsSet)
+{
+    SetHostBackgroundColor({10, 200, 30});
+    const auto control = NewControl();
+    EXPECT_TRUE(IsNear(Frame(*control).At(1, 1), {10, 200, 30}));
+    control->SetBgColor(40, 50, 250);
+    EXPECT_TRUE(IsNear(Frame(*control).At(1, 1), {40, 50, 250}));
 }
 
 TEST_F(ControlCreation, TransparencyIsSetAfterEverythingElse)

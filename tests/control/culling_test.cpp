@@ -110,6 +110,27 @@ TEST_F(ControlCulling, ACornerOnTheViewportsOriginIsNotOutside)
     EXPECT_TRUE(IsDrawn(-10.0, -10.0, 0.0, 0.0));
 }
 
+TEST_F(ControlCulling, TheViewComesBeforeTheProjection)
+{
+    // The projection takes 64 x 32 units to the viewport's 64 x 32 pixels; here it is halved in size, and the
+    // view moves by (-20, -20). The box (15, 15)-(18, 18) moves to (-5, -5)-(-2, -2), in pixels left and
+    // below. With the two exchanged it would be halved first and then moved by 20 halves of the viewport.
+    glMatrixMode(GL_PROJECTION);
+    glScaled(0.5, 0.5, 1.0);
+    glMatrixMode(GL_MODELVIEW);
+    glTranslated(-20.0, -20.0, 0.0);
+    EXPECT_FALSE(IsDrawn(15.0, 15.0, 18.0, 18.0));
+}
+
+TEST_F(ControlCulling, TheViewportShiftsWindowCoordinates)
+{
+    // The same box at -10 to -5 lies at 90 to 95 of the window once the viewport begins at (100, 100).
+    glViewport(100, 100, kWidth, kHeight);
+    EXPECT_TRUE(IsDrawn(-10.0, -10.0, -5.0, -5.0));
+    control_->ClearGeometry(true);
+    EXPECT_FALSE(IsDrawn(-120.0, -120.0, -110.0, -110.0));
+}
+
 /// A control whose one entity projects to window coordinates that the test gives.
 class ControlCullingTolerance : public ControlCulling
 {

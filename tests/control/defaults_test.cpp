@@ -3,6 +3,10 @@
 
 #include "platform/host/gs/manager.h"
 
+#include <functional>
+#include <type_traits>
+#include <vector>
+
 using namespace karv_test;
 using testing::ElementsAre;
 using testing::Pair;
@@ -128,6 +132,18 @@ TEST_F(ControlDefaults, TheBackgroundIsTheHostsInFractionsOfOne)
     EXPECT_EQ(control.backgroundColor[2], static_cast<float>(1.0 * kPerByte));
 }
 
+TEST_F(ControlDefaults, EveryByteOfTheBackgroundIsScaledInDoubleAndRoundedOnce)
+{
+    constexpr double kPerByte = 0.00392156862745098;
+    ASSERT_NE(static_cast<float>(3.0 * kPerByte), 3.0F * static_cast<float>(kPerByte));
+    for (int byte = 0; byte < 256; ++byte) {
+        const auto channel = static_cast<unsigned char>(byte);
+        SetHostBackgroundColor({channel, channel, channel});
+        const KARVOpenGLControl control;
+        EXPECT_THAT(control.backgroundColor, testing::Each(static_cast<float>(byte * kPerByte))) << byte;
+    }
+}
+
 TEST_F(ControlDefaults, ABlackHostGivesABlackBackground)
 {
     SetHostBackgroundColor({0, 0, 0});
@@ -148,6 +164,66 @@ TEST_F(ControlDefaults, TheConstructorIsTraced)
     const TraceRecording trace;
     const KARVOpenGLControl control;
     EXPECT_THAT(trace.OutermostCalls(), ElementsAre("KARVOpenGLControl::KARVOpenGLControl"));
+}
+
+// The members go in the reverse of this order: the switches, then the entities, then the camera.
+TEST_F(ControlDefaults, TheFieldsStandInTheirOrder)
+{
+    const KARVOpenGLControl c;
+    const std::vector<const void*> fields = {&c.faceCount,
+                                             &c.lastMousePoint.x,
+                                             &c.lastMousePoint.y,
+                                             &c.pendingPanX,
+                                             &c.pendingPanZ,
+                                             &c.fieldOfView,
+                                             &c.zoomFactor,
+                                             &c.pendingRotateX,
+                                             &c.pendingRotateZ,
+                                             &c.panScale,
+                                             &c.camera,
+                                             &c.extentsSeeded,
+                                             &c.extentsMax,
+                                             &c.extentsMin,
+                                             &c.centroid,
+                                             &c.sceneSize,
+                                             &c.cameraSetByCaller,
+                                             &c.mouseRotates,
+                                             &c.mousePans,
+                                             &c.mouseZooms,
+                                             &c.metricsFactor,
+                                             &c.computeExtentsOnAppend,
+                                             &c.debugCubeAngle,
+                                             &c.parentWnd,
+                                             &c.hDC,
+                                             &c.hRC,
+                                             &c.pixelFormat,
+                                             &c.createRect,
+                                             &c.initialRect,
+                                             &c.renderStarted,
+                                             &c.backgroundColor,
+                                             &c.framesPerSecond,
+                                             &c.invertPanX,
+                                             &c.aspectRatio,
+                                             &c.renderMode,
+                                             &c.userControlEnabled,
+                                             &c.multisampleOn,
+                                             &c.timerId,
+                                             &c.entities,
+                                             &c.disabledTypes};
+    for (std::size_t i = 1; i < fields.size(); ++i)
+        EXPECT_TRUE(std::less<>()(fields[i - 1], fields[i])) << i;
+}
+
+TEST_F(ControlDefaults, OfTheBasesVirtualOperationsOnlyTheMessageMapIsReplaced)
+{
+    // An inherited member keeps the class that it was declared in as part of its type.
+    using Control = KARVOpenGLControl;
+    EXPECT_TRUE((std::is_same_v<decltype(&Control::WindowProc), decltype(&CWnd::WindowProc)>));
+    EXPECT_TRUE((std::is_same_v<decltype(&Control::DefWindowProc), decltype(&CWnd::DefWindowProc)>));
+    EXPECT_TRUE((std::is_same_v<decltype(&Control::PostNcDestroy), decltype(&CWnd::PostNcDestroy)>));
+    EXPECT_TRUE((std::is_same_v<decltype(&Control::DestroyWindow), decltype(&CWnd::DestroyWindow)>));
+    EXPECT_FALSE((std::is_same_v<decltype(&Control::GetMessageMap), decltype(&CWnd::GetMessageMap)>));
+    EXPECT_TRUE(std::has_virtual_destructor_v<Control>);
 }
 
 } // namespace

@@ -172,6 +172,35 @@ TEST_F(ControlExtents, AnUpperBoundMovesOnlyBeyondItsTolerance)
     EXPECT_EQ(control_.extentsMax.x, 2e-20F);
 }
 
+TEST_F(ControlExtents, TheNearCornerIsAddedBeforeTheFarOne)
+{
+    // Within the tolerance the order shows: 2e-20 lies beyond 0 + 1e-20 and becomes the bound, whose
+    // tolerance then holds 2.5e-20. In the other order 2.5e-20 would have become the bound.
+    AppendClaiming({-1.0, -1.0, -1.0}, {0.0, 0.0, 0.0});
+    AppendClaiming({2e-20, 0.0, 0.0}, {2.5e-20, 0.0, 0.0});
+    EXPECT_EQ(control_.extentsMax.x, 2e-20F);
+}
+
+TEST_F(ControlExtents, TheDiagonalIsTakenInDouble)
+{
+    // The squares of 1000 and 4107 add up to 17867449; in floats, which are even numbers here, their root
+    // would round to 4226.990234375, the float below.
+    AppendBox({0.0, 0.0, 0.0}, {1000.0, 4107.0, 0.0});
+    const auto diagonal = static_cast<float>(std::sqrt(17867449.0));
+    ASSERT_NE(diagonal, std::sqrt(1000.0F * 1000.0F + 4107.0F * 4107.0F));
+    ExpectSize(static_cast<float>(static_cast<double>(diagonal) * 1.2));
+}
+
+TEST_F(ControlExtents, TheScaleOfTheDiagonalIsADouble)
+{
+    // The root of 1 + 121 as a float; the float nearest to 1.2 is larger than 1.2.
+    AppendBox({0.0, 0.0, 0.0}, {1.0, 11.0, 0.0});
+    const auto diagonal = static_cast<float>(std::sqrt(122.0));
+    const auto expected = static_cast<float>(static_cast<double>(diagonal) * 1.2);
+    ASSERT_NE(expected, diagonal * 1.2F);
+    ExpectSize(expected);
+}
+
 TEST_F(ControlExtents, TheDiagonalIsRoundedToFloatBeforeItIsScaled)
 {
     // The root of 1 + 36 = 37 is 6.082762530298219, as a float 6.082762718200684. Times 1.2 that is nearest

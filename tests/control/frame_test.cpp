@@ -76,6 +76,43 @@ TEST_F(ControlFrame, APaintIsAnsweredSoThatNoOtherWaits)
     EXPECT_FALSE(::PeekMessageW(&message, control_->m_hWnd, WM_PAINT, WM_PAINT, PM_NOREMOVE));
 }
 
+/// A control that tells whether its frames had been started when its base painted.
+class PaintedControl : public KARVOpenGLControl
+{
+  public:
+    std::vector<bool> started_at_base_paint;
+
+  protected:
+    LRESULT DefWindowProc(UINT message, WPARAM wparam, LPARAM lparam) override
+    {
+        if (message == WM_PAINT)
+            started_at_base_paint.push_back(renderStarted);
+        return KARVOpenGLControl::DefWindowProc(message, wparam, lparam);
+    }
+};
+
+TEST_F(ControlFrame, TheBasePaintsBeforeTheTimerStarts)
+{
+    PaintedControl control;
+    control.CreateCtrl(CRect(0, 0, kWidth, kHeight), &host_, false);
+    PumpPending();
+    ASSERT_FALSE(control.started_at_base_paint.empty());
+    EXPECT_FALSE(control.started_at_base_paint.front());
+    EXPECT_TRUE(control.renderStarted);
+}
+
+TEST_F(ControlFrame, ARefusedTimerIsNotAskedForAgainByPaints)
+{
+    const WindowRefusal refusal("SetTimer");
+    window_calls_.Clear();
+    PumpPending();
+    ::InvalidateRect(control_->m_hWnd, nullptr, FALSE);
+    PumpPending();
+    EXPECT_EQ(window_calls_.Count(kTimer), 1);
+    EXPECT_EQ(control_->timerId, 0U);
+    EXPECT_TRUE(control_->renderStarted);
+}
+
 TEST_F(ControlFrame, APaintDrawsNothingItself)
 {
     const GlRecording gl;
@@ -103,6 +140,19 @@ TEST_F(ControlFrame, AForcedStartArmsTheTimerAndAppliesTheCamera)
     EXPECT_TRUE(control_->renderStarted);
     EXPECT_NE(control_->timerId, 0U);
     EXPECT_THAT(trace.Calls(), testing::Contains("KARVOpenGLControl::OnDraw"));
+}
+
+TEST_F(ControlFrame, AForcedStartCountsAsStartedAfterItsRedraw)
+{
+    int redraws = 0;
+    const GlHook view("gluLookAt", [&](int) {
+        ++redraws;
+        EXPECT_FALSE(control_->renderStarted);
+        EXPECT_NE(control_->timerId, 0U);
+    });
+    control_->ForceRenderStart();
+    EXPECT_EQ(redraws, 1);
+    EXPECT_TRUE(control_->renderStarted);
 }
 
 TEST_F(ControlFrame, APaintAfterAForcedStartStartsNoSecondTimer)

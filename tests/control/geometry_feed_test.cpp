@@ -4,6 +4,7 @@
 #include "platform/host/db/entities.h"
 #include "platform/winsys/opengl.h"
 
+#include <algorithm>
 #include <limits>
 
 using namespace karv_test;
@@ -311,6 +312,22 @@ TEST_F(ControlGeometryFeed, AReservedCacheSavesTheCopiesOfGrowing)
                                                 FunnelEntries(true),
                                                 {"< KARVOpenGLControl::AppendGeometry"},
                                                 kDestroyed}));
+}
+
+TEST_F(ControlGeometryFeed, TheCacheGrowsBetweenTheScenesBoxAndTheCount)
+{
+    control_->AllocateMemory(1);
+    AppendUnitTriangle();
+    ASSERT_EQ(control_->entities.capacity(), 1U);
+    const TraceRecording trace;
+    AppendUnitTriangle();
+    // Growing destroys the one entity in its old place; the copy asked for its box goes before, at the end of
+    // its step.
+    const std::vector<std::string> calls = trace.Calls();
+    const auto extents = std::ranges::find(calls, "KARVOpenGLControl::GLDetectExtents");
+    const auto counted = std::ranges::find(calls, "KARVGraphicalEntity::GetFaceNumber");
+    ASSERT_LT(extents, counted);
+    EXPECT_EQ(std::count(extents, counted, "KARVGraphicalEntity::~KARVGraphicalEntity"), 2);
 }
 
 TEST_F(ControlGeometryFeed, TheScenesBoxTakesTwoPointsOfAnEntity)

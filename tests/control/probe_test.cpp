@@ -16,8 +16,8 @@ using testing::IsEmpty;
 namespace
 {
 
-/// How a query for 4 samples and one for 2 go.
-enum class Answer { kCallFails, kNoFormat, kFound };
+/// How a query for 4 samples and one for 2 go. A call may fail although it left a format and a count.
+enum class Answer { kCallFails, kCallFailsWithAFormat, kNoFormat, kFound, kFoundMany };
 
 struct Query {
     HDC dc = nullptr;
@@ -51,11 +51,24 @@ BOOL WINAPI ChooseFormat(HDC dc, const int* attributes, const float* float_attri
     query.attributes.insert(query.attributes.end(), attributes, attributes + 2);
     const int samples = query.attributes.at(query.attributes.size() - 3);
     queries.push_back(query);
-    const Answer answer = samples == 4 ? four_samples : two_samples;
-    *count = answer == Answer::kFound ? 1 : 0;
-    if (answer == Answer::kFound)
+    switch (samples == 4 ? four_samples : two_samples) {
+    case Answer::kCallFails:
+        *count = 0;
+        return FALSE;
+    case Answer::kCallFailsWithAFormat:
         *formats = offered_format;
-    return answer == Answer::kCallFails ? FALSE : TRUE;
+        *count = 1;
+        return FALSE;
+    case Answer::kNoFormat:
+        *count = 0;
+        return TRUE;
+    case Answer::kFound:
+    case Answer::kFoundMany:
+        break;
+    }
+    *formats = offered_format;
+    *count = (samples == 4 ? four_samples : two_samples) == Answer::kFound ? 1 : 7;
+    return TRUE;
 }
 
 template <typename Function>
@@ -163,6 +176,43 @@ TEST_F(ControlProbe, OnlyTwoSamplesFoundWinWithTheSecondQuery)
     std::vector<int> expected = queries[0].attributes;
     expected.at(expected.size() - 3) = 2; // the value of the last pair before the zeros
     EXPECT_EQ(queries[1].attributes, expected);
+    EXPECT_EQ(queries[1].dc, queries[0].dc);
+    EXPECT_THAT(queries[1].float_attributes, ElementsAre(0.0F, 0.0F));
+    EXPECT_EQ(queries[1].max_formats, 1U);
+}
+
+TEST_F(ControlProbe, MoreThanOneFormatCountedIsAFindToo)
+{
+    four_samples = Answer::kFoundMany;
+    EXPECT_TRUE(TakesOfferedFormat());
+    EXPECT_EQ(queries.size(), 1U);
+}
+
+TEST_F(ControlProbe, AFailedCallFindsNothingWhateverItLeftBehind)
+{
+    four_samples = Answer::kCallFailsWithAFormat;
+    two_samples = Answer::kCallFailsWithAFormat;
+    EXPECT_FALSE(TakesOfferedFormat());
+    EXPECT_EQ(queries.size(), 2U);
+}
+
+TEST_F(ControlProbe, TheProbeWindowGetsThePlainFormatAndTheControlTheFoundOne)
+{
+    window_calls_.Clear();
+    const auto control = NewControl();
+    EXPECT_THAT(window_calls_.Listing(),
+                Contains("SetPixelFormat(dc of Dummy, " + std::to_string(plain_format_) + ")"));
+    EXPECT_THAT(window_calls_.Listing(),
+                Contains("SetPixelFormat(dc of 3DView, " + std::to_string(offered_format) + ")"));
+}
+
+TEST_F(ControlProbe, AMissLooksUpNoQuery)
+{
+    extensions = "WGL_ARB_pixel_format";
+    window_calls_.Clear();
+    const auto control = NewControl();
+    EXPECT_EQ(window_calls_.Count("wglGetProcAddress(wglGetExtensionsStringARB)"), 1);
+    EXPECT_EQ(window_calls_.Count("wglGetProcAddress(wglChoosePixelFormatARB)"), 0);
 }
 
 TEST_F(ControlProbe, AFailedCallForFourSamplesIsFollowedByTwo)

@@ -3,6 +3,8 @@
 
 #include "platform/winsys/opengl.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 using namespace karv_test;
@@ -32,6 +34,19 @@ class ControlRedraw : public ControlTest
 
     void ExpectEye(double x, double y, double z) const { ExpectPoint(control_->camera.position, x, y, z); }
     void ExpectTarget(double x, double y, double z) const { ExpectPoint(control_->camera.target, x, y, z); }
+
+    /// Every bit of where the camera stands and looks.
+    static std::array<double, 6> Bits(const KARVGLCamera& camera)
+    {
+        return {camera.position.x, camera.position.y, camera.position.z,
+                camera.target.x,   camera.target.y,   camera.target.z};
+    }
+
+    [[nodiscard]] std::array<float, 4> Queue() const
+    {
+        return {control_->pendingPanX, control_->pendingPanZ, control_->pendingRotateX,
+                control_->pendingRotateZ};
+    }
 
     std::unique_ptr<KARVOpenGLControl> control_;
 
@@ -94,6 +109,57 @@ TEST_F(ControlRedraw, BothTurnsAreApplied)
     control_->pendingRotateZ = 90.0F;
     control_->OnDraw(nullptr);
     ExpectEye(10.0 * std::sqrt(0.75), 0.0, 5.0);
+}
+
+TEST_F(ControlRedraw, TheTiltComesBeforeTheOrbit)
+{
+    // Seen from straight above a tilt leads along world Y, whatever the orbit, and the orbit leaves the eye:
+    // only the tilt first gives the orbit something to turn.
+    control_->camera.SetPosition({0.0, 0.0, 10.0});
+    control_->pendingRotateX = -30.0F;
+    control_->pendingRotateZ = 90.0F;
+    control_->OnDraw(nullptr);
+    // The tilt puts the eye at (0, -10 sin 30, 10 cos 30), the orbit turns that by 90 degrees. In the other
+    // order it would stay there.
+    ExpectEye(5.0, 0.0, 10.0 * std::sqrt(0.75));
+}
+
+TEST_F(ControlRedraw, ThePanAcrossComesBeforeThePanUp)
+{
+    // Apart from rounding the two can be exchanged, so the last bits tell.
+    control_->camera.SetCamera({3.1, -7.3, 5.7}, {0.4, 1.9, -0.6}, AcGeVector3d::kZAxis);
+    KARVGLCamera across_first(control_->camera);
+    across_first.PanCamera(-1.7F, AcGeVector3d::kXAxis);
+    across_first.PanCamera(0.3F, AcGeVector3d::kZAxis);
+    KARVGLCamera up_first(control_->camera);
+    up_first.PanCamera(0.3F, AcGeVector3d::kZAxis);
+    up_first.PanCamera(-1.7F, AcGeVector3d::kXAxis);
+    ASSERT_NE(Bits(across_first), Bits(up_first));
+    control_->pendingPanX = 1.7F;
+    control_->pendingPanZ = 0.3F;
+    control_->OnDraw(nullptr);
+    EXPECT_EQ(Bits(control_->camera), Bits(across_first));
+}
+
+TEST_F(ControlRedraw, TheQueueIsInvertedInPlaceAndEmptiedBetweenZoomAndView)
+{
+    control_->pendingPanX = 2.0F;
+    control_->pendingPanZ = 3.0F;
+    control_->pendingRotateX = 4.0F;
+    control_->pendingRotateZ = 5.0F;
+    int zooms = 0;
+    const GlHook zoom("gluPerspective", [&](int) {
+        ++zooms;
+        EXPECT_THAT(Queue(), ElementsAre(-2.0F, 3.0F, 4.0F, 5.0F));
+    });
+    int views = 0;
+    const GlHook view("gluLookAt", [&](int) {
+        ++views;
+        EXPECT_THAT(Queue(), ElementsAre(0.0F, 0.0F, 0.0F, 0.0F));
+    });
+    control_->OnDraw(nullptr);
+    EXPECT_EQ(zooms, 1);
+    EXPECT_EQ(views, 1);
 }
 
 TEST_F(ControlRedraw, AQueuedPanAcrossIsInverted)
@@ -235,6 +301,12 @@ class ControlSize : public ControlTest
         EXPECT_EQ(control_->aspectRatio, 2.0F);
     }
 
+    /// How many size messages reached the default procedure.
+    [[nodiscard]] std::ptrdiff_t DefaultedSizes() const
+    {
+        return std::ranges::count(window_calls_.DefaultedMessages(), UINT{WM_SIZE});
+    }
+
     std::unique_ptr<KARVOpenGLControl> control_;
 };
 
@@ -292,6 +364,14 @@ TEST_F(ControlSize, ANegativeHeightChangesNothing)
     ExpectIgnored(SIZE_RESTORED, 90, -60);
 }
 
+TEST_F(ControlSize, AWindowOfOnePixelIsSized)
+{
+    const GlRecording gl;
+    control_->OnSize(SIZE_RESTORED, 1, 1);
+    EXPECT_EQ(gl.Call("glViewport").text, "glViewport(0, 0, 1, 1)");
+    EXPECT_EQ(control_->aspectRatio, 1.0F);
+}
+
 TEST_F(ControlSize, AnIgnoredSizeLeavesThePanScaleUnset)
 {
     control_->panScale = -1.0F;
@@ -304,6 +384,46 @@ TEST_F(ControlSize, TheFirstSizeSetsThePanScaleToOneWhateverTheWidth)
     control_->panScale = -1.0F;
     control_->OnSize(SIZE_RESTORED, 999, 60);
     EXPECT_EQ(control_->panScale, 1.0F);
+}
+
+TEST_F(ControlSize, APanScaleBelowZeroByLessThanTheToleranceCountsAsSet)
+{
+    control_->panScale = -0.5e-20F;
+    control_->OnSize(SIZE_RESTORED, 128, 60);
+    EXPECT_EQ(control_->panScale, 0.5F);
+    control_->panScale = -2e-20F;
+    control_->OnSize(SIZE_RESTORED, 128, 60);
+    EXPECT_EQ(control_->panScale, 1.0F);
+}
+
+TEST_F(ControlSize, ThePanScaleChangesAfterTheRedraw)
+{
+    int views = 0;
+    const GlHook view("gluLookAt", [&](int) {
+        ++views;
+        EXPECT_EQ(control_->panScale, 1.0F);
+        EXPECT_EQ(control_->aspectRatio, 128.0F / 60.0F);
+    });
+    control_->OnSize(SIZE_RESTORED, 128, 60);
+    EXPECT_EQ(views, 1);
+    EXPECT_EQ(control_->panScale, 0.5F);
+}
+
+TEST_F(ControlSize, TheDefaultHandlingComesFirst)
+{
+    window_calls_.Clear();
+    std::ptrdiff_t handled = -1;
+    const GlHook viewport("glViewport", [&](int) { handled = DefaultedSizes(); });
+    ::SendMessageW(control_->m_hWnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(90, 60));
+    EXPECT_EQ(handled, 1);
+    EXPECT_EQ(DefaultedSizes(), 1);
+}
+
+TEST_F(ControlSize, AnIgnoredSizeGetsTheDefaultHandlingToo)
+{
+    window_calls_.Clear();
+    ::SendMessageW(control_->m_hWnd, WM_SIZE, SIZE_MINIMIZED, MAKELPARAM(0, 0));
+    EXPECT_EQ(DefaultedSizes(), 1);
 }
 
 TEST_F(ControlSize, TheSizeAtCreationIsTheFirst)

@@ -43,6 +43,18 @@ TEST_F(ControlSettings, TheBackgroundIsCutToEightBits)
     EXPECT_EQ(control_->backgroundColor[2], static_cast<float>(128.0 * 0.00392156862745098));
 }
 
+TEST_F(ControlSettings, EveryByteOfTheBackgroundIsScaledInDoubleAndRoundedOnce)
+{
+    constexpr double kPerByte = 0.00392156862745098;
+    ASSERT_NE(static_cast<float>(3.0 * kPerByte), 3.0F * static_cast<float>(kPerByte));
+    for (int byte = 0; byte < 256; ++byte) {
+        const GlRecording gl;
+        control_->SetBgColor(byte, byte, byte);
+        const auto channel = static_cast<double>(static_cast<float>(byte * kPerByte));
+        EXPECT_THAT(gl.Call("glClearColor").values, ElementsAre(channel, channel, channel, 1.0));
+    }
+}
+
 TEST_F(ControlSettings, TheExtremesOfAnIntegerAreCutToo)
 {
     control_->SetBgColor(std::numeric_limits<int>::max(), std::numeric_limits<int>::min(), 511);

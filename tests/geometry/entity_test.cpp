@@ -8,7 +8,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <functional>
 #include <limits>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -66,6 +69,24 @@ KARVGLVertex Divided(Adesk::UInt32 rgb)
 }
 
 } // namespace
+
+TEST(Entity, FieldsStandInTheirOrderInTheirTypes)
+{
+    static_assert(!std::is_polymorphic_v<Entity>);
+    static_assert(std::is_standard_layout_v<Entity>);
+    static_assert(std::is_same_v<decltype(Entity::faces), std::vector<KARVGLFace>>);
+    static_assert(std::is_same_v<decltype(Entity::lineVertices), std::vector<KARVGLVertex>>);
+    static_assert(std::is_same_v<decltype(Entity::alpha), float>);
+    static_assert(std::is_same_v<decltype(Entity::extentsValid), bool>);
+    static_assert(std::is_same_v<decltype(std::declval<Entity&>().GetFaceNumber()), int>);
+    static_assert(std::is_same_v<decltype(std::declval<Entity&>() = std::declval<const Entity&>()), Entity&>);
+    const Entity entity;
+    const std::vector<const void*> fields = {&entity,           &entity.lineVertices, &entity.entityType,
+                                             &entity.color,     &entity.alpha,        &entity.minExtent,
+                                             &entity.maxExtent, &entity.extentsValid};
+    EXPECT_EQ(static_cast<const void*>(&entity.faces), fields.front());
+    EXPECT_TRUE(std::is_sorted(fields.begin(), fields.end(), std::less<>()));
+}
 
 TEST(Entity, DefaultIsEmptyOpaqueAndBlack)
 {
@@ -132,6 +153,28 @@ TEST(Entity, PlainHostEntityAndCurveGiveNoGeometry)
     Entity from_curve(&curve, Entity::EntityType1);
     ExpectEmpty(from_plain);
     ExpectEmpty(from_curve);
+}
+
+TEST(Entity, SecondLineIsAppendedAndGrowsTheBox)
+{
+    AcDbLine first({-5.0, -5.0, -5.0}, {2.0, 2.0, 2.0});
+    AcDbLine second({1.0, 1.0, 1.0}, {9.0, 1.0, 1.0});
+    Entity entity(&first, Entity::EntityType0);
+    entity.CreateGLCache(&second);
+    EXPECT_THAT(entity.lineVertices, ElementsAre(KARVGLVertex(-5.0, -5.0, -5.0), KARVGLVertex(2.0, 2.0, 2.0),
+                                                 KARVGLVertex(1.0, 1.0, 1.0), KARVGLVertex(9.0, 1.0, 1.0)));
+    EXPECT_EQ(entity.minExtent, KARVGLVertex(-5.0, -5.0, -5.0));
+    EXPECT_EQ(entity.maxExtent, KARVGLVertex(9.0, 2.0, 2.0));
+}
+
+TEST(Entity, LineIsTakenWithoutAGlCall)
+{
+    AcDbLine line({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
+    const GlRecording recording;
+    {
+        const Entity entity(&line, Entity::EntityType0);
+    }
+    EXPECT_THAT(recording.Listing(), IsEmpty());
 }
 
 TEST(Entity, HostEntityIsOnlyRead)
@@ -434,9 +477,13 @@ TEST(EntityTrace, ConstructionFromGeometryAndDestructionAreTraced)
     {
         const Entity entity(&line, Entity::EntityType0);
     }
+    EXPECT_THAT(trace.Calls(),
+                ElementsAre("KARVGraphicalEntity::KARVGraphicalEntity", "KARVGraphicalEntity::CreateGLCache",
+                            "KARVGraphicalEntity::DoesPointContainExtent",
+                            "KARVGraphicalEntity::DoesPointContainExtent",
+                            "KARVGraphicalEntity::~KARVGraphicalEntity"));
     EXPECT_THAT(trace.OutermostCalls(), ElementsAre("KARVGraphicalEntity::KARVGraphicalEntity",
                                                     "KARVGraphicalEntity::~KARVGraphicalEntity"));
-    EXPECT_THAT(trace.Calls(), testing::Contains("KARVGraphicalEntity::CreateGLCache"));
 }
 
 TEST(EntityTrace, ConstructionFromNullIsTraced)
@@ -472,6 +519,8 @@ TEST(EntityTrace, DefaultConstructionCopyAndAssignmentAreNotTraced)
     Entity fresh;
     Entity copy = source;
     copy = source;
+    Entity moved = std::move(copy);
+    fresh = std::move(moved);
     fresh.InitParameters();
     EXPECT_THAT(trace.Listing(), IsEmpty());
 }

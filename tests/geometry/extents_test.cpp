@@ -143,6 +143,22 @@ TEST(Extents, LineOfNoLengthIsAPointAndTheOrigin)
     EXPECT_EQ(LineBox({2.0, 2.0, -2.0}, {2.0, 2.0, -2.0}), (Box{{2.0, 2.0, -2.0}, {2.0, 2.0, 0.0}}));
 }
 
+TEST(Extents, LineSeedsItsNearCornerWithItsEnd)
+{
+    // The other point then lies beyond it, but within the tolerance: the seed stays.
+    ASSERT_LT(static_cast<double>(1e-20F), 1e-20);
+    EXPECT_EQ(LineBox({0.0, 0.0, 0.0}, {1e-20, 0.0, 0.0}).min.x, 1e-20F);
+    EXPECT_EQ(LineBox({1e-20, 0.0, 0.0}, {0.0, 0.0, 0.0}).min.x, 0.0F);
+}
+
+TEST(Extents, NaNInTheEndOfALineSpoilsItsAxisAndInTheStartIsPassedOver)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(std::isnan(LineBox({1.0, 1.0, 1.0}, {nan, 2.0, 2.0}).min.x));
+    EXPECT_EQ(LineBox({1.0, 1.0, 1.0}, {nan, 2.0, 2.0}).max.x, 1.0F);
+    EXPECT_EQ(LineBox({nan, 1.0, 1.0}, {2.0, 2.0, 2.0}), (Box{{2.0, 1.0, 1.0}, {2.0, 2.0, 2.0}}));
+}
+
 TEST(Extents, LineMarksTheBoxAsValid)
 {
     AcDbLine line({1.0, 1.0, 1.0}, {2.0, 2.0, 2.0});

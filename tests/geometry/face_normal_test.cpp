@@ -1,6 +1,9 @@
 #include "geometry/KARVGraphicalEntity.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/gl_recorder.h"
+#include "tests/support/trace_recording.h"
+
+#include <gmock/gmock.h>
 
 #include <cmath>
 #include <limits>
@@ -52,9 +55,11 @@ TEST(FaceNormal, CornersAfterTheThirdAreIgnored)
 
 TEST(FaceNormal, FewerThanThreeCornersGiveZero)
 {
+    const karv_test::TraceRecording trace;
     EXPECT_EQ(Normal({}), KARVGLVertex());
     EXPECT_EQ(Normal({{1.0, 2.0, 3.0}}), KARVGLVertex());
     EXPECT_EQ(Normal({{1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}}), KARVGLVertex());
+    EXPECT_THAT(trace.Faults(), testing::IsEmpty());
 }
 
 TEST(FaceNormal, CollinearCornersGiveZero)
@@ -76,12 +81,33 @@ TEST(FaceNormal, IsComputedIn64Bits)
               KARVGLVertex(0.0, 0.0, -1.0));
 }
 
+TEST(FaceNormal, EdgesAreTakenIn64Bits)
+{
+    // a = (16777215.25, 1, 0) and b = (16777217.25, 1, 0), so z of b x a is their difference in x, 2; as
+    // floats the edges would be 16777215 and 16777218 long.
+    ASSERT_EQ(16777216.0F - 0.75F, 16777215.0F);
+    ASSERT_EQ(16777218.0F - 0.75F, 16777218.0F);
+    EXPECT_EQ(Normal({{16777216.0, 1.0, 0.0}, {0.75, 0.0, 0.0}, {16777218.0, 1.0, 0.0}}),
+              KARVGLVertex(0.0, 0.0, 2.0));
+}
+
 TEST(FaceNormal, TinyAndHugeTrianglesKeepTheirScale)
 {
     EXPECT_EQ(Normal({{0.0, 0.0, 0.0}, {1e-10, 0.0, 0.0}, {0.0, 1e-10, 0.0}}).z,
               static_cast<float>(static_cast<double>(1e-10F) * static_cast<double>(1e-10F)));
     EXPECT_EQ(Normal({{0.0, 0.0, 0.0}, {1e30, 0.0, 0.0}, {0.0, 1e30, 0.0}}).z,
               std::numeric_limits<float>::infinity());
+}
+
+TEST(FaceNormal, IsOneTracedOperationAndNoGlCall)
+{
+    KARVGraphicalEntity entity;
+    const karv_test::TraceRecording trace;
+    const karv_test::GlRecording recording;
+    (void)entity.FindFaceNormal({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}});
+    EXPECT_THAT(trace.Listing(), testing::ElementsAre("> KARVGraphicalEntity::FindFaceNormal",
+                                                      "< KARVGraphicalEntity::FindFaceNormal"));
+    EXPECT_THAT(recording.Listing(), testing::IsEmpty());
 }
 
 TEST(FaceNormal, NaNCornersGiveNaN)

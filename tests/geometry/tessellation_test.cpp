@@ -272,8 +272,10 @@ TEST_F(Tessellation, WithoutAListNameTheFaceIsDrawnDirectly)
 {
     const GlAnswer none("glGenLists", 0);
     const TraceRecording trace;
+    KARVGLFace square = Square();
+    square.displayList = 4711;
     const GlRecording recording;
-    const Entity entity = EntityOf(Square());
+    const Entity entity = EntityOf(square);
     EXPECT_EQ(entity.faces.at(0).displayList, 0U);
     EXPECT_THAT(recording.Listing(), ElementsAre("glGenLists(1)"));
     EXPECT_THAT(trace.Faults(), IsEmpty());
@@ -283,8 +285,10 @@ TEST_F(Tessellation, WithoutATessellatorTheListNameIsAbandoned)
 {
     const GlAnswer none("gluNewTess", 0);
     const TraceRecording trace;
+    KARVGLFace square = Square();
+    square.displayList = 4711;
     const GlRecording recording;
-    const Entity entity = EntityOf(Square());
+    const Entity entity = EntityOf(square);
     EXPECT_EQ(entity.faces.at(0).displayList, 0U);
     EXPECT_THAT(recording.Listing(), ElementsAre("glGenLists(1)", "gluNewTess()"));
     EXPECT_THAT(trace.Faults(), IsEmpty());
@@ -388,6 +392,29 @@ TEST_F(Tessellation, FaultInItIsReportedByTheConstructor)
     });
     ASSERT_EQ(trace.Faults().size(), 1U);
     EXPECT_THAT(trace.Faults().at(0), testing::StartsWith(R"(.\KARVGraphicalEntity.cpp:)"));
+}
+
+TEST_F(Tessellation, FaultInALaterFaceLeavesWhatTheEntityHadByThen)
+{
+    const auto hook = ThrowAt("glGenLists", 2, 42);
+    Entity entity({Square(), Square()}, Entity::EntityType5, kRed);
+    // Faces, category, colour and box come after the tessellation of them all.
+    EXPECT_EQ(entity.GetFaceNumber(), 0);
+    EXPECT_EQ(entity.entityType, Entity::EntityType0);
+    EXPECT_EQ(entity.color, KARVGLVertex());
+    EXPECT_FALSE(entity.extentsValid);
+    EXPECT_EQ(entity.alpha, 1.0F);
+}
+
+TEST_F(Tessellation, ListIsStoredOnlyWhenItIsClosed)
+{
+    KARVGLFace square = Square();
+    square.displayList = 4711;
+    Entity entity;
+    const auto hook = ThrowAt("glEndList", 1, 42);
+    const auto call = [&] { entity.TesselateFace(square); };
+    EXPECT_ANY_THROW(call());
+    EXPECT_EQ(square.displayList, 4711U);
 }
 
 TEST_F(Tessellation, OpensNoTraceEntryOfItsOwn)

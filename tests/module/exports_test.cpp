@@ -196,6 +196,20 @@ TEST(Exports, EveryBoundaryClassIsThere)
         EXPECT_TRUE(Exports(name)) << name;
 }
 
+TEST(Exports, EntryPointsForTheHostAreThereUndecorated)
+{
+    std::vector<std::string> names;
+    for (const Symbol& symbol : Symbols("--defined-only", false))
+        names.push_back(symbol.name);
+    EXPECT_THAT(names, Contains("acrxEntryPoint"));
+    EXPECT_THAT(names, Contains("acrxGetApiVersion"));
+}
+
+TEST(Exports, ProcessNotificationsAreTheModulesOwn)
+{
+    EXPECT_FALSE(Exports("DllMain"));
+}
+
 TEST(Imports, GlFunctionsAreOfOpenGl11OrGlu)
 {
     std::set<std::string> known = Words(kOpenGl11);

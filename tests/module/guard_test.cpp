@@ -4,8 +4,11 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
+#include <vector>
 
 using karv::Guarded;
 using karv_test::TraceRecording;
@@ -68,6 +71,14 @@ TEST(Guard, GivenLineIsReported)
     Guarded(
         L"Thing::Do", kFile, [] { throw 1; }, 4711);
     EXPECT_THAT(trace.Faults(), ElementsAre(R"(.\Source.cpp:4711)"));
+}
+
+TEST(Guard, LinesAreCountedOnFromThePlacesFirst)
+{
+    const TraceRecording trace;
+    Guarded(
+        L"Thing::Do", karv::FaultPlace(kFile, 2000), [] { throw 1; }, 47);
+    EXPECT_THAT(trace.Faults(), ElementsAre(R"(.\Source.cpp:2047)"));
 }
 
 TEST(Guard, LocalsOfTheBodyAreUnwoundBeforeTheEntryCloses)
@@ -216,5 +227,6 @@ TEST(Guard, HundredFaultsInARowAreHundredReports)
 
 TEST(Guard, ZeroOfTheToolsLibraryIsZero)
 {
+    static_assert(std::is_same_v<decltype(CTqCrashHandler::mov_rax_0()), std::int64_t>);
     EXPECT_EQ(CTqCrashHandler::mov_rax_0(), 0);
 }

@@ -10,9 +10,9 @@ trap 'rm -rf "$work"' EXIT
 failures=0
 
 # A project with our commands, whose packages, build and viewer are stand-ins.
-mkdir -p "$work/tools" "$work/bin" "$work/build/linux" "$work/build/linux-bench" "$work/elsewhere/deep"
+mkdir -p "$work/tools" "$work/bin" "$work/elsewhere/deep" "$work/build/"{linux,linux-bench,linux-coverage}
 cp "$root/run" "$root/test" "$work"
-cp "$root/tools/build" "$work/tools/build"
+cp "$root/tools/build" "$root/tools/coverage" "$root/tools/mutate" "$work/tools"
 touch "$work/CMakePresets.json"
 ln -s "$work/run" "$work/elsewhere/show"
 
@@ -28,6 +28,13 @@ make_stub()
     make_stub bin/ninja 'echo "${NINJA_SAYS:-[1/2] compiling}"'
     make_stub bin/ctest 'echo "ctest $1 $2 in $PWD" >>"$WORK/calls"; echo summary; exit "${CTEST_STATUS:-0}"'
     make_stub build/linux-bench/karv_bench 'printf "table "; printf "[%s]" "$@"; exit "${BENCH_STATUS:-0}"'
+    for program in frame_cost_tests module_tests; do
+        make_stub "build/linux-coverage/$program" \
+            'echo "${0##*/} $1 on ${KARV_TEST_BACKEND:-any}" >>"$WORK/calls"; exit "${TESTS_STATUS:-0}"'
+    done
+    make_stub bin/gcovr 'echo table; [[ $* != *--cobertura* ]] || cp "$WORK/counts.xml" build/linux-coverage/report.xml
+        [[ $* != *--txt\ build* ]] || echo "table" >build/linux-coverage/report.txt'
+    make_stub bin/nice 'echo "nice $*" >>"$WORK/calls"'
     make_stub build/linux/karv-view 'printf "[%s]" "$PWD" "$@"; exit "${VIEWER_STATUS:-0}"'
 }
 
@@ -96,6 +103,38 @@ ctest --preset linux-sanitize in $work"
 expect 'test ends with the summary' "$status $said" '0 summary'
 CTEST_STATUS=8 call "$work" ./test linux
 expect 'test ends as CTest does' "$status" 8
+
+mkdir -p "$work/camera"
+printf 'int F(int a)\n{\n    return a ? 1 : 0;\n    done();\n}\n' >"$work/camera/a.cpp"
+cat >"$work/counts.xml" <<'COUNTS'
+<class name="a_cpp" filename="camera/a.cpp" line-rate="0.5">
+  <methods/>
+  <lines>
+    <line number="1" hits="7" branch="false"/>
+    <line number="3" hits="7" branch="true" condition-coverage="50% (1/2)">
+    <line number="4" hits="0" branch="false"/>
+    <line number="5" hits="7" branch="true" condition-coverage="100% (2/2)">
+COUNTS
+touch "$work/build/linux-coverage/old.gcda"
+call "$work/elsewhere" ../test coverage
+expect 'test coverage sets up, builds, and runs the tests of the module' "$calls" "setup build test coverage
+cmake --preset linux-coverage
+cmake --build --preset linux-coverage
+frame_cost_tests --gtest_brief=1 on any
+module_tests --gtest_brief=1 on any
+module_tests --gtest_brief=1 on x11"
+expect 'coverage ends with the lines and branches that were not reached' "$status $said" '0 table
+*Not reached:
+camera/a.cpp:3: 50% (1/2) of the branches: return a ? 1 : 0;
+camera/a.cpp:4: not reached: done();'
+expect 'coverage forgets what earlier runs have counted' "$(find "$work/build" -name '*.gcda')" ''
+TESTS_STATUS=1 call "$work" ./test coverage
+expect 'coverage ends where a test fails' "$status $said" '1 '
+
+call "$work/elsewhere" ../tools/mutate --sample 5
+expect 'mutate sets up, and passes its arguments on' "$calls" \
+    $'setup build test mutation\nnice /usr/bin/python3 -B tools/mutation/run.py --sample 5'
+
 call "$work" ./test windows
 expect 'test refuses a system that it does not know' "$status $complained$calls" '2 usage: *'
 call "$work" ./test linux more

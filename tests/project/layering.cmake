@@ -7,6 +7,7 @@ cmake_minimum_required(VERSION 3.25)
 set(rules
     "^platform/tools/=platform/tools/|platform/winsys/export.h"
     "^platform/host/=platform/host/|platform/winsys/export.h"
+    "^platform/modeler/=platform/modeler/|platform/host/|platform/winsys/[a-z_]+.h"
     "^platform/framework/=platform/framework/|platform/winsys/winsys.h|platform/winsys/export.h"
     "^platform/winsys/=platform/winsys/|platform/tools/"
     "^platform/=platform/"
@@ -22,7 +23,7 @@ set(rules
 # The boundary of the module, which is all that its clients may include of it.
 set(boundary "control/KARVOpenGLControl.h|camera/KARVGLCamera.h|geometry/KARVG[A-Za-z]+.h")
 # The folders that implement the window system belong to it alone.
-set(platform "platform/(tools|host|framework)/|platform/winsys/[a-z_]+.h")
+set(platform "platform/(tools|host|modeler|framework)/|platform/winsys/[a-z_]+.h")
 set(system_macros "_WIN32|_WIN64|WIN32|__linux__|__linux|__unix__|__APPLE__|_MSC_VER|__MINGW32__|__MINGW64__")
 
 set(found 0)

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <string>
@@ -188,6 +189,58 @@ TEST(FittedScene, FacesShowTheirOutsideAndItIsLit)
         EXPECT_GE(middle >> 16U, 250U) << NameOf(standard_view);
         EXPECT_LT(middle & 0xFFU, 250U) << NameOf(standard_view);
     }
+}
+
+/// How many pixels are not black.
+int DrawnPixels(const Picture& picture)
+{
+    return static_cast<int>(
+        std::ranges::count_if(picture.pixels, [](std::uint32_t pixel) { return pixel != 0; }));
+}
+
+TEST(FittedSceneLines, SolidShowsItsEdgesInLineModeAndNoneAmongItsFaces)
+{
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
+    view.Control().SetBgColor(0, 0, 0);
+    FittedScene scene(view.Control(), BoxModel(BoxOf({0, 0, 0}, {1, 1, 1})));
+    scene.Show(StandardView::Front, Projection::Parallel, 1.0);
+    const Picture faces = view.TakePicture();
+    EXPECT_NE(faces.At(50, 50), 0U);
+    scene.DrawLines(true);
+    const Picture lines = view.TakePicture();
+    EXPECT_EQ(lines.At(50, 50), 0U) << "nothing within the outline";
+    EXPECT_GT(DrawnPixels(lines), 100);
+    scene.DrawLines(false);
+    EXPECT_EQ(view.TakePicture().pixels, faces.pixels);
+}
+
+TEST(FittedSceneLines, SurfaceShowsItsBorderInLineModeAlone)
+{
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
+    view.Control().SetBgColor(0, 0, 0);
+    // Two squares side by side, one of them in another category.
+    Model model;
+    model.pieces.push_back(
+        {"a", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}, 0, 1, 1.0F});
+    model.pieces.push_back(
+        {"b", {MakeFace({{2, 0, 0}, {3, 0, 0}, {3, 1, 0}, {2, 1, 0}}).value()}, 1, 3, 1.0F});
+    FittedScene scene(view.Control(), model);
+    scene.Show(StandardView::Top, Projection::Parallel, 1.0);
+    const Picture faces = view.TakePicture();
+    view.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(0));
+    view.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(1));
+    EXPECT_EQ(DrawnPixels(view.TakePicture()), 0) << "no lines among faces";
+    scene.DrawLines(true);
+    const Picture lines = view.TakePicture();
+    EXPECT_GT(DrawnPixels(lines), 40);
+    EXPECT_LT(DrawnPixels(lines), DrawnPixels(faces));
+    const auto has = [&](std::uint32_t mask) {
+        return std::ranges::any_of(lines.pixels, [&](std::uint32_t pixel) { return (pixel & mask) != 0; });
+    };
+    EXPECT_TRUE(has(0xFF0000U)) << "in the colour of the piece";
+    EXPECT_TRUE(has(0x00FF00U));
 }
 
 } // namespace

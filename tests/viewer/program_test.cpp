@@ -137,13 +137,20 @@ TEST_F(Program, AlphaWithoutTransparentGivesAHintAndAPicture)
     EXPECT_EQ(View("--alpha 0.5 --transparent --picture p.png --size 64x64").err, "");
 }
 
-TEST_F(Program, LineModeGivesAHintAndAPictureOfTheBackground)
+TEST_F(Program, LineModeShowsTheEdgesOfSolidsAndOfSurfaces)
 {
-    const ProgramRun run = View("--mode lines --picture p.png --size 64x64");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_THAT(run.err, HasSubstr("--mode lines"));
-    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
-    EXPECT_THAT(Names(), ElementsAre("p.png"));
+    Write("cube.obj", kCubeObj);
+    Write("triangle.obj", kTriangleObj);
+    const std::string common = " --size 64x64 --background 1,2,3 --picture ";
+    for (const std::string model : {"cube.obj", "triangle.obj"}) {
+        const ProgramRun run = View("--mode lines " + model + common + "lines.png");
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.err, "");
+        ASSERT_EQ(View(model + common + "faces.png").status, 0);
+        ASSERT_EQ(View("--hide 0 " + model + common + "none.png").status, 0);
+        EXPECT_NE(Read("lines.png"), Read("none.png")) << model;
+        EXPECT_NE(Read("lines.png"), Read("faces.png")) << model;
+    }
 }
 
 TEST_F(Program, TraceHoldsTheCallsOfTheWholeRun)

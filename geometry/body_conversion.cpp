@@ -1,0 +1,66 @@
+// Solids of the modeler as faces and line segments.
+#include "geometry/KARVGraphicalEntity.h"
+
+#include "geometry/entity_source.h"
+#include "module/guard.h"
+#include "platform/modeler/body.h"
+
+#include <vector>
+
+using karv::Guarded;
+using karv::kEntityBodySource;
+
+namespace
+{
+
+KARVGLVertex Narrowed(const AcGePoint3d& point)
+{
+    return {point.x, point.y, point.z};
+}
+
+/// The start points of the loop's edges, at most as many as the face counts: a loop may end early.
+KARVGLFace ToFace(AModeler::Face& source)
+{
+    KARVGLFace face;
+    const AModeler::Edge* edge = source.edgeLoop();
+    for (int taken = 0; taken < source.edgeCount() && edge != nullptr; ++taken) {
+        face.vertices.push_back(Narrowed(edge->vertex()->point()));
+        edge = edge->next();
+    }
+    if (!source.isPlaneEvaluated())
+        source.evaluatePlane();
+    const AcGeVector3d& normal = source.plane().normal;
+    face.normal = KARVGLVertex(normal.x, normal.y, normal.z);
+    return face;
+}
+
+} // namespace
+
+void KARVGraphicalEntity::CreateGLCache(AModeler::Body* body)
+{
+    Guarded(L"KARVGraphicalEntity::CreateGLCache", kEntityBodySource, [&] {
+        faces.reserve(static_cast<std::size_t>(body->faceCount()));
+        // Faces of bodies are never tessellated: a concave one is drawn as a fan.
+        for (AModeler::Face* face = body->faceList(); face != nullptr; face = face->next())
+            faces.push_back(ToFace(*face));
+
+        std::vector<AModeler::Edge*> edges;
+        std::vector<AModeler::Vertex*> vertices;
+        body->getPhysicalEdgesAndVertices(true, true, edges, vertices);
+        for (const AModeler::Edge* edge : edges) {
+            if (edge == nullptr || edge->next() == nullptr)
+                continue;
+            const KARVGLVertex start = Narrowed(edge->vertex()->point());
+            const KARVGLVertex end = Narrowed(edge->next()->vertex()->point());
+            lineVertices.push_back(start);
+            lineVertices.push_back(end);
+            if (!extentsValid) {
+                // The far corner keeps the origin, as for a line.
+                minExtent = end;
+                extentsValid = true;
+            }
+            DoesPointContainExtent(start, minExtent, maxExtent);
+            DoesPointContainExtent(end, minExtent, maxExtent);
+        }
+    });
+}

@@ -1,0 +1,34 @@
+#include "module/extension_module.h"
+
+namespace karv
+{
+
+// Built before anything runs: the attach notification comes while other static objects are being built.
+constinit ExtensionModule extension_module;
+constinit HINSTANCE module_instance = nullptr;
+
+ExtensionModule::~ExtensionModule()
+{
+    Detach();
+}
+
+void ExtensionModule::Attach(HINSTANCE instance)
+{
+    if (attached != 0 || AfxInitExtensionModule(state, instance) == FALSE)
+        return;
+    default_resources = AfxGetResourceHandle();
+    module_resources = instance;
+    attached = 1;
+    // The framework frees it when the module leaves the chain.
+    new CDynLinkLibrary(state, FALSE);
+}
+
+void ExtensionModule::Detach()
+{
+    if (attached == 0)
+        return;
+    AfxTermExtensionModule(state, FALSE);
+    attached = 0;
+}
+
+} // namespace karv

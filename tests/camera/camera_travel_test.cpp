@@ -1,0 +1,363 @@
+#include "tests/camera/camera_checks.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+using karv_test::Cos;
+using karv_test::FrontCamera;
+using karv_test::GlobalTolerance;
+using karv_test::IsAt;
+using karv_test::SameCamera;
+using karv_test::SameFrame;
+using karv_test::SamePlace;
+using karv_test::Sin;
+using karv_test::View;
+
+namespace
+{
+
+constexpr float kNaNf = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinityf = std::numeric_limits<float>::infinity();
+
+const AcGeVector3d& X = AcGeVector3d::kXAxis;
+const AcGeVector3d& Y = AcGeVector3d::kYAxis;
+const AcGeVector3d& Z = AcGeVector3d::kZAxis;
+
+} // namespace
+
+TEST(CameraPan, FrontViewMovesAlongWorldXAndZ)
+{
+    KARVGLCamera camera = FrontCamera(10.0, {1.0, 2.0, 3.0});
+    camera.PanCamera(2.5F, X);
+    EXPECT_TRUE(IsAt(camera.position, 3.5, -8, 3));
+    EXPECT_TRUE(IsAt(camera.target, 3.5, 2, 3));
+    camera.PanCamera(-1.5F, Z);
+    EXPECT_TRUE(IsAt(camera.position, 3.5, -8, 1.5));
+    EXPECT_TRUE(IsAt(camera.target, 3.5, 2, 1.5));
+}
+
+TEST(CameraPan, LeavesTheFrame)
+{
+    KARVGLCamera camera = View(&KARVGLCamera::SetViewSE);
+    camera.upVector = {1.0, 2.0, 3.0};
+    const KARVGLCamera before = camera;
+    camera.PanCamera(3.0F, X);
+    camera.PanCamera(3.0F, Z);
+    EXPECT_TRUE(SameFrame(camera, before));
+}
+
+TEST(CameraPan, AnyAxisButWorldXMovesUpTheScreen)
+{
+    KARVGLCamera expected = FrontCamera();
+    expected.PanCamera(2.0F, Z);
+    const std::vector<AcGeVector3d> axes = {
+        Y, {-1.0, 0.0, 0.0}, {2.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {1.0 + 1e-9, 0.0, 0.0}};
+    for (const AcGeVector3d& axis : axes) {
+        KARVGLCamera camera = FrontCamera();
+        camera.PanCamera(2.0F, axis);
+        EXPECT_TRUE(SameCamera(camera, expected)) << axis.x << ' ' << axis.y << ' ' << axis.z;
+    }
+}
+
+TEST(CameraPan, AxisWithinTheToleranceOfWorldXMovesRight)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.PanCamera(2.0F, {1.0, 5e-11, 0.0});
+    EXPECT_TRUE(IsAt(camera.target, 2, 0, 0));
+}
+
+TEST(CameraPan, FromWithinTheToleranceOfStraightAboveRightIsWorldX)
+{
+    // 5e-10 in 10 is an angle of 5e-11, half of the tolerance.
+    KARVGLCamera camera;
+    camera.position = {5e-10, 0.0, 10.0};
+    camera.PanCamera(2.0F, X);
+    EXPECT_TRUE(IsAt(camera.target, 2, 0, 0));
+}
+
+TEST(CameraPan, FromBeyondTheToleranceOfStraightAboveRightFollowsTheLineOfSight)
+{
+    // Ten times the tolerance: the eye leans to +X, so it looks along -X, and right of that is +Y.
+    KARVGLCamera camera;
+    camera.position = {1e-8, 0.0, 10.0};
+    camera.PanCamera(2.0F, X);
+    EXPECT_TRUE(IsAt(camera.target, 0, 2, 0));
+}
+
+TEST(CameraPan, ToleranceIsTheProcesss)
+{
+    const GlobalTolerance coarse(0.1);
+    KARVGLCamera camera = FrontCamera();
+    camera.PanCamera(2.0F, {1.0625, 0.0, 0.0});
+    EXPECT_TRUE(IsAt(camera.target, 2, 0, 0));
+    camera.PanCamera(2.0F, {1.125, 0.0, 0.0});
+    EXPECT_TRUE(IsAt(camera.target, 2, 0, 2));
+
+    KARVGLCamera steep;
+    steep.position = {0.5, 0.0, 10.0};
+    steep.PanCamera(2.0F, X);
+    EXPECT_TRUE(IsAt(steep.target, 2, 0, 0));
+
+    // A line of sight of 0.0625 makes a right direction of that length, which is not brought to 1.
+    KARVGLCamera close = FrontCamera(0.0625);
+    close.PanCamera(2.0F, X);
+    EXPECT_TRUE(IsAt(close.target, 0.125, 0, 0));
+}
+
+TEST(CameraPan, ZeroAmountMovesNothing)
+{
+    KARVGLCamera camera = View(&KARVGLCamera::SetViewNE);
+    const KARVGLCamera before = camera;
+    camera.PanCamera(0.0F, X);
+    camera.PanCamera(0.0F, Z);
+    EXPECT_TRUE(SameCamera(camera, before));
+}
+
+TEST(CameraPan, MovesAreOfTheAmountAtAnyDistance)
+{
+    for (const double distance : {1e-4, 1.0, 1e9}) {
+        KARVGLCamera camera = FrontCamera(distance);
+        camera.PanCamera(3.0F, X);
+        camera.PanCamera(4.0F, Z);
+        EXPECT_TRUE(IsAt(camera.target, 3, 0, 4)) << distance;
+    }
+}
+
+TEST(CameraPan, AmountIsA32BitFloat)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.PanCamera(0.1F, X);
+    EXPECT_EQ(camera.target.x, static_cast<double>(0.1F));
+}
+
+TEST(CameraPan, CloserThanTheToleranceUpIsNotBroughtToLength)
+{
+    // At a distance of 1e-6 the right direction, of that length, is still longer than the tolerance of 1e-10;
+    // the direction down the screen, of its square, is not, and stays as it is.
+    KARVGLCamera camera = FrontCamera(1e-6);
+    camera.PanCamera(3.0F, X);
+    EXPECT_TRUE(IsAt(camera.target, 3, 0, 0));
+    camera.PanCamera(4.0F, Z);
+    EXPECT_NEAR(camera.target.z, 4.0 * 1e-12, 1e-24);
+}
+
+TEST(CameraPan, EyeOnTheTargetMovesNothing)
+{
+    KARVGLCamera camera;
+    camera.PanCamera(3.0F, X);
+    camera.PanCamera(3.0F, Z);
+    EXPECT_TRUE(IsAt(camera.position, 0, 0, 0, 0));
+    EXPECT_TRUE(IsAt(camera.target, 0, 0, 0, 0));
+}
+
+TEST(CameraPan, NaNSpoilsThePlaceAndNotTheFrame)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.PanCamera(kNaNf, X);
+    EXPECT_TRUE(std::isnan(camera.position.x));
+    EXPECT_TRUE(std::isnan(camera.target.x));
+    EXPECT_TRUE(SameFrame(camera, FrontCamera()));
+}
+
+TEST(CameraPan, InfiniteAmountIsTaken)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.PanCamera(kInfinityf, X);
+    EXPECT_EQ(camera.target.x, std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(SameFrame(camera, FrontCamera()));
+}
+
+TEST(CameraPan, HundredStepsAndBackComeHome)
+{
+    KARVGLCamera camera = View(&KARVGLCamera::SetViewSW);
+    const KARVGLCamera before = camera;
+    for (int i = 0; i < 100; ++i)
+        camera.PanCamera(0.7F, i % 2 == 0 ? X : Z);
+    for (int i = 0; i < 100; ++i)
+        camera.PanCamera(-0.7F, i % 2 == 0 ? X : Z);
+    EXPECT_TRUE(IsAt(camera.target, before.target.x, before.target.y, before.target.z, 1e-10));
+}
+
+namespace
+{
+
+/// A view, and the world directions that are right and up on its screen.
+struct ScreenAxes {
+    const char* name;
+    void (KARVGLCamera::*set)();
+    AcGeVector3d right;
+    AcGeVector3d up;
+};
+
+class PanInView : public testing::TestWithParam<ScreenAxes>
+{
+};
+
+const double kHalfRoot = std::sqrt(0.5);
+const double kTiltSin = Sin(static_cast<double>(35.264F));
+const double kTiltCos = Cos(static_cast<double>(35.264F));
+
+// From straight above or below, right is world X, and up is what lies at right angles to it on the screen.
+// For the iso views, an eye lifted by the tilt sees up lean back from it.
+const ScreenAxes kScreens[] = {
+    {"Front", &KARVGLCamera::SetViewFront, {1, 0, 0}, {0, 0, 1}},
+    {"Back", &KARVGLCamera::SetViewBack, {-1, 0, 0}, {0, 0, 1}},
+    {"Left", &KARVGLCamera::SetViewLeft, {0, -1, 0}, {0, 0, 1}},
+    {"Right", &KARVGLCamera::SetViewRight, {0, 1, 0}, {0, 0, 1}},
+    {"Top", &KARVGLCamera::SetViewTop, {1, 0, 0}, {0, 1, 0}},
+    {"Bottom", &KARVGLCamera::SetViewBottom, {1, 0, 0}, {0, -1, 0}},
+    {"SE",
+     &KARVGLCamera::SetViewSE,
+     {kHalfRoot, kHalfRoot, 0},
+     {-kHalfRoot * kTiltSin, kHalfRoot* kTiltSin, kTiltCos}},
+    {"SW",
+     &KARVGLCamera::SetViewSW,
+     {kHalfRoot, -kHalfRoot, 0},
+     {kHalfRoot * kTiltSin, kHalfRoot* kTiltSin, kTiltCos}},
+    {"NE",
+     &KARVGLCamera::SetViewNE,
+     {-kHalfRoot, kHalfRoot, 0},
+     {-kHalfRoot * kTiltSin, -kHalfRoot* kTiltSin, kTiltCos}},
+    {"NW",
+     &KARVGLCamera::SetViewNW,
+     {-kHalfRoot, -kHalfRoot, 0},
+     {kHalfRoot * kTiltSin, -kHalfRoot* kTiltSin, kTiltCos}},
+};
+
+} // namespace
+
+TEST_P(PanInView, MovesRightAndUpOnTheScreen)
+{
+    KARVGLCamera camera;
+    (camera.*GetParam().set)();
+    const AcGePoint3d eye = camera.position;
+    const AcGeVector3d& right = GetParam().right;
+    const AcGeVector3d& up = GetParam().up;
+    camera.PanCamera(2.0F, X);
+    EXPECT_TRUE(IsAt(camera.target, 2 * right.x, 2 * right.y, 2 * right.z));
+    camera.PanCamera(3.0F, Z);
+    const AcGeVector3d moved = right * 2.0 + up * 3.0;
+    EXPECT_TRUE(IsAt(camera.target, moved.x, moved.y, moved.z));
+    EXPECT_TRUE(IsAt(camera.position, eye.x + moved.x, eye.y + moved.y, eye.z + moved.z));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PanInView, testing::ValuesIn(kScreens),
+                         [](const auto& view) { return std::string(view.param.name); });
+
+TEST(CameraDolly, MovesTheEyeTowardsTheTarget)
+{
+    KARVGLCamera camera = FrontCamera(10.0, {1.0, 2.0, 3.0});
+    camera.ZoomCamera(4.0F);
+    EXPECT_TRUE(IsAt(camera.position, 1, -4, 3));
+    EXPECT_TRUE(IsAt(camera.target, 1, 2, 3, 0));
+}
+
+TEST(CameraDolly, NegativeAmountMovesAway)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.ZoomCamera(-5.0F);
+    EXPECT_TRUE(IsAt(camera.position, 0, -15, 0));
+}
+
+TEST(CameraDolly, LeavesFrameAndUpVector)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.upVector = {1.0, 2.0, 3.0};
+    const KARVGLCamera before = camera;
+    camera.ZoomCamera(4.0F);
+    EXPECT_TRUE(SameFrame(camera, before));
+}
+
+TEST(CameraDolly, FollowsATurnedFrame)
+{
+    KARVGLCamera camera = View(&KARVGLCamera::SetViewSE);
+    const AcGeVector3d before = camera.position - camera.target;
+    camera.ZoomCamera(4.0F);
+    // 6 of the 10 units are left.
+    EXPECT_TRUE(IsAt(camera.position, before.x * 0.6, before.y * 0.6, before.z * 0.6));
+}
+
+TEST(CameraDolly, ReachingTheTargetDoesNothing)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.ZoomCamera(10.0F);
+    EXPECT_TRUE(SameCamera(camera, FrontCamera()));
+}
+
+TEST(CameraDolly, PassingTheTargetDoesNothing)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.ZoomCamera(12.0F);
+    EXPECT_TRUE(SameCamera(camera, FrontCamera()));
+}
+
+TEST(CameraDolly, JustBeforeTheTargetMoves)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.ZoomCamera(9.5F);
+    EXPECT_TRUE(IsAt(camera.position, 0, -0.5, 0));
+}
+
+TEST(CameraDolly, ZeroAmountMovesNothing)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.ZoomCamera(0.0F);
+    EXPECT_TRUE(SamePlace(camera, FrontCamera()));
+}
+
+TEST(CameraDolly, FrameThatLooksElsewhereMovesNothing)
+{
+    // Placed by hand: the frame still looks along +Y, the target lies along -X.
+    KARVGLCamera camera;
+    camera.SetCamera({5.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {0.0, 0.0, 1.0});
+    const KARVGLCamera before = camera;
+    camera.ZoomCamera(1.0F);
+    EXPECT_TRUE(SameCamera(camera, before));
+}
+
+TEST(CameraDolly, FollowsTheFrameAndNotTheLineOfSight)
+{
+    // A frame 3 and 4 parts of 5 off the line of sight, where that counts as the same direction.
+    const GlobalTolerance coarse(1.0);
+    KARVGLCamera camera = FrontCamera();
+    camera.yAxis = {0.6, 0.8, 0.0};
+    camera.xAxis = {0.8, -0.6, 0.0};
+    camera.ZoomCamera(5.0F);
+    EXPECT_TRUE(IsAt(camera.position, 3, -6, 0));
+}
+
+TEST(CameraDolly, FrameOffTheLineOfSightMovesNothing)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.yAxis = {0.6, 0.8, 0.0};
+    camera.xAxis = {0.8, -0.6, 0.0};
+    const KARVGLCamera before = camera;
+    camera.ZoomCamera(5.0F);
+    EXPECT_TRUE(SameCamera(camera, before));
+}
+
+TEST(CameraDolly, AmountIsA32BitFloat)
+{
+    KARVGLCamera camera;
+    camera.target = {0.0, 1.0, 0.0};
+    camera.ZoomCamera(0.1F);
+    EXPECT_EQ(camera.position.y, static_cast<double>(0.1F));
+}
+
+TEST(CameraDolly, EyeOnTheTargetMovesNothing)
+{
+    KARVGLCamera camera;
+    camera.ZoomCamera(1.0F);
+    EXPECT_TRUE(SameCamera(camera, KARVGLCamera()));
+}
+
+TEST(CameraDolly, NaNAmountMovesNothing)
+{
+    KARVGLCamera camera = FrontCamera();
+    camera.ZoomCamera(kNaNf);
+    EXPECT_TRUE(SameCamera(camera, FrontCamera()));
+}

@@ -1,0 +1,224 @@
+// What the mouse's distances and the wheel's turns become: queued turns and pans, and factors of the zoom.
+#include "tests/control/mouse_test.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace karv_test;
+using testing::ElementsAre;
+
+namespace
+{
+
+using ControlMouseAmounts = ControlMouse;
+
+// The three queued amounts.
+
+TEST_F(ControlMouseAmounts, RotationIsHalfADegreePerPixel)
+{
+    control_->GLMouseRotate(3, 5);
+    EXPECT_EQ(control_->pendingRotateX, 2.5F);
+    EXPECT_EQ(control_->pendingRotateZ, -1.5F);
+}
+
+TEST_F(ControlMouseAmounts, RotationReplacesTheOneThatWaits)
+{
+    control_->GLMouseRotate(3, 5);
+    control_->GLMouseRotate(1, 1);
+    EXPECT_EQ(control_->pendingRotateX, 0.5F);
+    EXPECT_EQ(control_->pendingRotateZ, -0.5F);
+}
+
+TEST_F(ControlMouseAmounts, NoDistanceGivesAnOrbitOfMinusZero)
+{
+    control_->GLMouseRotate(0, 0);
+    EXPECT_EQ(control_->pendingRotateX, 0.0F);
+    EXPECT_FALSE(std::signbit(control_->pendingRotateX));
+    EXPECT_EQ(control_->pendingRotateZ, 0.0F);
+    EXPECT_TRUE(std::signbit(control_->pendingRotateZ)); // (0 x 0.5) x -1
+}
+
+TEST_F(ControlMouseAmounts, RotationOfAFullTurnIsKept)
+{
+    control_->GLMouseRotate(720, 720);
+    EXPECT_EQ(control_->pendingRotateX, 360.0F);
+    EXPECT_EQ(control_->pendingRotateZ, -360.0F);
+    control_->GLMouseRotate(-720, -720);
+    EXPECT_EQ(control_->pendingRotateX, -360.0F);
+    EXPECT_EQ(control_->pendingRotateZ, 360.0F);
+}
+
+TEST_F(ControlMouseAmounts, RotationBeyondAFullTurnIsDropped)
+{
+    for (const int pixels : {721, -721, 100000, std::numeric_limits<int>::min()}) {
+        control_->GLMouseRotate(pixels, pixels);
+        EXPECT_EQ(control_->pendingRotateX, 0.0F) << pixels;
+        EXPECT_EQ(control_->pendingRotateZ, 0.0F) << pixels;
+    }
+}
+
+TEST_F(ControlMouseAmounts, RotationIsDroppedForEachAxisAlone)
+{
+    control_->GLMouseRotate(721, 10);
+    EXPECT_EQ(control_->pendingRotateX, 5.0F);
+    EXPECT_EQ(control_->pendingRotateZ, 0.0F);
+    control_->GLMouseRotate(10, 721);
+    EXPECT_EQ(control_->pendingRotateX, 0.0F);
+    EXPECT_EQ(control_->pendingRotateZ, -5.0F);
+}
+
+TEST_F(ControlMouseAmounts, JumpOfMoreThanAFullTurnTurnsNothing)
+{
+    Move(MK_LBUTTON, 721, -721);
+    ExpectUnmoved();
+}
+
+TEST_F(ControlMouseAmounts, PanFactorsAreFloatsAndTheirProductIsDouble)
+{
+    control_->panScale = 0.5F;
+    control_->sceneSize = 132.375F;
+    control_->zoomFactor = 3.75F;
+    control_->GLMousePan(868, -868);
+    // 0.5 x 0.01 is 0.004999999888241291 in floats, 132.375 / 4.45 is 29.7471923828125; with 3.75 and 868
+    // that is 484.13555..., whose nearest float is this. Floats all the way, a float k, doubles all the way,
+    // and double factors of float constants each give 0x1.e422b2p+8.
+    EXPECT_EQ(control_->pendingPanX, 0x1.e422b4p+8F);
+    EXPECT_EQ(control_->pendingPanZ, -0x1.e422b4p+8F);
+}
+
+TEST_F(ControlMouseAmounts, PanReplacesTheOneThatWaits)
+{
+    control_->GLMousePan(100, 100);
+    control_->GLMousePan(0, 0);
+    EXPECT_EQ(control_->pendingPanX, 0.0F);
+    EXPECT_EQ(control_->pendingPanZ, 0.0F);
+}
+
+TEST_F(ControlMouseAmounts, PanOfAnEmptySceneIsNothing)
+{
+    control_->sceneSize = 0.0F;
+    control_->GLMousePan(100, 100);
+    EXPECT_EQ(control_->pendingPanX, 0.0F);
+    EXPECT_EQ(control_->pendingPanZ, 0.0F);
+}
+
+TEST_F(ControlMouseAmounts, ZoomChangesBothKindsTogether)
+{
+    control_->fieldOfView = 30.0F;
+    control_->zoomFactor = 2.0F;
+    control_->GLMouseZoom(50); // 1.5
+    EXPECT_EQ(control_->fieldOfView, 45.0F);
+    EXPECT_EQ(control_->zoomFactor, 3.0F);
+}
+
+TEST_F(ControlMouseAmounts, ZoomFactorIsFormedInFloats)
+{
+    // 33 x 0.01 rounds to a float before 1 is added. In doubles it would be 0x1.547ae2p+0.
+    control_->GLMouseZoom(33);
+    EXPECT_EQ(control_->zoomFactor, 0x1.547aep+0F);
+}
+
+TEST_F(ControlMouseAmounts, ZoomOfAHundredUpIsNothingLeftAndRecovers)
+{
+    Move(0, 0, 100);
+    Move(MK_RBUTTON, 0, 0); // dy is -100: factor 0
+    EXPECT_EQ(control_->fieldOfView, 0.01F);
+    EXPECT_EQ(control_->zoomFactor, 0.0F); // the perspective limits its own value only
+    Move(MK_RBUTTON, 0, 100);              // factor 2
+    EXPECT_EQ(control_->fieldOfView, 0.02F);
+}
+
+TEST_F(ControlMouseAmounts, ParallelZoomOfAHundredUpIsNothingLeftAndRecovers)
+{
+    control_->SetToPerspective(false);
+    Move(0, 0, 100);
+    Move(MK_RBUTTON, 0, 0);
+    EXPECT_EQ(control_->zoomFactor, 0.01F);
+    Move(MK_RBUTTON, 0, 100);
+    EXPECT_EQ(control_->zoomFactor, 0.02F);
+}
+
+TEST_F(ControlMouseAmounts, ZoomBelowNothingIsLimitedAtTheRedraw)
+{
+    Move(0, 0, 500);
+    Move(MK_RBUTTON, 0, 0); // factor -4
+    EXPECT_EQ(control_->fieldOfView, 0.01F);
+}
+
+// The wheel.
+
+TEST_F(ControlMouseAmounts, WheelForwardZoomsInByTwelvePerCent)
+{
+    control_->OnMouseWheel(0, 120, CPoint(0, 0));
+    EXPECT_FLOAT_EQ(control_->zoomFactor, 0.88F);
+    EXPECT_FLOAT_EQ(control_->fieldOfView, 35.2F);
+}
+
+TEST_F(ControlMouseAmounts, WheelBackZoomsOutByTwelvePerCent)
+{
+    control_->OnMouseWheel(0, -120, CPoint(0, 0));
+    EXPECT_FLOAT_EQ(control_->zoomFactor, 1.12F);
+    EXPECT_FLOAT_EQ(control_->fieldOfView, 44.8F);
+}
+
+TEST_F(ControlMouseAmounts, WheelOfLessThanTenDoesNotZoomButRedraws)
+{
+    const GlRecording gl;
+    for (const short delta : {short{5}, short{-5}, short{9}, short{-9}, short{0}})
+        control_->OnMouseWheel(0, delta, CPoint(0, 0));
+    EXPECT_EQ(control_->zoomFactor, 1.0F);
+    EXPECT_EQ(control_->fieldOfView, 40.0F);
+    EXPECT_EQ(gl.Count("gluLookAt"), 5);
+}
+
+TEST_F(ControlMouseAmounts, WheelIsCutTowardsZero)
+{
+    control_->OnMouseWheel(0, 19, CPoint(0, 0)); // -1, not -2
+    EXPECT_FLOAT_EQ(control_->zoomFactor, 0.99F);
+}
+
+TEST_F(ControlMouseAmounts, FarthestWheelsDoNotOverflow)
+{
+    control_->OnMouseWheel(0, std::numeric_limits<short>::min(), CPoint(0, 0)); // 3276: factor 33.76
+    EXPECT_FLOAT_EQ(control_->zoomFactor, 33.76F);
+    EXPECT_EQ(control_->fieldOfView, 150.0F);
+    control_->ResetCameraZoom();
+    control_->OnMouseWheel(0, std::numeric_limits<short>::max(), CPoint(0, 0)); // -3276: factor -31.76
+    EXPECT_FLOAT_EQ(control_->zoomFactor, -31.76F);
+    EXPECT_EQ(control_->fieldOfView, 0.01F);
+}
+
+TEST_F(ControlMouseAmounts, WheelLeavesThePointerPlaceAndTheCamera)
+{
+    control_->OnMouseWheel(MK_LBUTTON, 120, CPoint(30, 40));
+    ExpectOnlyZoomed();
+    EXPECT_EQ(control_->lastMousePoint.x, 0.0F);
+    EXPECT_EQ(control_->lastMousePoint.y, 0.0F);
+}
+
+TEST_F(ControlMouseAmounts, WheelRedraws)
+{
+    const GlRecording gl;
+    control_->OnMouseWheel(0, 120, CPoint(0, 0));
+    EXPECT_THAT(gl.Listing(), ElementsAre("glLoadIdentity()", "glMatrixMode(GL_PROJECTION)",
+                                          "glLoadIdentity()", "gluPerspective(35.2, 2, 0.01, 600)",
+                                          "glMatrixMode(GL_MODELVIEW)", "glMatrixMode(GL_MODELVIEW)",
+                                          "glLoadIdentity()", "gluLookAt(1.5, -4, 0, 1.5, 2, 0, 0, 0, 1)"));
+}
+
+TEST_F(ControlMouseAmounts, WheelOpensNoEntryOfItsOwn)
+{
+    const TraceRecording trace;
+    control_->OnMouseWheel(0, 120, CPoint(0, 0));
+    EXPECT_THAT(trace.OutermostCalls(),
+                ElementsAre("KARVOpenGLControl::GLMouseZoom", "KARVOpenGLControl::OnDraw"));
+}
+
+TEST_F(ControlMouseAmounts, WheelStillZoomsWithoutUserControl)
+{
+    control_->KillUserControl();
+    control_->OnMouseWheel(0, 120, CPoint(0, 0));
+    EXPECT_FLOAT_EQ(control_->zoomFactor, 0.88F);
+}
+
+} // namespace

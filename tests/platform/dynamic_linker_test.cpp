@@ -1,0 +1,613 @@
+#include "platform/host/rx/dynamic_linker.h"
+
+#include "platform/host/rx/entry_points.h"
+#include "platform/host/rx/module_loader.h"
+#include "platform/host/rx/system_registry.h"
+#include "tests/platform/temporary_folder.h"
+#include "tests/support/process_files.h"
+#include "tests/support/puppeteer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+using host::Answer;
+using host::Message;
+using host::ModuleLoader;
+using karv_test::IsMapped;
+using karv_test::Puppeteer;
+using karv_test::TemporaryFolder;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace
+{
+
+constexpr std::string_view kPuppet = "test_module_puppet";
+
+std::string NameOf(std::string_view module)
+{
+    return KARV_MODULE_PREFIX + std::string(module) + KARV_MODULE_SUFFIX;
+}
+
+std::string FileOf(std::string_view module)
+{
+    return std::string(KARV_TEST_MODULES) + "/" + NameOf(module);
+}
+
+std::string Content(const std::string& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void Write(const std::string& file, std::string_view content)
+{
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+/// A loader with nothing loaded, and a test's module that follows a script.
+class DynamicLinker : public testing::Test
+{
+  protected:
+    /// The loader's end sends messages, which no script of a test that is over must answer.
+    void TearDown() override { puppeteer_.script = nullptr; }
+
+    /// The error of loading a file, which must leave the loader as it was.
+    std::string ErrorOf(const std::string& file)
+    {
+        const std::size_t before = loader_.Modules().size();
+        std::string error = "no error";
+        try {
+            loader_.Load(file);
+        } catch (const std::runtime_error& thrown) {
+            error = thrown.what();
+        }
+        EXPECT_THAT(loader_.Modules(), SizeIs(before));
+        EXPECT_EQ(std::ranges::count(error, '\n'), 0) << error;
+        return error;
+    }
+    /// The same for a module of the tests, which must not be mapped afterwards.
+    std::string ErrorOfModule(std::string_view module)
+    {
+        const std::string file = FileOf(module);
+        std::string error = ErrorOf(file);
+        EXPECT_FALSE(IsMapped(NameOf(module)));
+        EXPECT_THAT(error, StartsWith(file + ": "));
+        return error.substr(std::min(error.size(), file.size() + 2));
+    }
+    std::string UnloadError(void* application)
+    {
+        try {
+            loader_.Unload(application);
+        } catch (const std::runtime_error& thrown) {
+            return thrown.what();
+        }
+        return "no error";
+    }
+    /// A module that makes both registrations.
+    void* LoadGoodPuppet(std::string_view module = kPuppet)
+    {
+        puppeteer_.script = [this](Message message, void* application) {
+            if (message == Message::Initialise) {
+                loader_.allowUnload(application);
+                loader_.allowManyDocuments(application);
+            }
+            return Answer::Ok;
+        };
+        return loader_.Load(FileOf(module));
+    }
+
+    Puppeteer puppeteer_;
+    ModuleLoader loader_;
+};
+
+using DynamicLinkerFiles = DynamicLinker;
+using DynamicLinkerUnload = DynamicLinker;
+using ProcessNotifications = DynamicLinker;
+
+TEST_F(DynamicLinker, NewOneHasNothingLoaded)
+{
+    EXPECT_THAT(loader_.Modules(), IsEmpty());
+    EXPECT_EQ(loader_.isA(), AcRxDynamicLinker::desc());
+}
+
+TEST_F(DynamicLinker, LoadedModuleGetsTheInitialisationWithItsHandle)
+{
+    void* const application = LoadGoodPuppet();
+    EXPECT_NE(application, nullptr);
+    EXPECT_THAT(puppeteer_.messages, ElementsAre(static_cast<Message>(1)));
+    EXPECT_THAT(puppeteer_.applications, ElementsAre(application));
+    EXPECT_TRUE(IsMapped(NameOf(kPuppet)));
+}
+
+TEST_F(DynamicLinker, LoadedModuleIsListedWithItsRegistrations)
+{
+    void* const application = LoadGoodPuppet();
+    ASSERT_THAT(loader_.Modules(), SizeIs(1));
+    const host::LoadedModule module = loader_.Modules().front();
+    EXPECT_EQ(module.application, application);
+    EXPECT_EQ(module.file, std::filesystem::path(FileOf(kPuppet)).lexically_normal());
+    EXPECT_EQ(module.loads, 1);
+    EXPECT_TRUE(module.may_be_unloaded);
+    EXPECT_TRUE(module.serves_many_documents);
+}
+
+TEST_F(DynamicLinker, ModuleThatRegistersNothingHasNoRegistrations)
+{
+    loader_.Load(FileOf(kPuppet));
+    EXPECT_FALSE(loader_.Modules().at(0).may_be_unloaded);
+    EXPECT_FALSE(loader_.Modules().at(0).serves_many_documents);
+}
+
+TEST_F(DynamicLinker, ModuleThatRegistersOnceHasThatRegistrationAlone)
+{
+    puppeteer_.script = [this](Message, void* application) {
+        EXPECT_TRUE(loader_.allowManyDocuments(application));
+        return Answer::Ok;
+    };
+    loader_.Load(FileOf(kPuppet));
+    EXPECT_FALSE(loader_.Modules().at(0).may_be_unloaded);
+    EXPECT_TRUE(loader_.Modules().at(0).serves_many_documents);
+}
+
+TEST_F(DynamicLinker, RegistrationsAreThoseOfTheModuleThatMakesThem)
+{
+    void* const first = loader_.Load(FileOf(kPuppet));
+    void* const second = loader_.Load(FileOf("test_module_second_puppet"));
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(loader_.allowUnload(second));
+    EXPECT_TRUE(loader_.allowManyDocuments(first));
+    EXPECT_FALSE(loader_.Modules().at(0).may_be_unloaded);
+    EXPECT_TRUE(loader_.Modules().at(0).serves_many_documents);
+    EXPECT_TRUE(loader_.Modules().at(1).may_be_unloaded);
+    EXPECT_FALSE(loader_.Modules().at(1).serves_many_documents);
+}
+
+TEST_F(DynamicLinker, RegistrationOfAnUnknownApplicationIsRefused)
+{
+    int no_application = 0;
+    for (void* const application : {static_cast<void*>(nullptr), static_cast<void*>(&no_application)}) {
+        EXPECT_FALSE(loader_.allowUnload(application));
+        EXPECT_FALSE(loader_.allowManyDocuments(application));
+    }
+    EXPECT_THAT(loader_.Modules(), IsEmpty());
+}
+
+TEST_F(DynamicLinker, SecondLoadIsCountedAndSendsNothing)
+{
+    void* const application = LoadGoodPuppet();
+    EXPECT_EQ(loader_.Load(FileOf(kPuppet)), application);
+    EXPECT_THAT(puppeteer_.messages, SizeIs(1));
+    ASSERT_THAT(loader_.Modules(), SizeIs(1));
+    EXPECT_EQ(loader_.Modules().at(0).loads, 2);
+}
+
+TEST_F(DynamicLinker, FileByAnotherNameIsTheSameModule)
+{
+    const TemporaryFolder folder;
+    const std::string other_name = folder.File("other.so");
+    std::filesystem::create_symlink(FileOf(kPuppet), other_name);
+    void* const application = LoadGoodPuppet();
+    EXPECT_EQ(loader_.Load(other_name), application);
+    EXPECT_EQ(loader_.Load(std::filesystem::path(KARV_TEST_MODULES) / "." / NameOf(kPuppet)), application);
+    EXPECT_EQ(loader_.Modules().at(0).loads, 3);
+}
+
+TEST_F(DynamicLinker, RelativeNameIsThatOfAFileAndNotOfALibraryOnTheSearchPath)
+{
+    EXPECT_THAT(ErrorOf("libc.so.6"), HasSubstr("libc.so.6: there is no such file"));
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(KARV_TEST_MODULES);
+    void* const application = loader_.Load(NameOf(kPuppet));
+    std::filesystem::current_path(before);
+    EXPECT_NE(application, nullptr);
+    EXPECT_TRUE(loader_.Modules().at(0).file.is_absolute());
+}
+
+TEST_F(DynamicLinker, TwoModulesAreListedInTheOrderOfTheirLoading)
+{
+    void* const second = LoadGoodPuppet("test_module_second_puppet");
+    void* const first = LoadGoodPuppet();
+    ASSERT_THAT(loader_.Modules(), SizeIs(2));
+    EXPECT_EQ(loader_.Modules().at(0).application, second);
+    EXPECT_EQ(loader_.Modules().at(1).application, first);
+}
+
+TEST_F(DynamicLinker, ErrorAtTheInitialisationUnloadsTheModule)
+{
+    puppeteer_.script = [this](Message, void* application) {
+        loader_.allowUnload(application);
+        return static_cast<Answer>(7);
+    };
+    EXPECT_EQ(ErrorOfModule(kPuppet), "at its initialisation it answers with the error 7");
+    EXPECT_THAT(puppeteer_.messages, ElementsAre(Message::Initialise)) << "no unload message";
+    EXPECT_FALSE(loader_.allowUnload(puppeteer_.applications.at(0))) << "its registration is forgotten";
+}
+
+TEST_F(DynamicLinker, NegativeAnswerIsAnErrorToo)
+{
+    puppeteer_.script = [](Message, void*) { return static_cast<Answer>(-1); };
+    EXPECT_EQ(ErrorOfModule(kPuppet), "at its initialisation it answers with the error -1");
+}
+
+TEST_F(DynamicLinker, FailedLoadLeavesOtherModulesAndLaterLoadsAlone)
+{
+    LoadGoodPuppet("test_module_second_puppet");
+    puppeteer_.script = [](Message, void*) { return Answer::Failed; };
+    EXPECT_EQ(ErrorOfModule(kPuppet), "at its initialisation it answers with the error 1");
+    EXPECT_NE(LoadGoodPuppet(), nullptr);
+    EXPECT_THAT(loader_.Modules(), SizeIs(2));
+}
+
+TEST_F(DynamicLinker, ExceptionOfTheModulesOwnTypeEndsBeforeItIsUnloaded)
+{
+    EXPECT_EQ(ErrorOfModule("test_module_throwing"),
+              "at its initialisation it throws an exception: out of ideas");
+}
+
+TEST_F(DynamicLinker, ThrownIntIsAnErrorOfTheModule)
+{
+    puppeteer_.script = [](Message, void*) -> Answer { throw 1; };
+    EXPECT_EQ(ErrorOfModule(kPuppet), "at its initialisation it throws an exception");
+}
+
+TEST_F(DynamicLinker, ModuleMayLoadAnotherOneAtItsInitialisation)
+{
+    int depth = 0;
+    puppeteer_.script = [&](Message message, void*) {
+        if (message == Message::Initialise && depth++ == 0)
+            loader_.Load(FileOf("test_module_second_puppet"));
+        return Answer::Ok;
+    };
+    loader_.Load(FileOf(kPuppet));
+    EXPECT_THAT(loader_.Modules(), SizeIs(2));
+}
+
+TEST_F(DynamicLinker, ModuleCannotLoadItselfAtItsInitialisation)
+{
+    puppeteer_.script = [this](Message, void*) {
+        loader_.Load(FileOf(kPuppet));
+        return Answer::Ok;
+    };
+    EXPECT_THAT(ErrorOfModule(kPuppet), HasSubstr("is being loaded or unloaded"));
+}
+
+TEST_F(DynamicLinker, ModuleCannotUnloadItselfAtItsInitialisation)
+{
+    std::string error;
+    puppeteer_.script = [&](Message, void* application) {
+        loader_.allowUnload(application);
+        error = UnloadError(application);
+        return Answer::Ok;
+    };
+    loader_.Load(FileOf(kPuppet));
+    EXPECT_THAT(error, HasSubstr("is being loaded or unloaded"));
+    EXPECT_THAT(loader_.Modules(), SizeIs(1));
+}
+
+TEST_F(DynamicLinker, TwoLoadersKeepTheirModulesApart)
+{
+    ModuleLoader other;
+    void* const here = LoadGoodPuppet();
+    void* const there = other.Load(FileOf(kPuppet));
+    EXPECT_NE(here, there);
+    EXPECT_THAT(puppeteer_.messages, SizeIs(2));
+    EXPECT_FALSE(loader_.allowUnload(there));
+    loader_.Unload(here);
+    EXPECT_TRUE(IsMapped(NameOf(kPuppet))) << "the other loader uses it";
+}
+
+TEST_F(DynamicLinkerFiles, MissingFileIsNamed)
+{
+    EXPECT_EQ(ErrorOf("/no/such/module.so"), "/no/such/module.so: there is no such file");
+}
+
+TEST_F(DynamicLinkerFiles, EmptyNameIsNoFile)
+{
+    EXPECT_EQ(ErrorOf(""), ": there is no such file");
+}
+
+TEST_F(DynamicLinkerFiles, LineBreaksInANameStayOnOneLine)
+{
+    EXPECT_EQ(ErrorOf("/no/such\r\nmodule.so"), "/no/such  module.so: there is no such file");
+}
+
+TEST_F(DynamicLinkerFiles, FolderIsNoFile)
+{
+    const TemporaryFolder folder;
+    EXPECT_EQ(ErrorOf(folder.Path().string()), folder.Path().string() + ": is not a file");
+}
+
+TEST_F(DynamicLinkerFiles, PipeIsNoFileAndIsNotWaitedFor)
+{
+    const TemporaryFolder folder;
+    const std::string pipe = folder.File("pipe.so");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(ErrorOf(pipe), pipe + ": is not a file");
+}
+
+TEST_F(DynamicLinkerFiles, EmptyFileIsNoModule)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.File("empty.so");
+    Write(file, "");
+    EXPECT_EQ(ErrorOf(file), file + ": is not a module");
+}
+
+TEST_F(DynamicLinkerFiles, TextIsNoModule)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.File("text.so");
+    Write(file, std::string(1000, 'x'));
+    EXPECT_EQ(ErrorOf(file), file + ": is not a module");
+}
+
+TEST_F(DynamicLinkerFiles, ModuleForAnotherMachineIsRefused)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.File("other_machine.so");
+    std::string content = Content(FileOf(kPuppet));
+    // The field e_machine of the header: 8 is MIPS.
+    content.at(18) = 8;
+    content.at(19) = 0;
+    Write(file, content);
+    EXPECT_THAT(ErrorOf(file), StartsWith(file + ": cannot be loaded: "));
+}
+
+TEST_F(DynamicLinkerFiles, EveryTruncationIsRefusedWithAReason)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.File("short.so");
+    const std::string content = Content(FileOf("test_module_plain"));
+    ASSERT_GT(content.size(), 4096U);
+    std::vector<std::size_t> lengths = {content.size() - 1};
+    for (std::size_t length = 0; length < 256; ++length)
+        lengths.push_back(length);
+    for (std::size_t length = 256; length < content.size(); length += content.size() / 64)
+        lengths.push_back(length);
+    for (const std::size_t length : lengths) {
+        Write(file, std::string_view(content).substr(0, length));
+        const std::string error = ErrorOf(file);
+        // The header has 64 bytes; what is shorter cannot tell what it is.
+        EXPECT_EQ(error, file + (length < 64 ? ": is not a module" : ": is cut short")) << length;
+    }
+    Write(file, content);
+    EXPECT_EQ(ErrorOf(file), file + ": exports no acrxEntryPoint") << "whole again";
+}
+
+TEST_F(DynamicLinkerFiles, LibraryThatNeedsAMissingOneIsRefused)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.File("needy.so");
+    std::string content = Content(FileOf(kPuppet));
+    const std::string needed = "libkarv_platform.so";
+    const std::size_t place = content.find(needed);
+    ASSERT_NE(place, std::string::npos);
+    content.replace(place, needed.size(), "libnot_there_now.so");
+    Write(file, content);
+    const std::string error = ErrorOf(file);
+    EXPECT_THAT(error, StartsWith(file + ": cannot be loaded: "));
+    EXPECT_THAT(error, HasSubstr("libnot_there_now.so"));
+}
+
+TEST_F(DynamicLinkerFiles, LibraryWithoutEitherEntryPointIsNoModule)
+{
+    EXPECT_EQ(ErrorOfModule("test_module_plain"), "exports no acrxEntryPoint");
+}
+
+TEST_F(DynamicLinkerFiles, EntryPointThatIsNotExportedDoesNotCount)
+{
+    EXPECT_EQ(ErrorOfModule("test_module_no_entry_point"), "exports no acrxEntryPoint");
+}
+
+TEST_F(DynamicLinkerFiles, EntryPointsOfANeededLibraryDoNotCount)
+{
+    EXPECT_EQ(ErrorOfModule("test_module_borrower"), "exports no acrxEntryPoint");
+    EXPECT_FALSE(IsMapped("libKARV3DViewport10.so")) << "the needed one goes with it";
+}
+
+TEST_F(DynamicLinkerFiles, ModuleWithoutAReleaseIsRefused)
+{
+    EXPECT_EQ(ErrorOfModule("test_module_no_version"), "exports no acrxGetApiVersion");
+}
+
+TEST_F(DynamicLinkerFiles, ModuleOfAnotherReleaseIsRefused)
+{
+    EXPECT_EQ(ErrorOfModule("test_module_other_release"),
+              "was built for release 17.1 of the host, not for 17.0");
+}
+
+TEST_F(DynamicLinkerFiles, ModuleThatThrowsWhenAskedForItsReleaseIsRefused)
+{
+    EXPECT_EQ(ErrorOfModule("test_module_throwing_version"), "throws an exception");
+}
+
+TEST_F(DynamicLinkerFiles, RefusedModulesLeaveNoDescriptorOpen)
+{
+    const std::ptrdiff_t before = karv_test::OpenDescriptors();
+    for (int i = 0; i < 100; ++i)
+        ErrorOfModule("test_module_other_release");
+    EXPECT_EQ(karv_test::OpenDescriptors(), before);
+}
+
+TEST_F(DynamicLinkerUnload, UnloadSendsItsMessageAndTakesTheModuleAway)
+{
+    void* const application = LoadGoodPuppet();
+    loader_.Unload(application);
+    EXPECT_THAT(puppeteer_.messages, ElementsAre(static_cast<Message>(1), static_cast<Message>(2)));
+    EXPECT_THAT(puppeteer_.applications, ElementsAre(application, application));
+    EXPECT_THAT(loader_.Modules(), IsEmpty());
+    EXPECT_FALSE(IsMapped(NameOf(kPuppet)));
+}
+
+TEST_F(DynamicLinkerUnload, ModuleGoesWithTheLastOfItsLoads)
+{
+    void* const application = LoadGoodPuppet();
+    loader_.Load(FileOf(kPuppet));
+    loader_.Unload(application);
+    EXPECT_THAT(puppeteer_.messages, SizeIs(1)) << "the first unload is not told";
+    EXPECT_EQ(loader_.Modules().at(0).loads, 1);
+    EXPECT_TRUE(IsMapped(NameOf(kPuppet)));
+    loader_.Unload(application);
+    EXPECT_THAT(puppeteer_.messages, SizeIs(2));
+    EXPECT_FALSE(IsMapped(NameOf(kPuppet)));
+}
+
+TEST_F(DynamicLinkerUnload, WhatIsNotLoadedCannotBeUnloaded)
+{
+    EXPECT_EQ(UnloadError(nullptr), "no module with this handle is loaded");
+    void* const application = LoadGoodPuppet();
+    loader_.Unload(application);
+    EXPECT_EQ(UnloadError(application), "no module with this handle is loaded");
+}
+
+TEST_F(DynamicLinkerUnload, HandleOfAnUnloadedModuleIsNotUsedAgain)
+{
+    void* const first = LoadGoodPuppet();
+    loader_.Unload(first);
+    void* const second = LoadGoodPuppet();
+    EXPECT_NE(first, second);
+    EXPECT_FALSE(loader_.allowUnload(first));
+    EXPECT_EQ(UnloadError(first), "no module with this handle is loaded");
+    EXPECT_THAT(loader_.Modules(), SizeIs(1));
+}
+
+TEST_F(DynamicLinkerUnload, ModuleThatHasNotAllowedItStaysAndIsNotAsked)
+{
+    void* const application = loader_.Load(FileOf(kPuppet));
+    EXPECT_EQ(UnloadError(application), FileOf(kPuppet) + ": has not allowed the host to unload it");
+    EXPECT_THAT(puppeteer_.messages, SizeIs(1));
+    EXPECT_THAT(loader_.Modules(), SizeIs(1));
+    loader_.allowUnload(application);
+    loader_.Unload(application);
+    EXPECT_THAT(loader_.Modules(), IsEmpty());
+}
+
+TEST_F(DynamicLinkerUnload, ModuleThatAnswersWithAnErrorStays)
+{
+    void* const application = LoadGoodPuppet();
+    puppeteer_.script = [](Message, void*) { return Answer::Failed; };
+    EXPECT_EQ(UnloadError(application),
+              FileOf(kPuppet) + ": before it is unloaded it answers with the error 1");
+    ASSERT_THAT(loader_.Modules(), SizeIs(1));
+    EXPECT_EQ(loader_.Modules().at(0).loads, 1);
+    EXPECT_TRUE(IsMapped(NameOf(kPuppet)));
+    puppeteer_.script = nullptr;
+    loader_.Unload(application);
+    EXPECT_THAT(loader_.Modules(), IsEmpty());
+}
+
+TEST_F(DynamicLinkerUnload, ModuleThatThrowsStays)
+{
+    void* const application = LoadGoodPuppet();
+    puppeteer_.script = [](Message, void*) -> Answer { throw std::runtime_error("not now"); };
+    EXPECT_EQ(UnloadError(application),
+              FileOf(kPuppet) + ": before it is unloaded it throws an exception: not now");
+    EXPECT_THAT(loader_.Modules(), SizeIs(1));
+}
+
+TEST_F(DynamicLinkerUnload, ModuleCannotUnloadItselfWhileItIsUnloaded)
+{
+    void* const application = LoadGoodPuppet();
+    std::string error;
+    puppeteer_.script = [&](Message, void* itself) {
+        error = UnloadError(itself);
+        return Answer::Ok;
+    };
+    loader_.Unload(application);
+    EXPECT_THAT(error, HasSubstr("is being loaded or unloaded"));
+    EXPECT_THAT(loader_.Modules(), IsEmpty());
+}
+
+TEST_F(DynamicLinkerUnload, EndOfTheLoaderUnloadsEverythingLastOneFirst)
+{
+    std::vector<void*> loaded;
+    {
+        ModuleLoader other;
+        loaded.push_back(other.Load(FileOf(kPuppet)));
+        loaded.push_back(other.Load(FileOf("test_module_second_puppet")));
+        other.Load(FileOf(kPuppet));
+        puppeteer_.applications.clear();
+        puppeteer_.messages.clear();
+        puppeteer_.script = [](Message, void*) { return Answer::Failed; };
+    }
+    EXPECT_THAT(puppeteer_.messages, ElementsAre(Message::Unload, Message::Unload));
+    EXPECT_THAT(puppeteer_.applications, ElementsAre(loaded[1], loaded[0]));
+    EXPECT_FALSE(IsMapped(NameOf(kPuppet)));
+    EXPECT_FALSE(IsMapped(NameOf("test_module_second_puppet")));
+}
+
+TEST_F(ProcessNotifications, AttachComesAfterStaticObjectsAndDetachBeforeTheyGo)
+{
+    void* const application = LoadGoodPuppet();
+    EXPECT_THAT(puppeteer_.events, ElementsAre("built", "attach"));
+    loader_.Unload(application);
+    EXPECT_THAT(puppeteer_.events, ElementsAre("built", "attach", "detach", "destroyed"));
+}
+
+TEST_F(ProcessNotifications, BothCarryTheModulesOwnHandle)
+{
+    void* const application = LoadGoodPuppet();
+    LoadGoodPuppet("test_module_second_puppet");
+    loader_.Unload(application);
+    ASSERT_THAT(puppeteer_.events, ElementsAre("built", "attach", "built", "attach", "detach", "destroyed"));
+    EXPECT_NE(puppeteer_.instances[1], nullptr);
+    EXPECT_NE(puppeteer_.instances[1], puppeteer_.instances[3]) << "two modules";
+    EXPECT_EQ(puppeteer_.instances[1], puppeteer_.instances[4]);
+}
+
+TEST_F(ProcessNotifications, HandleIsTheAddressThatTheModuleIsLoadedAt)
+{
+    LoadGoodPuppet();
+    std::ifstream maps("/proc/self/maps");
+    std::uintptr_t lowest = 0;
+    for (std::string line; lowest == 0 && std::getline(maps, line);) {
+        if (line.ends_with(NameOf(kPuppet)))
+            lowest = std::stoull(line, nullptr, 16);
+    }
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(puppeteer_.instances.at(1)), lowest);
+}
+
+TEST_F(ProcessNotifications, SecondLoadIsNotNotified)
+{
+    LoadGoodPuppet();
+    loader_.Load(FileOf(kPuppet));
+    EXPECT_THAT(puppeteer_.events, ElementsAre("built", "attach"));
+}
+
+TEST_F(ProcessNotifications, RefusedModuleIsDetachedToo)
+{
+    puppeteer_.script = [](Message, void*) { return Answer::Failed; };
+    ErrorOfModule(kPuppet);
+    EXPECT_THAT(puppeteer_.events, ElementsAre("built", "attach", "detach", "destroyed"));
+}
+
+TEST(LoadedModuleFile, LibraryOfTheProcessIsFoundByItsName)
+{
+    const std::filesystem::path file = host::LoadedModuleFile("karv_platform");
+    EXPECT_TRUE(
+        std::filesystem::equivalent(file, std::filesystem::path(KARV_TEST_MODULES) / "libkarv_platform.so"))
+        << file;
+}
+
+TEST(LoadedModuleFile, LibraryThatIsNotLoadedIsNotFound)
+{
+    EXPECT_EQ(host::LoadedModuleFile("test_module_plain"), std::filesystem::path());
+    EXPECT_EQ(host::LoadedModuleFile(""), std::filesystem::path());
+    EXPECT_FALSE(IsMapped(NameOf("test_module_plain")));
+}
+
+} // namespace

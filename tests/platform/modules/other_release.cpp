@@ -1,0 +1,13 @@
+// A module for the next minor release of the host.
+#include "platform/host/rx/entry_points.h"
+#include "platform/winsys/export.h"
+
+extern "C" KARV_EXPORT host::Answer acrxEntryPoint(host::Message /*message*/, void* /*application*/)
+{
+    return host::Answer::Ok;
+}
+
+extern "C" KARV_EXPORT int acrxGetApiVersion()
+{
+    return host::ApiVersion(17, 1);
+}

@@ -1,0 +1,26 @@
+// Puts the host's registry into a known state for a test.
+#pragma once
+
+#include "platform/host/rx/dynamic_linker.h"
+#include "platform/host/rx/system_registry.h"
+
+namespace karv_test
+{
+
+/// Another object in place of the process's dynamic linker, while this one lives.
+class ScopedDynamicLinker
+{
+  public:
+    explicit ScopedDynamicLinker(AcRxObject* object)
+        : before_(acrxSysRegistry()->put(kDynamicLinkerKey, object))
+    {
+    }
+    ScopedDynamicLinker(const ScopedDynamicLinker&) = delete;
+    ScopedDynamicLinker& operator=(const ScopedDynamicLinker&) = delete;
+    ~ScopedDynamicLinker() { acrxSysRegistry()->put(kDynamicLinkerKey, before_); }
+
+  private:
+    AcRxObject* before_;
+};
+
+} // namespace karv_test

@@ -1,0 +1,43 @@
+#include "tests/support/process_files.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <malloc.h>
+
+// The allocator of a sanitizer, which knows nothing of mallinfo2; null without one.
+extern "C" __attribute__((weak)) std::size_t __sanitizer_get_current_allocated_bytes();
+
+namespace karv_test
+{
+
+bool IsMapped(const std::string& path_end)
+{
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        if (line.ends_with(path_end))
+            return true;
+    }
+    return false;
+}
+
+std::ptrdiff_t OpenDescriptors()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+std::size_t HeapInUse()
+{
+    if (IsHeapSanitized())
+        return __sanitizer_get_current_allocated_bytes();
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+bool IsHeapSanitized()
+{
+    return __sanitizer_get_current_allocated_bytes != nullptr;
+}
+
+} // namespace karv_test

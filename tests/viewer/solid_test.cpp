@@ -1,0 +1,181 @@
+#include "viewer/solid.h"
+
+#include "tests/viewer/viewer_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace viewer
+{
+namespace
+{
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+Point AsItIs(const Point& point)
+{
+    return point;
+}
+
+Piece BoxPiece()
+{
+    return BoxModel(BoxOf({0, 0, 0}, {1, 2, 3})).pieces.front();
+}
+
+int PhysicalEdges(AModeler::Body& body)
+{
+    std::vector<AModeler::Edge*> edges;
+    std::vector<AModeler::Vertex*> vertices;
+    body.getPhysicalEdgesAndVertices(true, true, edges, vertices);
+    return static_cast<int>(edges.size());
+}
+
+/// The wall and caps of a prism over a regular polygon of radius 1, from z = 0 to 1.
+Piece PrismPiece(int sides)
+{
+    std::vector<Point> low;
+    std::vector<Point> high;
+    for (int i = 0; i < sides; ++i) {
+        const double angle = 2.0 * std::numbers::pi * i / sides;
+        low.push_back({std::cos(angle), std::sin(angle), 0.0});
+        high.push_back({std::cos(angle), std::sin(angle), 1.0});
+    }
+    Piece piece;
+    for (int i = 0; i < sides; ++i) {
+        const auto here = static_cast<std::size_t>(i);
+        const auto next = static_cast<std::size_t>((i + 1) % sides);
+        piece.faces.push_back(MakeFace({low[here], low[next], high[next], high[here]}).value());
+    }
+    piece.faces.push_back(MakeFace(high).value());
+    std::reverse(low.begin(), low.end());
+    piece.faces.push_back(MakeFace(low).value());
+    return piece;
+}
+
+TEST(Solid, ClosedBoxIsABodyWithItsEdges)
+{
+    auto body = MakeSolid(BoxPiece(), AsItIs);
+    ASSERT_TRUE(body);
+    EXPECT_EQ(body->faceCount(), 6);
+    EXPECT_EQ(PhysicalEdges(*body), 12);
+}
+
+TEST(Solid, PlanesPointOutwards)
+{
+    auto body = MakeSolid(BoxPiece(), AsItIs);
+    ASSERT_TRUE(body);
+    const AcGePoint3d middle{0.5, 1.0, 1.5};
+    for (AModeler::Face* face = body->faceList(); face != nullptr; face = face->next()) {
+        face->evaluatePlane();
+        EXPECT_GT(face->plane().normal.dotProduct(face->edgeLoop()->vertex()->point() - middle), 0.0);
+    }
+}
+
+TEST(Solid, PointsLieWhereTheyArePlaced)
+{
+    auto body = MakeSolid(BoxPiece(), [](const Point& point) { return point * 2.0; });
+    ASSERT_TRUE(body);
+    double highest = 0.0;
+    for (AModeler::Face* face = body->faceList(); face != nullptr; face = face->next())
+        highest = std::max(highest, face->edgeLoop()->vertex()->point().z);
+    EXPECT_EQ(highest, 6.0);
+}
+
+TEST(Solid, PieceWithAHoleIsNone)
+{
+    Piece piece = BoxPiece();
+    piece.faces.pop_back();
+    EXPECT_FALSE(MakeSolid(piece, AsItIs));
+}
+
+TEST(Solid, FaceThatIsTurnedOverMakesNone)
+{
+    Piece piece = BoxPiece();
+    std::reverse(piece.faces[2].corners.begin(), piece.faces[2].corners.end());
+    EXPECT_FALSE(MakeSolid(piece, AsItIs));
+}
+
+// 18 sides meet at 20 degrees and 19 sides at less.
+TEST(Solid, WallIsSmoothWhereItsFacetsMeetAtUnderTwentyDegrees)
+{
+    auto sharp = MakeSolid(PrismPiece(12), AsItIs);
+    ASSERT_TRUE(sharp);
+    EXPECT_EQ(PhysicalEdges(*sharp), 3 * 12);
+    auto smooth = MakeSolid(PrismPiece(19), AsItIs);
+    ASSERT_TRUE(smooth);
+    EXPECT_EQ(PhysicalEdges(*smooth), 2 * 19) << "the two caps' outlines are left";
+}
+
+TEST(Solid, BothZerosAreOneCoordinate)
+{
+    Piece piece = BoxPiece();
+    for (Point& corner : piece.faces.front().corners)
+        corner.x = corner.x == 0.0 ? -0.0 : corner.x;
+    EXPECT_TRUE(MakeSolid(piece, AsItIs));
+}
+
+TEST(FeatureEdge, ClosedBoxHasTwelve)
+{
+    EXPECT_THAT(FeatureEdges(BoxPiece()), SizeIs(12));
+}
+
+TEST(FeatureEdge, BorderOfAnOpenSurfaceIsSeen)
+{
+    Piece piece;
+    piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value());
+    const auto edges = FeatureEdges(piece);
+    ASSERT_THAT(edges, SizeIs(4));
+    double length = 0.0;
+    for (const auto& [start, end] : edges)
+        length += Length(end - start);
+    EXPECT_EQ(length, 4.0);
+}
+
+TEST(FeatureEdge, EdgeBetweenFlatNeighboursIsNotSeen)
+{
+    Piece piece;
+    piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}).value());
+    piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value());
+    EXPECT_THAT(FeatureEdges(piece), SizeIs(4));
+}
+
+TEST(FeatureEdge, FoldIsSeenFromTwentyDegreesOn)
+{
+    for (const auto& [degrees, count] : {std::pair(19.9, 6), std::pair(20.1, 7)}) {
+        const double angle = degrees * std::numbers::pi / 180.0;
+        Piece piece;
+        piece.faces.push_back(MakeFace({{-1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 1, 0}}).value());
+        const Point out{std::cos(angle), 0, std::sin(angle)};
+        piece.faces.push_back(MakeFace({{0, 0, 0}, out, out + Point{0, 1, 0}, {0, 1, 0}}).value());
+        EXPECT_THAT(FeatureEdges(piece), SizeIs(count)) << degrees;
+    }
+}
+
+TEST(FeatureEdge, ThreeFacesAtOneEdgeShowIt)
+{
+    Piece piece;
+    for (const Point& tip : {Point{1, 0, 0}, Point{-1, 0.01, 0}, Point{-1, -0.01, 0}})
+        piece.faces.push_back(MakeFace({{0, 0, 0}, tip, {0, 0, 1}}).value());
+    EXPECT_THAT(FeatureEdges(piece), SizeIs(7)) << "the shared one once";
+}
+
+TEST(FeatureEdge, NeighboursThatAreTurnedOverShowTheirEdge)
+{
+    Piece piece;
+    piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}).value());
+    piece.faces.push_back(MakeFace({{0, 1, 0}, {1, 1, 0}, {0, 0, 0}}).value());
+    EXPECT_THAT(FeatureEdges(piece), SizeIs(5));
+}
+
+TEST(FeatureEdge, NoFacesHaveNone)
+{
+    EXPECT_THAT(FeatureEdges(Piece{}), IsEmpty());
+}
+
+} // namespace
+} // namespace viewer

@@ -1,0 +1,178 @@
+"""What mutants are, and how a source that holds them all is written: text only, no parser and no build.
+
+A mutant is a small change of a source that its tests should notice. The rewritten source holds every mutant beside the
+original and asks at run time which one is on, so that one build serves them all.
+"""
+
+import dataclasses
+import random
+import re
+
+# Asked in the rewritten sources, with a mutant's number.
+SWITCH = "KARV_MUTANT_ON"
+
+COMPARISONS = {"<": ["<=", ">="], "<=": ["<", ">"], ">": [">=", "<"], ">=": [">", "<"], "==": ["!="], "!=": ["=="]}
+SIGNS = {"+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["*"]}
+COMPOUND = {"+=": ["-="], "-=": ["+="], "*=": ["/="], "/=": ["*="]}
+LOGIC = {"&&": ["||"], "||": ["&&"]}
+STEPS = {"++": "--", "--": "++"}
+
+KINDS = ("comparison", "constant", "sign", "condition", "order of calls", "statement removed")
+
+
+@dataclasses.dataclass(frozen=True, order=True)
+class Mutant:
+    """A change of source[start:end], whose text is `original`; `line` and `column` count from 1.
+
+    A removed statement has no `mutated` text. In a swap the place is the first statement's, `mutated` is the second
+    one's text, and `second` its place.
+    """
+
+    file: str
+    start: int
+    end: int
+    kind: str
+    mutated: str
+    original: str
+    line: int
+    column: int
+    second: tuple = ()
+
+    def __str__(self):
+        change = f"{self.mutated}  before  {self.original}" if self.second else self.mutated or "nothing"
+        return f"{self.file}:{self.line}:{self.column}: {self.kind}: {self.original}  ->  {change}"
+
+
+def one_line(text):
+    """The text without comments and line breaks, so that it can stand beside the original on the original's line."""
+    parts = re.findall(r'"(?:\\.|[^"\\])*"|//[^\n]*|/\*.*?\*/|[^"/]+|.', text, re.DOTALL)
+    kept = (" " if part.startswith(("//", "/*")) else part for part in parts)
+    return re.sub(r"\s+", " ", "".join(kept)).strip()
+
+
+def operator_between(text):
+    """The operator in what stands between two operands, or None where more than an operator does."""
+    text = one_line(text).replace("(", "").replace(")", "").strip()
+    return text if re.fullmatch(r"[-+*/%<>=!&|^]+", text) else None
+
+
+def operator_changes(operator, is_pointer=False):
+    """(kind, operator) for each operator that a mutant puts in place of this one."""
+    changes = []
+    for kind, table in (("comparison", COMPARISONS), ("sign", SIGNS), ("sign", COMPOUND), ("condition", LOGIC)):
+        changes += [(kind, other) for other in table.get(operator, [])]
+    return [change for change in changes if not is_pointer or change[1] not in ("*", "/")]
+
+
+def literal_changes(literal):
+    """The literals, or expressions of the same type, that mutants put in place of this one."""
+    if literal in ("true", "false"):
+        return ["false" if literal == "true" else "true"]
+    if re.fullmatch(r"[A-Za-z_]\w*", literal):
+        return [f"{literal} == 0 ? {literal} + 1 : 0"]
+    if not re.match(r"[.\d]", literal):
+        return []
+    if re.search(r"[.]", literal) or (re.search(r"e", literal, re.I) and not literal.lower().startswith("0x")):
+        return [f"{literal} + 1"] if float(literal.rstrip("fFlL").replace("'", "")) == 0.0 else [
+            f"{literal} * 2", f"{literal} * 0"]
+    value = int(re.sub(r"[uUlLzZ']", "", literal), 0)
+    return [f"{literal} + 1"] if value == 0 else [f"{literal} + 1", f"{literal} - 1"]
+
+
+def constant_changes(name, is_floating):
+    """The same for a named constant of the project, whose value is not known here."""
+    kept = f"static_cast<std::remove_cvref_t<decltype({name})>>"
+    return [f"{kept}({name} * 2)", f"{kept}({name} + 1)"] if is_floating else [f"{kept}({name} + 1)"]
+
+
+@dataclasses.dataclass(frozen=True)
+class Edit:
+    """What stands in place of source[start:end], original included. Numbers are those of mutants."""
+
+    start: int
+    end: int
+    choices: tuple = ()  # of an expression: (number, text) instead of the original
+    before: tuple = ()  # of a statement: (number, text) before it
+    unless: tuple = ()  # of a statement: numbers that leave it out
+    is_statement: bool = False
+
+    def wrap(self, original):
+        if not self.is_statement:
+            return "(" + "".join(f"{SWITCH}({n}) ? ({text}) : " for n, text in self.choices) + f"({original}))"
+        before = "".join(f"if ({SWITCH}({n})) {{ {text} }} " for n, text in self.before)
+        if not self.unless:
+            return f"{{ {before}{original} }}"
+        off = " || ".join(f"{SWITCH}({n})" for n in self.unless)
+        return f"{{ {before}if (!({off})) {{ {original} }} }}"
+
+
+def edits_of(numbered):
+    """The edits that hold these mutants of one source, given as (number, mutant)."""
+    choices, before, unless = {}, {}, {}
+    for number, mutant in numbered:
+        place = (mutant.start, mutant.end)
+        if mutant.second:
+            before.setdefault(place, []).append((number, mutant.mutated))
+            unless.setdefault(mutant.second, []).append(number)
+        elif mutant.mutated:
+            choices.setdefault(place, []).append((number, mutant.mutated))
+        else:
+            unless.setdefault(place, []).append(number)
+    edits = [Edit(*place, choices=tuple(texts)) for place, texts in choices.items()]
+    for place in sorted(before.keys() | unless.keys()):
+        edits.append(
+            Edit(*place, before=tuple(before.get(place, ())), unless=tuple(unless.get(place, ())), is_statement=True))
+    return edits
+
+
+def rewrite(source, edits):
+    """The source with its edits, which nest. No line of it moves."""
+    ordered = sorted(edits, key=lambda edit: (edit.start, -edit.end, not edit.is_statement))
+
+    def text_of(start, end, index):
+        parts, position = [], start
+        while index < len(ordered) and ordered[index].start < end:
+            edit = ordered[index]
+            if edit.start < position or edit.end > end:
+                raise ValueError(f"edits overlap at {edit.start}")
+            inner, index = text_of(edit.start, edit.end, index + 1)
+            parts += [source[position:edit.start], edit.wrap(inner)]
+            position = edit.end
+        return "".join(parts) + source[position:end], index
+
+    return text_of(0, len(source), 0)[0]
+
+
+def lines_with_errors(output):
+    """(file, line) of each error that a compiler has reported."""
+    return {(file, int(line)) for file, line in re.findall(r"^([^\s:]+):(\d+):(?:\d+:)? error:", output, re.MULTILINE)}
+
+
+def sample(mutants, count, seed):
+    """The numbers of `count` mutants of {number: mutant}, in order: the same ones for the same seed, spread over the
+    files in proportion, with at least one of each."""
+    chooser = random.Random(seed)
+    by_file = {}
+    for number, mutant in sorted(mutants.items()):
+        by_file.setdefault(mutant.file, []).append(number)
+    chosen, spare = [], []
+    for file in sorted(by_file):
+        numbers = by_file[file]
+        chooser.shuffle(numbers)
+        share = min(len(numbers), max(1, count * len(numbers) // len(mutants)))
+        chosen += numbers[:share]
+        spare += numbers[share:]
+    chooser.shuffle(spare)
+    return sorted((chosen + spare)[:count])
+
+
+def test_filter(listing, patterns):
+    """The GoogleTest filter of all tests that stand in files whose path ends with one of the patterns (a pattern that
+    ends with / names a folder), from GoogleTest's listing in JSON."""
+    names = []
+    for suite in listing["testsuites"]:
+        for case in suite["testsuite"]:
+            path = case["file"] + "\n"
+            if any("/" + (pattern if pattern.endswith("/") else pattern + "\n") in path for pattern in patterns):
+                names.append(f"{suite['name']}.{case['name']}")
+    return ":".join(names)
