@@ -56,11 +56,6 @@ void RaiseTo(float point, float& high)
         high = point;
 }
 
-KARVGLVertex Narrowed(const AcGePoint3d& point)
-{
-    return {point.x, point.y, point.z};
-}
-
 } // namespace
 
 KARVGraphicalEntity::KARVGraphicalEntity()
@@ -199,16 +194,21 @@ void KARVGraphicalEntity::CreateGLCache(AcDbEntity* entity)
         if (!entity->isKindOf(AcDbLine::desc()))
             return;
         const auto* line = static_cast<const AcDbLine*>(entity);
-        const KARVGLVertex start = Narrowed(line->startPoint());
-        const KARVGLVertex end = Narrowed(line->endPoint());
-        lineVertices.push_back(start);
-        lineVertices.push_back(end);
-        if (!extentsValid) {
-            // The maximum corner keeps the origin: clients size their margins by boxes that reach it.
-            minExtent = end;
-            extentsValid = true;
-        }
-        DoesPointContainExtent(start, minExtent, maxExtent);
-        DoesPointContainExtent(end, minExtent, maxExtent);
+        AppendSegment(line->startPoint(), line->endPoint());
     });
+}
+
+void KARVGraphicalEntity::AppendSegment(const AcGePoint3d& start_point, const AcGePoint3d& end_point)
+{
+    const KARVGLVertex start(start_point.x, start_point.y, start_point.z);
+    const KARVGLVertex end(end_point.x, end_point.y, end_point.z);
+    lineVertices.push_back(start);
+    lineVertices.push_back(end);
+    if (!extentsValid) {
+        // The maximum corner keeps the origin: clients size their margins by boxes that reach it.
+        minExtent = end;
+        extentsValid = true;
+    }
+    DoesPointContainExtent(start, minExtent, maxExtent);
+    DoesPointContainExtent(end, minExtent, maxExtent);
 }

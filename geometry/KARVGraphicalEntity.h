@@ -9,6 +9,7 @@
 #include <vector>
 
 class AcDbEntity;
+class AcGePoint3d;
 namespace AModeler
 {
 class Body;
@@ -95,6 +96,8 @@ class KARV_MODULE_API KARVGraphicalEntity
     void InitParameters();
     void CreateGLCache(AcDbEntity* entity);
     void CreateGLCache(AModeler::Body* body);
+    /// Appends a line segment and takes its ends into the box.
+    void AppendSegment(const AcGePoint3d& start_point, const AcGePoint3d& end_point);
 
     /// Compiles the polygon's triangles into a new display list and stores its name in the face, 0 where no
     /// list or no tessellator can be had. Needs the viewport's GL context.

@@ -13,18 +13,14 @@ using karv::kEntityBodySource;
 namespace
 {
 
-KARVGLVertex Narrowed(const AcGePoint3d& point)
-{
-    return {point.x, point.y, point.z};
-}
-
 /// The start points of the loop's edges, at most as many as the face counts: a loop may end early.
 KARVGLFace ToFace(AModeler::Face& source)
 {
     KARVGLFace face;
     const AModeler::Edge* edge = source.edgeLoop();
     for (int taken = 0; taken < source.edgeCount() && edge != nullptr; ++taken) {
-        face.vertices.push_back(Narrowed(edge->vertex()->point()));
+        const AcGePoint3d& corner = edge->vertex()->point();
+        face.vertices.emplace_back(corner.x, corner.y, corner.z);
         edge = edge->next();
     }
     if (!source.isPlaneEvaluated())
@@ -50,17 +46,7 @@ void KARVGraphicalEntity::CreateGLCache(AModeler::Body* body)
         for (const AModeler::Edge* edge : edges) {
             if (edge == nullptr || edge->next() == nullptr)
                 continue;
-            const KARVGLVertex start = Narrowed(edge->vertex()->point());
-            const KARVGLVertex end = Narrowed(edge->next()->vertex()->point());
-            lineVertices.push_back(start);
-            lineVertices.push_back(end);
-            if (!extentsValid) {
-                // The far corner keeps the origin, as for a line.
-                minExtent = end;
-                extentsValid = true;
-            }
-            DoesPointContainExtent(start, minExtent, maxExtent);
-            DoesPointContainExtent(end, minExtent, maxExtent);
+            AppendSegment(edge->vertex()->point(), edge->next()->vertex()->point());
         }
     });
 }

@@ -9,12 +9,10 @@ namespace viewer
 
 bool PumpMessages(const std::function<bool()>& condition, const std::function<unsigned long()>& frame_count)
 {
-    // The timer brings a frame every few messages; far more without one mean that swaps fail.
-    constexpr int kMostMessagesPerFrame = 10'000;
+    // Each timer message draws a frame; many without one mean that swaps fail.
+    constexpr int kMostTimersPerFrame = 1000;
     unsigned long frames = frame_count();
-    for (int messages = 0; !condition(); ++messages) {
-        if (messages >= kMostMessagesPerFrame)
-            throw std::runtime_error("no frame can be drawn");
+    for (int timers = 0; !condition();) {
         MSG message{};
         if (GetMessageW(&message, nullptr, 0, 0) <= 0)
             return false;
@@ -22,10 +20,13 @@ bool PumpMessages(const std::function<bool()>& condition, const std::function<un
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }
+        timers += message.message == WM_TIMER ? 1 : 0;
         if (const unsigned long now = frame_count(); now != frames) {
-            messages = 0;
+            timers = 0;
             frames = now;
         }
+        if (timers >= kMostTimersPerFrame)
+            throw std::runtime_error("no frame can be drawn");
     }
     return true;
 }

@@ -15,8 +15,8 @@ namespace AModeler
 using Profile = std::vector<std::vector<AcGePoint3d>>;
 
 /// The solid that a profile sweeps out along a way that leaves its plane. Caps that are concave or have holes
-/// are treated as `splitting` says. Throws BodyError for a profile that encloses no area or crosses itself, a
-/// way along its plane, and numbers that are not finite.
+/// are treated as `splitting` says. Throws BodyError for a profile that encloses no area, or crosses itself
+/// where caps have to be split, a way along its plane, and numbers that are not finite.
 [[nodiscard]] KARV_PLATFORM_API Body MakePrism(const Profile& profile, const AcGeVector3d& way,
                                                FaceSplitting splitting = FaceSplitting::ConvexFacets);
 

@@ -198,4 +198,39 @@ TEST_F(ControlCreationFailure, AFaultInTheFixedStateIsReportedOnceAndTheWindowSt
     EXPECT_THAT(trace.Faults(), testing::ElementsAre(StartsWith(".\\KARVOpenGLControl.cpp:")));
 }
 
+/// A control whose base handling of WM_CREATE fails with an exception.
+class FaultingControl : public KARVOpenGLControl
+{
+  protected:
+    LRESULT DefWindowProc(UINT message, WPARAM wparam, LPARAM lparam) override
+    {
+        if (message == WM_CREATE)
+            throw 42;
+        return KARVOpenGLControl::DefWindowProc(message, wparam, lparam);
+    }
+};
+
+TEST_F(ControlCreationFailure, AFaultInTheBaseIsReportedOnceAndLeavesAWindowWithoutAContext)
+{
+    const TraceRecording trace;
+    FaultingControl control;
+    control.CreateCtrl(CRect(0, 0, kWidth, kHeight), &host_, false);
+    EXPECT_NE(control.m_hWnd, nullptr); // a faulted answer is 0, which accepts the window
+    EXPECT_EQ(control.hRC, nullptr);
+    EXPECT_THAT(window_calls_.Contexts(), IsEmpty());
+    EXPECT_THAT(trace.Faults(), testing::ElementsAre(StartsWith(".\\KARVOpenGLControl.cpp:")));
+}
+
+TEST_F(ControlCreationFailure, AFaultInTheTransparentStateKeepsTheWindowAndSkipsTheRest)
+{
+    const TraceRecording trace;
+    const GlHook fault = ThrowAt("glEnable", 8, 42); // of blending, after the fixed state's seven
+    const GlRecording gl;
+    const auto control = NewControl(true);
+    EXPECT_NE(control->hRC, nullptr);
+    EXPECT_EQ(control->createRect.right, kWidth);
+    EXPECT_THAT(trace.Faults(), testing::ElementsAre(StartsWith(".\\KARVOpenGLControl.cpp:")));
+    EXPECT_EQ(gl.Count("glBlendFunc"), 0);
+}
+
 } // namespace

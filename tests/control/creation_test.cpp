@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 using namespace karv_test;
 using testing::ElementsAre;
@@ -311,12 +312,30 @@ TEST_F(ControlCreation, CreationIsTracedInNestedEntries)
 
 TEST_F(ControlCreation, TheDestructorReleasesContextAndWindowInOrder)
 {
+    // Marks where the destructor's own part ends: the base would destroy a window that is left.
+    struct EndMark : TraceSink {
+        explicit EndMark(WindowCalls& listener) : calls(listener), previous(InstallTraceSink(this)) {}
+        EndMark(const EndMark&) = delete;
+        EndMark& operator=(const EndMark&) = delete;
+        ~EndMark() override { InstallTraceSink(previous); }
+        void EnterCall(const wchar_t*) noexcept override {}
+        void LeaveCall(const wchar_t* name) noexcept override
+        {
+            if (std::wstring_view(name) == L"KARVOpenGLControl::~KARVOpenGLControl")
+                calls.Mark("the entry closes");
+        }
+        void ReportFault(const wchar_t*, int) noexcept override {}
+        WindowCalls& calls;
+        TraceSink* previous;
+    };
     auto control = NewControl();
     window_calls_.Clear();
+    const EndMark mark(window_calls_);
     control.reset();
     EXPECT_THAT(window_calls_.Listing(),
                 ElementsAre("wglMakeCurrent(dc of 3DView, none)", "wglDeleteContext(context 2)",
-                            "GetDC(3DView)", "ReleaseDC(3DView, dc of 3DView)", "DestroyWindow(3DView)"));
+                            "GetDC(3DView)", "ReleaseDC(3DView, dc of 3DView)", "DestroyWindow(3DView)",
+                            "the entry closes"));
 }
 
 TEST_F(ControlCreation, TheDestructorMakesNoCallOfGl)

@@ -112,14 +112,14 @@ TEST_F(ControlCulling, ACornerOnTheViewportsOriginIsNotOutside)
 
 TEST_F(ControlCulling, TheViewComesBeforeTheProjection)
 {
-    // The projection takes 64 x 32 units to the viewport's 64 x 32 pixels; here it is halved in size, and the
-    // view moves by (-20, -20). The box (15, 15)-(18, 18) moves to (-5, -5)-(-2, -2), in pixels left and
-    // below. With the two exchanged it would be halved first and then moved by 20 halves of the viewport.
+    // The view moves by (20, 20) units, the projection halves them into pixels: the box at -25 to -22 lies at
+    // -2.5 to -1. With the two exchanged the view would move by 20 halves of the viewport, past its right and
+    // top.
     glMatrixMode(GL_PROJECTION);
     glScaled(0.5, 0.5, 1.0);
     glMatrixMode(GL_MODELVIEW);
-    glTranslated(-20.0, -20.0, 0.0);
-    EXPECT_FALSE(IsDrawn(15.0, 15.0, 18.0, 18.0));
+    glTranslated(20.0, 20.0, 0.0);
+    EXPECT_FALSE(IsDrawn(-25.0, -25.0, -22.0, -22.0));
 }
 
 TEST_F(ControlCulling, TheViewportShiftsWindowCoordinates)

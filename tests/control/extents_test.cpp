@@ -226,6 +226,15 @@ TEST_F(ControlExtents, AHugeSceneOverflowsItsCentreInFloatButNotItsSize)
     ExpectSize(static_cast<float>(1.2));
 }
 
+TEST_F(ControlExtents, EveryCoordinateOfTheCentreIsHalfOfAFloatSum)
+{
+    AppendBox({3e38, 3e38, 3e38}, {3e38, 3e38, 3e38});
+    // The sum is no float, though half of it would be one.
+    EXPECT_EQ(control_.centroid.x, kInfinity);
+    EXPECT_EQ(control_.centroid.y, kInfinity);
+    EXPECT_EQ(control_.centroid.z, kInfinity);
+}
+
 TEST_F(ControlExtents, ATinySceneHasATinySize)
 {
     AppendBox({0.0, 0.0, 0.0}, {1e-15, 0.0, 0.0});

@@ -1,5 +1,5 @@
 // What frames and appends take of memory and copies, counted with an OpenGL that does nothing, so that every
-// count is the module's own and says more than a time would.
+// count is the module's own and says more than a time would; and what is left where there is no memory.
 #include "control/KARVOpenGLControl.h"
 #include "platform/tools/trace.h"
 #include "platform/winsys/backend.h"
@@ -169,6 +169,40 @@ TEST_F(FrameCost, AnAppendDestroysTheThreeTemporariesOfItsSteps)
     const DestructionCount count;
     Append(MakeFaces(2, 4));
     EXPECT_EQ(count.Destroyed(), 2U); // its box is not asked for
+}
+
+TEST_F(FrameCost, AnEntityThatTheCacheHasNoMemoryForHasGrownTheSceneAlready)
+{
+    constexpr std::size_t kRoom = 8;
+    control_.AllocateMemory(kRoom);
+    for (std::size_t i = 0; i < kRoom; ++i)
+        Append(MakeFaces(1, 3));    // corners (0, 0, 1) to (0, 2, 1)
+    Faces beyond = MakeFaces(5, 3); // up to (4, 2, 1)
+    const DestructionCount count;
+    {
+        const AllocationRefusal refusal((kRoom + 1) * sizeof(KARVGraphicalEntity));
+        Append(std::move(beyond));
+    }
+    EXPECT_EQ(count.Faults(), 1U);
+    EXPECT_EQ(control_.extentsMax, KARVGLVertex(4.0, 2.0, 1.0));
+    EXPECT_EQ(control_.entities.size(), kRoom);
+    EXPECT_EQ(control_.GetFaceNumber(), static_cast<int>(kRoom));
+    Append(MakeFaces(1, 3));
+    EXPECT_EQ(control_.entities.size(), kRoom + 1);
+    EXPECT_EQ(control_.GetFaceNumber(), static_cast<int>(kRoom + 1));
+}
+
+TEST_F(FrameCost, MemoryThatCannotBeReservedLeavesTheCache)
+{
+    Append(MakeFaces(1, 3));
+    const DestructionCount count;
+    {
+        const AllocationRefusal refusal(100 * sizeof(KARVGraphicalEntity));
+        control_.AllocateMemory(100);
+    }
+    EXPECT_EQ(count.Faults(), 1U);
+    EXPECT_EQ(control_.entities.size(), 1U);
+    EXPECT_EQ(control_.entities.capacity(), 1U);
 }
 
 TEST_F(FrameCost, EntitiesAppendedOneByOneAreMovedLinearlyOften)

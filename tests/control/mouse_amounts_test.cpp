@@ -75,15 +75,27 @@ TEST_F(ControlMouseAmounts, JumpOfMoreThanAFullTurnTurnsNothing)
 
 TEST_F(ControlMouseAmounts, PanFactorsAreFloatsAndTheirProductIsDouble)
 {
-    control_->panScale = 0.5F;
-    control_->sceneSize = 132.375F;
-    control_->zoomFactor = 3.75F;
-    control_->GLMousePan(868, -868);
-    // 0.5 x 0.01 is 0.004999999888241291 in floats, 132.375 / 4.45 is 29.7471923828125; with 3.75 and 868
-    // that is 484.13555..., whose nearest float is this. Floats all the way, a float k, doubles all the way,
-    // and double factors of float constants each give 0x1.e422b2p+8.
-    EXPECT_EQ(control_->pendingPanX, 0x1.e422b4p+8F);
-    EXPECT_EQ(control_->pendingPanZ, -0x1.e422b4p+8F);
+    control_->panScale = 1.25F;
+    control_->sceneSize = 154.5F;
+    control_->zoomFactor = 5.25F;
+    control_->GLMousePan(1370, -1370);
+    // 1.25 x 0.01 is 0.01249999925494194 in floats, 154.5 / 4.45 is 34.71910095214844; with 5.25 and 1370
+    // that is 3121.46398..., just below the middle of two floats. Floats all the way, a float k, doubles all
+    // the way, and a factor of its own taken in double each give the upper one, 0x1.862edap+11, or one beyond
+    // it.
+    EXPECT_EQ(control_->pendingPanX, 0x1.862ed8p+11F);
+    EXPECT_EQ(control_->pendingPanZ, -0x1.862ed8p+11F);
+}
+
+TEST_F(ControlMouseAmounts, ThePansShareOfTheSceneIsDividedByAFloat)
+{
+    control_->panScale = 100.0F; // times 0.01: 1, in floats
+    control_->sceneSize = 5.0F;
+    control_->zoomFactor = 1.0F;
+    ASSERT_NE(5.0F / 4.45F, static_cast<float>(5.0 / 4.45));
+    control_->GLMousePan(1, 1);
+    EXPECT_EQ(control_->pendingPanX, 5.0F / 4.45F);
+    EXPECT_EQ(control_->pendingPanZ, 5.0F / 4.45F);
 }
 
 TEST_F(ControlMouseAmounts, PanReplacesTheOneThatWaits)
@@ -116,6 +128,15 @@ TEST_F(ControlMouseAmounts, ZoomFactorIsFormedInFloats)
     // 33 x 0.01 rounds to a float before 1 is added. In doubles it would be 0x1.547ae2p+0.
     control_->GLMouseZoom(33);
     EXPECT_EQ(control_->zoomFactor, 0x1.547aep+0F);
+}
+
+TEST_F(ControlMouseAmounts, FieldOfViewIsScaledByTheFloatFactor)
+{
+    const float factor = -99.0F * 0.01F + 1.0F;
+    ASSERT_NE(40.0F * factor, static_cast<float>(40.0 * (-99.0 * 0.01 + 1.0)));
+    control_->GLMouseZoom(-99);
+    EXPECT_EQ(control_->fieldOfView, 40.0F * factor);
+    EXPECT_EQ(control_->zoomFactor, factor);
 }
 
 TEST_F(ControlMouseAmounts, ZoomOfAHundredUpIsNothingLeftAndRecovers)

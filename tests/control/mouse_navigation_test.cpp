@@ -169,6 +169,9 @@ TEST_F(ControlMouse, DistancesAreTruncatedTowardsZero)
     control_->lastMousePoint = {0.0F, 8.25F};
     Move(MK_RBUTTON, 0, 10); // dy is 1.75
     EXPECT_EQ(control_->zoomFactor, 1.01F);
+    control_->lastMousePoint = {8.25F, 0.0F};
+    Move(MK_LBUTTON, 10, 0); // dx is 1.75: half a degree of orbit
+    ExpectEyeFromTarget(-6.0 * std::sin(Radians(0.5)), -6.0 * std::cos(Radians(0.5)), 0.0);
 }
 
 TEST_F(ControlMouse, PlacesAndDistancesAreFloats)

@@ -3,6 +3,7 @@
 #include "module/extension_module.h"
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
+#include "tests/support/extension_chain.h"
 #include "tests/support/host_registry.h"
 #include "tests/support/trace_recording.h"
 
@@ -17,6 +18,7 @@
 using host::Answer;
 using host::Message;
 using karv::ExtensionModule;
+using karv_test::Chain;
 using karv_test::ScopedDynamicLinker;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -171,15 +173,6 @@ constexpr DWORD kThreadDetach = 3;
 HINSTANCE Instance(std::uintptr_t number)
 {
     return reinterpret_cast<HINSTANCE>(number);
-}
-
-std::vector<HINSTANCE> Chain()
-{
-    std::vector<HINSTANCE> modules;
-    for (const CDynLinkLibrary* library = AfxGetModuleState()->m_pFirstDLL; library != nullptr;
-         library = library->m_pNextDLL)
-        modules.push_back(library->m_hModule);
-    return modules;
 }
 
 class ModuleNotifications : public testing::Test

@@ -3,6 +3,7 @@
 #include "platform/framework/extension_module.h"
 #include "platform/host/rx/module_loader.h"
 #include "tests/geometry/shapes.h"
+#include "tests/support/extension_chain.h"
 #include "tests/support/gl_test_window.h"
 
 #include <gmock/gmock.h>
@@ -10,20 +11,11 @@
 #include <filesystem>
 
 using host::ModuleLoader;
+using karv_test::ChainLength;
 using testing::SizeIs;
 
 namespace
 {
-
-/// The number of the module's places in the chain, which nothing else joins here.
-int ChainLength()
-{
-    int length = 0;
-    for (const CDynLinkLibrary* library = AfxGetModuleState()->m_pFirstDLL; library != nullptr;
-         library = library->m_pNextDLL)
-        ++length;
-    return length;
-}
 
 TEST(LinkedModule, IsInTheChainFromTheStart)
 {

@@ -5,6 +5,7 @@
 #include "platform/host/rx/system_registry.h"
 #include "platform/winsys/backend.h"
 #include "platform/winsys/provider.h"
+#include "tests/support/extension_chain.h"
 #include "tests/support/process_files.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +15,7 @@
 #include <string>
 
 using host::ProcessModuleLoader;
+using karv_test::ChainLength;
 using karv_test::HeapInUse;
 using karv_test::IsMapped;
 using karv_test::OpenDescriptors;
@@ -26,15 +28,6 @@ namespace
 bool IsModuleMapped()
 {
     return IsMapped(KARV_MODULE_FILE);
-}
-
-int ChainLength()
-{
-    int length = 0;
-    for (const CDynLinkLibrary* library = AfxGetModuleState()->m_pFirstDLL; library != nullptr;
-         library = library->m_pNextDLL)
-        ++length;
-    return length;
 }
 
 /// What a load must not leave behind.

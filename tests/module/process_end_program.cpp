@@ -7,6 +7,7 @@
 //   process_end_program unload    loads and unloads the module first
 #include "platform/framework/extension_module.h"
 #include "platform/host/rx/module_loader.h"
+#include "tests/support/extension_chain.h"
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -25,13 +26,9 @@ void Write(const std::string& line)
         _exit(3);
 }
 
-std::string ChainLength()
+std::string ChainLengthText()
 {
-    int length = 0;
-    for (const CDynLinkLibrary* library = AfxGetModuleState()->m_pFirstDLL; library != nullptr;
-         library = library->m_pNextDLL)
-        ++length;
-    return std::to_string(length);
+    return std::to_string(karv_test::ChainLength());
 }
 
 template <typename Function>
@@ -56,7 +53,7 @@ void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL all)
 {
     InPlatform<decltype(&AfxTermExtensionModule)>("_Z22AfxTermExtensionModuleR20AFX_EXTENSION_MODULEi")(state,
                                                                                                         all);
-    Write("term leaves " + ChainLength() + (all != FALSE ? " (all)" : ""));
+    Write("term leaves " + ChainLengthText() + (all != FALSE ? " (all)" : ""));
 }
 
 int main(int argc, char** argv)
@@ -68,7 +65,7 @@ int main(int argc, char** argv)
             if (order == "unload")
                 host::ProcessModuleLoader().Unload(application);
         }
-        Write("main ends with " + ChainLength());
+        Write("main ends with " + ChainLengthText());
         return 0;
     } catch (const std::exception& error) {
         Write(error.what());

@@ -1,4 +1,5 @@
 #include "platform/framework/extension_module.h"
+#include "tests/support/extension_chain.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+using karv_test::Chain;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -16,16 +18,6 @@ namespace
 HINSTANCE Instance(std::uintptr_t number)
 {
     return reinterpret_cast<HINSTANCE>(number);
-}
-
-/// The modules of the chain, first to last.
-std::vector<HINSTANCE> Chain()
-{
-    std::vector<HINSTANCE> modules;
-    for (const CDynLinkLibrary* library = AfxGetModuleState()->m_pFirstDLL; library != nullptr;
-         library = library->m_pNextDLL)
-        modules.push_back(library->m_hModule);
-    return modules;
 }
 
 /// Adds a module's record to the chain, which owns it.

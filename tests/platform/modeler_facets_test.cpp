@@ -443,6 +443,16 @@ TEST(ModelerFacetsRefusal, HoleWithinAHole)
     EXPECT_EQ(RefusalOf(LaminaOf({Rectangle(0, 0, 9, 9), Hole(1, 1, 8, 8), Hole(3, 3, 6, 6)})), kCannotSplit);
 }
 
+TEST(ModelerFacetsRefusal, HoleAsLargeAsTheOutline)
+{
+    EXPECT_EQ(RefusalOf(LaminaOf({Rectangle(0, 0, 4, 4), Hole(0, 0, 4, 4)})), kCannotSplit);
+}
+
+TEST(ModelerFacetsRefusal, HoleThatTouchesTheOutlineAtAPointOfAnotherNumber)
+{
+    EXPECT_EQ(RefusalOf(LaminaOf({Rectangle(0, 0, 4, 4), {{0, 0, 0}, {2, 1, 0}, {1, 2, 0}}})), kCannotSplit);
+}
+
 TEST(ModelerFacetsRefusal, OutlineWithoutAreaThatHasAHole)
 {
     EXPECT_EQ(RefusalOf(LaminaOf({{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}, Hole(0, 0, 1, 1)})), kCannotSplit);

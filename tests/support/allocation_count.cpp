@@ -1,6 +1,7 @@
 #include "tests/support/allocation_count.h"
 
 #include <cstdlib>
+#include <limits>
 #include <new>
 
 namespace
@@ -9,6 +10,8 @@ namespace
 thread_local bool counting = false;
 thread_local std::size_t allocations = 0;
 thread_local std::size_t bytes = 0;
+constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+thread_local std::size_t refused_from = kNone;
 
 } // namespace
 
@@ -20,6 +23,8 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
         ++allocations;
         bytes += size;
     }
+    if (size >= refused_from)
+        return nullptr;
     return std::malloc(size == 0 ? 1 : size);
 }
 
@@ -94,6 +99,16 @@ std::size_t AllocationCount::Allocations() const
 std::size_t AllocationCount::Bytes() const
 {
     return bytes;
+}
+
+AllocationRefusal::AllocationRefusal(std::size_t from_bytes)
+{
+    refused_from = from_bytes;
+}
+
+AllocationRefusal::~AllocationRefusal()
+{
+    refused_from = kNone;
 }
 
 } // namespace karv_test

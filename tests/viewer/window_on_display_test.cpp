@@ -33,7 +33,7 @@ class WindowOnDisplay : public ViewerTest
     {
         return {"sh", "-c",
                 "cd '" + folder + "' && { DISPLAY=" + display + " '" KARV_VIEW "' " + arguments +
-                    " >out 2>err; echo $? >&$0; }",
+                    " >out 2>err; echo $? >/dev/fd/$0; }",
                 "%fd"};
     }
     void Start(const std::string& arguments, const std::string& display = SharedXServer().Display())
