@@ -27,7 +27,7 @@ void CALLBACK EndPrimitive()
 
 /// Tessellation errors are silent: a face with a crossing outline draws what came before the error, or
 /// nothing.
-void CALLBACK IgnoreError(GLenum code)
+void CALLBACK IgnoreTessellationError(GLenum code)
 {
     static_cast<void>(gluErrorString(code));
 }
@@ -63,7 +63,7 @@ void KARVGraphicalEntity::TesselateFace(KARVGLFace& face)
     GLUtesselator* const tess = tessellator.get();
     gluTessCallback(tess, GLU_TESS_BEGIN, reinterpret_cast<GluTessCallback>(BeginPrimitive));
     gluTessCallback(tess, GLU_TESS_END, reinterpret_cast<GluTessCallback>(EndPrimitive));
-    gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<GluTessCallback>(IgnoreError));
+    gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<GluTessCallback>(IgnoreTessellationError));
     gluTessCallback(tess, GLU_TESS_VERTEX, reinterpret_cast<GluTessCallback>(SendVertex));
 
     // The tessellator keeps pointers to the coordinates and reads them only when the polygon ends.

@@ -3,6 +3,8 @@
 // in core/ over a backend. Code above platform/ includes this file and never asks which it is.
 #pragma once
 
+#include "platform/winsys/export.h"
+
 #ifdef _WIN32
 #include <windows.h>
 #include <windowsx.h>
