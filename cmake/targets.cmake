@@ -1,6 +1,8 @@
 # What every target of the project shares.
-set(OpenGL_GL_PREFERENCE GLVND)
-find_package(OpenGL REQUIRED)
+if(NOT WIN32)
+  set(OpenGL_GL_PREFERENCE GLVND)
+  find_package(OpenGL REQUIRED)
+endif()
 
 add_library(karv_options INTERFACE)
 target_include_directories(karv_options INTERFACE ${PROJECT_SOURCE_DIR})
@@ -26,6 +28,18 @@ endif()
 add_library(karv_warnings INTERFACE)
 target_compile_options(karv_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
+# The trace file's JSON. Of headers alone, so that those of the build system serve a cross-build too, but reached through a
+# folder of their own: their neighbours belong to the build system's C library.
+if(WIN32)
+  find_path(KARV_JSON_HEADERS NAMES nlohmann/json.hpp PATHS /usr/include REQUIRED NO_CMAKE_FIND_ROOT_PATH)
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/headers)
+  file(CREATE_LINK ${KARV_JSON_HEADERS}/nlohmann ${PROJECT_BINARY_DIR}/headers/nlohmann SYMBOLIC)
+  add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)
+  target_include_directories(nlohmann_json::nlohmann_json INTERFACE ${PROJECT_BINARY_DIR}/headers)
+else()
+  find_package(nlohmann_json REQUIRED)
+endif()
+
 # OpenGL 1.1 and GLU, and nothing of a window system.
 add_library(karv_opengl INTERFACE)
 if(WIN32)
@@ -34,3 +48,13 @@ else()
   target_include_directories(karv_opengl INTERFACE ${OPENGL_INCLUDE_DIR})
   target_link_libraries(karv_opengl INTERFACE ${OPENGL_glu_LIBRARY} OpenGL::OpenGL)
 endif()
+
+# karv_add_version(TARGET DESCRIPTION): gives a library the version that the system shows of its file.
+function(karv_add_version target description)
+  if(WIN32)
+    set(KARV_FILE_NAME ${target})
+    set(KARV_FILE_DESCRIPTION ${description})
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
+    target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  endif()
+endfunction()

@@ -4,8 +4,8 @@
 
 #include "control/control_source.h"
 #include "module/guard.h"
+#include "platform/winsys/frame_clock.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
 
 #include <array>
 #include <ctime>

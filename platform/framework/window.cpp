@@ -162,7 +162,13 @@ const AFX_MSGMAP kEmptyMap{nullptr, {}};
 
 } // namespace
 
-LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
+/// The procedure of every framework window, as a class so that it is a friend on every system: a function
+/// that crosses a library's boundary cannot be one everywhere.
+struct WindowProcedure {
+    static LRESULT Handle(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+};
+
+LRESULT WindowProcedure::Handle(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
     CWnd* object = CWnd::FromHandlePermanent(window);
     if (object == nullptr)
@@ -180,6 +186,11 @@ LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lpa
     if (message == WM_NCDESTROY && dispatch.Target() != nullptr)
         dispatch.Target()->PostNcDestroy();
     return result;
+}
+
+LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
+{
+    return WindowProcedure::Handle(window, message, wparam, lparam);
 }
 
 LPCWSTR AfxRegisterWndClass(UINT style, HCURSOR cursor, HBRUSH brush, HICON icon)

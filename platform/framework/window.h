@@ -11,6 +11,7 @@
 #include <span>
 
 class CWnd;
+struct WindowProcedure;
 
 /// The window procedure of every framework window. A window that no object stands for gets the system's
 /// default handling.
@@ -114,7 +115,7 @@ class KARV_PLATFORM_API CWnd
     void OnTimer(UINT_PTR id);
 
   private:
-    friend LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+    friend struct WindowProcedure;
 };
 
 /// Registers a window class with these styles, cursor, brush and icon, unless one like it is registered, and

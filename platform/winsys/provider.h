@@ -1,6 +1,6 @@
-// What a process may ask of the window layer beyond the Win32 names: which backend serves it,
-// frames as they are swapped, swap counts, the frame clock, and the descriptor that a foreign event
-// loop waits on. Hosts and tests use it; the module uses FrameClock alone.
+// What a process may ask of the window layer beyond the Win32 names, where the layer and not the system
+// provides those: which backend serves it, frames as they are swapped, swap counts, and the descriptor that a
+// foreign event loop waits on. Hosts and tests use it; the module does not. Windows has none of it.
 //
 // All of it belongs to the thread that owns the windows.
 #pragma once
@@ -8,7 +8,6 @@
 #include "platform/winsys/winsys.h"
 
 #include <cstdint>
-#include <ctime>
 #include <functional>
 #include <memory>
 #include <string>
@@ -17,13 +16,6 @@ namespace winsys
 {
 
 class Backend;
-
-/// The time that frames are measured with, in ticks of 1 ms. Wall time: processor time would be
-/// wrong for a frame, because a software rasteriser draws on several threads.
-[[nodiscard]] KARV_PLATFORM_API std::clock_t FrameClock();
-
-/// Replaces the clock behind `FrameClock`; an empty function restores the real one.
-KARV_PLATFORM_API void SetFrameClock(std::function<std::clock_t()> clock);
 
 /// Called by `SwapBuffers` just before the swap of a window whose context is current, with the frame
 /// complete in the context's default read buffer; `width` and `height` are the client size in pixels. The

@@ -5,6 +5,7 @@
 #include "tests/support/control_test.h"
 
 #include "platform/host/gs/manager.h"
+#include "platform/winsys/frame_clock.h"
 #include "platform/winsys/opengl.h"
 #include "platform/winsys/provider.h"
 

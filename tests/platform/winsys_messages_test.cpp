@@ -1,4 +1,5 @@
 // The message queue: what comes before what, filters, timers, and the descriptor for foreign loops.
+#include "platform/winsys/frame_clock.h"
 #include "tests/platform/winsys_contract.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Pointer, wheel and keys as another program produces them, and what the layer's windows get.
+#include "platform/winsys/frame_clock.h"
 #include "tests/platform/x11_test.h"
 
 #include <algorithm>

@@ -32,7 +32,6 @@ struct Layer {
     std::string extensions;
 
     FrameObserver frame_observer;
-    std::function<std::clock_t()> frame_clock;
     /// Made when it is first asked for; most programs never wait outside GetMessageW.
     std::unique_ptr<WaitDescriptor> descriptor;
 

@@ -1,4 +1,4 @@
-// Choice of backend, observation and the frame clock.
+// Choice of backend, and observation.
 #include "platform/winsys/provider.h"
 
 #include "platform/winsys/core/layer.h"
@@ -6,7 +6,6 @@
 #include "platform/winsys/core/window_lifecycle.h"
 
 #include <algorithm>
-#include <chrono>
 #include <stdexcept>
 #include <utility>
 
@@ -58,22 +57,6 @@ bool Backend::OffersEntryPoint(std::string_view)
 std::optional<std::vector<int>> Backend::MatchFormats(std::span<const int> attributes)
 {
     return core::MatchAttributes(PixelFormats(), attributes);
-}
-
-std::clock_t FrameClock()
-{
-    using std::chrono::steady_clock;
-    if (const auto clock = core::GetLayer().frame_clock) {
-        return clock();
-    }
-    static const steady_clock::time_point start = steady_clock::now();
-    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
-    return static_cast<std::clock_t>(elapsed.count());
-}
-
-void SetFrameClock(std::function<std::clock_t()> clock)
-{
-    core::GetLayer().frame_clock = std::move(clock);
 }
 
 void SetFrameObserver(FrameObserver observer)
