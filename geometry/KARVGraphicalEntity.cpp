@@ -170,7 +170,8 @@ int KARVGraphicalEntity::GetFaceNumber()
 
 void KARVGraphicalEntity::DoesPointContainExtent(KARVGLVertex point, KARVGLVertex& min, KARVGLVertex& max)
 {
-    Guarded(L"KARVGraphicalEntity::DoesPointContainExtent", kEntitySource, [&] {
+    // For every corner of a scene: the point by value, so that it can stay in registers.
+    Guarded(L"KARVGraphicalEntity::DoesPointContainExtent", kEntitySource, [point, &min, &max] {
         LowerTo(point.x, min.x);
         LowerTo(point.y, min.y);
         LowerTo(point.z, min.z);
@@ -194,7 +195,9 @@ void KARVGraphicalEntity::CreateGLCache(AcDbEntity* entity)
         if (!entity->isKindOf(AcDbLine::desc()))
             return;
         const auto* line = static_cast<const AcDbLine*>(entity);
-        AppendSegment(line->startPoint(), line->endPoint());
+        const AcGePoint3d start = line->startPoint();
+        const AcGePoint3d end = line->endPoint();
+        AppendSegment(start, end);
     });
 }
 

@@ -80,7 +80,7 @@ void KARVGraphicalEntity::TesselateFace(KARVGLFace& face)
     gluTessEndContour(tess);
     gluTessEndPolygon(tess);
     glEndList();
-    tessellator.reset();
+    gluDeleteTess(tessellator.release());
     face.displayList = list;
 }
 

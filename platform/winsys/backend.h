@@ -8,6 +8,7 @@
 // from them.
 #pragma once
 
+#include "platform/winsys/frame_resolve.h"
 #include "platform/winsys/winsys.h"
 
 #include <cstddef>
@@ -45,9 +46,6 @@ struct NativeWindow {
     /// The system places this top-level window where it likes; `position` holds until it tells.
     bool is_placed_by_system = false;
 };
-
-/// Any OpenGL function; cast to its own type before the call.
-using GlFunction = void (*)();
 
 /// Where a native window is: on the screen for a top-level or adopted one, else in its parent.
 struct NativePlace {

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <string>
@@ -415,6 +416,22 @@ TEST_F(Tessellation, ListIsStoredOnlyWhenItIsClosed)
     const auto call = [&] { entity.TesselateFace(square); };
     EXPECT_ANY_THROW(call());
     EXPECT_EQ(square.displayList, 4711U);
+}
+
+TEST_F(Tessellation, FaultAtTheEndOfTheTessellatorIsReportedByTheConstructor)
+{
+    const TraceRecording trace;
+    const GlRecording recording;
+    const karv_test::GlHook hook("gluDeleteTess", [&](int call) {
+        if (call != 1)
+            return;
+        const auto address = static_cast<std::uintptr_t>(recording.Call("gluDeleteTess").values.at(0));
+        gluDeleteTess(reinterpret_cast<GLUtesselator*>(address));
+        throw 42;
+    });
+    Entity entity = EntityOf(Square());
+    EXPECT_EQ(entity.GetFaceNumber(), 0);
+    EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
 }
 
 TEST_F(Tessellation, OpensNoTraceEntryOfItsOwn)

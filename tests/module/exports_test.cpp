@@ -138,6 +138,13 @@ std::vector<std::string> GlNames()
     return names;
 }
 
+/// Whether the build adds code of its own to the module, which counts what runs or switches it.
+bool IsInstrumented()
+{
+    const std::string symbols = Output("'" KARV_NM "' -C '" KARV_MODULE_FILE "'");
+    return symbols.find("__gcov_") != std::string::npos || symbols.find("karv_mutation") != std::string::npos;
+}
+
 bool IsOfTheBoundary(const std::string& name)
 {
     for (const char* type :
@@ -223,6 +230,25 @@ TEST(Imports, GlFunctionsAreOfOpenGl11OrGlu)
 TEST(Imports, NothingDeletesADisplayList)
 {
     EXPECT_THAT(GlNames(), Not(Contains("glDeleteLists")));
+}
+
+TEST(Imports, NeitherFilesNorTheEnvironmentNorThreadsNorLocks)
+{
+    if (IsInstrumented())
+        GTEST_SKIP() << "what counts or switches lines reads files and the environment itself";
+    const std::set<std::string> functions = Words(
+        "getenv secure_getenv environ fopen fopen64 freopen open open64 openat openat64 creat mkstemp mmap "
+        "mmap64 stat stat64 opendir dlopen system popen clone fork");
+    const std::set<std::string> families = Words(
+        "pthread_ sem_ thrd_ mtx_ cnd_ std::thread std::mutex std::condition_variable std::basic_filebuf "
+        "std::basic_ifstream std::basic_ofstream std::basic_fstream std::filesystem::");
+    const std::vector<Symbol> symbols = Symbols("--undefined-only");
+    ASSERT_GT(symbols.size(), 50U);
+    for (const Symbol& symbol : symbols) {
+        const auto is_of = [&](const std::string& family) { return symbol.name.starts_with(family); };
+        EXPECT_FALSE(functions.contains(symbol.name)) << symbol.name;
+        EXPECT_TRUE(std::ranges::none_of(families, is_of)) << symbol.name;
+    }
 }
 
 TEST(Imports, RecorderStandsBeforeEveryGlFunction)

@@ -1,8 +1,7 @@
 // Messages as windows see them before they are dispatched, places that are left to the system, and the
 // request to close.
 #include "platform/framework/window.h"
-#include "platform/winsys/backend.h"
-#include "platform/winsys/provider.h"
+#include "tests/support/gl_test_window.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -52,7 +51,7 @@ class MessageHook : public testing::Test
   protected:
     MessageHook()
     {
-        winsys::UseBackend(winsys::MakeHeadlessBackend());
+        karv_test::UseTestWindows();
         constexpr RECT kPlace{0, 0, 50, 50};
         const LPCWSTR window_class = AfxRegisterWndClass(0);
         top_.CreateEx(0, window_class, L"", WS_POPUP, kPlace, nullptr, 0);

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "platform/framework/window.h"
-#include "platform/winsys/backend.h"
-#include "platform/winsys/provider.h"
+#include "tests/support/gl_test_window.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -90,7 +89,7 @@ class FrameworkWindow : public testing::Test
     ~FrameworkWindow() override { CWnd::DeleteTempMap(); }
 
   protected:
-    static void SetUpTestSuite() { winsys::UseBackend(winsys::MakeHeadlessBackend()); }
+    static void SetUpTestSuite() { UseTestWindows(); }
 
     /// Dispatches messages until none waits, at most `limit` of them.
     static int Pump(int limit = 1000)

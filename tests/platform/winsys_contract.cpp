@@ -1,14 +1,13 @@
 #include "tests/platform/winsys_contract.h"
 
-#include "platform/winsys/backend.h"
-#include "tests/support/scripted_backend.h"
-#include "tests/support/x_server.h"
+#include "platform/winsys/opengl.h"
+#include "platform/winsys/wgl_extensions.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
+#include <ranges>
 #include <utility>
-
-#include <poll.h>
 
 namespace karv_test
 {
@@ -16,6 +15,12 @@ namespace
 {
 
 constexpr const wchar_t* kClassName = L"Recorded";
+constexpr const char* kErasure = "WM_ERASEBKGND";
+
+bool IsFocusMessage(const std::string& name)
+{
+    return name == "WM_SETFOCUS" || name == "WM_KILLFOCUS";
+}
 
 std::string Narrow(const wchar_t* text)
 {
@@ -58,17 +63,6 @@ std::string MessageName(UINT message)
     return found == names.end() ? std::to_string(message) : found->second;
 }
 
-void InstallBackend(const std::string& name)
-{
-    if (name == "scripted") {
-        ScriptedBackend::Install();
-    } else if (name == "x11") {
-        winsys::UseBackend(winsys::MakeX11Backend(SharedXServer().Display()));
-    } else {
-        winsys::UseBackend(winsys::MakeHeadlessBackend());
-    }
-}
-
 WinsysContract* WinsysContract::running_ = nullptr;
 
 WinsysContract::WinsysContract()
@@ -89,7 +83,7 @@ WinsysContract::~WinsysContract()
         DestroyWindow(window);
     }
     UnregisterClassW(kClassName, nullptr);
-    winsys::SetFrameObserver(nullptr);
+    ForgetObservers();
     running_ = nullptr;
     while (Take().message != WM_NULL) {
     }
@@ -125,9 +119,26 @@ HDC WinsysContract::PrepareDc(HWND window)
     return dc;
 }
 
+std::vector<std::string> WinsysContract::TakeThose(const std::function<bool(const std::string& name)>& pass)
+{
+    std::vector<std::string> messages = std::exchange(messages_, {});
+    std::erase_if(messages, [&](const std::string& line) { return !pass(line.substr(line.find(' ') + 1)); });
+    return messages;
+}
+
 std::vector<std::string> WinsysContract::TakeMessages()
 {
-    return std::exchange(messages_, {});
+    return TakeThose([](const std::string& name) { return !IsFocusMessage(name) && name != kErasure; });
+}
+
+std::vector<std::string> WinsysContract::TakeFocusMessages()
+{
+    return TakeThose(IsFocusMessage);
+}
+
+std::vector<std::string> WinsysContract::TakeErasures()
+{
+    return TakeThose([](const std::string& name) { return name == kErasure; });
 }
 
 int WinsysContract::Pump(int limit)
@@ -160,32 +171,67 @@ MSG WinsysContract::Take(HWND window, UINT first, UINT last)
     return found != FALSE ? message : MSG{};
 }
 
-bool WinsysContract::IsDescriptorReadable()
-{
-    pollfd descriptor{winsys::GetMessageDescriptor(), POLLIN, 0};
-    return poll(&descriptor, 1, 0) == 1;
-}
-
-bool WinsysContract::WaitForDescriptor()
-{
-    constexpr int kMinute = 60'000;
-    pollfd descriptor{winsys::GetMessageDescriptor(), POLLIN, 0};
-    return poll(&descriptor, 1, kMinute) == 1;
-}
-
 LRESULT CALLBACK WinsysContract::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
     if (message == WM_NCCREATE) {
         running_->names_.emplace_back(window, Narrow(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpszName));
     }
-    const auto named = std::ranges::find(running_->names_, window, &std::pair<HWND, std::string>::first);
-    running_->messages_.push_back(named->second + ' ' + MessageName(message));
+    // The last one of this handle: some systems use handles again.
+    const auto named = std::ranges::find(std::views::reverse(running_->names_), window,
+                                         &std::pair<HWND, std::string>::first);
+    const std::string name = MessageName(message);
+    const bool is_known = message >= WM_USER || name.starts_with("WM_");
+    if (is_known && named != running_->names_.rend()) {
+        running_->messages_.push_back(named->second + ' ' + name);
+    }
     if (running_->handler_) {
         if (const auto answer = running_->handler_(window, message, wparam, lparam)) {
             return *answer;
         }
     }
     return DefWindowProcW(window, message, wparam, lparam);
+}
+
+GraphicsContract::~GraphicsContract()
+{
+    for (const HGLRC context : contexts_) {
+        wglDeleteContext(context);
+    }
+}
+
+HGLRC GraphicsContract::MakeContext(HDC dc)
+{
+    contexts_.push_back(wglCreateContext(dc));
+    return contexts_.back();
+}
+
+HWND GraphicsContract::MakeDrawable(const std::wstring& name)
+{
+    const HWND window = MakeShown(name);
+    const HDC dc = PrepareDc(window);
+    EXPECT_TRUE(wglMakeCurrent(dc, MakeContext(dc)));
+    return window;
+}
+
+void GraphicsContract::Clear(float red, float green, float blue)
+{
+    glClearColor(red, green, blue, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+int GraphicsContract::Choose(HDC dc, const std::vector<int>& attributes, BOOL* success)
+{
+    std::vector<int> list = attributes;
+    list.insert(list.end(), {0, 0});
+    const std::array<float, 2> no_floats{};
+    int format = 0;
+    UINT count = 0;
+    const auto choose = Look<PFNWGLCHOOSEPIXELFORMATARBPROC>("wglChoosePixelFormatARB");
+    const BOOL chosen = choose(dc, list.data(), no_floats.data(), 1, &format, &count);
+    if (success != nullptr) {
+        *success = chosen;
+    }
+    return chosen != FALSE && count == 1 ? format : 0;
 }
 
 } // namespace karv_test

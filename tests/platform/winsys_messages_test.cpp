@@ -74,7 +74,7 @@ TEST_P(WinsysMessages, PostedThenQuitThenPaintThenTimer)
 {
     const HWND window = MakeShown(L"a");
     SetTimer(window, 1, 1, nullptr);
-    ASSERT_TRUE(WaitForDescriptor()) << "the timer is due";
+    ASSERT_TRUE(WaitForMessage()) << "the timer is due";
     InvalidateRect(window, nullptr, FALSE);
     PostQuitMessage(5);
     PostMessageW(window, kFirst, 0, 0);
@@ -145,16 +145,6 @@ TEST_P(WinsysMessages, MessagesOfNoWindowBelongToTheThread)
     const auto thread_only = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
     EXPECT_EQ(Take(thread_only).message, kFirst);
     EXPECT_EQ(Take(thread_only).message, WM_NULL);
-}
-
-TEST_P(WinsysMessages, GettingForABadWindowFails)
-{
-    const HWND stale = Make(L"a");
-    DestroyWindow(stale);
-    MSG message{};
-    EXPECT_EQ(GetMessageW(&message, stale, 0, 0), -1);
-    EXPECT_EQ(GetMessageW(nullptr, nullptr, 0, 0), -1);
-    EXPECT_FALSE(PeekMessageW(&message, stale, 0, 0, PM_REMOVE));
 }
 
 TEST_P(WinsysMessages, DestroyedWindowTakesItsMessagesAlong)
@@ -314,18 +304,6 @@ TEST_P(WinsysMessages, DispatchCallsTheTimersFunction)
     EXPECT_THAT(TakeMessages(), testing::IsEmpty()) << "the window's procedure is passed over";
 }
 
-TEST_P(WinsysMessages, KilledTimerDoesNotCallBack)
-{
-    const HWND window = MakeShown(L"a");
-    callback_count = 0;
-    SetTimer(window, 9, 1, &CountCallback);
-    MSG message{};
-    ASSERT_TRUE(GetMessageW(&message, nullptr, 0, 0));
-    KillTimer(window, 9);
-    DispatchMessageW(&message);
-    EXPECT_EQ(callback_count, 0);
-}
-
 TEST_P(WinsysMessages, TimerWithoutAWindowChoosesItsId)
 {
     callback_count = 0;
@@ -336,92 +314,6 @@ TEST_P(WinsysMessages, TimerWithoutAWindowChoosesItsId)
     EXPECT_TRUE(PumpUntil([] { return callback_count >= 4; }));
     EXPECT_TRUE(KillTimer(nullptr, first));
     EXPECT_TRUE(KillTimer(nullptr, second));
-}
-
-TEST_P(WinsysMessages, DescriptorIsReadableExactlyWhileAMessageWaits)
-{
-    const HWND window = MakeShown(L"a");
-    ASSERT_GE(winsys::GetMessageDescriptor(), 0);
-    EXPECT_FALSE(IsDescriptorReadable());
-    PostMessageW(window, kFirst, 0, 0);
-    PostMessageW(window, kSecond, 0, 0);
-    EXPECT_TRUE(IsDescriptorReadable());
-    Take();
-    EXPECT_TRUE(IsDescriptorReadable());
-    Take();
-    EXPECT_FALSE(IsDescriptorReadable());
-}
-
-TEST_P(WinsysMessages, DescriptorFollowsPaintsAndQuit)
-{
-    const HWND window = MakeShown(L"a");
-    InvalidateRect(window, nullptr, FALSE);
-    EXPECT_TRUE(IsDescriptorReadable());
-    ShowWindow(window, SW_HIDE);
-    EXPECT_FALSE(IsDescriptorReadable()) << "a hidden window is not painted";
-    ShowWindow(window, SW_SHOW);
-    EXPECT_TRUE(IsDescriptorReadable());
-    DestroyWindow(window);
-    EXPECT_FALSE(IsDescriptorReadable());
-    PostQuitMessage(0);
-    EXPECT_TRUE(IsDescriptorReadable());
-    Take();
-    EXPECT_FALSE(IsDescriptorReadable());
-}
-
-TEST_P(WinsysMessages, DescriptorFollowsTimers)
-{
-    const HWND window = MakeShown(L"a");
-    SetTimer(window, 1, 1'000'000, nullptr);
-    EXPECT_FALSE(IsDescriptorReadable());
-    SetTimer(window, 1, 1, nullptr);
-    EXPECT_TRUE(WaitForDescriptor()) << "the timer has not made the descriptor readable";
-    SetTimer(window, 1, 1'000'000, nullptr);
-    EXPECT_FALSE(IsDescriptorReadable());
-    SetTimer(window, 1, 1, nullptr);
-    EXPECT_TRUE(WaitForDescriptor());
-    KillTimer(window, 1);
-    EXPECT_FALSE(IsDescriptorReadable());
-}
-
-TEST_P(WinsysMessages, DescriptorIsNotReadableWhileATimersPeriodRunsAgain)
-{
-    constexpr std::clock_t kPeriod = 20;
-    const HWND window = MakeShown(L"a");
-    SetTimer(window, 1, kPeriod, nullptr);
-    // A machine that is busy may let a period go by between the two calls; such a turn says nothing.
-    bool told = false;
-    for (int turn = 0; turn < 100 && !told; ++turn) {
-        ASSERT_TRUE(WaitForDescriptor());
-        const std::clock_t start = winsys::FrameClock();
-        EXPECT_EQ(Take().message, WM_TIMER);
-        const bool readable = IsDescriptorReadable();
-        told = winsys::FrameClock() - start < kPeriod - 1;
-        EXPECT_FALSE(told && readable);
-    }
-    EXPECT_TRUE(told);
-}
-
-TEST_P(WinsysMessages, ForeignLoopHandlesOneTimerMessageATurn)
-{
-    const HWND window = MakeShown(L"a");
-    int frames = 0;
-    handler_ = [&](HWND, UINT message, WPARAM, LPARAM) {
-        frames += message == WM_TIMER ? 1 : 0;
-        return std::nullopt;
-    };
-    SetTimer(window, 1, 1, nullptr);
-    for (int turn = 0; turn < 20; ++turn) {
-        ASSERT_TRUE(WaitForDescriptor());
-        MSG message{};
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-            DispatchMessageW(&message);
-            if (message.message == WM_TIMER) {
-                break;
-            }
-        }
-        EXPECT_EQ(frames, turn + 1) << "a readable descriptor always means a message";
-    }
 }
 
 TEST_P(WinsysMessages, FrameClockRunsInMilliseconds)

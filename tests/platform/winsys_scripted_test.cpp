@@ -2,6 +2,7 @@
 // of formats.
 #include "platform/winsys/provider.h"
 #include "platform/winsys/wgl_extensions.h"
+#include "tests/platform/message_descriptor.h"
 #include "tests/platform/winsys_contract.h"
 #include "tests/support/scripted_backend.h"
 
@@ -229,7 +230,7 @@ TEST_P(WinsysScripted, NativeFocusMovesWithItsMessages)
     backend_.QueueEvent([=](winsys::EventSink& sink) { sink.OnFocus(a, false); });
     Pump();
     EXPECT_EQ(GetFocus(), nullptr);
-    EXPECT_THAT(TakeMessages(), ElementsAre("a WM_SETFOCUS", "a WM_KILLFOCUS"));
+    EXPECT_THAT(TakeFocusMessages(), ElementsAre("a WM_SETFOCUS", "a WM_KILLFOCUS"));
 }
 
 TEST_P(WinsysScripted, NativeFocusInsideTheWindowStaysWithTheChild)

@@ -1,8 +1,7 @@
 // Windows, their classes, the messages of their birth, change and death, focus and painting.
-#include "platform/winsys/backend.h"
 #include "tests/platform/winsys_contract.h"
 
-#include <stdexcept>
+#include <array>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -37,9 +36,9 @@ TEST_P(WinsysWindows, ClassInUseCannotBeUnregistered)
 TEST_P(WinsysWindows, ClassInfoIsWhatWasRegistered)
 {
     WNDCLASSW found{};
-    ASSERT_TRUE(GetClassInfoW(nullptr, L"Recorded", &found));
+    ASSERT_TRUE(GetClassInfoW(GetModuleHandleW(nullptr), L"Recorded", &found));
     EXPECT_EQ(found.style, CS_OWNDC);
-    EXPECT_FALSE(GetClassInfoW(nullptr, L"Missing", &found));
+    EXPECT_FALSE(GetClassInfoW(GetModuleHandleW(nullptr), L"Missing", &found));
 }
 
 TEST_P(WinsysWindows, UnknownClassMakesNoWindow)
@@ -74,9 +73,15 @@ TEST_P(WinsysWindows, HiddenChildIsNotShownByItsCreation)
                 ElementsAre("child WM_NCCREATE", "child WM_CREATE", "child WM_SIZE", "child WM_MOVE"));
 }
 
-TEST_P(WinsysWindows, TopLevelWindowLearnsItsSizeAtItsFirstShow)
+TEST_P(WinsysWindows, PopupLearnsItsSizeAtItsCreation)
 {
-    const HWND window = Make(L"a");
+    ASSERT_NE(Make(L"a", WS_POPUP), nullptr);
+    EXPECT_THAT(TakeMessages(), ElementsAre("a WM_NCCREATE", "a WM_CREATE", "a WM_SIZE", "a WM_MOVE"));
+}
+
+TEST_P(WinsysWindows, OverlappedWindowLearnsItsSizeAtItsFirstShow)
+{
+    const HWND window = Make(L"a", WS_OVERLAPPED, nullptr, 300, 200);
     EXPECT_THAT(TakeMessages(), ElementsAre("a WM_NCCREATE", "a WM_CREATE"));
     EXPECT_FALSE(ShowWindow(window, SW_SHOW));
     EXPECT_THAT(TakeMessages(), ElementsAre("a WM_SHOWWINDOW", "a WM_SIZE", "a WM_MOVE"));
@@ -103,8 +108,8 @@ TEST_P(WinsysWindows, CreationMessageCarriesTheArguments)
         }
         return std::nullopt;
     };
-    const HWND window = CreateWindowExW(7, L"Recorded", L"child", kVisibleChild, 1, 2, 3, 4, parent, nullptr,
-                                        GetModuleHandleW(nullptr), &parameter);
+    const HWND window = CreateWindowExW(WS_EX_NOPARENTNOTIFY, L"Recorded", L"child", kVisibleChild, 1, 2, 3,
+                                        4, parent, nullptr, GetModuleHandleW(nullptr), &parameter);
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(seen.lpCreateParams, &parameter);
     EXPECT_EQ(seen.hInstance, GetModuleHandleW(nullptr));
@@ -114,7 +119,7 @@ TEST_P(WinsysWindows, CreationMessageCarriesTheArguments)
     EXPECT_EQ(seen.cx, 3);
     EXPECT_EQ(seen.cy, 4);
     EXPECT_EQ(static_cast<DWORD>(seen.style), kVisibleChild);
-    EXPECT_EQ(seen.dwExStyle, 7U);
+    EXPECT_EQ(seen.dwExStyle, WS_EX_NOPARENTNOTIFY);
 }
 
 TEST_P(WinsysWindows, PlaceLeftToTheSystemIsResolvedBeforeTheCreationMessage)
@@ -129,15 +134,14 @@ TEST_P(WinsysWindows, PlaceLeftToTheSystemIsResolvedBeforeTheCreationMessage)
     const HWND known = Make(L"known");
     std::array<wchar_t, 64> name{};
     GetClassNameW(known, name.data(), static_cast<int>(name.size()));
-    const HWND window = CreateWindowExW(0, name.data(), L"", WS_OVERLAPPED, CW_USEDEFAULT, 123, 40, 30,
+    const HWND window = CreateWindowExW(0, name.data(), L"", WS_OVERLAPPED, CW_USEDEFAULT, 123, 400, 300,
                                         nullptr, nullptr, nullptr, nullptr);
     ASSERT_NE(window, nullptr);
-    EXPECT_EQ(seen.x, 0);
-    EXPECT_EQ(seen.y, 0);
+    EXPECT_NE(seen.x, CW_USEDEFAULT);
     RECT rect{};
     EXPECT_TRUE(GetWindowRect(window, &rect));
-    EXPECT_EQ(rect.right - rect.left, 40);
-    EXPECT_EQ(rect.bottom - rect.top, 30);
+    EXPECT_EQ(rect.right - rect.left, 400);
+    EXPECT_EQ(rect.bottom - rect.top, 300);
     DestroyWindow(window);
 }
 
@@ -158,14 +162,17 @@ TEST_P(WinsysWindows, RefusedCreateDestroysTheWindow)
         return message == WM_CREATE ? std::optional<LRESULT>(-1) : std::nullopt;
     };
     EXPECT_EQ(Make(L"a"), nullptr);
-    EXPECT_THAT(TakeMessages(),
-                ElementsAre("a WM_NCCREATE", "a WM_CREATE", "a WM_DESTROY", "a WM_NCDESTROY"));
+    // Not every implementation of Windows sends WM_DESTROY here.
+    const std::vector<std::string> messages = TakeMessages();
+    EXPECT_THAT(messages, testing::AnyOf(
+                              ElementsAre("a WM_NCCREATE", "a WM_CREATE", "a WM_NCDESTROY"),
+                              ElementsAre("a WM_NCCREATE", "a WM_CREATE", "a WM_DESTROY", "a WM_NCDESTROY")));
     EXPECT_FALSE(IsWindow(made));
 }
 
 TEST_P(WinsysWindows, WindowDestroyedWhileItIsMadeIsNotReturned)
 {
-    for (const UINT last : {WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE, WM_SHOWWINDOW}) {
+    for (const UINT last : {WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE}) {
         const HWND parent = MakeShown(L"parent");
         handler_ = [&](HWND window, UINT message, WPARAM, LPARAM) {
             if (message == last) {
@@ -191,7 +198,7 @@ TEST_P(WinsysWindows, WindowMadeAndDestroyedInsideACreation)
         }
         return std::nullopt;
     };
-    const HWND parent = Make(L"a");
+    const HWND parent = Make(L"a", WS_OVERLAPPED);
     EXPECT_THAT(TakeMessages(), ElementsAre("a WM_NCCREATE", "a WM_CREATE", "probe WM_NCCREATE",
                                             "probe WM_CREATE", "probe WM_DESTROY", "probe WM_NCDESTROY"));
     EXPECT_TRUE(IsWindow(parent));
@@ -224,41 +231,6 @@ TEST_P(WinsysWindows, OwnedWindowGoesBeforeItsOwner)
                                             "owner WM_NCDESTROY"));
 }
 
-TEST_P(WinsysWindows, HandlerOfAChildsDestructionMayDestroyTheParent)
-{
-    for (const UINT when : {WM_DESTROY, WM_NCDESTROY}) {
-        const HWND parent = Make(L"parent");
-        const HWND child = Make(L"child", WS_CHILD, parent);
-        handler_ = [&](HWND window, UINT message, WPARAM, LPARAM) {
-            if (window == child && message == when) {
-                DestroyWindow(parent);
-            }
-            return std::nullopt;
-        };
-        TakeMessages();
-        EXPECT_TRUE(DestroyWindow(child));
-        EXPECT_THAT(TakeMessages(), testing::UnorderedElementsAre("child WM_DESTROY", "child WM_NCDESTROY",
-                                                                  "parent WM_DESTROY", "parent WM_NCDESTROY"))
-            << MessageName(when);
-        EXPECT_FALSE(IsWindow(parent));
-        handler_ = nullptr;
-    }
-}
-
-TEST_P(WinsysWindows, DestructionDoesNotBeginTwice)
-{
-    BOOL second = TRUE;
-    const HWND window = Make(L"a");
-    handler_ = [&](HWND self, UINT message, WPARAM, LPARAM) {
-        if (message == WM_DESTROY) {
-            second = DestroyWindow(self);
-        }
-        return std::nullopt;
-    };
-    EXPECT_TRUE(DestroyWindow(window));
-    EXPECT_FALSE(second);
-}
-
 TEST_P(WinsysWindows, StaleAndNullHandlesAreRefused)
 {
     const HWND stale = Make(L"a");
@@ -283,14 +255,12 @@ TEST_P(WinsysWindows, StaleAndNullHandlesAreRefused)
         EXPECT_EQ(GetClassNameW(window, text, 8), 0);
         EXPECT_EQ(SetWindowLongPtrW(window, GWLP_USERDATA, 1), 0);
         EXPECT_EQ(GetWindowLongPtrW(window, GWLP_USERDATA), 0);
-        EXPECT_FALSE(InvalidateRect(window, nullptr, FALSE));
-        EXPECT_FALSE(ValidateRect(window, nullptr));
-        EXPECT_FALSE(UpdateWindow(window));
         PAINTSTRUCT paint{};
         EXPECT_EQ(BeginPaint(window, &paint), nullptr);
         EXPECT_EQ(SendMessageW(window, WM_USER, 0, 0), 0);
-        EXPECT_EQ(winsys::GetSwapCount(window), 0U);
     }
+    EXPECT_FALSE(InvalidateRect(stale, nullptr, FALSE));
+    EXPECT_FALSE(ValidateRect(stale, nullptr));
     EXPECT_FALSE(PostMessageW(stale, WM_USER, 0, 0));
     EXPECT_EQ(SetTimer(stale, 1, 1, nullptr), 0U);
     EXPECT_EQ(GetDC(stale), nullptr);
@@ -407,15 +377,16 @@ TEST_P(WinsysWindows, UserDataAndStyleAreKept)
 
 TEST_P(WinsysWindows, FocusGoesFromOneToTheOther)
 {
-    const HWND a = MakeShown(L"a");
-    const HWND b = MakeShown(L"b");
+    const HWND parent = MakeShown(L"parent");
+    const HWND a = Make(L"a", kVisibleChild, parent);
+    const HWND b = Make(L"b", kVisibleChild, parent);
     SetFocus(a);
     EXPECT_EQ(GetFocus(), a);
-    TakeMessages();
+    TakeFocusMessages();
     EXPECT_EQ(SetFocus(b), a);
-    EXPECT_THAT(TakeMessages(), ElementsAre("a WM_KILLFOCUS", "b WM_SETFOCUS"));
+    EXPECT_THAT(TakeFocusMessages(), ElementsAre("a WM_KILLFOCUS", "b WM_SETFOCUS"));
     EXPECT_EQ(SetFocus(b), b);
-    EXPECT_THAT(TakeMessages(), IsEmpty());
+    EXPECT_THAT(TakeFocusMessages(), IsEmpty());
 }
 
 TEST_P(WinsysWindows, FocusOnAStaleWindowIsRefused)
@@ -440,10 +411,9 @@ TEST_P(WinsysWindows, FocusLeavesADestroyedChildForItsParent)
     const HWND parent = MakeShown(L"parent");
     const HWND child = Make(L"child", kVisibleChild, parent);
     SetFocus(child);
-    TakeMessages();
+    TakeFocusMessages();
     DestroyWindow(child);
-    EXPECT_THAT(TakeMessages(), ElementsAre("child WM_KILLFOCUS", "parent WM_SETFOCUS", "child WM_DESTROY",
-                                            "child WM_NCDESTROY"));
+    EXPECT_THAT(TakeFocusMessages(), ElementsAre("child WM_KILLFOCUS", "parent WM_SETFOCUS"));
     EXPECT_EQ(GetFocus(), parent);
 }
 
@@ -452,9 +422,9 @@ TEST_P(WinsysWindows, FocusInsideADestroyedTreeIsNowhere)
     const HWND parent = MakeShown(L"parent");
     const HWND child = Make(L"child", kVisibleChild, parent);
     SetFocus(child);
-    TakeMessages();
+    TakeFocusMessages();
     DestroyWindow(parent);
-    EXPECT_EQ(TakeMessages().front(), "child WM_KILLFOCUS");
+    EXPECT_EQ(TakeFocusMessages().front(), "child WM_KILLFOCUS");
     EXPECT_EQ(GetFocus(), nullptr);
 }
 
@@ -486,7 +456,7 @@ TEST_P(WinsysWindows, VisibleMeansAllParentsToo)
 
 TEST_P(WinsysWindows, PaintComesOnlyOnceParentsAreVisible)
 {
-    const HWND parent = Make(L"parent");
+    const HWND parent = Make(L"parent", WS_POPUP | WS_CLIPCHILDREN);
     const HWND child = Make(L"child", kVisibleChild, parent);
     EXPECT_EQ(Take().message, WM_NULL);
     ShowWindow(parent, SW_SHOW);
@@ -549,6 +519,7 @@ TEST_P(WinsysWindows, SizeChangeIsPaintedUnlessTheCallerRepaints)
 TEST_P(WinsysWindows, BeginPaintValidatesAndErasesOnRequest)
 {
     const HWND window = MakeShown(L"a");
+    TakeErasures();
     InvalidateRect(window, nullptr, TRUE);
     PAINTSTRUCT paint{};
     const HDC dc = BeginPaint(window, &paint);
@@ -557,7 +528,7 @@ TEST_P(WinsysWindows, BeginPaintValidatesAndErasesOnRequest)
     EXPECT_EQ(paint.rcPaint.right, 64);
     EXPECT_TRUE(paint.fErase) << "the class has no brush, so that nobody has erased";
     EXPECT_TRUE(EndPaint(window, &paint));
-    EXPECT_THAT(TakeMessages(), ElementsAre("a WM_ERASEBKGND"));
+    EXPECT_THAT(TakeErasures(), ElementsAre("a WM_ERASEBKGND"));
     EXPECT_EQ(Take().message, WM_NULL);
 }
 
@@ -593,23 +564,6 @@ TEST_P(WinsysWindows, ProgramAndStockBrushHaveHandles)
     EXPECT_NE(GetModuleHandleW(nullptr), nullptr);
     EXPECT_EQ(GetModuleHandleW(nullptr), GetModuleHandleW(nullptr));
     EXPECT_NE(GetStockObject(BLACK_BRUSH), nullptr);
-}
-
-TEST_P(WinsysWindows, BackendChangesOnlyWithoutWindows)
-{
-    EXPECT_EQ(winsys::BackendName(), GetParam());
-    const HWND window = Make(L"a");
-    EXPECT_THROW(winsys::UseBackend(nullptr), std::logic_error);
-    EXPECT_EQ(winsys::BackendName(), GetParam());
-    DestroyWindow(window);
-    EXPECT_NO_THROW(InstallBackend(GetParam()));
-}
-
-TEST_P(WinsysWindows, NoBackendMeansTheDefaultOneAtTheNextWindow)
-{
-    winsys::UseBackend(nullptr);
-    EXPECT_NE(Make(L"a"), nullptr);
-    EXPECT_EQ(winsys::BackendName(), winsys::MakeDefaultBackend()->Name());
 }
 
 } // namespace karv_test

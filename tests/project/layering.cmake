@@ -17,6 +17,7 @@ set(rules
     "^control/=control/|camera/|geometry/|module/guard.h|PLATFORM"
     "^module/=module/|control/|camera/|geometry/|PLATFORM"
     "^viewer/=viewer/|BOUNDARY|PLATFORM"
+    "^examples/win32-dialog/=examples/win32-dialog/|viewer/|BOUNDARY|PLATFORM"
     "^examples/=examples/|BOUNDARY|PLATFORM"
     "^bench/=bench/|module/guard.h|BOUNDARY|PLATFORM"
     "^tests/=.*")

@@ -1,8 +1,6 @@
 #include "tests/support/gl_test_window.h"
 
-#include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -101,12 +99,6 @@ void Picture::Write(const std::string& path) const
     const auto row = static_cast<std::streamsize>(width_) * 3;
     for (int y = height_ - 1; y >= 0; --y)
         file.write(reinterpret_cast<const char*>(bytes_.data()) + y * row, row);
-}
-
-void UseHeadlessWindows()
-{
-    if (winsys::BackendName() != "headless")
-        winsys::UseBackend(winsys::MakeHeadlessBackend());
 }
 
 GlTestWindow::GlTestWindow(int width, int height)

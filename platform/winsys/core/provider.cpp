@@ -59,6 +59,11 @@ std::optional<std::vector<int>> Backend::MatchFormats(std::span<const int> attri
     return core::MatchAttributes(PixelFormats(), attributes);
 }
 
+GlFunction FindGlFunction(const char* name)
+{
+    return core::GetLayer().InstalledBackend().FindGlFunction(name);
+}
+
 void SetFrameObserver(FrameObserver observer)
 {
     core::GetLayer().frame_observer = std::move(observer);

@@ -164,6 +164,7 @@ inline constexpr DWORD WS_VISIBLE = 0x10000000;
 inline constexpr DWORD WS_CLIPSIBLINGS = 0x04000000;
 inline constexpr DWORD WS_CLIPCHILDREN = 0x02000000;
 inline constexpr DWORD WS_OVERLAPPEDWINDOW = 0x00CF0000;
+inline constexpr DWORD WS_EX_NOPARENTNOTIFY = 0x00000004;
 
 /// The horizontal place of a top-level window whose place the system chooses; the vertical one is then not
 /// used.

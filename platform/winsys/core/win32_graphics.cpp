@@ -1,7 +1,7 @@
 // Device contexts, pixel formats and rendering contexts under their Win32 and WGL names.
-#include "platform/winsys/core/frame_resolve.h"
 #include "platform/winsys/core/layer.h"
 #include "platform/winsys/core/pixel_formats.h"
+#include "platform/winsys/frame_resolve.h"
 #include "platform/winsys/wgl_extensions.h"
 
 #include <algorithm>
@@ -60,7 +60,7 @@ void ObserveFrame(const Window& window)
         WindowFromDC(layer.current_dc) == window.handle) {
         // A copy, because the observer may install another.
         const winsys::FrameObserver observer = layer.frame_observer;
-        const FrameResolve resolve(*layer.backend, window.size.cx, window.size.cy);
+        const winsys::FrameResolve resolve(window.size.cx, window.size.cy);
         observer(window.handle, window.size.cx, window.size.cy);
     }
 }

@@ -140,7 +140,7 @@ void SendMove(HWND window)
     }
 }
 
-// A child learns its geometry at its creation, a top-level window when it is first shown.
+// A child or a popup learns its geometry at its creation, another top-level window when it is first shown.
 void AnnounceGeometry(HWND window)
 {
     SendSize(window);
@@ -218,7 +218,7 @@ HWND Create(const CREATESTRUCTW& request)
     if (!SendCreate(window, request)) {
         return nullptr;
     }
-    if (is_child) {
+    if (is_child || (static_cast<DWORD>(request.style) & WS_POPUP) != 0) {
         AnnounceGeometry(window);
     }
     if ((static_cast<DWORD>(request.style) & WS_VISIBLE) != 0) {

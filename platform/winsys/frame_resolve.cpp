@@ -1,30 +1,29 @@
-#include "platform/winsys/core/frame_resolve.h"
+#include "platform/winsys/frame_resolve.h"
 
-#include "platform/winsys/backend.h"
+#include "platform/winsys/opengl.h"
 
-#include <GL/gl.h>
 #include <GL/glext.h>
 
-namespace winsys::core
+namespace winsys
 {
 
 // Looked up rather than linked, as the program may watch what goes through the library's own entry points.
 struct FrameResolve::Functions {
-    explicit Functions(Backend& backend)
+    Functions()
     {
-        Look(backend, "glGetIntegerv", get_integer);
-        Look(backend, "glIsEnabled", is_enabled);
-        Look(backend, "glEnable", enable);
-        Look(backend, "glDisable", disable);
-        Look(backend, "glGenFramebuffers", gen_framebuffers);
-        Look(backend, "glDeleteFramebuffers", delete_framebuffers);
-        Look(backend, "glBindFramebuffer", bind_framebuffer);
-        Look(backend, "glFramebufferRenderbuffer", attach);
-        Look(backend, "glGenRenderbuffers", gen_renderbuffers);
-        Look(backend, "glDeleteRenderbuffers", delete_renderbuffers);
-        Look(backend, "glBindRenderbuffer", bind_renderbuffer);
-        Look(backend, "glRenderbufferStorage", storage);
-        Look(backend, "glBlitFramebuffer", blit);
+        Look("glGetIntegerv", get_integer);
+        Look("glIsEnabled", is_enabled);
+        Look("glEnable", enable);
+        Look("glDisable", disable);
+        Look("glGenFramebuffers", gen_framebuffers);
+        Look("glDeleteFramebuffers", delete_framebuffers);
+        Look("glBindFramebuffer", bind_framebuffer);
+        Look("glFramebufferRenderbuffer", attach);
+        Look("glGenRenderbuffers", gen_renderbuffers);
+        Look("glDeleteRenderbuffers", delete_renderbuffers);
+        Look("glBindRenderbuffer", bind_renderbuffer);
+        Look("glRenderbufferStorage", storage);
+        Look("glBlitFramebuffer", blit);
     }
 
     [[nodiscard]] GLint Get(GLenum name) const
@@ -51,16 +50,16 @@ struct FrameResolve::Functions {
 
   private:
     template <typename Function>
-    void Look(Backend& backend, const char* name, Function& function)
+    void Look(const char* name, Function& function)
     {
-        function = reinterpret_cast<Function>(backend.FindGlFunction(name));
+        function = reinterpret_cast<Function>(FindGlFunction(name));
         complete = complete && function != nullptr;
     }
 };
 
-FrameResolve::FrameResolve(Backend& backend, int width, int height) : backend_(backend)
+FrameResolve::FrameResolve(int width, int height)
 {
-    const Functions gl(backend);
+    const Functions gl;
     // A function may be found that the context does not support.
     if (!gl.complete || width < 1 || height < 1 || gl.Get(GL_MAJOR_VERSION) < 3) {
         return;
@@ -75,7 +74,7 @@ FrameResolve::FrameResolve(Backend& backend, int width, int height) : backend_(b
 FrameResolve::~FrameResolve()
 {
     if (framebuffer_ != 0) {
-        const Functions gl(backend_);
+        const Functions gl;
         gl.bind_framebuffer(GL_READ_FRAMEBUFFER, 0);
         gl.delete_framebuffers(1, &framebuffer_);
         gl.delete_renderbuffers(1, &colors_);
@@ -104,4 +103,4 @@ void FrameResolve::Copy(const Functions& gl, int width, int height)
     gl.bind_framebuffer(GL_READ_FRAMEBUFFER, framebuffer_);
 }
 
-} // namespace winsys::core
+} // namespace winsys
