@@ -24,6 +24,7 @@ make_stub()
 # shellcheck disable=SC2016  # the stand-ins expand it
 {
     make_stub tools/setup 'echo "setup $*" >>"$WORK/calls"; exit "${SETUP_STATUS:-0}"'
+    make_stub tools/wine-session 'echo session >>"$WORK/calls"; "$@"'
     make_stub bin/cmake 'echo "cmake $*" >>"$WORK/calls"; echo "words of cmake"; exit "${CMAKE_STATUS:-0}"'
     make_stub bin/ninja 'echo "${NINJA_SAYS:-[1/2] compiling}"'
     make_stub bin/ctest 'echo "ctest $1 $2 in $PWD" >>"$WORK/calls"; echo summary; exit "${CTEST_STATUS:-0}"'
@@ -96,13 +97,24 @@ call "$work" tools/build
 expect 'a build without a preset is refused' "$status $complained" '2 usage: *'
 
 call "$work/elsewhere" ../test
-expect 'test sets up, builds and tests all' "$calls" "setup build viewer test
+expect 'test sets up, builds and tests all on both systems' "$calls" "setup build viewer test
 cmake --preset linux-sanitize
 cmake --build --preset linux-sanitize
-ctest --preset linux-sanitize in $work"
-expect 'test ends with the summary' "$status $said" '0 summary'
+ctest --preset linux-sanitize in $work
+setup build test windows
+cmake --preset windows
+cmake --build --preset windows
+session
+ctest --preset windows in $work"
+expect 'test ends with the summaries' "$status $said" $'0 summary\nsummary'
 CTEST_STATUS=8 call "$work" ./test linux
 expect 'test ends as CTest does' "$status" 8
+expect 'test of one system leaves the other alone' "$calls" "*ctest --preset linux-sanitize in $work"
+CTEST_STATUS=8 call "$work" ./test
+expect 'test ends as a failing CTest does' "$status" 8
+expect 'test goes on with the second system where the first fails' "$calls" "*ctest --preset windows in $work"
+SETUP_STATUS=1 call "$work" ./test windows
+expect 'test stops where packages are missing' "$status $calls" '1 setup build test windows'
 
 mkdir -p "$work/camera"
 printf 'int F(int a)\n{\n    return a ? 1 : 0;\n    done();\n}\n' >"$work/camera/a.cpp"
@@ -135,7 +147,7 @@ call "$work/elsewhere" ../tools/mutate --sample 5
 expect 'mutate sets up, and passes its arguments on' "$calls" \
     $'setup build test mutation\nnice /usr/bin/python3 -B tools/mutation/run.py --sample 5'
 
-call "$work" ./test windows
+call "$work" ./test solaris
 expect 'test refuses a system that it does not know' "$status $complained$calls" '2 usage: *'
 call "$work" ./test linux more
 expect 'test refuses more arguments' "$status $complained$calls" '2 usage: *'
