@@ -26,6 +26,30 @@ struct FaultPlace {
     }
 };
 
+/// Runs the body of a watched operation below the frame by which a processor fault finds its guard. Takes a
+/// copy: what the operation keeps in registers may stay there while nobody watches.
+template <typename Body>
+std::invoke_result_t<Body&> RunWatched(Body body)
+{
+    using Result = std::invoke_result_t<Body&>;
+    if constexpr (std::is_void_v<Result>) {
+        CTqLogEntry::RunWatched([](void* own) { (*static_cast<Body*>(own))(); }, &body);
+    } else {
+        struct Call {
+            Body& body;
+            Result result{};
+        };
+        Call call{body};
+        CTqLogEntry::RunWatched(
+            [](void* own) {
+                Call& own_call = *static_cast<Call*>(own);
+                own_call.result = own_call.body();
+            },
+            &call);
+        return std::move(call.result);
+    }
+}
+
 /// Runs `body` as the operation `name` and returns its result.
 ///
 /// The trace entry opens first and closes last, on a fault too: unwinding closes it before the fault is
@@ -43,7 +67,7 @@ std::invoke_result_t<Body&> Guarded(const wchar_t* name, FaultPlace place, Body&
     using Result = std::invoke_result_t<Body&>;
     try {
         const CTqLogEntry entry(name);
-        return body();
+        return entry.IsWatched() ? RunWatched(body) : body();
     } catch (...) {
         {
             const CTqCrashHandler report(place.file, place.first_line + line);

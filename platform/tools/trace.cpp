@@ -1,12 +1,55 @@
 #include "platform/tools/trace.h"
 
+#include "platform/tools/fault_search.h"
+
+#include <cstddef>
+#include <mutex>
+#include <new>
+
 std::atomic<TraceSink*> trace_detail::installed_sink{nullptr};
 
 TraceSink::~TraceSink() = default;
 
+namespace
+{
+
+/// Stands in for the process's sink while calls are watched and there is none.
+class SilentSink final : public TraceSink
+{
+  public:
+    void EnterCall(const wchar_t* /*name*/) noexcept override {}
+    void LeaveCall(const wchar_t* /*name*/) noexcept override {}
+    void ReportFault(const wchar_t* /*file*/, int /*line*/) noexcept override {}
+};
+
+/// Never destroyed: calls may still be under way when the process ends.
+TraceSink* Silent()
+{
+    alignas(SilentSink) static std::byte place[sizeof(SilentSink)];
+    static TraceSink* const sink = ::new (place) SilentSink;
+    return sink;
+}
+
+std::mutex installing;
+bool is_every_call_watched = false;
+
+} // namespace
+
 TraceSink* InstallTraceSink(TraceSink* sink) noexcept
 {
-    return trace_detail::installed_sink.exchange(sink, std::memory_order_acq_rel);
+    const std::lock_guard lock(installing);
+    if (sink == nullptr && is_every_call_watched)
+        sink = Silent();
+    TraceSink* const previous = trace_detail::installed_sink.exchange(sink, std::memory_order_acq_rel);
+    return previous != Silent() ? previous : nullptr;
+}
+
+void trace_detail::WatchEveryCall(bool is_on) noexcept
+{
+    const std::lock_guard lock(installing);
+    is_every_call_watched = is_on;
+    TraceSink* expected = is_on ? nullptr : Silent();
+    installed_sink.compare_exchange_strong(expected, is_on ? Silent() : nullptr);
 }
 
 // The fences pair with the exchange of the installation: what its thread wrote into the sink is seen here,
@@ -21,6 +64,11 @@ void CTqLogEntry::Enter() const noexcept
 void CTqLogEntry::Leave() const noexcept
 {
     sink_->LeaveCall(name_);
+}
+
+void CTqLogEntry::RunWatched(void (*body)(void*), void* argument)
+{
+    static_cast<void>(fault_search::RunBody(body, argument));
 }
 
 CTqCrashHandler::CTqCrashHandler(const wchar_t* file, int line)

@@ -33,7 +33,11 @@ KARV_PLATFORM_API TraceSink* InstallTraceSink(TraceSink* sink) noexcept;
 
 namespace trace_detail
 {
+/// What entries are told to: the process's sink, a silent one where there is none and every call is watched,
+/// or null.
 KARV_PLATFORM_API extern std::atomic<TraceSink*> installed_sink;
+/// Whether entries are to be watched without a sink too.
+void WatchEveryCall(bool is_on) noexcept;
 } // namespace trace_detail
 
 /// A traced call: begins at construction and ends with the scope.
@@ -54,6 +58,13 @@ class KARV_PLATFORM_API CTqLogEntry
         if (sink_ != nullptr)
             Leave();
     }
+
+    /// Whether anybody wants to know of this call: a sink, or the catching of processor faults.
+    [[nodiscard]] bool IsWatched() const noexcept { return sink_ != nullptr; }
+
+    /// Calls `body`, so that processor faults in it can be told to lie inside a call with a guard. The caller
+    /// must be that guard: whatever `body` throws, it catches.
+    static void RunWatched(void (*body)(void*), void* argument);
 
   private:
     void Enter() const noexcept;

@@ -161,6 +161,16 @@ TEST(CameraOrbit, ToleranceOfTheAxisIsTheProcesss)
     EXPECT_FALSE(Tilts(FrontCamera(), 180.0F, {0.0, 0.0, 1.125}));
 }
 
+TEST(CameraOrbit, TurnsAboutTheAxisGivenAndNotWorldZItself)
+{
+    const GlobalTolerance coarse(0.1);
+    KARVGLCamera camera = FrontCamera();
+    camera.RotateCamera(180.0F, {0.0, 0.0625, 1.0});
+    // Half a turn about a takes p to 2 (a.p / a.a) a - p, here with a.p = -0.625 and a.a = 1.00390625.
+    const double along = 2.0 * -0.625 / 1.00390625;
+    EXPECT_TRUE(IsAt(camera.position, 0.0, along * 0.0625 + 10.0, along));
+}
+
 TEST(CameraOrbit, WorksFromStraightAboveAndFarAway)
 {
     KARVGLCamera camera = View(&KARVGLCamera::SetViewTop);
@@ -274,6 +284,30 @@ TEST(CameraTilt, TheLimitItselfIsAllowed)
     EXPECT_TRUE(Tilts(FrontCamera(), 89.0F));
     ASSERT_GE(std::numbers::pi / 2.0 - 89.0 * kRadiansPerDegree, 0.017453292519943295);
     EXPECT_TRUE(Tilts(FrontCamera(), -89.0F));
+}
+
+TEST(CameraTilt, TheLimitOfOneDegreeItselfIsAllowed)
+{
+    // From straight below, 0 plus one degree is the lower bound to the last bit.
+    KARVGLCamera camera;
+    camera.position = {0.0, 0.0, -10.0};
+    ASSERT_EQ((camera.target - camera.position).angleTo(Z), 0.0);
+    EXPECT_TRUE(Tilts(camera, 1.0F));
+    EXPECT_FALSE(Tilts(camera, std::nextafter(1.0F, 0.0F)));
+}
+
+TEST(CameraTilt, LimitHasNoLeewayOfATrillionth)
+{
+    // An eye 1e-11 off the level of a target 10 away looks 1e-12 off it, and 89 degrees on lies as far past a
+    // bound.
+    KARVGLCamera above;
+    above.position = {0.0, -10.0, 1e-11};
+    EXPECT_FALSE(Tilts(above, 89.0F));
+    KARVGLCamera below;
+    below.position = {0.0, -10.0, -1e-11};
+    EXPECT_FALSE(Tilts(below, -89.0F));
+    EXPECT_TRUE(Tilts(below, 89.0F));
+    EXPECT_TRUE(Tilts(above, -89.0F));
 }
 
 TEST(CameraTilt, NextFloatPastTheLimitIsRefused)

@@ -455,11 +455,57 @@ TEST(CameraFault, ViewIsTurnedOnlyAfterItsIdentityIsLoaded)
 TEST(CameraFault, ViewResetsItsFieldsBeforeItLooks)
 {
     KARVGLCamera camera = DistinctCamera();
-    const auto hook = ThrowAt("glMatrixMode", 1, 42);
+    KARVGLCamera looking;
+    const karv_test::GlHook hook("glMatrixMode", [&](int) { looking = camera; });
     camera.SetViewFront();
-    EXPECT_TRUE(IsAt(camera.position, 4.0, 5.0 - static_cast<double>(77.0F / 100.0F), 6.0, 0));
-    EXPECT_TRUE(IsAt(camera.yAxis, 0, 1, 0, 0));
-    EXPECT_TRUE(IsAt(camera.upVector, 0, 0, 1, 0));
+    EXPECT_TRUE(IsAt(looking.position, 4.0, 5.0 - static_cast<double>(77.0F / 100.0F), 6.0, 0));
+    EXPECT_TRUE(IsAt(looking.yAxis, 0, 1, 0, 0));
+    EXPECT_TRUE(IsAt(looking.upVector, 0, 0, 1, 0));
+}
+
+TEST(CameraFault, ReturnToPerspectiveStoresItsFieldAfterThePopAndItsModeLast)
+{
+    KARVGLCamera camera = DistinctCamera();
+    for (const char* before_the_field : {"glMatrixMode", "glPopMatrix", "glLoadIdentity"}) {
+        const auto hook = ThrowAt(before_the_field, 1, 42);
+        camera.SetPerspectiveOn(true);
+        EXPECT_TRUE(SameCamera(camera, DistinctCamera())) << before_the_field;
+    }
+    const auto hook = ThrowAt("gluPerspective", 1, 42);
+    camera.SetPerspectiveOn(true);
+    EXPECT_EQ(camera.fieldOfView, 2.5 * 16.65999984741211);
+    EXPECT_FALSE(camera.perspectiveOn);
+}
+
+TEST(CameraFault, SwitchToParallelStoresItsZoomAfterTheIdentity)
+{
+    for (const char* before_the_zoom : {"glMatrixMode", "glPushMatrix", "glLoadIdentity"}) {
+        KARVGLCamera camera;
+        const auto hook = ThrowAt(before_the_zoom, 1, 42);
+        camera.SetPerspectiveOn(false);
+        EXPECT_TRUE(SameCamera(camera, KARVGLCamera())) << before_the_zoom;
+    }
+}
+
+TEST(CameraFault, ZoomIsLimitedAfterTheIdentityAndBeforeItIsLoaded)
+{
+    for (const bool perspective : {true, false}) {
+        KARVGLCamera camera;
+        camera.perspectiveOn = perspective;
+        for (const char* before_the_limit : {"glMatrixMode", "glLoadIdentity"}) {
+            float factor = 12.0F;
+            float fov = 200.0F;
+            const auto hook = ThrowAt(before_the_limit, 1, 42);
+            camera.ZoomAt(factor, fov);
+            EXPECT_EQ(factor, 12.0F) << before_the_limit;
+            EXPECT_EQ(fov, 200.0F) << before_the_limit;
+        }
+        float factor = 12.0F;
+        float fov = 200.0F;
+        const auto hook = ThrowAt(perspective ? "gluPerspective" : "glOrtho", 1, 42);
+        camera.ZoomAt(factor, fov);
+        EXPECT_EQ(perspective ? fov : factor, perspective ? 150.0F : 9.0F);
+    }
 }
 
 TEST(CameraFault, FieldsWrittenBeforeAFaultStay)

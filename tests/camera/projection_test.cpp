@@ -175,6 +175,15 @@ TEST(CameraRefresh, ParallelRoundsTheExtentTo32BitsAndTheDepthNot)
                             static_cast<double>(-v), distance * -100.0, distance * 100.0));
 }
 
+TEST(CameraRefresh, ParallelHalvesTheDistanceBeforeItRounds)
+{
+    // 6e38 is no float; half of it is one.
+    KARVGLCamera camera = ParallelCamera();
+    const GlRecording recording;
+    camera.RefreshCameraView(40.0, 6e38, 1.0F);
+    EXPECT_EQ(recording.Call("glOrtho").values.at(1), static_cast<double>(3e38F));
+}
+
 TEST(CameraRefresh, ZeroAspectGivesInfiniteExtents)
 {
     KARVGLCamera camera = ParallelCamera();
@@ -234,16 +243,17 @@ TEST(CameraPerspective, SwitchingToParallelTwiceIssuesNoSecondCall)
 TEST(CameraPerspective, ParallelExtentsAreTakenIn32Bits)
 {
     KARVGLCamera camera;
-    camera.farPlane = 333.0F;
+    camera.farPlane = 13.0F;
     camera.aspect = 0.7F;
-    const float h = 333.0F / 100.0F * 0.5F;
+    const float h = 13.0F / 100.0F * 0.5F;
     const float v = h / 0.7F;
-    ASSERT_NE(static_cast<double>(h), 333.0 / 100.0 * 0.5);
+    ASSERT_NE(static_cast<double>(h), 13.0 / 100.0 * 0.5);
+    ASSERT_NE(v, static_cast<float>(13.0 / 100.0 * 0.5 / static_cast<double>(0.7F)));
     const GlRecording recording;
     camera.SetPerspectiveOn(false);
     EXPECT_THAT(recording.Call("glOrtho").values,
                 ElementsAre(static_cast<double>(-h), static_cast<double>(h), static_cast<double>(v),
-                            static_cast<double>(-v), -333.0, 333.0));
+                            static_cast<double>(-v), -13.0, 13.0));
 }
 
 TEST(CameraPerspective, SwitchingBackPopsAndLoadsANegativeNearDistance)

@@ -303,6 +303,17 @@ TEST_F(ControlExtents, ComputingAgainDoesNotCatchUp)
     ExpectBox({10.0, 10.0, 10.0}, {11.0, 11.0, 11.0});
 }
 
+TEST_F(ControlExtents, SwitchingComputingLeavesACameraThatWasMovedSince)
+{
+    AppendBox({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
+    control_.camera.SetTarget({7.0, 8.0, 9.0});
+    control_.camera.SetFarPlaneDistance(5.0);
+    control_.ComputeExtents(false);
+    control_.ComputeExtents(true);
+    ExpectTarget(7.0, 8.0, 9.0);
+    EXPECT_EQ(control_.camera.farPlane, 500.0F);
+}
+
 TEST_F(ControlExtents, SwitchingComputingKeepsThePresentBox)
 {
     AppendBox({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});

@@ -205,6 +205,18 @@ TEST_F(FrameCost, MemoryThatCannotBeReservedLeavesTheCache)
     EXPECT_EQ(control_.entities.capacity(), 1U);
 }
 
+TEST_F(FrameCost, ANegativeReserveIsRefusedBeforeMemoryIsAskedFor)
+{
+    Append(MakeFaces(1, 3));
+    const DestructionCount faults;
+    const AllocationRefusal refusal(100 * sizeof(KARVGraphicalEntity));
+    const AllocationCount count;
+    control_.AllocateMemory(-1);
+    EXPECT_EQ(faults.Faults(), 1U);
+    // The words of the container's exception alone.
+    EXPECT_LT(count.Bytes(), 100 * sizeof(KARVGraphicalEntity));
+}
+
 TEST_F(FrameCost, EntitiesAppendedOneByOneAreMovedLinearlyOften)
 {
     constexpr std::size_t kEntities = 4096;

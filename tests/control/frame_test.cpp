@@ -453,6 +453,20 @@ TEST_F(ControlFrame, SwapAndRateFollowAFaultInTheDrawing)
     EXPECT_EQ(control_->framesPerSecond, 4);
 }
 
+TEST_F(ControlFrame, TheThrottlesStateChangesBetweenItsTwoSwitches)
+{
+    for (const bool on : {true, false}) {
+        const char* const entry = on ? "glDisable" : "glEnable";
+        for (const int nth : {1, 2}) {
+            control_->multisampleOn = on;
+            control_->framesPerSecond = on ? 4 : 10;
+            const GlHook fault = ThrowAt(entry, nth, 42);
+            control_->GLDrawFrame();
+            EXPECT_EQ(control_->multisampleOn, nth == 1 ? on : !on) << entry << ' ' << nth;
+        }
+    }
+}
+
 TEST_F(ControlFrame, AFaultInClearingEndsTheFrameWithoutASwap)
 {
     control_->framesPerSecond = 77;

@@ -381,6 +381,16 @@ TEST_P(ControlClear, KeepsExtentsAndCamera)
     EXPECT_EQ(control_->camera.target.x, 2.5);
 }
 
+TEST_P(ControlClear, LeavesACameraThatWasMovedSince)
+{
+    AppendUnitTriangle();
+    control_->camera.SetTarget({7.0, 8.0, 9.0});
+    control_->camera.SetFarPlaneDistance(5.0);
+    control_->ClearGeometry(GetParam());
+    EXPECT_EQ(control_->camera.target.distanceTo({7.0, 8.0, 9.0}), 0.0);
+    EXPECT_EQ(control_->camera.farPlane, 500.0F);
+}
+
 TEST_P(ControlClear, KeepsTheSwitches)
 {
     control_->DisableObject(TypeOf(3));

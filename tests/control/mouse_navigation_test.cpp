@@ -166,6 +166,9 @@ TEST_F(ControlMouse, DistancesAreTruncatedTowardsZero)
     control_->lastMousePoint = {0.75F, 10.75F};
     Move(MK_RBUTTON, 0, 10); // dy is -0.75
     EXPECT_FALSE(HasZoomed());
+    control_->lastMousePoint = {0.75F, 0.0F};
+    Move(MK_LBUTTON, 0, 0); // dx is -0.75
+    EXPECT_FALSE(HasTurned());
     control_->lastMousePoint = {0.0F, 8.25F};
     Move(MK_RBUTTON, 0, 10); // dy is 1.75
     EXPECT_EQ(control_->zoomFactor, 1.01F);

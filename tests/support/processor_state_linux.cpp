@@ -62,7 +62,7 @@ bool ForeignFaultHandler::Run(const std::function<void()>& act)
 
 void EndAtUnhandledFaults()
 {
-    static std::array<char, 64 * 1024> stack;
+    static std::array<char, 65536> stack;
     stack_t alternative{};
     alternative.ss_sp = stack.data();
     alternative.ss_size = stack.size();

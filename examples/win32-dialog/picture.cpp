@@ -1,0 +1,102 @@
+#include "examples/win32-dialog/picture.h"
+
+#include "platform/tools/utf8.h"
+#include "platform/winsys/opengl.h"
+#include "platform/winsys/winsys.h"
+#include "viewer/file_error.h"
+
+#include <algorithm>
+#include <fstream>
+#include <ios>
+#include <ostream>
+#include <system_error>
+#include <vector>
+
+namespace win32_dialog
+{
+
+namespace
+{
+
+constexpr std::size_t kChannels = 3;
+
+std::size_t BytesPerRow(int width)
+{
+    constexpr std::size_t kWord = sizeof(DWORD);
+    return (static_cast<std::size_t>(width) * kChannels + kWord - 1) / kWord * kWord;
+}
+
+template <typename Record>
+void Write(std::ostream& out, const Record& record)
+{
+    out.write(reinterpret_cast<const char*>(&record), sizeof(record));
+}
+
+void Write(std::ostream& out, const Bitmap& bitmap)
+{
+    BITMAPFILEHEADER header{};
+    header.bfType = 'B' | 'M' << 8;
+    header.bfOffBits = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
+    header.bfSize = header.bfOffBits + static_cast<DWORD>(bitmap.bytes.size());
+    BITMAPINFOHEADER info{};
+    info.biSize = sizeof(info);
+    info.biWidth = bitmap.width;
+    info.biHeight = bitmap.height;
+    info.biPlanes = 1;
+    info.biBitCount = 8 * kChannels;
+    info.biCompression = BI_RGB;
+    Write(out, header);
+    Write(out, info);
+    out.write(reinterpret_cast<const char*>(bitmap.bytes.data()),
+              static_cast<std::streamsize>(bitmap.bytes.size()));
+}
+
+} // namespace
+
+std::optional<Bitmap> ReadFrame(int width, int height)
+{
+    constexpr std::size_t kReadChannels = 4;
+    const auto columns = static_cast<std::size_t>(width);
+    const auto rows = static_cast<std::size_t>(height);
+    std::vector<unsigned char> pixels(columns * rows * kReadChannels);
+    glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    const std::size_t row_size = BytesPerRow(width);
+    Bitmap bitmap{width, height, std::vector<unsigned char>(row_size * rows)};
+    for (std::size_t row = 0; row < rows; ++row)
+        for (std::size_t x = 0; x < columns; ++x) {
+            const unsigned char* const from = &pixels[(row * columns + x) * kReadChannels];
+            // NOTE: Mesa notices a new size a frame or two later. The control clears to an alpha of 1, of
+            // which blending leaves three quarters at least, so that 0 is a place where nothing was drawn.
+            if (from[3] == 0)
+                return std::nullopt;
+            unsigned char* const to = &bitmap.bytes[row * row_size + x * kChannels];
+            std::reverse_copy(from, from + kChannels, to);
+        }
+    return bitmap;
+}
+
+void WriteBitmap(const std::filesystem::path& file, const Bitmap& bitmap)
+{
+    // Under another name first, so that no one ever finds half a picture.
+    std::filesystem::path part = file;
+    part += L".part";
+    std::error_code error;
+    {
+        std::ofstream out(part, std::ios::binary | std::ios::trunc);
+        if (!out)
+            throw viewer::FileError(Utf8FromWide(file.wstring()), "cannot be written");
+        Write(out, bitmap);
+        out.close();
+        if (!out)
+            error = std::make_error_code(std::errc::io_error);
+    }
+    if (!error)
+        std::filesystem::rename(part, file, error);
+    if (!error)
+        return;
+    std::error_code ignored;
+    std::filesystem::remove(part, ignored);
+    throw viewer::FileError(Utf8FromWide(file.wstring()), "cannot be written");
+}
+
+} // namespace win32_dialog

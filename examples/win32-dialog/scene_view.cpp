@@ -1,0 +1,178 @@
+#include "examples/win32-dialog/scene_view.h"
+
+#include "platform/host/gs/manager.h"
+#include "platform/winsys/opengl.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace win32_dialog
+{
+
+namespace
+{
+
+double AspectOf(const CRect& rect)
+{
+    return static_cast<double>(rect.Width()) / static_cast<double>(rect.Height());
+}
+
+KARVGraphicalEntity::EntityType ToCategory(int category)
+{
+    return static_cast<KARVGraphicalEntity::EntityType>(category);
+}
+
+} // namespace
+
+void SceneView::ShowModel(viewer::Model model)
+{
+    model_ = std::move(model);
+    hidden_.clear();
+    view_ = viewer::StandardView::SE;
+    aspect_ = AspectOf(Place());
+    Build();
+}
+
+void SceneView::Build()
+{
+    scene_.reset();
+    viewport_.reset();
+    const CRect rect = Place();
+    const viewer::Model faded = FadedModel();
+    viewport_ = std::make_unique<Viewport>();
+    viewport_->CreateCtrl(rect, CWnd::FromHandle(parent_), faded.IsTranslucent());
+    if (Window() == nullptr || wglGetCurrentContext() == nullptr)
+        throw std::runtime_error("no OpenGL can be had");
+    if (opacity_ >= 1.0F) {
+        // Transparent drawing shows faces in the order of feeding. That is right where one sees through
+        // everything; behind opaque parts nothing may show.
+        glEnable(GL_DEPTH_TEST);
+        glEnable(GL_CULL_FACE);
+    }
+    SetWindowPos(Window(), place_, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    scene_.emplace(*viewport_, faded);
+    scene_->DrawLines(lines_);
+    if (background_)
+        SetBackground(*background_);
+    for (const int category : hidden_)
+        viewport_->DisableObject(ToCategory(category));
+    camera_was_placed_ = false;
+    ShowWhole(aspect_);
+    viewport_->ForceRenderStart();
+}
+
+CRect SceneView::Place() const
+{
+    CRect rect;
+    GetWindowRect(place_, &rect);
+    MapWindowPoints(nullptr, parent_, reinterpret_cast<POINT*>(static_cast<RECT*>(&rect)), 2);
+    rect.right = std::max(rect.right, rect.left + 1);
+    rect.bottom = std::max(rect.bottom, rect.top + 1);
+    return rect;
+}
+
+viewer::Model SceneView::FadedModel() const
+{
+    viewer::Model faded = model_;
+    for (viewer::Piece& piece : faded.pieces)
+        piece.alpha *= opacity_;
+    return faded;
+}
+
+void SceneView::ShowWhole(double aspect)
+{
+    aspect_ = aspect;
+    LookAtCentre();
+    scene_->Show(view_, projection_, aspect);
+    viewport_->ForgetNavigation();
+}
+
+void SceneView::LookAtCentre()
+{
+    // A control whose camera was placed keeps its target, wherever the box of its scene is.
+    if (!camera_was_placed_)
+        return;
+    const viewer::Point centre = viewer::ScenePlacement(model_.Extents()).SceneBox().Center();
+    const AcGePoint3d target(centre.x, centre.y, centre.z);
+    const AcGePoint3d eye(centre.x, centre.y - viewer::kSceneSize, centre.z);
+    viewport_->SetCameraData(eye, target, AcGeVector3d::kZAxis);
+}
+
+void SceneView::ShowStandardView(viewer::StandardView view)
+{
+    view_ = view;
+    ShowWhole(AspectOf(Place()));
+}
+
+void SceneView::SetProjection(viewer::Projection projection)
+{
+    projection_ = projection;
+    if (scene_->CurrentProjection() != projection)
+        scene_->SwitchProjection();
+}
+
+void SceneView::DrawLines(bool lines)
+{
+    lines_ = lines;
+    scene_->DrawLines(lines);
+}
+
+void SceneView::ShowCategory(int category, bool shown)
+{
+    if (shown) {
+        hidden_.erase(category);
+        viewport_->EnableObject(ToCategory(category));
+    } else {
+        hidden_.insert(category);
+        viewport_->DisableObject(ToCategory(category));
+    }
+}
+
+void SceneView::SetBackground(COLORREF color)
+{
+    background_ = color;
+    viewport_->SetBgColor(GetRValue(color), GetGValue(color), GetBValue(color));
+}
+
+COLORREF SceneView::Background() const
+{
+    const AcGsColor host = acgsGetGsManager(nullptr)->displayDevice()->backgroundColor();
+    return background_.value_or(RGB(host.red, host.green, host.blue));
+}
+
+void SceneView::SetOpacity(float opacity)
+{
+    opacity_ = opacity;
+    AcGePoint3d eye;
+    AcGePoint3d target;
+    AcGeVector3d up;
+    viewport_->GetCameraData(eye, target, up);
+    const bool was_moved = viewport_->HasNavigated();
+    const std::vector<MouseMessage> navigation = viewport_->Navigation();
+    Build();
+    // The control tells neither its zoom nor takes its axes, so that both come from doing again what the user
+    // did.
+    for (const MouseMessage& mouse : navigation)
+        SendMessageW(Window(), mouse.message, mouse.wparam, mouse.lparam);
+    if (!was_moved)
+        return;
+    // How far a pixel pans depends on the sizes that the former window had, so the place is put in
+    // afterwards.
+    viewport_->SetCameraData(eye, target, up);
+    viewport_->OnDraw(nullptr);
+    camera_was_placed_ = true;
+}
+
+void SceneView::FollowPlace()
+{
+    if (Window() == nullptr)
+        return;
+    const CRect rect = Place();
+    viewport_->MoveWindow(rect);
+    if (!viewport_->HasNavigated())
+        ShowWhole(AspectOf(rect));
+}
+
+} // namespace win32_dialog

@@ -1,0 +1,42 @@
+// The hand of a script on the dialog's controls and on the common dialogs that they bring up.
+#pragma once
+
+#include "examples/win32-dialog/dialog.h"
+#include "examples/win32-dialog/script.h"
+
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <string>
+
+namespace win32_dialog
+{
+
+/// Does one command at a time. Each throws std::runtime_error with a line that says why it cannot be done.
+class ScriptUser
+{
+  public:
+    explicit ScriptUser(ViewerDialog& dialog) : dialog_(dialog) {}
+
+    void Do(const ScriptCommand& command);
+
+  private:
+    void Press(const std::wstring& caption);
+    /// Presses a button and answers the common dialog that it brings up.
+    void Answer(const std::wstring& caption, const std::function<void(HWND common_dialog)>& fill_in);
+    void SetOpacity(int percent);
+    void SetBackground(std::span<const int> channels);
+    void Open(const std::wstring& file);
+    void Drag(const std::wstring& button, std::span<const int> points);
+    void TurnWheel(int notches);
+    void Resize(int width, int height);
+    [[nodiscard]] HWND FindButton(const std::wstring& caption) const;
+
+    ViewerDialog& dialog_;
+};
+
+/// Waits for the dialog's next whole frame and writes it as a bitmap. Throws viewer::FileError where the file
+/// cannot be written, and std::runtime_error where the dialog is closed before or no whole frame comes.
+void TakePicture(ViewerDialog& dialog, const std::filesystem::path& file);
+
+} // namespace win32_dialog

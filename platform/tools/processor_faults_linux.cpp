@@ -1,0 +1,237 @@
+#include "platform/tools/fault_search.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include <link.h>
+#include <sys/syscall.h>
+#include <sys/ucontext.h>
+#include <unistd.h>
+#include <unwind.h>
+
+namespace fault_search
+{
+
+namespace
+{
+
+/// The action of SIGSEGV before ours; ours is in force while `is_in_chain`.
+struct sigaction previous;
+bool is_in_chain = false;
+
+// Registers by the numbers of the unwinder's tables, and by their places in a saved context.
+struct KeptRegister {
+    int number;
+    int place;
+};
+constexpr std::array<KeptRegister, 6> kKeptRegisters{
+    {{3, REG_RBX}, {6, REG_RBP}, {12, REG_R12}, {13, REG_R13}, {14, REG_R14}, {15, REG_R15}}};
+
+std::uintptr_t Value(const ucontext_t& thread, int place)
+{
+    return static_cast<std::uintptr_t>(thread.uc_mcontext.gregs[place]);
+}
+
+void SetValue(ucontext_t& thread, int place, std::uintptr_t value)
+{
+    thread.uc_mcontext.gregs[place] = static_cast<greg_t>(value);
+}
+
+bool IsReadable(std::uintptr_t address)
+{
+    // The system reads the set before it refuses the order, and says so otherwise where it cannot.
+    constexpr int kNoSuchOrder = -1;
+    const int before = errno;
+    const bool is_readable = ::syscall(SYS_rt_sigprocmask, kNoSuchOrder, address & ~std::uintptr_t{7},
+                                       nullptr, sizeof(long)) != 0 &&
+                             errno != EFAULT;
+    errno = before;
+    return is_readable;
+}
+
+/// Whether the stack has room for unwinding, which it has not where it was the stack that ended.
+bool HasRoom(std::uintptr_t stack)
+{
+    constexpr std::uintptr_t kRoom = std::uintptr_t{64} * 1024;
+    constexpr std::uintptr_t kPage = 4096;
+    for (std::uintptr_t below = 0; below <= kRoom; below += kPage) {
+        if (!IsReadable(stack - below))
+            return false;
+    }
+    return true;
+}
+
+/// What a function keeps for its caller, once it has returned.
+struct Caller {
+    std::uintptr_t place = 0; ///< after the call
+    std::uintptr_t stack = 0;
+    std::array<std::uintptr_t, kKeptRegisters.size()> kept{};
+};
+
+Caller CallerAt(_Unwind_Context* function)
+{
+    Caller caller{.place = _Unwind_GetIP(function), .stack = _Unwind_GetCFA(function), .kept = {}};
+    for (std::size_t i = 0; i < kKeptRegisters.size(); ++i)
+        caller.kept[i] = _Unwind_GetGR(function, kKeptRegisters[i].number);
+    return caller;
+}
+
+/// A fault, and what is found on the way out of the function that it is in.
+struct Fault {
+    std::uintptr_t place = 0;   ///< the instruction
+    std::uintptr_t address = 0; ///< what it could not reach
+    std::uintptr_t stack = 0;   ///< the stack pointer there
+    bool has_function_been_seen = false;
+    bool is_caller_next = true; ///< whether the next function is the one to throw from
+    Caller caller;
+    Search search;
+};
+
+/// Whether the address lies in the part of the stack that the faulting function uses, the end of which is
+/// where its caller's begins.
+bool IsOnStack(const Fault& fault)
+{
+    constexpr std::uintptr_t kBelow = std::uintptr_t{64} * 1024;
+    return fault.address + kBelow >= fault.stack && fault.address < fault.caller.stack;
+}
+
+_Unwind_Reason_Code Visit(_Unwind_Context* function, void* data)
+{
+    Fault& fault = *static_cast<Fault*>(data);
+    int is_exact = 0;
+    const std::uintptr_t place = _Unwind_GetIPInfo(function, &is_exact);
+    if (!fault.has_function_been_seen) {
+        // The handler's own come first.
+        fault.has_function_been_seen = is_exact != 0 && place == fault.place;
+        return _URC_NO_REASON;
+    }
+    if (fault.is_caller_next) {
+        fault.caller = CallerAt(function);
+        if (IsOnStack(fault))
+            return _URC_END_OF_STACK;
+    }
+    const Frame frame{.function = _Unwind_GetRegionStart(function),
+                      .call = place - 1,
+                      .stack = _Unwind_GetCFA(function),
+                      .table = static_cast<const unsigned char*>(_Unwind_GetLanguageSpecificData(function))};
+    const Search::Step step = is_exact == 0 ? fault.search.After(frame) : Search::Step::Stop;
+    fault.is_caller_next = step == Search::Step::LeaveToo;
+    return step == Search::Step::Stop ? _URC_END_OF_STACK : _URC_NO_REASON;
+}
+
+/// Whether the thread, which stopped at a fault, now goes on towards a guard.
+bool Catch(const siginfo_t& signal, ucontext_t& thread)
+{
+    // Signals that somebody sent have no faulting instruction.
+    if (signal.si_code <= 0 || !IsInCaughtImage(Value(thread, REG_RIP)))
+        return false;
+    Fault fault;
+    fault.place = Value(thread, REG_RIP);
+    fault.address = reinterpret_cast<std::uintptr_t>(signal.si_addr);
+    fault.stack = Value(thread, REG_RSP);
+    if (!HasRoom(fault.stack))
+        return false;
+    _Unwind_Backtrace(&Visit, &fault);
+    if (!fault.search.HasFoundGuard())
+        return false;
+    // As after the caller's call instruction.
+    constexpr std::uintptr_t kDirectionFlag = 0x400;
+    const std::uintptr_t stack = fault.caller.stack - sizeof(std::uintptr_t);
+    *reinterpret_cast<std::uintptr_t*>(stack) = fault.caller.place;
+    for (std::size_t i = 0; i < kKeptRegisters.size(); ++i)
+        SetValue(thread, kKeptRegisters[i].place, fault.caller.kept[i]);
+    SetValue(thread, REG_RSP, stack);
+    SetValue(thread, REG_RIP, reinterpret_cast<std::uintptr_t>(&ThrowProcessorFault));
+    SetValue(thread, REG_EFL, Value(thread, REG_EFL) & ~kDirectionFlag);
+    return true;
+}
+
+/// Does what would be done without us.
+void PassOn(int number, siginfo_t* signal, void* thread)
+{
+    if ((previous.sa_flags & SA_SIGINFO) != 0) {
+        previous.sa_sigaction(number, signal, thread);
+    } else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN) {
+        previous.sa_handler(number);
+    } else if (signal->si_code > 0 || previous.sa_handler == SIG_DFL) {
+        // A fault comes again after the return; a signal that was sent has to be sent again.
+        struct sigaction none {
+        };
+        none.sa_handler = SIG_DFL;
+        ::sigaction(SIGSEGV, &none, nullptr);
+        if (signal->si_code <= 0)
+            ::raise(SIGSEGV);
+    }
+}
+
+void HandleFault(int number, siginfo_t* signal, void* thread)
+{
+    if (!Catch(*signal, *static_cast<ucontext_t*>(thread)))
+        PassOn(number, signal, thread);
+}
+
+bool IsOurs(const struct sigaction& action)
+{
+    return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == &HandleFault;
+}
+
+struct ImageSearch {
+    std::uintptr_t address = 0;
+    std::optional<ImageRange> found;
+};
+
+int VisitImage(dl_phdr_info* image, std::size_t /*size*/, void* data)
+{
+    ImageSearch& search = *static_cast<ImageSearch*>(data);
+    ImageRange whole{~std::uintptr_t{0}, 0};
+    for (int i = 0; i < image->dlpi_phnum; ++i) {
+        const ElfW(Phdr)& part = image->dlpi_phdr[i];
+        if (part.p_type != PT_LOAD)
+            continue;
+        whole.begin = std::min(whole.begin, image->dlpi_addr + part.p_vaddr);
+        whole.end = std::max(whole.end, image->dlpi_addr + part.p_vaddr + part.p_memsz);
+    }
+    if (search.address >= whole.begin && search.address < whole.end)
+        search.found = whole;
+    return search.found.has_value() ? 1 : 0;
+}
+
+} // namespace
+
+std::optional<ImageRange> ImageAt(const void* address) noexcept
+{
+    ImageSearch search{.address = reinterpret_cast<std::uintptr_t>(address), .found = std::nullopt};
+    ::dl_iterate_phdr(&VisitImage, &search);
+    return search.found;
+}
+
+bool InstallHandler() noexcept
+{
+    if (is_in_chain)
+        return true;
+    struct sigaction ours {
+    };
+    if (::sigaction(SIGSEGV, nullptr, &previous) != 0)
+        return false;
+    // The handler before ours runs inside ours and finds what it asked for.
+    ours.sa_sigaction = &HandleFault;
+    ours.sa_mask = previous.sa_mask;
+    ours.sa_flags = SA_SIGINFO | SA_ONSTACK | (previous.sa_flags & (SA_NODEFER | SA_RESTART));
+    is_in_chain = ::sigaction(SIGSEGV, &ours, nullptr) == 0;
+    return is_in_chain;
+}
+
+void RemoveHandler() noexcept
+{
+    struct sigaction current {
+    };
+    if (::sigaction(SIGSEGV, nullptr, &current) == 0 && IsOurs(current))
+        is_in_chain = ::sigaction(SIGSEGV, &previous, nullptr) != 0;
+}
+
+} // namespace fault_search
