@@ -12,6 +12,10 @@ namespace karv_test
 
 inline constexpr double kRadiansPerDegree = 0.017453292519943295;
 
+// The single-precision 16.66, widened: degrees of a field of view per unit of parallel zoom.
+inline constexpr double kDegreesPerZoom = 16.65999984741211;
+static_assert(kDegreesPerZoom == static_cast<double>(16.66F));
+
 inline double Sin(double degrees)
 {
     return std::sin(degrees * kRadiansPerDegree);
@@ -103,6 +107,32 @@ inline bool IsOrthonormal(const KARVGLCamera& camera, double tolerance = 1e-12)
            std::fabs(camera.xAxis.dotProduct(camera.yAxis)) <= tolerance &&
            std::fabs(camera.yAxis.dotProduct(camera.zAxis)) <= tolerance &&
            std::fabs(camera.zAxis.dotProduct(camera.xAxis)) <= tolerance;
+}
+
+/// A camera whose fields are all different from each other and from the defaults.
+inline KARVGLCamera DistinctCamera()
+{
+    KARVGLCamera camera;
+    camera.position = {1.0, 2.0, 3.0};
+    camera.target = {4.0, 5.0, 6.0};
+    camera.xAxis = {0.0, 1.0, 0.0};
+    camera.yAxis = {0.0, 0.0, 1.0};
+    camera.zAxis = {1.0, 0.0, 0.0};
+    camera.upVector = {7.0, 8.0, 9.0};
+    camera.aspect = 1.5F;
+    camera.nearPlane = 0.25F;
+    camera.farPlane = 77.0F;
+    camera.perspectiveOn = false;
+    camera.fieldOfView = 33.0;
+    camera.orthoZoom = 2.5;
+    return camera;
+}
+
+inline KARVGLCamera ParallelCamera()
+{
+    KARVGLCamera camera;
+    camera.perspectiveOn = false;
+    return camera;
 }
 
 } // namespace karv_test

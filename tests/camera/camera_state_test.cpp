@@ -1,11 +1,9 @@
 #include "tests/camera/camera_checks.h"
 
-#include "tests/support/gl_recorder.h"
 #include "tests/support/trace_recording.h"
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -14,14 +12,13 @@
 #include <utility>
 #include <vector>
 
-using karv_test::GlRecording;
+using karv_test::DistinctCamera;
 using karv_test::IsAt;
 using karv_test::Same;
 using karv_test::SameCamera;
 using karv_test::SameFrame;
 using karv_test::SamePlace;
 using karv_test::SameProjection;
-using karv_test::ThrowAt;
 using karv_test::TraceRecording;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -31,25 +28,6 @@ namespace
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-/// A camera whose fields are all different from each other and from the defaults.
-KARVGLCamera DistinctCamera()
-{
-    KARVGLCamera camera;
-    camera.position = {1.0, 2.0, 3.0};
-    camera.target = {4.0, 5.0, 6.0};
-    camera.xAxis = {0.0, 1.0, 0.0};
-    camera.yAxis = {0.0, 0.0, 1.0};
-    camera.zAxis = {1.0, 0.0, 0.0};
-    camera.upVector = {7.0, 8.0, 9.0};
-    camera.aspect = 1.5F;
-    camera.nearPlane = 0.25F;
-    camera.farPlane = 77.0F;
-    camera.perspectiveOn = false;
-    camera.fieldOfView = 33.0;
-    camera.orthoZoom = 2.5;
-    return camera;
-}
 
 } // namespace
 
@@ -265,30 +243,6 @@ TEST(Camera, ResetAngleRestoresTheFrameAndNothingElse)
     EXPECT_TRUE(SameProjection(camera, DistinctCamera()));
 }
 
-TEST(Camera, SettersGettersAndMotionIssueNoGlCall)
-{
-    const GlRecording recording;
-    KARVGLCamera camera;
-    AcGePoint3d position;
-    AcGePoint3d target;
-    AcGeVector3d x;
-    AcGeVector3d y;
-    AcGeVector3d z;
-    camera.SetPosition({0.0, -5.0, 0.0});
-    camera.SetTarget({0.0, 0.0, 0.0});
-    camera.SetUpVector({0.0, 0.0, 1.0});
-    camera.SetFarPlaneDistance(10.0);
-    camera.SetCamera({0.0, -5.0, 0.0}, {0.0, 0.0, 0.0}, {0.0, 0.0, 1.0});
-    camera.GetCamera(position, target, x);
-    camera.GetLocalAxes(x, y, z);
-    camera.ResetAngle();
-    camera.RotateCamera(10.0F, AcGeVector3d::kZAxis);
-    camera.RotateCamera(10.0F, AcGeVector3d::kXAxis);
-    camera.PanCamera(1.0F, AcGeVector3d::kXAxis);
-    camera.ZoomCamera(1.0F);
-    EXPECT_THAT(recording.Listing(), IsEmpty());
-}
-
 TEST(CameraTrace, EveryOperationIsTracedUnderItsName)
 {
     using Operation = std::function<void(KARVGLCamera&)>;
@@ -399,131 +353,4 @@ TEST(CameraTrace, StandardViewNestsTheOperationsItCalls)
                                              "< KARVGLCamera::SetViewFront", "> KARVGLCamera::RotateCamera",
                                              "< KARVGLCamera::RotateCamera", "> KARVGLCamera::UpdateCamera",
                                              "< KARVGLCamera::UpdateCamera", "< KARVGLCamera::SetViewTop"));
-}
-
-TEST(CameraFault, FaultInTheLookAtIsReportedOnceAndSwallowed)
-{
-    KARVGLCamera camera;
-    const TraceRecording trace;
-    const auto hook = ThrowAt("gluLookAt", 1, 42);
-    EXPECT_NO_THROW(camera.UpdateCamera());
-    EXPECT_THAT(trace.Listing(), ElementsAre("> KARVGLCamera::UpdateCamera", "< KARVGLCamera::UpdateCamera",
-                                             R"(! .\KARVGLCamera.cpp)"));
-}
-
-TEST(CameraFault, FaultNamesItsOwnLine)
-{
-    KARVGLCamera camera;
-    const TraceRecording trace;
-    {
-        const auto hook = ThrowAt("gluLookAt", 1, 42);
-        camera.UpdateCamera();
-    }
-    {
-        const auto hook = ThrowAt("glMatrixMode", 1, 42);
-        camera.RefreshCameraView(40.0, 1.0, 1.0F);
-    }
-    const std::vector<std::string> faults = trace.Faults();
-    ASSERT_EQ(faults.size(), 2U);
-    EXPECT_THAT(faults[0], testing::MatchesRegex(R"(\.\\KARVGLCamera\.cpp:[1-9][0-9]*)"));
-    EXPECT_NE(faults[0], faults[1]);
-}
-
-TEST(CameraFault, InnerFaultOfAViewLeavesTheOuterRunning)
-{
-    KARVGLCamera camera;
-    const TraceRecording trace;
-    // The first look-at is the front view's; the view goes on to turn the eye and to look again.
-    const auto hook = ThrowAt("gluLookAt", 1, 42);
-    camera.SetViewBack();
-    EXPECT_TRUE(IsAt(camera.position, 0, 10, 0));
-    EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
-    EXPECT_EQ(trace.Listing().back(), "< KARVGLCamera::SetViewBack");
-}
-
-TEST(CameraFault, ViewIsTurnedOnlyAfterItsIdentityIsLoaded)
-{
-    // The first identity is the front view's, the second one stands between it and the turns.
-    KARVGLCamera camera;
-    const TraceRecording trace;
-    const auto hook = ThrowAt("glLoadIdentity", 2, 42);
-    camera.SetViewBack();
-    EXPECT_TRUE(IsAt(camera.position, 0, -10, 0, 0));
-    EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
-}
-
-TEST(CameraFault, ViewResetsItsFieldsBeforeItLooks)
-{
-    KARVGLCamera camera = DistinctCamera();
-    KARVGLCamera looking;
-    const karv_test::GlHook hook("glMatrixMode", [&](int) { looking = camera; });
-    camera.SetViewFront();
-    EXPECT_TRUE(IsAt(looking.position, 4.0, 5.0 - static_cast<double>(77.0F / 100.0F), 6.0, 0));
-    EXPECT_TRUE(IsAt(looking.yAxis, 0, 1, 0, 0));
-    EXPECT_TRUE(IsAt(looking.upVector, 0, 0, 1, 0));
-}
-
-TEST(CameraFault, ReturnToPerspectiveStoresItsFieldAfterThePopAndItsModeLast)
-{
-    KARVGLCamera camera = DistinctCamera();
-    for (const char* before_the_field : {"glMatrixMode", "glPopMatrix", "glLoadIdentity"}) {
-        const auto hook = ThrowAt(before_the_field, 1, 42);
-        camera.SetPerspectiveOn(true);
-        EXPECT_TRUE(SameCamera(camera, DistinctCamera())) << before_the_field;
-    }
-    const auto hook = ThrowAt("gluPerspective", 1, 42);
-    camera.SetPerspectiveOn(true);
-    EXPECT_EQ(camera.fieldOfView, 2.5 * 16.65999984741211);
-    EXPECT_FALSE(camera.perspectiveOn);
-}
-
-TEST(CameraFault, SwitchToParallelStoresItsZoomAfterTheIdentity)
-{
-    for (const char* before_the_zoom : {"glMatrixMode", "glPushMatrix", "glLoadIdentity"}) {
-        KARVGLCamera camera;
-        const auto hook = ThrowAt(before_the_zoom, 1, 42);
-        camera.SetPerspectiveOn(false);
-        EXPECT_TRUE(SameCamera(camera, KARVGLCamera())) << before_the_zoom;
-    }
-}
-
-TEST(CameraFault, ZoomIsLimitedAfterTheIdentityAndBeforeItIsLoaded)
-{
-    for (const bool perspective : {true, false}) {
-        KARVGLCamera camera;
-        camera.perspectiveOn = perspective;
-        for (const char* before_the_limit : {"glMatrixMode", "glLoadIdentity"}) {
-            float factor = 12.0F;
-            float fov = 200.0F;
-            const auto hook = ThrowAt(before_the_limit, 1, 42);
-            camera.ZoomAt(factor, fov);
-            EXPECT_EQ(factor, 12.0F) << before_the_limit;
-            EXPECT_EQ(fov, 200.0F) << before_the_limit;
-        }
-        float factor = 12.0F;
-        float fov = 200.0F;
-        const auto hook = ThrowAt(perspective ? "gluPerspective" : "glOrtho", 1, 42);
-        camera.ZoomAt(factor, fov);
-        EXPECT_EQ(perspective ? fov : factor, perspective ? 150.0F : 9.0F);
-    }
-}
-
-TEST(CameraFault, FieldsWrittenBeforeAFaultStay)
-{
-    // The first matrix mode is the projection's, the second one the model-view's, before the fields are
-    // stored.
-    KARVGLCamera camera;
-    {
-        const auto hook = ThrowAt("glMatrixMode", 2, 42);
-        camera.RefreshCameraView(20.0, 5.0, 2.0F);
-    }
-    EXPECT_TRUE(SameProjection(camera, KARVGLCamera()));
-
-    // Switching to parallel stores its zoom before it loads the projection, and the mode after it.
-    {
-        const auto hook = ThrowAt("glOrtho", 1, 42);
-        camera.SetPerspectiveOn(false);
-    }
-    EXPECT_EQ(camera.orthoZoom, 40.0 / 16.65999984741211);
-    EXPECT_TRUE(camera.perspectiveOn);
 }

@@ -1,6 +1,5 @@
 #include "tests/camera/camera_checks.h"
 
-#include "tests/support/gl_recorder.h"
 #include "tests/support/trace_recording.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +9,6 @@
 #include <string>
 #include <vector>
 
-using karv_test::GlRecording;
 using karv_test::IsAt;
 using karv_test::IsOrthonormal;
 using testing::ElementsAre;
@@ -104,23 +102,6 @@ TEST_P(StandardView, TurnsEyeAndFrameByItsAngles)
 TEST_P(StandardView, ResetsTheUpVectorToWorldZ)
 {
     EXPECT_TRUE(IsAt(Viewed().upVector, 0, 0, 1, 0));
-}
-
-TEST_P(StandardView, LooksTwiceWithAnIdentityBetween)
-{
-    KARVGLCamera camera;
-    const GlRecording recording;
-    (camera.*GetParam().set)();
-    std::vector<std::string> expected = {"glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                                         "gluLookAt(0, -10, 0, 0, 0, 0, 0, 0, 1)"};
-    if (std::string(GetParam().name) != "Front") {
-        expected.insert(expected.end(), {"glLoadIdentity()", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-                                         recording.Call("gluLookAt", 1).text});
-        EXPECT_THAT(recording.Call("gluLookAt", 1).values,
-                    ElementsAre(camera.position.x, camera.position.y, camera.position.z, 0.0, 0.0, 0.0,
-                                camera.zAxis.x, camera.zAxis.y, camera.zAxis.z));
-    }
-    EXPECT_EQ(recording.Listing(), expected);
 }
 
 TEST_P(StandardView, IsTheFrontViewTurnedStepByStep)

@@ -16,18 +16,14 @@
 #include <vector>
 
 using karv_test::EntityOf;
-using karv_test::Face;
 using karv_test::GlRecording;
 using karv_test::IsNear;
-using karv_test::kRed;
-using karv_test::Picture;
 using karv_test::Square;
 using karv_test::ThrowAt;
 using karv_test::TraceRecording;
 using karv_test::Triangle;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
 using Entity = KARVGraphicalEntity;
 
 namespace
@@ -171,17 +167,6 @@ TEST(DrawFaces, WithoutFacesTheLinesAreDrawnFirst)
                 ElementsAre("glDisable(GL_LIGHTING)", "glColor3f(0.25, 0.5, 0.75)", "glBegin(GL_LINES)",
                             "glVertex3f(1, 2, 3)", "glVertex3f(4, 5, 6)", "glEnd()", "glEnable(GL_LIGHTING)",
                             "glColor4f(0.25, 0.5, 0.75, 0.5)"));
-}
-
-TEST(DrawFaces, FallbackIsNestedInTheTrace)
-{
-    Entity entity = Lines({});
-    const TraceRecording trace;
-    entity.DrawObjectQuads();
-    EXPECT_THAT(trace.Listing(), ElementsAre("> KARVGraphicalEntity::DrawObjectQuads",
-                                             "> KARVGraphicalEntity::DrawObjectLines",
-                                             "< KARVGraphicalEntity::DrawObjectLines",
-                                             "< KARVGraphicalEntity::DrawObjectQuads"));
 }
 
 TEST(DrawFaces, WithFacesTheLinesAreNotDrawn)
@@ -345,21 +330,6 @@ TEST(DrawFaces, OperationsReportLinesOfTheirOwn)
     EXPECT_THAT(faults[2], testing::MatchesRegex(R"(.*:1[0-9][0-9][0-9])"));
 }
 
-TEST_F(EntityPixels, LineEntityDrawsItsColourThroughTheFallback)
-{
-    AcDbLine line({0.0, 1.0, 0.0}, {2.0, 1.0, 0.0});
-    line.setColorIndex(kRed);
-    Entity entity(&line, Entity::EntityType0);
-    window_.BeginPicture(2.0, 2.0);
-    entity.DrawObjectQuads();
-    const Picture picture = window_.Read();
-    // The line runs along the middle, y = 1, on the edge between rows 31 and 32.
-    const bool lower = IsNear(picture.At(20, 31), {255, 0, 0});
-    const bool upper = IsNear(picture.At(20, 32), {255, 0, 0});
-    EXPECT_TRUE(lower || upper);
-    EXPECT_TRUE(IsNear(picture.At(20, 10), {0, 0, 0}));
-}
-
 TEST_F(EntityPixels, AfterTheFallbackTheColourHasTheEntitysOpacity)
 {
     Entity entity = Lines({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}});
@@ -401,26 +371,6 @@ TEST_F(EntityPixels, FaceWithoutAListLeavesAPendingError)
     glEnable(0xFFFF0001);
     entity.DrawObjectQuads();
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_ENUM));
-}
-
-TEST_F(EntityPixels, FacesOfThreeFourAndFiveCornersFillTheirArea)
-{
-    // Side by side in a 3 x 1 strip, the last two without their lists.
-    Entity entity(
-        {Face({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}}),
-         Face({{1.0, 0.0, 0.0}, {2.0, 0.0, 0.0}, {2.0, 1.0, 0.0}, {1.0, 1.0, 0.0}}),
-         Face({{2.0, 0.0, 0.0}, {3.0, 0.0, 0.0}, {3.0, 0.5, 0.0}, {2.5, 1.0, 0.0}, {2.0, 1.0, 0.0}})},
-        Entity::EntityType0, kRed);
-    entity.faces.at(1).displayList = 0;
-    entity.faces.at(2).displayList = 0;
-    window_.BeginPicture(3.0, 1.0);
-    entity.DrawObjectQuads();
-    const Picture picture = window_.Read();
-    EXPECT_TRUE(IsNear(picture.At(3, 10), {255, 0, 0}));
-    EXPECT_TRUE(IsNear(picture.At(18, 60), {0, 0, 0}));
-    EXPECT_TRUE(IsNear(picture.At(32, 60), {255, 0, 0}));
-    EXPECT_TRUE(IsNear(picture.At(45, 60), {255, 0, 0}));
-    EXPECT_TRUE(IsNear(picture.At(62, 62), {0, 0, 0}));
 }
 
 TEST_F(EntityPixels, FacesOfFewerThanThreeCornersDrawNothing)

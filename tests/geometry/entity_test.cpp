@@ -2,14 +2,10 @@
 
 #include "platform/host/cm/color.h"
 #include "platform/host/db/entities.h"
-#include "tests/support/gl_recorder.h"
-#include "tests/support/gl_test_window.h"
 #include "tests/support/trace_recording.h"
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <functional>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -17,13 +13,12 @@
 
 using karv_test::EntityOf;
 using karv_test::Face;
-using karv_test::GlRecording;
+using karv_test::FromFaces;
 using karv_test::kRed;
 using karv_test::TraceRecording;
 using karv_test::Triangle;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
 using Entity = KARVGraphicalEntity;
 
 namespace
@@ -43,11 +38,6 @@ class DerivedLine : public AcDbLine
         return &description;
     }
 };
-
-Entity FromFaces(std::vector<KARVGLFace> faces, unsigned short color = kRed)
-{
-    return {std::move(faces), Entity::EntityType3, color};
-}
 
 void ExpectEmpty(Entity& entity)
 {
@@ -167,16 +157,6 @@ TEST(Entity, SecondLineIsAppendedAndGrowsTheBox)
     EXPECT_EQ(entity.maxExtent, KARVGLVertex(9.0, 2.0, 2.0));
 }
 
-TEST(Entity, LineIsTakenWithoutAGlCall)
-{
-    AcDbLine line({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
-    const GlRecording recording;
-    {
-        const Entity entity(&line, Entity::EntityType0);
-    }
-    EXPECT_THAT(recording.Listing(), IsEmpty());
-}
-
 TEST(Entity, HostEntityIsOnlyRead)
 {
     AcDbLine line({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
@@ -244,15 +224,6 @@ TEST(Entity, ListNameGivenByTheClientIsOverwritten)
         face.displayList = 77;
         EXPECT_EQ(EntityOf(face).faces.at(0).displayList, 0U) << corners;
     }
-}
-
-TEST(Entity, FacesOfUpToThreeCornersAskForNoList)
-{
-    const GlRecording recording;
-    const Entity entity =
-        FromFaces({Face({}), Face({{1.0, 0.0, 0.0}}), Face({{1.0, 0.0, 0.0}, {2.0, 0.0, 0.0}}), Triangle()});
-    EXPECT_THAT(recording.Listing(), IsEmpty());
-    EXPECT_EQ(entity.faces.size(), 4U);
 }
 
 TEST(Entity, HundredThousandTrianglesAreTaken)
@@ -432,18 +403,6 @@ TEST(Entity, MoveAssignmentToItselfLeavesAUsableEntity)
     entity = std::move(same);
     entity = FromFaces({Triangle(), Triangle()});
     EXPECT_EQ(entity.GetFaceNumber(), 2);
-}
-
-TEST(Entity, CopiesAndDestructionIssueNoGlCall)
-{
-    const GlRecording recording;
-    {
-        const Entity entity = FromFaces({Triangle()});
-        Entity copy = entity;
-        copy = entity;
-        const Entity moved = std::move(copy);
-    }
-    EXPECT_THAT(recording.Listing(), IsEmpty());
 }
 
 TEST(EntityTrace, OperationsAreTracedUnderTheirNames)

@@ -1,6 +1,5 @@
 #include "geometry/KARVGraphicalEntity.h"
 
-#include "tests/support/gl_recorder.h"
 #include "tests/support/trace_recording.h"
 
 #include <gmock/gmock.h>
@@ -97,17 +96,6 @@ TEST(FaceNormal, TinyAndHugeTrianglesKeepTheirScale)
               static_cast<float>(static_cast<double>(1e-10F) * static_cast<double>(1e-10F)));
     EXPECT_EQ(Normal({{0.0, 0.0, 0.0}, {1e30, 0.0, 0.0}, {0.0, 1e30, 0.0}}).z,
               std::numeric_limits<float>::infinity());
-}
-
-TEST(FaceNormal, IsOneTracedOperationAndNoGlCall)
-{
-    KARVGraphicalEntity entity;
-    const karv_test::TraceRecording trace;
-    const karv_test::GlRecording recording;
-    (void)entity.FindFaceNormal({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}});
-    EXPECT_THAT(trace.Listing(), testing::ElementsAre("> KARVGraphicalEntity::FindFaceNormal",
-                                                      "< KARVGraphicalEntity::FindFaceNormal"));
-    EXPECT_THAT(recording.Listing(), testing::IsEmpty());
 }
 
 TEST(FaceNormal, NaNCornersGiveNaN)

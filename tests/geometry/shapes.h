@@ -2,8 +2,11 @@
 #pragma once
 
 #include "geometry/KARVGraphicalEntity.h"
+#include "platform/host/db/entities.h"
 
 #include <initializer_list>
+#include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace karv_test
@@ -49,5 +52,19 @@ inline KARVGraphicalEntity EntityOf(const KARVGLFace& face)
 {
     return KARVGraphicalEntity(std::vector<KARVGLFace>{face}, KARVGraphicalEntity::EntityType2, kRed);
 }
+
+/// An entity of these faces and category 3.
+inline KARVGraphicalEntity FromFaces(std::vector<KARVGLFace> faces, unsigned short color = kRed)
+{
+    return {std::move(faces), KARVGraphicalEntity::EntityType3, color};
+}
+
+/// A line of the host's that cannot tell its class.
+class BrokenLine : public AcDbLine
+{
+  public:
+    BrokenLine() : AcDbLine({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}) { setColorIndex(kRed); }
+    [[nodiscard]] AcRxClass* isA() const override { throw std::runtime_error("the host fails"); }
+};
 
 } // namespace karv_test

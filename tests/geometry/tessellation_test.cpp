@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 #include <memory>
 #include <string>
@@ -25,17 +24,15 @@ using karv_test::GlTestWindow;
 using karv_test::IsNear;
 using karv_test::kRed;
 using karv_test::LShape;
-using karv_test::Picture;
 using karv_test::Pixel;
 using karv_test::Square;
 using karv_test::ThrowAt;
 using karv_test::TraceRecording;
-using karv_test::Triangle;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
 using Entity = KARVGraphicalEntity;
+using Point = std::array<double, 2>;
 
 namespace
 {
@@ -139,17 +136,6 @@ TEST_F(Tessellation, ListNameGivenByTheClientIsReplaced)
     EXPECT_TRUE(glIsList(list));
 }
 
-TEST_F(Tessellation, EveryFaceOfFourCornersOrMoreHasItsOwnList)
-{
-    const Entity entity({Square(), Triangle(), LShape(), Square()}, Entity::EntityType0, kRed);
-    EXPECT_NE(entity.faces.at(0).displayList, 0U);
-    EXPECT_EQ(entity.faces.at(1).displayList, 0U);
-    EXPECT_NE(entity.faces.at(2).displayList, 0U);
-    EXPECT_NE(entity.faces.at(3).displayList, 0U);
-    EXPECT_NE(entity.faces.at(0).displayList, entity.faces.at(2).displayList);
-    EXPECT_NE(entity.faces.at(0).displayList, entity.faces.at(3).displayList);
-}
-
 TEST_F(Tessellation, HundredFacesHaveHundredLists)
 {
     const GlRecording recording;
@@ -189,55 +175,11 @@ TEST_F(Tessellation, ConcaveOutlineKeepsItsArea)
     EXPECT_DOUBLE_EQ(Area(Triangles(recording)), 3.0);
 }
 
-TEST_F(Tessellation, ConcaveFaceIsDrawnRightThroughItsList)
-{
-    Entity entity = EntityOf(LShape());
-    window_.BeginPicture(2.0, 2.0);
-    entity.DrawObjectQuads();
-    const Picture picture = window_.Read();
-    EXPECT_TRUE(IsNear(picture.At(16, 16), kRedPixel));
-    EXPECT_TRUE(IsNear(picture.At(48, 16), kRedPixel));
-    EXPECT_TRUE(IsNear(picture.At(16, 48), kRedPixel));
-    EXPECT_TRUE(IsNear(picture.At(48, 48), kBlack));
-    EXPECT_TRUE(IsNear(picture.At(38, 40), kBlack));
-}
-
-TEST_F(Tessellation, ConcaveFaceWithoutAListFillsItsNotch)
-{
-    // What the list is for: the same face as a fan.
-    Entity entity = EntityOf(LShape());
-    entity.faces.at(0).displayList = 0;
-    window_.BeginPicture(2.0, 2.0);
-    entity.DrawObjectQuads();
-    // (38, 40) is (1.19, 1.25): in the notch, and in the fan's triangle (2, 0), (1, 1), (1, 2).
-    EXPECT_TRUE(IsNear(window_.Read().At(38, 40), kRedPixel));
-}
-
 TEST_F(Tessellation, ListHoldsNeitherColourNorNormal)
 {
     const GlRecording recording;
     const Entity entity = EntityOf(Square());
     EXPECT_EQ(recording.Count("glColor3f") + recording.Count("glColor4f") + recording.Count("glNormal3f"), 0);
-}
-
-TEST_F(Tessellation, SameListDrawsInAColourSetLater)
-{
-    Entity entity = EntityOf(Square(2.0));
-    entity.SetColor(karv_test::kGreen);
-    window_.BeginPicture(2.0, 2.0);
-    entity.DrawObjectQuads();
-    EXPECT_TRUE(IsNear(window_.Read().At(32, 32), {0, 255, 0}));
-}
-
-TEST_F(Tessellation, CopyOutlivesItsSourceAndStillDraws)
-{
-    auto source = std::make_unique<Entity>(EntityOf(Square(2.0)));
-    Entity copy = *source;
-    EXPECT_EQ(copy.faces.at(0).displayList, source->faces.at(0).displayList);
-    source.reset();
-    window_.BeginPicture(2.0, 2.0);
-    copy.DrawObjectQuads();
-    EXPECT_TRUE(IsNear(window_.Read().At(32, 32), kRedPixel));
 }
 
 TEST_F(Tessellation, CopyAndAssignmentMakeNoList)
@@ -259,14 +201,6 @@ TEST_F(Tessellation, DestructionDeletesNoList)
     }
     EXPECT_EQ(recording.Count("glDeleteLists"), 0);
     EXPECT_TRUE(glIsList(list));
-}
-
-TEST_F(Tessellation, MovedFacesKeepTheirList)
-{
-    Entity source = EntityOf(Square());
-    const GLuint list = source.faces.at(0).displayList;
-    const Entity moved = std::move(source);
-    EXPECT_EQ(moved.faces.at(0).displayList, list);
 }
 
 TEST_F(Tessellation, WithoutAListNameTheFaceIsDrawnDirectly)
@@ -432,16 +366,6 @@ TEST_F(Tessellation, FaultAtTheEndOfTheTessellatorIsReportedByTheConstructor)
     Entity entity = EntityOf(Square());
     EXPECT_EQ(entity.GetFaceNumber(), 0);
     EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
-}
-
-TEST_F(Tessellation, OpensNoTraceEntryOfItsOwn)
-{
-    KARVGLFace square = Square();
-    Entity entity;
-    const TraceRecording trace;
-    entity.TesselateFace(square);
-    EXPECT_THAT(trace.Listing(), IsEmpty());
-    EXPECT_NE(square.displayList, 0U);
 }
 
 TEST_F(Tessellation, DirectCallOnFewCornersStillMakesAList)
