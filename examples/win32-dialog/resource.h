@@ -2,6 +2,7 @@
 // too, so they are macros.
 #pragma once
 
+// NOLINTBEGIN(modernize-macro-to-enum)
 #define IDD_VIEWER 100
 
 #define IDC_VIEWPORT 1000 /* a frame, never shown: where the viewport goes */
@@ -30,3 +31,4 @@
 /* Check boxes, one for each category; the last one stands for all that are left. */
 #define IDC_CATEGORY_FIRST 1030
 #define IDC_CATEGORY_LAST 1037
+// NOLINTEND(modernize-macro-to-enum)

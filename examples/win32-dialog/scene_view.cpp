@@ -52,7 +52,7 @@ void SceneView::Build()
         glEnable(GL_CULL_FACE);
     }
     SetWindowPos(Window(), place_, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    scene_.emplace(*viewport_, faded);
+    scene_ = std::make_unique<viewer::FittedScene>(*viewport_, faded);
     scene_->DrawLines(lines_);
     if (background_)
         SetBackground(*background_);

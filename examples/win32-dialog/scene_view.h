@@ -57,7 +57,7 @@ class SceneView
     HWND place_;
     viewer::Model model_;
     std::unique_ptr<Viewport> viewport_;
-    std::optional<viewer::FittedScene> scene_; ///< of the model in the viewport
+    std::unique_ptr<viewer::FittedScene> scene_; ///< of the model in the viewport
     viewer::StandardView view_ = viewer::StandardView::SE;
     viewer::Projection projection_ = viewer::Projection::Perspective;
     double aspect_ = 1.0; ///< that the model was fitted to

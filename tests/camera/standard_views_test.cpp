@@ -11,7 +11,6 @@
 
 using karv_test::IsAt;
 using karv_test::IsOrthonormal;
-using testing::ElementsAre;
 
 namespace
 {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <ranges>
 #include <string>
 #include <vector>
 
@@ -57,8 +58,8 @@ class DialogKeyboard : public testing::Test
         };
         for (const WORD key : keys)
             add(key, 0);
-        for (auto key = keys.rbegin(); key != keys.rend(); ++key)
-            add(*key, KEYEVENTF_KEYUP);
+        for (const WORD key : std::views::reverse(keys))
+            add(key, KEYEVENTF_KEYUP);
         SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
     }
 

@@ -25,7 +25,6 @@ using karv_test::EntityOf;
 using karv_test::ExpectNoBox;
 using karv_test::FaceNumber;
 using karv_test::GlRecording;
-using karv_test::kRed;
 using karv_test::PlaneHook;
 using karv_test::TraceRecording;
 using karv_test::UnitCube;

@@ -11,7 +11,6 @@
 
 using karv_test::BrokenLine;
 using karv_test::EntityOf;
-using karv_test::kRed;
 using karv_test::TraceRecording;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -25,7 +25,6 @@ using karv_test::GlRecording;
 using karv_test::kRed;
 using karv_test::TraceRecording;
 using karv_test::Triangle;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using Entity = KARVGraphicalEntity;
 using karv_test::Square;
