@@ -6,17 +6,20 @@
 #include "platform/winsys/provider.h"
 #include "viewer/bundled_model.h"
 #include "viewer/canvas.h"
+#include "viewer/import/reader_process.h"
 #include "viewer/interactive_window.h"
-#include "viewer/mesh_import.h"
 #include "viewer/message_loop.h"
+#include "viewer/model_tree.h"
 #include "viewer/progress.h"
 #include "viewer/sheet.h"
 #include "viewer/stats.h"
 
 #include <exception>
+#include <functional>
 #include <memory>
 #include <new>
 #include <ostream>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -64,6 +67,8 @@ class Application
 
     void Run()
     {
+        if (options_.list)
+            return List();
         const bool in_windows = ChooseWindows();
         Load();
         GiveHints();
@@ -90,15 +95,35 @@ class Application
     /// Where the program says what it did, beside the figures if those are asked for.
     std::ostream& Notices() { return options_.stats ? err_ : out_; }
 
+    /// Hands every file's model on, in their order, or else the bundled one.
+    void ForEachModel(const std::function<void(Model)>& take)
+    {
+        for (const std::string& path : options_.models) {
+            ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + path);
+            Model model = ImportModel(path, ImportOptions{options_.deflection},
+                                      [&](double fraction) { progress.Report(fraction); });
+            take(std::move(model));
+        }
+        if (options_.models.empty())
+            take(MakeBundledModel());
+    }
+
+    void List()
+    {
+        // Nothing is printed of good files where another one is bad.
+        std::ostringstream text;
+        int first_category = 0;
+        ForEachModel([&](const Model& model) {
+            PrintTree(text, model, first_category);
+            first_category += options_.windows ? 0 : model.CategoryCount();
+        });
+        out_ << text.str();
+    }
+
     void Load()
     {
         const SteadyTime before = std::chrono::steady_clock::now();
-        for (const std::string& path : options_.models) {
-            ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + path);
-            Add(ImportMesh(path, [&](double fraction) { progress.Report(fraction); }));
-        }
-        if (options_.models.empty())
-            Add(MakeBundledModel());
+        ForEachModel([&](Model model) { Add(std::move(model)); });
         stats_.load_s = SecondsSince(before);
         stats_.files = options_.models.size();
         for (Model& model : models_) {

@@ -153,7 +153,7 @@ void AddSolid(Piece& piece, std::vector<ModelFace> faces)
 
 Piece Ribs()
 {
-    Piece ribs{"ribs", {}, 2, kRibColor, 1.0F};
+    Piece ribs = MakePiece("ribs", {}, 2, kRibColor);
     constexpr double kHalfThickness = 4.0;
     for (const double x : {-22.0, 22.0}) {
         AddSolid(ribs, Extrude({RibOutline()}, kSide, x - kHalfThickness, x + kHalfThickness));
@@ -164,8 +164,8 @@ Piece Ribs()
 
 Piece Housing()
 {
-    Piece housing{"housing", Extrude(HousingTiles(), kFront, -kHousingHalfWidth, kHousingHalfWidth), 1,
-                  kHousingColor, 1.0F};
+    Piece housing = MakePiece(
+        "housing", Extrude(HousingTiles(), kFront, -kHousingHalfWidth, kHousingHalfWidth), 1, kHousingColor);
     const auto boss = RingTiles({0, kBoreHeight}, kBore, kBoss, 48);
     AddSolid(housing, Extrude(boss, kFront, kHousingHalfWidth, kBossHalfWidth));
     AddSolid(housing, Extrude(boss, kFront, -kBossHalfWidth, -kHousingHalfWidth));
@@ -175,7 +175,7 @@ Piece Housing()
 Piece Washers()
 {
     constexpr double kThickness = 3.0;
-    Piece washers{"washers", {}, 4, kWasherColor, 1.0F};
+    Piece washers = MakePiece("washers", {}, 4, kWasherColor);
     for (const double x : {-kBoltDistance, kBoltDistance})
         AddSolid(washers, Extrude(RingTiles({x, 0}, kShank, kWasher, 32), kFloor, kFootHeight,
                                   kFootHeight + kThickness));
@@ -187,7 +187,7 @@ Piece Bolts()
     constexpr double kHeadFrom = kFootHeight + 3.0;
     constexpr double kHeadHeight = 9.0;
     constexpr double kTipHeight = 2.0;
-    Piece bolts{"bolts", {}, 5, kBoltColor, 1.0F};
+    Piece bolts = MakePiece("bolts", {}, 5, kBoltColor);
     for (const double x : {-kBoltDistance, kBoltDistance}) {
         AddSolid(bolts, Extrude(RoundTile(x, kShank), kFloor, 0.0, kHeadFrom));
         AddSolid(bolts, Extrude(HexagonTile(x), kFloor, kHeadFrom, kHeadFrom + kHeadHeight));
@@ -203,13 +203,13 @@ Model MakeBundledModel()
 {
     Model model;
     model.title = "pillow block";
-    model.pieces.push_back({"foot", Extrude(FootTiles(), kFloor, 0.0, kFootHeight), 0, kFootColor, 1.0F});
+    model.pieces.push_back(MakePiece("foot", Extrude(FootTiles(), kFloor, 0.0, kFootHeight), 0, kFootColor));
     model.pieces.push_back(Housing());
     model.pieces.push_back(Ribs());
-    model.pieces.push_back(
-        {"bush",
-         Extrude(RingTiles({0, kBoreHeight}, kBushBore, kBore, 48), kFront, -kBushHalfWidth, kBushHalfWidth),
-         3, kBushColor, 1.0F});
+    model.pieces.push_back(MakePiece(
+        "bush",
+        Extrude(RingTiles({0, kBoreHeight}, kBushBore, kBore, 48), kFront, -kBushHalfWidth, kBushHalfWidth),
+        3, kBushColor));
     model.pieces.push_back(Washers());
     model.pieces.push_back(Bolts());
     return model;

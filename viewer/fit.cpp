@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
-#include <utility>
 #include <vector>
 
 namespace viewer
@@ -44,6 +44,20 @@ std::vector<KARVGLFace> ToFaces(const Piece& piece, const ScenePlacement& placem
     return faces;
 }
 
+KARVGraphicalEntity::EntityType ToType(int category)
+{
+    return static_cast<KARVGraphicalEntity::EntityType>(category);
+}
+
+/// How many entities the model becomes, besides its feature edges.
+int EntityCount(const Model& model)
+{
+    std::size_t count = model.pieces.size();
+    for (const Piece& piece : model.pieces)
+        count += piece.lines.size();
+    return static_cast<int>(std::min(count, static_cast<std::size_t>(std::numeric_limits<int>::max())));
+}
+
 void ApplyView(KARVOpenGLControl& control, StandardView view)
 {
     using Command = void (KARVOpenGLControl::*)();
@@ -73,11 +87,22 @@ double FitGrowth(double aspect)
     return kMargin * std::max({kUpwards, kParallelUpwardsPerAspect * aspect, sideways});
 }
 
-ScenePlacement::ScenePlacement(const Box& extents)
-    : origin_(extents.min), scale_(kSceneSize / (kSceneSizePerDiagonal * FitGrowth(1.0) * extents.Diagonal()))
+ScenePlacement::ScenePlacement(const Box& extents) : origin_(extents.min)
 {
-    scene_box_.Add(ToScene(extents.min));
-    scene_box_.Add(ToScene(extents.max));
+    constexpr double kFittedDiagonal = kSceneSize / kSceneSizePerDiagonal;
+    const double diagonal = extents.Diagonal();
+    const double scene_diagonal = kFittedDiagonal / FitGrowth(1.0);
+    if (diagonal > 0.0) {
+        scale_ = scene_diagonal / diagonal;
+        scene_box_.Add(ToScene(extents.min));
+        scene_box_.Add(ToScene(extents.max));
+        return;
+    }
+    // A cube of that diagonal around the point.
+    const double half = 0.5 * scene_diagonal / std::numbers::sqrt3;
+    origin_ = extents.min - Point{half, half, half};
+    scene_box_.Add({0.0, 0.0, 0.0});
+    scene_box_.Add({2.0 * half, 2.0 * half, 2.0 * half});
 }
 
 Box ScenePlacement::FittedBox(double aspect) const
@@ -90,35 +115,50 @@ Box ScenePlacement::FittedBox(double aspect) const
     return box;
 }
 
-FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model)
-    : control_(control), placement_(model.Extents()),
-      line_category_(static_cast<KARVGraphicalEntity::EntityType>(model.CategoryCount()))
+FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden)
+    : control_(control), placement_(model.Extents()), first_line_category_(model.CategoryCount()),
+      hidden_(hidden.begin(), hidden.end())
 {
     control_.ComputeExtents(false);
-    control_.AllocateMemory(static_cast<int>(model.pieces.size()));
+    control_.AllocateMemory(EntityCount(model));
     for (const Piece& piece : model.pieces)
         Feed(piece);
+    for (const int category : hidden_)
+        control_.DisableObject(ToType(category));
     DrawLines(false);
 }
 
 void FittedScene::Feed(const Piece& piece)
 {
-    const auto category = static_cast<KARVGraphicalEntity::EntityType>(piece.category);
+    if (!piece.faces.empty())
+        FeedFaces(piece);
+    FeedLines(piece.lines, piece.color, ToType(piece.category));
+}
+
+void FittedScene::FeedFaces(const Piece& piece)
+{
+    const auto category = ToType(piece.category);
     auto solid = MakeSolid(piece, [&](const Point& point) { return placement_.ToScene(point); });
     if (solid) {
         control_.AppendGeometry(&*solid, category, piece.color, piece.alpha);
     } else {
         control_.AppendGeometry(ToFaces(piece, placement_), category, piece.color, piece.alpha);
-        FeedLines(piece);
+        const int line_category = first_line_category_ + piece.category;
+        FeedLines(FeatureEdges(piece), piece.color, ToType(line_category));
+        if (hidden_.contains(piece.category))
+            control_.DisableObject(ToType(line_category));
+        else
+            line_categories_.insert(line_category);
     }
 }
 
-void FittedScene::FeedLines(const Piece& piece)
+void FittedScene::FeedLines(const std::vector<Segment>& lines, unsigned char color,
+                            KARVGraphicalEntity::EntityType category)
 {
-    for (const auto& [start, end] : FeatureEdges(piece)) {
-        AcDbLine line(ToHost(placement_.ToScene(start)), ToHost(placement_.ToScene(end)));
-        line.setColorIndex(piece.color);
-        control_.AppendGeometry(&line, line_category_);
+    for (const Segment& segment : lines) {
+        AcDbLine line(ToHost(placement_.ToScene(segment.from)), ToHost(placement_.ToScene(segment.to)));
+        line.setColorIndex(color);
+        control_.AppendGeometry(&line, category);
     }
 }
 
@@ -126,10 +166,11 @@ void FittedScene::DrawLines(bool lines)
 {
     control_.SetRenderMode(lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
     // Lines would be drawn among the faces, too.
-    if (lines)
-        control_.EnableObject(line_category_);
-    else
-        control_.DisableObject(line_category_);
+    for (const int category : line_categories_)
+        if (lines)
+            control_.EnableObject(ToType(category));
+        else
+            control_.DisableObject(ToType(category));
 }
 
 void FittedScene::Show(StandardView view, Projection projection, double aspect)

@@ -6,6 +6,9 @@
 #include "viewer/model.h"
 #include "viewer/standard_view.h"
 
+#include <set>
+#include <vector>
+
 namespace viewer
 {
 
@@ -22,7 +25,8 @@ inline constexpr double kSceneSize = 0.2;
 class ScenePlacement
 {
   public:
-    /// For a model with these extents, which must not be empty and should not be a single point.
+    /// For a model with these extents, which must not be empty. A single point lies in the middle of a scene
+    /// of the usual size.
     explicit ScenePlacement(const Box& extents);
 
     [[nodiscard]] Point ToScene(const Point& file_point) const { return (file_point - origin_) * scale_; }
@@ -33,19 +37,21 @@ class ScenePlacement
 
   private:
     Point origin_;
-    double scale_;
+    double scale_ = 1.0;
     Box scene_box_;
 };
 
 /// A model in a control: fed once, then shown from any standard view. Pieces that close are fed as bodies,
-/// which show their edges in line mode; others as faces, with their feature edges as lines of a category of
-/// their own, the one after the model's, which is hidden while faces are drawn.
+/// which show their edges in line mode; others as faces, with their feature edges as lines of categories of
+/// their own, one after the model's for each of those, which are hidden while faces are drawn. Lines that are
+/// drawn for themselves belong to their piece's category and are seen among faces too.
 class FittedScene
 {
   public:
     /// Feeds every piece, in order, to a control that was just created, whose context must be current; faces
-    /// are drawn at first. The control is not owned; the model is only read.
-    FittedScene(KARVOpenGLControl& control, const Model& model);
+    /// are drawn at first, and nothing of the hidden categories in either mode. The control is not owned; the
+    /// model is only read.
+    FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {});
 
     /// Draws lines or faces from the next frame on.
     void DrawLines(bool lines);
@@ -59,12 +65,16 @@ class FittedScene
 
   private:
     void Feed(const Piece& piece);
-    void FeedLines(const Piece& piece);
+    void FeedFaces(const Piece& piece);
+    void FeedLines(const std::vector<Segment>& lines, unsigned char color,
+                   KARVGraphicalEntity::EntityType category);
     void SetProjection(Projection projection);
 
     KARVOpenGLControl& control_;
     ScenePlacement placement_;
-    KARVGraphicalEntity::EntityType line_category_;
+    int first_line_category_;
+    std::set<int> line_categories_; ///< those of pieces that are not hidden
+    std::set<int> hidden_;
     Projection projection_ = Projection::Perspective; ///< as every control begins
 };
 

@@ -1,5 +1,6 @@
 // karv-view: shows model files, or a bundled model, in the viewport.
 #include "viewer/application.h"
+#include "viewer/import/reader_child.h"
 #include "viewer/options.h"
 
 #include <chrono>
@@ -7,6 +8,7 @@
 
 int main(int argc, char** argv)
 {
+    viewer::RunAsReader(argc, argv);
     const auto start = std::chrono::steady_clock::now();
     const viewer::ParsedOptions parsed = viewer::ParseOptions(argc, argv, std::cout, std::cerr);
     if (!parsed.options)

@@ -12,13 +12,18 @@
 #include <assimp/scene.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cmath>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace viewer
 {
@@ -61,6 +66,76 @@ Transform operator*(const Transform& parent, const aiMatrix4x4& child)
             result.rows.at(row).at(column) = sum;
         }
     return result;
+}
+
+/// How the space of a file lies in the viewer's, whose z axis points up, and how long its unit is.
+struct Convention {
+    Transform root;
+    std::optional<double> meters_per_unit;
+};
+
+/// Turns the axis of this number, or its opposite, to where z is.
+Transform UprightFrom(int axis, bool is_opposite)
+{
+    Transform turn;
+    if (axis == 0)
+        turn.rows = {{{{0.0, 0.0, -1.0, 0.0}}, {{0.0, 1.0, 0.0, 0.0}}, {{1.0, 0.0, 0.0, 0.0}}}};
+    if (axis == 1)
+        turn.rows = {{{{1.0, 0.0, 0.0, 0.0}}, {{0.0, 0.0, -1.0, 0.0}}, {{0.0, 1.0, 0.0, 0.0}}}};
+    // Half a turn about x.
+    if (is_opposite)
+        for (double* row : {turn.rows[1].data(), turn.rows[2].data()})
+            std::transform(row, row + 4, row, std::negate<>());
+    return turn;
+}
+
+/// FBX files say themselves which axis points up and how many centimetres their unit has.
+Convention FbxConvention(const aiScene& scene)
+{
+    int axis = 1;
+    int sign = 1;
+    float centimeters = 0.0F;
+    if (scene.mMetaData != nullptr) {
+        scene.mMetaData->Get("UpAxis", axis);
+        scene.mMetaData->Get("UpAxisSign", sign);
+        scene.mMetaData->Get("UnitScaleFactor", centimeters);
+    }
+    Convention convention{UprightFrom(axis, sign < 0), std::nullopt};
+    if (std::isfinite(centimeters) && centimeters > 0.0F)
+        convention.meters_per_unit = static_cast<double>(centimeters) / 100.0;
+    return convention;
+}
+
+/// NOTE: the importer itself turns Collada, 3DS, ASE and IFC files so that y points up, and scales Collada
+/// and IFC files to metres; glTF and X3D are defined that way. About the axes of OBJ, STL, PLY and OFF files
+/// nothing is known.
+Convention ConventionOf(const std::string& path, const aiScene& scene)
+{
+    constexpr std::array<std::string_view, 7> kMetersUpwardsY = {".gltf", ".glb", ".dae", ".zae",
+                                                                 ".ifc",  ".x3d", ".x3db"};
+    constexpr std::array<std::string_view, 7> kUpwardsY = {".3ds", ".ase", ".x",  ".ac",
+                                                           ".acc", ".lwo", ".lws"};
+    std::string ending = std::filesystem::path(path).extension().string();
+    std::ranges::transform(ending, ending.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (ending == ".fbx")
+        return FbxConvention(scene);
+    if (std::ranges::find(kMetersUpwardsY, ending) != kMetersUpwardsY.end())
+        return {UprightFrom(1, false), 1.0};
+    if (std::ranges::find(kUpwardsY, ending) != kUpwardsY.end())
+        return {UprightFrom(1, false), std::nullopt};
+    return {};
+}
+
+/// The names of the nodes around one that the file's author gave; more than this are left out.
+constexpr std::size_t kMostParents = 64;
+
+void AddParent(std::vector<std::string>& parents, const aiString& name)
+{
+    // NOTE: the importer's own helpers have a $ at the end of a word in their names.
+    const std::string_view text(name.C_Str());
+    if (!text.empty() && text.find("$Assimp") == std::string_view::npos && parents.size() < kMostParents)
+        parents.emplace_back(text);
 }
 
 /// Hands the importer's own progress on; it takes the first part of the whole.
@@ -122,23 +197,36 @@ class SceneConverter
 
     Model Convert()
     {
-        std::vector<std::pair<const aiNode*, Transform>> pending;
+        const Convention convention = ConventionOf(path_, scene_);
+        model_.meters_per_unit = convention.meters_per_unit;
+        std::vector<PendingNode> pending;
         if (scene_.mRootNode != nullptr)
-            pending.emplace_back(scene_.mRootNode, Transform{});
+            pending.push_back({scene_.mRootNode, convention.root, {}});
         while (!pending.empty()) {
-            const auto [node, parent] = pending.back();
+            const PendingNode current = std::move(pending.back());
             pending.pop_back();
-            const Transform transform = parent * node->mTransformation;
-            for (unsigned int i = 0; i < node->mNumMeshes; ++i)
-                AddMesh(MeshAt(node->mMeshes[i]), *node, transform);
-            for (unsigned int i = node->mNumChildren; i-- > 0;)
-                pending.emplace_back(node->mChildren[i], transform);
+            const aiNode& node = *current.node;
+            const Transform transform = current.transform * node.mTransformation;
+            for (unsigned int i = 0; i < node.mNumMeshes; ++i)
+                AddMesh(MeshAt(node.mMeshes[i]), node, current.parents, transform);
+            std::vector<std::string> parents = current.parents;
+            // The root is named after the file or by the importer.
+            if (&node != scene_.mRootNode)
+                AddParent(parents, node.mName);
+            for (unsigned int i = node.mNumChildren; i-- > 0;)
+                pending.push_back({node.mChildren[i], transform, parents});
         }
         NumberCategories();
         return std::move(model_);
     }
 
   private:
+    struct PendingNode {
+        const aiNode* node;
+        Transform transform; ///< of what is around it
+        std::vector<std::string> parents;
+    };
+
     void CountFaces()
     {
         for (unsigned int i = 0; i < scene_.mNumMeshes; ++i)
@@ -152,10 +240,14 @@ class SceneConverter
         return *scene_.mMeshes[index];
     }
 
-    void AddMesh(const aiMesh& mesh, const aiNode& node, const Transform& transform)
+    void AddMesh(const aiMesh& mesh, const aiNode& node, const std::vector<std::string>& parents,
+                 const Transform& transform)
     {
         Piece piece;
         piece.name = mesh.mName.length > 0 ? mesh.mName.C_Str() : node.mName.C_Str();
+        piece.parents = parents;
+        if (&node != scene_.mRootNode && piece.name != node.mName.C_Str())
+            AddParent(piece.parents, node.mName);
         // The material for now; categories are numbered when it is known which materials have faces.
         piece.category = static_cast<int>(mesh.mMaterialIndex);
         if (mesh.mMaterialIndex < scene_.mNumMaterials) {
@@ -197,8 +289,12 @@ class SceneConverter
         for (const Piece& piece : model_.pieces)
             categories[piece.category] = 0;
         int next = 0;
-        for (auto& [material, category] : categories)
+        for (auto& [material, category] : categories) {
             category = next++;
+            const auto number = static_cast<unsigned int>(material);
+            model_.category_names.emplace_back(
+                number < scene_.mNumMaterials ? scene_.mMaterials[number]->GetName().C_Str() : "");
+        }
         for (Piece& piece : model_.pieces)
             piece.category = categories.at(piece.category);
     }

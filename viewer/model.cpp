@@ -102,13 +102,51 @@ std::optional<ModelFace> MakeFace(std::vector<Point> counterclockwise)
     return ModelFace{std::move(counterclockwise), area * (1.0 / length)};
 }
 
+Piece MakePiece(std::string name, std::vector<ModelFace> faces, int category, unsigned char color,
+                float alpha)
+{
+    Piece piece;
+    piece.name = std::move(name);
+    piece.faces = std::move(faces);
+    piece.category = category;
+    piece.color = color;
+    piece.alpha = alpha;
+    return piece;
+}
+
+namespace
+{
+
+void Scale(std::vector<Segment>& segments, double factor)
+{
+    for (Segment& segment : segments)
+        segment = {segment.from * factor, segment.to * factor};
+}
+
+void Scale(Piece& piece, double factor)
+{
+    for (ModelFace& face : piece.faces)
+        for (Point& corner : face.corners)
+            corner = corner * factor;
+    if (piece.edges)
+        Scale(*piece.edges, factor);
+    Scale(piece.lines, factor);
+}
+
+} // namespace
+
 Box Model::Extents() const
 {
     Box box;
-    for (const Piece& piece : pieces)
+    for (const Piece& piece : pieces) {
         for (const ModelFace& face : piece.faces)
             for (const Point& corner : face.corners)
                 box.Add(corner);
+        for (const Segment& line : piece.lines) {
+            box.Add(line.from);
+            box.Add(line.to);
+        }
+    }
     return box;
 }
 
@@ -122,7 +160,7 @@ std::size_t Model::FaceCount() const
 
 int Model::CategoryCount() const
 {
-    int count = 0;
+    int count = static_cast<int>(category_names.size());
     for (const Piece& piece : pieces)
         count = std::max(count, piece.category + 1);
     return count;
@@ -135,10 +173,19 @@ bool Model::IsTranslucent() const
 
 void Model::Append(Model other)
 {
+    if (pieces.empty() && !meters_per_unit)
+        meters_per_unit = other.meters_per_unit;
+    const bool differs = meters_per_unit && other.meters_per_unit && meters_per_unit != other.meters_per_unit;
     const int first_category = CategoryCount();
-    for (Piece& piece : other.pieces)
+    for (Piece& piece : other.pieces) {
         piece.category += first_category;
+        if (differs)
+            Scale(piece, *other.meters_per_unit / *meters_per_unit);
+    }
     std::move(other.pieces.begin(), other.pieces.end(), std::back_inserter(pieces));
+    if (!other.category_names.empty())
+        category_names.resize(static_cast<std::size_t>(first_category));
+    std::move(other.category_names.begin(), other.category_names.end(), std::back_inserter(category_names));
     if (!title.empty() && !other.title.empty())
         title += ", ";
     title += other.title;

@@ -21,9 +21,7 @@ ModelWindow::ModelWindow(PictureSize size, const Options& options, const Model& 
     KARVOpenGLControl& control = Control();
     if (const auto& background = options.background)
         control.SetBgColor(background->at(0), background->at(1), background->at(2));
-    for (const int category : options.hidden)
-        control.DisableObject(static_cast<KARVGraphicalEntity::EntityType>(category));
-    scene_ = std::make_unique<FittedScene>(control, model);
+    scene_ = std::make_unique<FittedScene>(control, model, options.hidden);
     scene_->DrawLines(options.lines);
 }
 

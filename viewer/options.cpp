@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <ostream>
 #include <string_view>
 #include <system_error>
@@ -83,6 +84,16 @@ void SetAlpha(Options& options, const std::string& text)
     options.alpha = alpha;
 }
 
+void SetDeflection(Options& options, const std::string& text)
+{
+    double deflection = 0.0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, deflection);
+    if (error != std::errc{} || stop != end || !std::isfinite(deflection) || deflection <= 0.0)
+        throw CLI::ValidationError("--deflection", "'" + text + "' is not a number above 0");
+    options.deflection = deflection;
+}
+
 std::vector<std::string> ViewNames()
 {
     std::vector<std::string> names;
@@ -94,9 +105,14 @@ std::vector<std::string> ViewNames()
 
 void AddPictureOptions(CLI::App& app, Options& options)
 {
+    CLI::Option* const list =
+        app.add_flag("--list", options.list,
+                     "Print the tree of assemblies and pieces with categories, colours and counts, and exit");
     app.add_option("--picture", options.picture, "Draw one picture without showing a window, and exit")
+        ->excludes(list)
         ->option_text("FILE.png");
     app.add_option("--sheet", options.sheet, "Draw the ten standard views on one labelled sheet, and exit")
+        ->excludes(list)
         ->option_text("FILE.png");
     app.add_option_function<std::string>(
            "--view", [&](const std::string& name) { options.view = StandardViewNamed(name).value(); },
@@ -139,21 +155,27 @@ void AddDrawingOptions(CLI::App& app, Options& options)
     app.add_flag("--transparent", options.transparent, "Create the control for transparent drawing");
     app.add_option_function<std::string>(
            "--hide", [&](const std::string& text) { SetHidden(options, text); },
-           "Categories to hide: materials in the order of the files, from 0")
+           "Categories to hide, by their numbers in --list: layers, assemblies, colours or materials")
         ->multi_option_policy(CLI::MultiOptionPolicy::Join)
         ->option_text("N[,N...]");
 }
 
 void AddRunOptions(CLI::App& app, Options& options)
 {
+    app.add_option_function<std::string>(
+           "--deflection", [&](const std::string& text) { SetDeflection(options, text); },
+           "How far facets may lie from curved faces and curves, in the file's unit, above 0 (default: a "
+           "thousandth of the model's diagonal)")
+        ->option_text("NUMBER");
     app.add_flag("--headless", options.headless, "Never open a window on a display");
     app.add_flag("--windows", options.windows, "Show each model in a window of its own");
     app.add_option("--trace", options.trace, "Write the trace of the control's calls")
         ->option_text("FILE.json");
     app.add_flag("--stats", options.stats, "Print figures as one JSON object");
-    app.add_option(
-           "MODEL", options.models,
-           "Model files, shown together (OBJ, STL, PLY, OFF, glTF and more); a bundled model without any")
+    app.add_option("MODEL", options.models,
+                   "Model files, shown together (STEP, IGES, BREP, DXF, OBJ, STL, PLY, OFF, glTF and more); "
+                   "a bundled "
+                   "model without any")
         ->option_text("FILE...");
 }
 

@@ -40,6 +40,8 @@ struct Options {
     bool headless = false;
     bool windows = false; ///< one for each model
     bool stats = false;
+    bool list = false;
+    std::optional<double> deflection; ///< in the units of the files; above 0 and finite
 };
 
 /// What became of a command line: options, or an end to the program with a status.

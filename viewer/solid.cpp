@@ -6,8 +6,10 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <numbers>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace viewer
 {
@@ -33,10 +35,10 @@ struct PointHash {
 struct SharedCorners {
     std::vector<Point> points;
     std::vector<std::vector<int>> faces;
+    std::unordered_map<Point, int, PointHash> known;
 
     explicit SharedCorners(const Piece& piece)
     {
-        std::unordered_map<Point, int, PointHash> known;
         faces.reserve(piece.faces.size());
         for (const ModelFace& face : piece.faces) {
             std::vector<int>& corners = faces.emplace_back();
@@ -68,6 +70,42 @@ std::uint64_t EdgeKey(int a, int b)
            static_cast<std::uint32_t>(high);
 }
 
+/// Visits both sides of every edge.
+void ForEachEdge(AModeler::Body& body, const auto& visit)
+{
+    for (AModeler::Face* face = body.faceList(); face != nullptr; face = face->next()) {
+        AModeler::Edge* edge = face->edgeLoop();
+        for (int i = 0; i < face->edgeCount(); ++i, edge = edge->next())
+            visit(*edge);
+    }
+}
+
+/// Leaves those edges physical that the list names; what it names beside them is not an edge of any face.
+void MarkListedEdges(AModeler::Body& body, const std::vector<Segment>& listed, const SharedCorners& corners)
+{
+    std::unordered_set<std::uint64_t> keys;
+    for (const Segment& segment : listed) {
+        const auto from = corners.known.find(segment.from);
+        const auto to = corners.known.find(segment.to);
+        if (from != corners.known.end() && to != corners.known.end())
+            keys.insert(EdgeKey(from->second, to->second));
+    }
+    // The body keeps its vertices one after the other in the order in which they were added, and every one of
+    // them is a corner of a face.
+    const AModeler::Vertex* first = nullptr;
+    ForEachEdge(body, [&](const AModeler::Edge& edge) {
+        first = first == nullptr ? edge.vertex()
+                                 : std::min<const AModeler::Vertex*>(first, edge.vertex(), std::less<>());
+    });
+    const auto number_of = [&](const AModeler::Edge& edge) {
+        return static_cast<int>(edge.vertex() - first);
+    };
+    ForEachEdge(body, [&](AModeler::Edge& edge) {
+        if (edge.isPhysical())
+            edge.setPhysical(keys.contains(EdgeKey(number_of(edge), number_of(*edge.partner()))));
+    });
+}
+
 bool IsSmooth(const Point& a, const Point& b)
 {
     // Accurate for small angles, and so are lengths that are not quite 1.
@@ -89,15 +127,20 @@ std::optional<AModeler::Body> MakeSolid(const Piece& piece, const std::function<
         for (const std::vector<int>& face : corners.faces)
             builder.AddFace(face);
         AModeler::Body body = builder.Build();
-        body.markSmoothEdges(kSmoothAngle);
+        if (piece.edges)
+            MarkListedEdges(body, *piece.edges, corners);
+        else
+            body.markSmoothEdges(kSmoothAngle);
         return body;
     } catch (const AModeler::BodyError&) {
         return std::nullopt;
     }
 }
 
-std::vector<std::pair<Point, Point>> FeatureEdges(const Piece& piece)
+std::vector<Segment> FeatureEdges(const Piece& piece)
 {
+    if (piece.edges)
+        return *piece.edges;
     const SharedCorners corners(piece);
     std::unordered_map<std::uint64_t, EdgeUse> uses;
     std::vector<std::uint64_t> order;
@@ -117,13 +160,13 @@ std::vector<std::pair<Point, Point>> FeatureEdges(const Piece& piece)
             }
         }
     }
-    std::vector<std::pair<Point, Point>> edges;
+    std::vector<Segment> edges;
     for (const std::uint64_t key : order) {
         const EdgeUse& use = uses.at(key);
         const bool is_inner = use.count == 2 && !use.is_twisted;
         if (is_inner && IsSmooth(piece.faces[use.first_face].normal, piece.faces[use.second_face].normal))
             continue;
-        edges.emplace_back(corners.points[key >> 32U], corners.points[key & 0xFFFFFFFFU]);
+        edges.push_back({corners.points[key >> 32U], corners.points[key & 0xFFFFFFFFU]});
     }
     return edges;
 }

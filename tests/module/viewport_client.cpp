@@ -5,7 +5,7 @@
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
 #include "platform/host/rx/system_registry.h"
-#include "platform/winsys/provider.h"
+#include "tests/support/shown_frame.h"
 
 #include <memory>
 #include <vector>
@@ -36,18 +36,6 @@ std::vector<KARVGLFace> Square()
     return {face};
 }
 
-/// Dispatches messages until the viewport has shown a frame; false where it has not after very many.
-bool DrawFrame(HWND viewport)
-{
-    constexpr int kMessages = 10000;
-    MSG message{};
-    for (int i = 0; i < kMessages && winsys::GetSwapCount(viewport) == 0; ++i) {
-        if (GetMessageW(&message, nullptr, 0, 0) > 0)
-            DispatchMessageW(&message);
-    }
-    return winsys::GetSwapCount(viewport) > 0;
-}
-
 host::Answer MakeClient()
 {
     client = std::make_unique<Client>();
@@ -65,7 +53,7 @@ host::Answer MakeClient()
     viewport.CameraViewTop();
     viewport.OnDraw(nullptr);
     viewport.ForceRenderStart();
-    return DrawFrame(viewport.m_hWnd) ? host::Answer::Ok : kNotDrawn;
+    return karv_test::NextFrame(viewport.m_hWnd) ? host::Answer::Ok : kNotDrawn;
 }
 
 } // namespace

@@ -10,9 +10,9 @@ trap 'rm -rf "$work"' EXIT
 failures=0
 
 # A project with our commands, whose packages, build and viewer are stand-ins.
-mkdir -p "$work/tools" "$work/bin" "$work/elsewhere/deep" "$work/build/"{linux,linux-bench,linux-coverage}
+mkdir -p "$work/tools" "$work/bin" "$work/elsewhere/deep" "$work/build/"{linux,linux-bench,linux-coverage,linux-fuzz}
 cp "$root/run" "$root/test" "$work"
-cp "$root/tools/build" "$root/tools/coverage" "$root/tools/mutate" "$work/tools"
+cp "$root/tools/build" "$root/tools/coverage" "$root/tools/fuzz" "$root/tools/mutate" "$work/tools"
 touch "$work/CMakePresets.json"
 ln -s "$work/run" "$work/elsewhere/show"
 
@@ -32,6 +32,10 @@ make_stub()
     for program in frame_cost_tests module_tests; do
         make_stub "build/linux-coverage/$program" \
             'echo "${0##*/} $1 on ${KARV_TEST_BACKEND:-any}" >>"$WORK/calls"; exit "${TESTS_STATUS:-0}"'
+    done
+    make_stub build/linux-fuzz/karv_make_seeds 'echo "seeds $*" >>"$WORK/calls"'
+    for program in fuzz_model_stream fuzz_body_builder; do
+        make_stub "build/linux-fuzz/$program" 'echo "${0##*/} $1" >>"$WORK/calls"; exit "${FUZZ_STATUS:-0}"'
     done
     make_stub bin/gcovr 'echo table; [[ $* != *--cobertura* ]] || cp "$WORK/counts.xml" build/linux-coverage/report.xml
         [[ $* != *--txt\ build* ]] || echo "table" >build/linux-coverage/report.txt'
@@ -93,28 +97,52 @@ expect 'a changed source is built without a new configuration' "$calls" 'cmake -
 touch -d 'now + 1 hour' "$work/CMakePresets.json"
 call "$work" tools/build linux
 expect 'changed presets are configured anew' "$calls" $'cmake --preset linux\ncmake --build --preset linux'
+call "$work" tools/build linux karv-view
+expect 'one target is built alone' "$calls" $'cmake --preset linux\ncmake --build --preset linux --target karv-view'
+call "$work" tools/build linux karv-view more
+expect 'a build of two targets is refused' "$status $complained" '2 usage: *'
 call "$work" tools/build
 expect 'a build without a preset is refused' "$status $complained" '2 usage: *'
 
 call "$work/elsewhere" ../test
-expect 'test sets up, builds and tests all on both systems' "$calls" "setup build viewer test
+expect 'test sets up, builds and tests all on both systems' "$calls" "setup build viewer test fuzz
 cmake --preset linux-sanitize
 cmake --build --preset linux-sanitize
+cmake --preset linux-fuzz
+cmake --build --preset linux-fuzz
 ctest --preset linux-sanitize in $work
-setup build test windows
+ctest --preset linux-fuzz in $work
+setup build viewer test windows
+cmake --preset linux-sanitize
+cmake --build --preset linux-sanitize --target control_pictures
 cmake --preset windows
 cmake --build --preset windows
 session
 ctest --preset windows in $work"
-expect 'test ends with the summaries' "$status $said" $'0 summary\nsummary'
+expect 'test ends with the summaries' "$status $said" $'0 summary\nsummary\nsummary'
 CTEST_STATUS=8 call "$work" ./test linux
 expect 'test ends as CTest does' "$status" 8
-expect 'test of one system leaves the other alone' "$calls" "*ctest --preset linux-sanitize in $work"
+expect 'test of one system leaves the other alone, and runs the fuzzers however the tests end' "$calls" \
+    "*ctest --preset linux-sanitize in $work
+ctest --preset linux-fuzz in $work"
 CTEST_STATUS=8 call "$work" ./test
 expect 'test ends as a failing CTest does' "$status" 8
 expect 'test goes on with the second system where the first fails' "$calls" "*ctest --preset windows in $work"
 SETUP_STATUS=1 call "$work" ./test windows
-expect 'test stops where packages are missing' "$status $calls" '1 setup build test windows'
+expect 'test stops where packages are missing' "$status $calls" '1 setup build viewer test windows'
+
+call "$work/elsewhere" ../test fuzz 7
+expect 'test fuzz sets up, builds, and runs each fuzzer as long as it is asked' "$calls" "setup build test fuzz
+cmake --preset linux-fuzz
+cmake --build --preset linux-fuzz
+seeds seeds
+fuzz_model_stream -max_total_time=7
+fuzz_body_builder -max_total_time=7"
+call "$work" ./test fuzz
+expect 'a fuzzer runs for ten minutes by default' "$calls" $'*fuzz_model_stream -max_total_time=600\n*'
+FUZZ_STATUS=77 call "$work" ./test fuzz 7
+expect 'test fuzz ends with the first fuzzer that breaks something' "$status $calls" \
+    $'77 *fuzz_model_stream -max_total_time=7'
 
 mkdir -p "$work/camera"
 printf 'int F(int a)\n{\n    return a ? 1 : 0;\n    done();\n}\n' >"$work/camera/a.cpp"
@@ -149,6 +177,10 @@ expect 'mutate sets up, and passes its arguments on' "$calls" \
 
 call "$work" ./test solaris
 expect 'test refuses a system that it does not know' "$status $complained$calls" '2 usage: *'
+for seconds in 0 -1 x 7x ''; do
+    call "$work" ./test fuzz "$seconds"
+    expect "test refuses '$seconds' as seconds" "$status $complained$calls" '2 usage: *'
+done
 call "$work" ./test linux more
 expect 'test refuses more arguments' "$status $complained$calls" '2 usage: *'
 

@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <string>
+#include <vector>
 
 namespace viewer
 {
@@ -161,7 +162,8 @@ TEST(FittedScene, SlantedEdgesAreSmooth)
     // One flat triangle, seen squarely: without smoothing there would be its colours, with it mixtures with
     // the background.
     Model model;
-    model.pieces.push_back({"triangle", {MakeFace({{0, 0, 0}, {3, 1, 0}, {1, 3, 0}}).value()}, 0, 1, 1.0F});
+    model.pieces.push_back(
+        MakePiece("triangle", {MakeFace({{0, 0, 0}, {3, 1, 0}, {1, 3, 0}}).value()}, 0, 1));
     FittedScene scene(view.Control(), model);
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
     const Picture picture = view.TakePicture();
@@ -223,9 +225,9 @@ TEST(FittedSceneLines, SurfaceShowsItsBorderInLineModeAlone)
     // Two squares side by side, one of them in another category.
     Model model;
     model.pieces.push_back(
-        {"a", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}, 0, 1, 1.0F});
+        MakePiece("a", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}, 0, 1));
     model.pieces.push_back(
-        {"b", {MakeFace({{2, 0, 0}, {3, 0, 0}, {3, 1, 0}, {2, 1, 0}}).value()}, 1, 3, 1.0F});
+        MakePiece("b", {MakeFace({{2, 0, 0}, {3, 0, 0}, {3, 1, 0}, {2, 1, 0}}).value()}, 1, 3));
     FittedScene scene(view.Control(), model);
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
     const Picture faces = view.TakePicture();
@@ -241,6 +243,125 @@ TEST(FittedSceneLines, SurfaceShowsItsBorderInLineModeAlone)
     };
     EXPECT_TRUE(has(0xFF0000U)) << "in the colour of the piece";
     EXPECT_TRUE(has(0x00FF00U));
+}
+
+/// A line across the plane z = 0 in red, of category 0, and a square beside it in green, of category 1.
+Model LineAndSquare(const Point& at, double size)
+{
+    Model model;
+    Piece& lines = model.pieces.emplace_back();
+    lines.lines = {{at, at + Point{2 * size, 0, 0}}, {at + Point{0, size, 0}, at + Point{size, 2 * size, 0}}};
+    lines.color = 1;
+    const Point x{size, 0, 0};
+    const Point y{0, size, 0};
+    const Point corner = at + x + y;
+    model.pieces.push_back(
+        MakePiece("square", {MakeFace({corner, corner + x, corner + x + y, corner + y}).value()}, 1, 3));
+    return model;
+}
+
+bool HasRed(const Picture& picture)
+{
+    return std::ranges::any_of(picture.pixels, [](std::uint32_t p) { return (p & 0xFF0000U) != 0; });
+}
+
+TEST(FittedSceneLines, LinesOfThePieceAreSeenInBothModesAndHiddenWithTheirCategory)
+{
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
+    view.Control().SetBgColor(0, 0, 0);
+    FittedScene scene(view.Control(), LineAndSquare({0, 0, 0}, 1));
+    scene.Show(StandardView::Top, Projection::Parallel, 1.0);
+    EXPECT_TRUE(HasRed(view.TakePicture())) << "among faces";
+    scene.DrawLines(true);
+    EXPECT_TRUE(HasRed(view.TakePicture())) << "among lines";
+    view.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(0));
+    const Picture without = view.TakePicture();
+    EXPECT_FALSE(HasRed(without));
+    EXPECT_GT(DrawnPixels(without), 20) << "the square's border is left";
+}
+
+TEST(FittedSceneLines, HiddenCategoriesHideTheBordersOfTheirSurfacesToo)
+{
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
+    view.Control().SetBgColor(0, 0, 0);
+    FittedScene scene(view.Control(), LineAndSquare({0, 0, 0}, 1), {1});
+    scene.Show(StandardView::Top, Projection::Parallel, 1.0);
+    const auto has_green = [](const Picture& picture) {
+        return std::ranges::any_of(picture.pixels, [](std::uint32_t p) { return (p & 0x00FF00U) != 0; });
+    };
+    for (const bool lines : {false, true, false, true}) {
+        scene.DrawLines(lines);
+        const Picture picture = view.TakePicture();
+        EXPECT_FALSE(has_green(picture)) << lines;
+        EXPECT_TRUE(HasRed(picture)) << lines;
+    }
+}
+
+TEST(FittedSceneLines, ModelOfLinesAloneFillsThePicture)
+{
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
+    view.Control().SetBgColor(0, 0, 0);
+    Model model;
+    model.pieces.emplace_back().lines = {{{0, 0, 0}, {1, 0, 0}}, {{1, 0, 0}, {1, 1, 0}}};
+    FittedScene scene(view.Control(), model);
+    scene.Show(StandardView::Top, Projection::Parallel, 1.0);
+    const Picture picture = view.TakePicture();
+    // The box of 1 by 1 is grown by 1.05 x 1.22 and a picture is 1.2 of its diagonals wide: the lines are
+    // 100 / (1.05 x 1.22 x 1.2 x sqrt 2) = 46 pixels long each.
+    EXPECT_GE(DrawnPixels(picture), 80);
+    EXPECT_LE(DrawnPixels(picture), 300) << "thin lines, smoothed";
+    int lowest = 100;
+    int highest = -1;
+    for (int column = 0; column < 100; ++column)
+        for (int row = 0; row < 100; ++row)
+            if (picture.At(column, row) != 0) {
+                lowest = std::min(lowest, column);
+                highest = std::max(highest, column);
+            }
+    EXPECT_NEAR(highest - lowest, 46, 2);
+}
+
+TEST(FittedSceneLines, LineOfNoLengthIsASceneOfUsualSize)
+{
+    const Box box = BoxOf({5, 5, 5}, {5, 5, 5});
+    const ScenePlacement placement(box);
+    EXPECT_NEAR(1.2 * placement.FittedBox(1.0).Diagonal(), kSceneSize, 1e-12);
+    EXPECT_LT(Length(placement.ToScene({5, 5, 5}) - placement.SceneBox().Center()), 1e-12);
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{50, 50}, false);
+    Model model;
+    model.pieces.emplace_back().lines = {{{5, 5, 5}, {5, 5, 5}}};
+    FittedScene scene(view.Control(), model);
+    scene.Show(StandardView::SE, Projection::Perspective, 1.0);
+    EXPECT_EQ(view.TakePicture().pixels.size(), 2500U);
+}
+
+// A thousand kilometres are 2^40 um or so, in millimetres 2^30: doubles still step by 2^-22 there, floats by
+// 128. The same part at the origin, where no digit is lost, must give the same picture.
+TEST(FittedScene, ModelAThousandKilometresAwayShowsAsItDoesAtTheOrigin)
+{
+    UseHeadless();
+    constexpr double kAway = 1073741824.0;
+    std::vector<Picture> pictures;
+    for (const Point& at : {Point{0, 0, 0}, Point{kAway, -kAway, kAway}}) {
+        ViewportWindow view(L"test", PictureSize{100, 100}, false);
+        view.Control().SetBgColor(0, 0, 0);
+        // All coordinates are multiples of 1/64, which are exact in both places.
+        Model model = LineAndSquare(at, 0.25);
+        model.Append(BoxModel(BoxOf(at + Point{0.5, 0, 0}, at + Point{0.75, 0.125, 0.25})));
+        FittedScene scene(view.Control(), model);
+        for (const bool lines : {false, true}) {
+            scene.DrawLines(lines);
+            scene.Show(StandardView::SE, Projection::Perspective, 1.0);
+            pictures.push_back(view.TakePicture());
+            EXPECT_GT(DrawnPixels(pictures.back()), 60);
+        }
+    }
+    EXPECT_EQ(pictures.at(0).pixels, pictures.at(2).pixels) << "faces";
+    EXPECT_EQ(pictures.at(1).pixels, pictures.at(3).pixels) << "lines";
 }
 
 } // namespace

@@ -124,7 +124,12 @@ TEST_F(MeshImport, GltfWithAnEmbeddedBuffer)
     const Model model = ImportMesh(
         Write("t.gltf", Gltf(R"("pbrMetallicRoughness":{"baseColorFactor":[0,1,0,0.25]},"alphaMode":"BLEND")",
                              R"([{"mesh":0}])")));
-    ExpectTriangle(model);
+    // Its axis y points up: (0,1,0) stands above the origin.
+    ASSERT_EQ(model.FaceCount(), 1U);
+    const ModelFace& face = model.pieces[0].faces[0];
+    EXPECT_THAT(face.corners, ElementsAre(Point{0, 0, 1}, Point{1, 0, 0}, Point{0, 0, 0}));
+    EXPECT_EQ(face.normal, (Point{0, -1, 0}));
+    EXPECT_EQ(model.meters_per_unit, 1.0);
     EXPECT_EQ(AcCmEntityColor::lookUpRGB(model.pieces[0].color), 0x00FF00U);
     EXPECT_EQ(model.pieces[0].alpha, 0.25F);
 }
@@ -144,9 +149,10 @@ TEST_F(MeshImport, NodesMoveAndTurnTheirMeshes)
                                  R"({"rotation":[0.70710678118654752,0,0,0.70710678118654752],"mesh":0}])")));
     ASSERT_EQ(model.FaceCount(), 1U);
     const ModelFace& face = model.pieces[0].faces[0];
-    EXPECT_NEAR(face.normal.y, -1.0, 1e-6);
+    // In the file the corner (0,1,0) ends at (10,0,1) and the normal at -y; upright that is (10,-1,0) and -z.
+    EXPECT_NEAR(face.normal.z, -1.0, 1e-6);
     EXPECT_NEAR(face.corners.at(0).x, 10.0, 1e-6);
-    EXPECT_NEAR(face.corners.at(0).z, 1.0, 1e-6);
+    EXPECT_NEAR(face.corners.at(0).y, -1.0, 1e-6);
     EXPECT_NEAR(face.corners.at(1).x, 11.0, 1e-6);
 }
 
@@ -156,9 +162,62 @@ TEST_F(MeshImport, MirroredNodeKeepsItsOutside)
         "t.gltf", Gltf("", R"([{"translation":[10,0,0],"children":[1]},{"scale":[-1,1,1],"mesh":0}])")));
     ASSERT_EQ(model.FaceCount(), 1U);
     const ModelFace& face = model.pieces[0].faces[0];
-    // The triangle (10,0) (9,0) (10,1) still faces +z, from where (9,0) (10,1) (10,0) is clockwise.
-    EXPECT_EQ(face.normal, (Point{0, 0, 1}));
-    EXPECT_THAT(face.corners, ElementsAre(Point{10, 0, 0}, Point{9, 0, 0}, Point{10, 1, 0}));
+    // In the file the triangle (10,0) (9,0) (10,1) still faces +z, from where (9,0) (10,1) (10,0) is
+    // clockwise; upright, +z is -y.
+    EXPECT_EQ(face.normal, (Point{0, -1, 0}));
+    EXPECT_THAT(face.corners, ElementsAre(Point{10, 0, 0}, Point{9, 0, 0}, Point{10, 0, 1}));
+}
+
+TEST_F(MeshImport, NamesOfMaterialsMeshesAndNodesAreKept)
+{
+    const Model model = ImportMesh(Write(
+        "t.gltf", Gltf(R"("name":"steel")", R"([{"name":"scene","children":[1]},)"
+                                            R"({"name":"wheel","children":[2]},{"name":"rim","mesh":0}])")));
+    ASSERT_EQ(model.pieces.size(), 1U);
+    EXPECT_THAT(model.category_names, ElementsAre("steel"));
+    // The mesh has no name, so that the importer makes one up; the node's name stands above it.
+    EXPECT_THAT(model.pieces[0].parents, ElementsAre("wheel", "rim"));
+}
+
+/// A Collada file with the triangle (0,0,0) (1,0,0) (0,1,0).
+std::string Collada(const std::string& unit, const std::string& up_axis)
+{
+    return R"(<?xml version="1.0"?><COLLADA xmlns="http://www.collada.org/2005/11/COLLADASchema" version="1.4.1">)"
+           "<asset>" +
+           unit + "<up_axis>" + up_axis +
+           "</up_axis></asset><library_geometries><geometry id=\"g\"><mesh>"
+           R"(<source id="p"><float_array id="a" count="9">0 0 0 1 0 0 0 1 0</float_array><technique_common>)"
+           R"(<accessor source="#a" count="3" stride="3"><param name="X" type="float"/><param name="Y" type="float"/>)"
+           R"(<param name="Z" type="float"/></accessor></technique_common></source>)"
+           R"(<vertices id="v"><input semantic="POSITION" source="#p"/></vertices>)"
+           R"(<triangles count="1"><input semantic="VERTEX" source="#v" offset="0"/><p>0 1 2</p></triangles>)"
+           "</mesh></geometry></library_geometries>"
+           R"(<library_visual_scenes><visual_scene id="s"><node id="n"><instance_geometry url="#g"/></node>)"
+           R"(</visual_scene></library_visual_scenes><scene><instance_visual_scene url="#s"/></scene></COLLADA>)";
+}
+
+TEST_F(MeshImport, ColladaFileStandsUprightWhicheverAxisItNamesAndIsInMetres)
+{
+    const auto third_corner = [&](const std::string& axis) {
+        const Model model =
+            ImportMesh(Write("t.dae", Collada(R"(<unit meter="0.01" name="centimeter"/>)", axis)));
+        EXPECT_EQ(model.meters_per_unit, 1.0);
+        return model.pieces.at(0).faces.at(0).corners.at(0);
+    };
+    // One centimetre along the file's y.
+    const Point upwards = third_corner("Y_UP");
+    EXPECT_NEAR(upwards.z, 0.01, 1e-9);
+    EXPECT_NEAR(upwards.y, 0.0, 1e-9);
+    const Point forwards = third_corner("Z_UP");
+    EXPECT_NEAR(forwards.y, 0.01, 1e-9);
+    EXPECT_NEAR(forwards.z, 0.0, 1e-9);
+}
+
+TEST_F(MeshImport, KindsWithoutAnAxisOrAUnitAreTakenAsTheyStand)
+{
+    const Model model = ImportMesh(Write("t.obj", kTriangleObj));
+    ExpectTriangle(model);
+    EXPECT_FALSE(model.meters_per_unit);
 }
 
 TEST_F(MeshImport, PointsLinesAndFacesWithoutAreaAreLeftOut)

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <utility>
+
 namespace viewer
 {
 namespace
@@ -12,7 +15,7 @@ using testing::ElementsAre;
 
 Piece PieceOf(std::string name, int category, float alpha)
 {
-    return {std::move(name), {}, category, 7, alpha};
+    return MakePiece(std::move(name), {}, category, 7, alpha);
 }
 
 std::vector<std::string> NamesOf(const Model& model)
@@ -88,6 +91,76 @@ TEST(Model, AppendedCategoriesFollowThoseThatAreThere)
     EXPECT_EQ(model.pieces.at(2).category, 3);
     EXPECT_EQ(model.pieces.at(3).category, 4);
     EXPECT_EQ(model.CategoryCount(), 5);
+}
+
+TEST(Model, AppendedCategoriesKeepTheirNames)
+{
+    Model model;
+    model.pieces = {PieceOf("a0", 0, 1), PieceOf("a1", 1, 1)};
+    model.category_names = {"steel"};
+    Model other;
+    other.pieces = {PieceOf("b0", 0, 1)};
+    other.category_names = {"brass", "unused"};
+    model.Append(other);
+    EXPECT_THAT(model.category_names, ElementsAre("steel", "", "brass", "unused"));
+    EXPECT_EQ(model.CategoryCount(), 4) << "a category with a name counts";
+    Model third;
+    third.pieces = {PieceOf("c0", 0, 1)};
+    model.Append(third);
+    EXPECT_EQ(model.pieces.back().category, 4);
+    EXPECT_EQ(model.category_names.size(), 4U);
+}
+
+/// One line from the origin to (x,0,0).
+Model LineModel(double x, std::optional<double> meters_per_unit)
+{
+    Model model;
+    model.pieces.emplace_back().lines = {{{0, 0, 0}, {x, 0, 0}}};
+    model.meters_per_unit = meters_per_unit;
+    return model;
+}
+
+TEST(Model, AppendedLengthsAreInTheFirstUnitWhereBothAreKnown)
+{
+    Model millimeters = LineModel(500, 0.001);
+    Model meters = LineModel(2, 1.0);
+    meters.pieces[0].faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {0, 3, 0}}).value());
+    meters.pieces[0].edges = std::vector<Segment>{{{0, 0, 0}, {1, 0, 0}}};
+    millimeters.Append(meters);
+    const Piece& scaled = millimeters.pieces.at(1);
+    EXPECT_EQ(scaled.lines.at(0).to, (Point{2000, 0, 0}));
+    EXPECT_THAT(scaled.faces.at(0).corners,
+                ElementsAre(Point{0, 3000, 0}, Point{1000, 0, 0}, Point{0, 0, 0}));
+    EXPECT_EQ(scaled.faces.at(0).normal, (Point{0, 0, 1}));
+    EXPECT_EQ(scaled.edges.value().at(0).to, (Point{1000, 0, 0}));
+    EXPECT_EQ(millimeters.meters_per_unit, 0.001);
+}
+
+TEST(Model, AppendedLengthsStayWhereAUnitIsUnknown)
+{
+    for (const auto& [first, second] :
+         {std::pair<std::optional<double>, std::optional<double>>{0.001, {}}, {{}, 0.001}, {{}, {}}}) {
+        Model model = LineModel(1, first);
+        model.Append(LineModel(2, second));
+        EXPECT_EQ(model.pieces.at(1).lines.at(0).to, (Point{2, 0, 0}));
+        EXPECT_EQ(model.meters_per_unit, first);
+    }
+}
+
+TEST(Model, AnEmptyOneTakesTheUnitOfTheFirstThatIsAppended)
+{
+    Model model;
+    model.Append(LineModel(1, 0.0254));
+    EXPECT_EQ(model.meters_per_unit, 0.0254);
+}
+
+TEST(Model, ExtentsHoldTheLinesToo)
+{
+    Model model = LineModel(5, {});
+    model.pieces[0].lines.push_back({{1, -2, 3}, {0, 0, 0}});
+    model.pieces[0].faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {0, 4, 0}}).value());
+    EXPECT_EQ(model.Extents().min, (Point{0, -2, 0}));
+    EXPECT_EQ(model.Extents().max, (Point{5, 4, 3}));
 }
 
 TEST(Model, TranslucentPiecesComeLastAndEachKindKeepsItsOrder)

@@ -156,5 +156,24 @@ TEST(Options, ColoursAndOpacitiesOutOfBoundsAreRefused)
     ExpectRefused({"--hide", "1,"});
 }
 
+TEST(Options, DeflectionIsANumberAboveNothing)
+{
+    EXPECT_EQ(Parse({"--deflection", "0.25"}).parsed.options.value().deflection, 0.25);
+    EXPECT_EQ(Parse({"--deflection", "1e-9"}).parsed.options.value().deflection, 1e-9);
+    EXPECT_FALSE(Parse({}).parsed.options.value().deflection);
+    for (const char* text : {"0", "-1", "-0", "inf", "nan", "1e400", "1mm", "", " 1", "0x1p3", "one"})
+        ExpectRefused({"--deflection", text});
+    const Parse parse({"--deflection", "0"});
+    EXPECT_THAT(parse.err, HasSubstr("'0' is not a number above 0"));
+}
+
+TEST(Options, ListIsAFlagOfItsOwn)
+{
+    EXPECT_TRUE(Parse({"--list", "a.step"}).parsed.options.value().list);
+    EXPECT_FALSE(Parse({"a.step"}).parsed.options.value().list);
+    ExpectRefused({"--list", "--picture", "p.png"});
+    ExpectRefused({"--list", "--sheet", "s.png"});
+}
+
 } // namespace
 } // namespace viewer

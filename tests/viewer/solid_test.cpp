@@ -111,6 +111,57 @@ TEST(Solid, WallIsSmoothWhereItsFacetsMeetAtUnderTwentyDegrees)
     EXPECT_EQ(PhysicalEdges(*smooth), 2 * 19) << "the two caps' outlines are left";
 }
 
+TEST(Solid, ListedEdgesAloneArePhysicalInEitherDirection)
+{
+    Piece piece = BoxPiece();
+    piece.edges = {
+        {{0, 0, 0}, {1, 0, 0}}, {{1, 2, 3}, {1, 2, 0}}, {{0, 0, 0}, {1, 2, 3}}, {{9, 9, 9}, {0, 0, 0}}};
+    auto body = MakeSolid(piece, [](const Point& point) { return point * 2.0; });
+    ASSERT_TRUE(body);
+    std::vector<AModeler::Edge*> edges;
+    std::vector<AModeler::Vertex*> vertices;
+    body->getPhysicalEdgesAndVertices(true, true, edges, vertices);
+    ASSERT_THAT(edges, SizeIs(2)) << "what is no edge of a face marks none";
+    for (const AModeler::Edge* edge : edges) {
+        const AcGeVector3d along = edge->vertex()->point() - edge->partner()->vertex()->point();
+        EXPECT_EQ(std::abs(along.x) + std::abs(along.y) + std::abs(along.z),
+                  std::abs(along.x) > 0 ? 2.0 : 6.0);
+    }
+}
+
+TEST(Solid, ListedEdgeBetweenSmoothFacesIsPhysical)
+{
+    Piece piece = PrismPiece(40);
+    const ModelFace& side = piece.faces.front();
+    piece.edges.emplace();
+    for (std::size_t i = 0; i < 4; ++i)
+        if (side.corners[i].z != side.corners[(i + 1) % 4].z)
+            piece.edges->push_back({side.corners[i], side.corners[(i + 1) % 4]});
+    ASSERT_THAT(*piece.edges, SizeIs(2));
+    auto body = MakeSolid(piece, AsItIs);
+    ASSERT_TRUE(body);
+    EXPECT_EQ(PhysicalEdges(*body), 2);
+}
+
+TEST(Solid, EmptyListLeavesNoEdge)
+{
+    Piece piece = BoxPiece();
+    piece.edges.emplace();
+    auto body = MakeSolid(piece, AsItIs);
+    ASSERT_TRUE(body);
+    EXPECT_EQ(PhysicalEdges(*body), 0);
+}
+
+TEST(Solid, PointsThatArePlacedTogetherKeepTheirEdgesApart)
+{
+    Piece piece = BoxPiece();
+    piece.edges = std::vector<Segment>{{{0, 0, 0}, {1, 0, 0}}};
+    // All of the box in the plane z = 0: each corner twice.
+    auto body = MakeSolid(piece, [](const Point& point) { return Point{point.x, point.y, 0}; });
+    ASSERT_TRUE(body);
+    EXPECT_EQ(PhysicalEdges(*body), 1);
+}
+
 TEST(Solid, BothZerosAreOneCoordinate)
 {
     Piece piece = BoxPiece();
@@ -170,6 +221,16 @@ TEST(FeatureEdge, NeighboursThatAreTurnedOverShowTheirEdge)
     piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}).value());
     piece.faces.push_back(MakeFace({{0, 1, 0}, {1, 1, 0}, {0, 0, 0}}).value());
     EXPECT_THAT(FeatureEdges(piece), SizeIs(5));
+}
+
+TEST(FeatureEdge, ListedOnesAreAllThereAre)
+{
+    Piece piece = BoxPiece();
+    piece.edges = std::vector<Segment>{{{0, 0, 0}, {1, 0, 0}}};
+    ASSERT_THAT(FeatureEdges(piece), SizeIs(1));
+    EXPECT_EQ(FeatureEdges(piece).front().to, (Point{1, 0, 0}));
+    piece.edges->clear();
+    EXPECT_THAT(FeatureEdges(piece), IsEmpty());
 }
 
 TEST(FeatureEdge, NoFacesHaveNone)

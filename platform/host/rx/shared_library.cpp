@@ -2,19 +2,21 @@
 
 #include "platform/host/rx/module_loader.h"
 
+#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #ifdef _WIN32
+#include <cstddef>
+
 #include <windows.h>
 #else
 #include <array>
 #include <cstring>
-#include <fstream>
 #include <memory>
-#include <vector>
 
 #include <dlfcn.h>
 #include <link.h>
@@ -42,6 +44,20 @@ void CheckIsFile(const std::filesystem::path& path)
         throw std::runtime_error("is not a file");
 }
 
+/// Whether the file is long enough for `length` bytes from `start`.
+bool Holds(std::uintmax_t size, std::uintmax_t start, std::uintmax_t length)
+{
+    return start <= size && length <= size - start;
+}
+
+template <typename Record>
+bool ReadAt(std::ifstream& file, std::uintmax_t place, Record* records, std::size_t count)
+{
+    file.seekg(static_cast<std::streamoff>(place));
+    file.read(reinterpret_cast<char*>(records), static_cast<std::streamsize>(count * sizeof(Record)));
+    return file.good();
+}
+
 } // namespace
 
 #ifdef _WIN32
@@ -54,14 +70,89 @@ HMODULE AsModule(void* handle)
     return static_cast<HMODULE>(handle);
 }
 
+/// Whether the sections, the symbols that a compiler left and the signature lie within the file.
+bool IsWhole(std::ifstream& file, const IMAGE_NT_HEADERS64& headers, std::uintmax_t sections_start,
+             std::uintmax_t size)
+{
+    std::vector<IMAGE_SECTION_HEADER> sections(headers.FileHeader.NumberOfSections);
+    if (!ReadAt(file, sections_start, sections.data(), sections.size()))
+        return false;
+    for (const IMAGE_SECTION_HEADER& section : sections) {
+        if (!Holds(size, section.PointerToRawData, section.SizeOfRawData))
+            return false;
+    }
+    const std::uintmax_t symbols = headers.FileHeader.PointerToSymbolTable;
+    if (symbols != 0) {
+        // The names follow; their length, itself counted, comes first.
+        const std::uintmax_t names =
+            symbols + std::uintmax_t{headers.FileHeader.NumberOfSymbols} * IMAGE_SIZEOF_SYMBOL;
+        DWORD length = 0;
+        if (!ReadAt(file, names, &length, 1) || !Holds(size, names, length))
+            return false;
+    }
+    const IMAGE_DATA_DIRECTORY& signature =
+        headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_SECURITY];
+    return Holds(size, signature.VirtualAddress, signature.Size);
+}
+
+/// Throws std::runtime_error where the file is no whole library for this machine.
+/// NOTE: the system's loader tells all of this by one code for a bad image, if it notices.
+void CheckIsLibrary(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!file || error)
+        throw std::runtime_error("cannot be read");
+
+    IMAGE_DOS_HEADER dos{};
+    IMAGE_NT_HEADERS64 headers{};
+    constexpr std::size_t kUntilMachine = offsetof(IMAGE_NT_HEADERS64, OptionalHeader);
+    if (!ReadAt(file, 0, &dos, 1) || dos.e_magic != IMAGE_DOS_SIGNATURE || dos.e_lfanew < 0 ||
+        !ReadAt(file, static_cast<std::uintmax_t>(dos.e_lfanew), reinterpret_cast<char*>(&headers),
+                kUntilMachine) ||
+        headers.Signature != IMAGE_NT_SIGNATURE)
+        throw std::runtime_error("is not a module");
+    if (headers.FileHeader.Machine != IMAGE_FILE_MACHINE_AMD64)
+        throw std::runtime_error("cannot be loaded: it is for another kind of machine");
+    if ((headers.FileHeader.Characteristics & IMAGE_FILE_DLL) == 0)
+        throw std::runtime_error("is not a module");
+    const std::uintmax_t start = static_cast<std::uintmax_t>(dos.e_lfanew);
+    const std::uintmax_t sections = start + kUntilMachine + headers.FileHeader.SizeOfOptionalHeader;
+    if (!ReadAt(file, start, &headers, 1) || !IsWhole(file, headers, sections, size))
+        throw std::runtime_error("is cut short");
+}
+
+/// What the system says of an error, on one line.
+std::string ReasonOf(DWORD code)
+{
+    if (code == ERROR_MOD_NOT_FOUND)
+        return "a library that it needs is missing"; // the file itself is there
+    return std::system_category().message(static_cast<int>(code));
+}
+
+/// Keeps the system from showing a dialog for a library that it cannot load, while the object lives.
+class QuietErrors
+{
+  public:
+    QuietErrors() noexcept { SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &before_); }
+    QuietErrors(const QuietErrors&) = delete;
+    QuietErrors& operator=(const QuietErrors&) = delete;
+    ~QuietErrors() { SetThreadErrorMode(before_, nullptr); }
+
+  private:
+    DWORD before_ = 0;
+};
+
 HMODULE OpenLibrary(const std::filesystem::path& file)
 {
     CheckIsFile(file);
-    const HMODULE module = LoadLibraryW(file.c_str());
-    if (module == nullptr) {
-        const int code = static_cast<int>(GetLastError());
-        throw std::runtime_error("cannot be loaded: " + std::system_category().message(code));
-    }
+    CheckIsLibrary(file);
+    const QuietErrors quiet;
+    // What it needs may lie beside it.
+    const HMODULE module = LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    if (module == nullptr)
+        throw std::runtime_error("cannot be loaded: " + ReasonOf(GetLastError()));
     return module;
 }
 
@@ -98,20 +189,6 @@ namespace
 
 using ElfHeader = ElfW(Ehdr);
 using ElfSegment = ElfW(Phdr);
-
-/// Whether the file is long enough for `length` bytes from `start`.
-bool Holds(std::uintmax_t size, std::uintmax_t start, std::uintmax_t length)
-{
-    return start <= size && length <= size - start;
-}
-
-template <typename Record>
-bool ReadAt(std::ifstream& file, std::uintmax_t place, Record* records, std::size_t count)
-{
-    file.seekg(static_cast<std::streamoff>(place));
-    file.read(reinterpret_cast<char*>(records), static_cast<std::streamsize>(count * sizeof(Record)));
-    return file.good();
-}
 
 /// Whether everything that the headers speak of lies within the file.
 bool IsWhole(std::ifstream& file, const ElfHeader& header, std::uintmax_t size)

@@ -2,9 +2,8 @@
 #include "platform/host/rx/entry_points.h"
 #include "platform/winsys/export.h"
 
-// One that nobody outside can see does not count.
-extern "C" __attribute__((visibility("hidden"))) host::Answer acrxEntryPoint(host::Message /*message*/,
-                                                                             void* /*application*/)
+// One that is not exported does not count: what is not marked for it stays inside.
+extern "C" host::Answer acrxEntryPoint(host::Message /*message*/, void* /*application*/)
 {
     return host::Answer::Ok;
 }

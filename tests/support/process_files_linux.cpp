@@ -12,14 +12,15 @@ extern "C" __attribute__((weak)) std::size_t __sanitizer_get_current_allocated_b
 namespace karv_test
 {
 
-bool IsMapped(const std::string& path_end)
+std::uintptr_t LoadAddress(const std::string& path_end)
 {
+    // Lines come by address, which stands first.
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) {
         if (line.ends_with(path_end))
-            return true;
+            return std::stoull(line, nullptr, 16);
     }
-    return false;
+    return 0;
 }
 
 std::ptrdiff_t OpenDescriptors()

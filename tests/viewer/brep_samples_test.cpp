@@ -1,0 +1,139 @@
+// B-rep files of other programs, as the library's own package of sample data has them.
+#include "tests/viewer/brep_fixture.h"
+
+#include <BRepTools.hxx>
+#include <BRep_Builder.hxx>
+#include <STEPControl_Reader.hxx>
+#include <TopExp.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopTools_IndexedMapOfShape.hxx>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace viewer
+{
+namespace
+{
+
+std::string PathOfSample(const std::string& name)
+{
+    return std::string(KARV_BREP_SAMPLES) + "/" + name;
+}
+
+TopoDS_Shape ShapeOf(const std::string& path)
+{
+    if (path.ends_with(".step")) {
+        STEPControl_Reader reader;
+        EXPECT_EQ(reader.ReadFile(path.c_str()), IFSelect_RetDone);
+        reader.TransferRoots();
+        return reader.OneShape();
+    }
+    TopoDS_Shape shape;
+    EXPECT_TRUE(BRepTools::Read(shape, path.c_str(), BRep_Builder()));
+    return shape;
+}
+
+struct Sample {
+    const char* file;
+    std::size_t solids;
+};
+
+// The framework prints the parameter of a failed test.
+void PrintTo(const Sample& sample, std::ostream* out)
+{
+    *out << sample.file;
+}
+
+class BrepSolidSamples : public testing::TestWithParam<Sample>
+{
+};
+
+TEST_P(BrepSolidSamples, SolidsCloseAndHaveTheLibrarysFigures)
+{
+    const std::string path = PathOfSample(GetParam().file);
+    const Model model = ImportBrep(path, {});
+    const TopoDS_Shape shape = ShapeOf(path);
+    std::vector<TopoDS_Shape> solids;
+    for (TopExp_Explorer it(shape, TopAbs_SOLID); it.More(); it.Next())
+        if (TopExp_Explorer(it.Current(), TopAbs_FACE).More())
+            solids.push_back(it.Current());
+    ASSERT_EQ(solids.size(), GetParam().solids);
+    ASSERT_EQ(model.pieces.size(), solids.size());
+    // The model's box may have been taken a little larger than that of its facets.
+    const double deflection = 1.1 * kRelativeDeflection * model.Extents().Diagonal();
+    for (std::size_t i = 0; i < solids.size(); ++i) {
+        const Piece& piece = model.pieces[i];
+        EXPECT_TRUE(ClosesToABody(piece)) << i;
+        EXPECT_TRUE(FacesAreConvex(piece)) << i;
+        EXPECT_TRUE(EdgesRunAlongFaces(piece)) << i;
+        EXPECT_EQ(ShownEdgesOf(piece), piece.edges->size()) << i;
+        EXPECT_EQ(EdgesOf(piece, solids[i]), OwnEdgesOf(solids[i])) << i;
+        // What the surface can have moved is its area by the deflection.
+        const double area = ExactAreaOf(solids[i]);
+        EXPECT_NEAR(VolumeOf(piece), std::abs(ExactVolumeOf(solids[i])), area * deflection) << i;
+        EXPECT_NEAR(AreaOf(piece), area, 0.01 * area) << i;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BrepSolidSamples,
+                         testing::Values(Sample{"step/screw.step", 1}, Sample{"step/linkrods.step", 1},
+                                         Sample{"occ/CrankArm.brep", 2}, Sample{"occ/Motor-c.brep", 17},
+                                         Sample{"occ/Axis_of_bearing.brep", 17}, Sample{"occ/bottle.brep", 1},
+                                         Sample{"occ/Pump_TopCover.brep", 1},
+                                         Sample{"occ/MODERN_Chair_1.brep", 4}, Sample{"occ/Propeller.rle", 1},
+                                         Sample{"occ/CylinderHead.rle", 1}, Sample{"occ/EngineBlock.rle", 1}),
+                         [](const testing::TestParamInfo<Sample>& instance) {
+                             std::string name = instance.param.file;
+                             std::replace_if(
+                                 name.begin(), name.end(),
+                                 [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+                             return name;
+                         });
+
+TEST(BrepSamples, OpenShellIsFaces)
+{
+    const Model model = ImportBrep(PathOfSample("occ/shell1.brep"), {});
+    ASSERT_EQ(model.pieces.size(), 1U);
+    EXPECT_FALSE(ClosesToABody(model.pieces[0]));
+    const TopoDS_Shape shape = ShapeOf(PathOfSample("occ/shell1.brep"));
+    EXPECT_NEAR(AreaOf(model.pieces[0]), ExactAreaOf(shape), 0.01 * ExactAreaOf(shape));
+    EXPECT_EQ(EdgesOf(model.pieces[0], shape), OwnEdgesOf(shape));
+}
+
+TEST(BrepSamples, ClosedShellIsABody)
+{
+    const Model model = ImportBrep(PathOfSample("occ/fuse.brep"), {});
+    ASSERT_EQ(model.pieces.size(), 1U);
+    EXPECT_TRUE(ClosesToABody(model.pieces[0]));
+}
+
+TEST(BrepSamples, WiresAreLines)
+{
+    const Model model = ImportBrep(PathOfSample("occ/asahi.brep"), {});
+    TopTools_IndexedMapOfShape edges;
+    TopExp::MapShapes(ShapeOf(PathOfSample("occ/asahi.brep")), TopAbs_EDGE, edges);
+    ASSERT_EQ(model.pieces.size(), 1U);
+    EXPECT_EQ(model.FaceCount(), 0U);
+    EXPECT_GE(model.pieces[0].lines.size(), static_cast<std::size_t>(edges.Extent()));
+}
+
+TEST(BrepSamples, IgesSurfacesCoverTheSolidOfTheSameName)
+{
+    const Model model = ImportBrep(PathOfSample("iges/hammer.iges"), {});
+    const TopoDS_Shape shape = ShapeOf(PathOfSample("occ/hammer.brep"));
+    double area = 0.0;
+    for (const Piece& piece : model.pieces)
+        area += AreaOf(piece);
+    EXPECT_NEAR(area, ExactAreaOf(shape), 0.01 * ExactAreaOf(shape));
+}
+
+} // namespace
+} // namespace viewer

@@ -1,0 +1,118 @@
+// A reader of the kind that karv-view starts, with a fault that the name of its file chooses.
+#include "tests/viewer/stream_fixture.h"
+#include "viewer/import/process_limits.h"
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include <unistd.h>
+
+namespace
+{
+
+void Send(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t count = write(STDOUT_FILENO, bytes.data(), bytes.size());
+        if (count <= 0)
+            _exit(EXIT_FAILURE);
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+std::string HalfDone()
+{
+    viewer::StreamBytes stream;
+    stream.Writer().WriteProgress(0.42);
+    return stream.Bytes();
+}
+
+std::string Failure(const std::string& reason)
+{
+    viewer::StreamBytes stream;
+    stream.Writer().WriteFailure(reason);
+    return stream.Bytes();
+}
+
+void Crash()
+{
+    // As it is without a sanitizer's own handler.
+    std::signal(SIGSEGV, SIG_DFL);
+    std::raise(SIGSEGV);
+}
+
+/// Takes memory that is really there, until somebody minds.
+void Grow()
+{
+    constexpr std::size_t kStep = 1U << 20U;
+    constexpr std::size_t kMost = 8192;
+    std::vector<std::unique_ptr<std::string>> all;
+    while (all.size() < kMost)
+        all.push_back(std::make_unique<std::string>(kStep, 'x'));
+}
+
+void Spin(const char* seconds)
+{
+    viewer::LimitProcess(std::chrono::seconds(std::atoi(seconds)), 1U << 30U);
+    volatile unsigned turns = 0;
+    for (;;)
+        turns = turns + 1;
+}
+
+void Flood()
+{
+    const std::string progress =
+        HalfDone().substr(viewer::kStreamMagic.size() + sizeof viewer::kStreamVersion);
+    Send(HalfDone());
+    std::string block;
+    while (block.size() < 100'000)
+        block += progress;
+    for (;;)
+        Send(block);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::string_view fault = argc > 1 ? argv[argc - 1] : "";
+    const std::string model = viewer::StreamOf(viewer::SampleModel());
+    if (fault == "model")
+        Send(model);
+    if (fault == "crash" || fault == "late crash") {
+        Send(fault == "crash" ? std::string() : HalfDone());
+        Crash();
+    }
+    if (fault == "hang") {
+        Send(HalfDone());
+        pause();
+    }
+    if (fault == "garbage") {
+        Send("Segmentation fault is what this is not.");
+        pause();
+    }
+    if (fault == "half")
+        Send(model.substr(0, model.size() / 2));
+    if (fault == "more") {
+        Send(model + "more");
+        pause();
+    }
+    if (fault == "refusal")
+        Send(Failure("line 7:\n\x1b[2Jno such\tlayer"));
+    if (fault == "long refusal")
+        Send(Failure(std::string(2000, 'x')));
+    if (fault == "grow") {
+        Send(HalfDone());
+        Grow();
+    }
+    if (fault == "spin")
+        Spin(argv[3]);
+    if (fault == "flood")
+        Flood();
+    return fault == "silent" ? 3 : 0;
+}

@@ -1,0 +1,298 @@
+#include "viewer/import/model_stream.h"
+
+#include "tests/viewer/stream_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace viewer
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// Why the bytes are refused; empty where they are not.
+std::string ReasonFor(const std::string& bytes)
+{
+    try {
+        static_cast<void>(ReadModelStream(SourceOf(bytes)));
+    } catch (const StreamError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+/// Replaces the only place where the bytes of one value stand by those of another.
+std::string Replaced(std::string bytes, const std::string& from, const std::string& to)
+{
+    const std::size_t place = bytes.find(from);
+    EXPECT_NE(place, std::string::npos);
+    EXPECT_EQ(bytes.find(from, place + 1), std::string::npos);
+    return bytes.replace(place, from.size(), to);
+}
+
+/// The stream of a model with one value that is easily found.
+std::string WithLine(double x)
+{
+    Model model;
+    model.pieces.emplace_back().lines = {{{x, 0, 0}, {0, 0, 0}}};
+    return StreamOf(model);
+}
+
+TEST(ModelStream, EveryPartOfAModelArrives)
+{
+    const Model sent = SampleModel();
+    for (const std::size_t block : {std::size_t{1}, std::size_t{7}, std::size_t{65536}}) {
+        const Model model = ReadModelStream(SourceOf(StreamOf(sent), block));
+        EXPECT_EQ(model.title, "sample.step");
+        EXPECT_EQ(model.meters_per_unit, 0.001);
+        EXPECT_THAT(model.category_names, ElementsAre("steel", "", "brass"));
+        ASSERT_THAT(model.pieces, SizeIs(2));
+        const Piece& plate = model.pieces[0];
+        EXPECT_EQ(plate.name, "plate");
+        EXPECT_THAT(plate.parents, ElementsAre("machine", "frame"));
+        ASSERT_THAT(plate.faces, SizeIs(1));
+        EXPECT_THAT(plate.faces[0].corners,
+                    ElementsAre(Point{0, 0.125, 0}, Point{1e9, 0, 0}, Point{0, 0, 0}));
+        EXPECT_EQ(plate.faces[0].normal, sent.pieces[0].faces[0].normal);
+        ASSERT_THAT(plate.edges.value(), SizeIs(1));
+        EXPECT_EQ(plate.edges->front().to, (Point{1e9, 0, 0}));
+        EXPECT_THAT(plate.lines, IsEmpty());
+        EXPECT_EQ(plate.category, 2);
+        EXPECT_EQ(plate.color, 255);
+        EXPECT_EQ(plate.alpha, 0.5F);
+        const Piece& wires = model.pieces[1];
+        EXPECT_FALSE(wires.edges) << "none is not the same as an empty list";
+        ASSERT_THAT(wires.lines, SizeIs(2));
+        EXPECT_EQ(wires.lines[0].from, (Point{-1, -2, -3}));
+        EXPECT_EQ(wires.lines[1].to, (Point{1e-300, 0, 0}));
+    }
+}
+
+TEST(ModelStream, EmptyModelAndEmptyListOfEdgesArrive)
+{
+    EXPECT_THAT(ReadModelStream(SourceOf(StreamOf(Model{}))).pieces, IsEmpty());
+    Model model;
+    model.pieces.emplace_back().edges.emplace();
+    const Model arrived = ReadModelStream(SourceOf(StreamOf(model)));
+    ASSERT_TRUE(arrived.pieces.at(0).edges);
+    EXPECT_THAT(*arrived.pieces[0].edges, IsEmpty());
+}
+
+TEST(ModelStream, ModelOfManyBlocksArrives)
+{
+    Model model;
+    constexpr int kFaces = 20'000;
+    for (int i = 0; i < kFaces; ++i) {
+        const double x = i;
+        Piece& piece = model.pieces.empty() ? model.pieces.emplace_back() : model.pieces.front();
+        piece.faces.push_back(MakeFace({{x, 0, 0}, {x + 1, 0, 0}, {x, 1, 0}}).value());
+    }
+    const Model arrived = ReadModelStream(SourceOf(StreamOf(model)));
+    ASSERT_THAT(arrived.pieces.at(0).faces, SizeIs(kFaces));
+    EXPECT_EQ(arrived.pieces[0].faces.back().corners.at(1), (Point{kFaces, 0, 0}));
+}
+
+TEST(ModelStream, ProgressArrivesBeforeTheModelAndIsKeptBetweenNothingAndOne)
+{
+    StreamBytes stream;
+    stream.Writer().WriteProgress(0.25);
+    stream.Writer().WriteProgress(-1.0);
+    stream.Writer().WriteProgress(7.0);
+    stream.Writer().WriteProgress(std::nan(""));
+    stream.Writer().WriteModel(SampleModel());
+    std::vector<double> seen;
+    const Model model =
+        ReadModelStream(SourceOf(stream.Bytes()), [&](double fraction) { seen.push_back(fraction); });
+    EXPECT_THAT(seen, ElementsAre(0.25, 0.0, 1.0, 0.0));
+    EXPECT_THAT(model.pieces, SizeIs(2));
+    EXPECT_THAT(ReadModelStream(SourceOf(stream.Bytes())).pieces, SizeIs(2)) << "without anybody to tell";
+}
+
+TEST(ModelStream, WhatIsWrittenIsThereAtOnce)
+{
+    StreamBytes stream;
+    const std::size_t before = stream.Bytes().size();
+    stream.Writer().WriteProgress(0.5);
+    EXPECT_GE(stream.Bytes().size(), before + 1 + sizeof(double));
+}
+
+TEST(ModelStream, FailureArrivesWithItsReason)
+{
+    StreamBytes stream;
+    stream.Writer().WriteProgress(0.5);
+    stream.Writer().WriteFailure("line 7: no such layer");
+    try {
+        static_cast<void>(ReadModelStream(SourceOf(stream.Bytes())));
+        FAIL() << "there is no model";
+    } catch (const ReportedFailure& failure) {
+        EXPECT_STREQ(failure.what(), "line 7: no such layer");
+    }
+}
+
+TEST(ModelStream, TextsThatAreTooLongAreCutWhenTheyAreWritten)
+{
+    Model model;
+    model.title = std::string(kLongestStreamText + 1, 'x');
+    EXPECT_EQ(ReadModelStream(SourceOf(StreamOf(model))).title, std::string(kLongestStreamText, 'x'));
+}
+
+TEST(ModelStream, EveryBeginningIsRefused)
+{
+    const std::string whole = StreamOf(SampleModel());
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_EQ(ReasonFor(whole.substr(0, size)), "it ends early") << size;
+    EXPECT_EQ(ReasonFor(whole), "");
+}
+
+TEST(ModelStream, OtherMagicOrVersionIsRefused)
+{
+    const std::string whole = StreamOf(Model{});
+    EXPECT_EQ(ReasonFor("karvmodl" + whole.substr(8)), "it is none");
+    EXPECT_EQ(ReasonFor(Replaced(whole, BytesOf(kStreamVersion), BytesOf(kStreamVersion + 1))),
+              "it is of another version");
+}
+
+TEST(ModelStream, UnknownRecordIsRefused)
+{
+    const std::string start(StreamOf(Model{}).substr(0, kStreamMagic.size() + sizeof kStreamVersion));
+    EXPECT_EQ(ReasonFor(start + "x"), "it holds an unknown record");
+    EXPECT_EQ(ReasonFor(start + '\0'), "it holds an unknown record");
+}
+
+TEST(ModelStream, BytesAfterTheEndAreRefused)
+{
+    EXPECT_EQ(ReasonFor(StreamOf(SampleModel()) + '\0'), "it goes on after its end");
+    EXPECT_EQ(ReasonFor(StreamOf(Model{}) + StreamOf(Model{})), "it goes on after its end");
+    EXPECT_EQ(ReasonFor(Replaced(StreamOf(Model{}), "END.", "END,")), "it does not end where it should");
+}
+
+TEST(ModelStream, CoordinatesThatAreNotFiniteAreRefused)
+{
+    const double sample = 123.5;
+    for (const double bad :
+         {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+          std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(ReasonFor(Replaced(WithLine(sample), BytesOf(sample), BytesOf(bad))),
+                  "it holds a number that is not finite");
+}
+
+TEST(ModelStream, PromisesOfMoreThanThereIsCostNothing)
+{
+    // One line is promised to be 2^64 - 1, with room for no more than a few.
+    Model model;
+    model.pieces.emplace_back().lines = {{{1, 2, 3}, {4, 5, 6}}};
+    const std::string line = BytesOf(1.0) + BytesOf(2.0);
+    const std::string whole = StreamOf(model);
+    const std::string promising = Replaced(whole, BytesOf(std::uint64_t{1}) + line,
+                                           BytesOf(std::numeric_limits<std::uint64_t>::max()) + line);
+    EXPECT_NE(ReasonFor(promising), "");
+}
+
+TEST(ModelStream, TextLongerThanAllowedIsRefused)
+{
+    Model model;
+    model.title = "title";
+    const std::string bytes = StreamOf(model);
+    EXPECT_EQ(ReasonFor(Replaced(bytes, BytesOf(std::uint32_t{5}) + "title",
+                                 BytesOf(static_cast<std::uint32_t>(kLongestStreamText + 1)) + "title")),
+              "it holds a text that is too long");
+    EXPECT_EQ(ReasonFor(Replaced(bytes, BytesOf(std::uint32_t{5}) + "title", BytesOf(0xFFFFFFFFU) + "title")),
+              "it holds a text that is too long");
+}
+
+TEST(ModelStream, FaceOfTwoCornersIsRefused)
+{
+    Model model;
+    model.pieces.push_back(MakePiece("", {ModelFace{{{1, 0, 0}, {2, 0, 0}}, {0, 0, 1}}}));
+    EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a face of under three corners");
+}
+
+TEST(ModelStream, NormalThatIsNotOfUnitLengthIsRefused)
+{
+    for (const Point& normal : {Point{0, 0, 0}, Point{0, 0, 2}, Point{1e200, 1e200, 0}}) {
+        Model model;
+        model.pieces.push_back(MakePiece("", {ModelFace{{{0, 0, 0}, {0, 1, 0}, {1, 0, 0}}, normal}}));
+        EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a normal that is not of unit length");
+    }
+}
+
+TEST(ModelStream, CategoriesOutOfRangeAreRefused)
+{
+    for (const int category : {-1, kHighestStreamCategory + 1, std::numeric_limits<int>::max()}) {
+        Model model;
+        model.pieces.push_back(MakePiece("", {}, category));
+        EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a category that is out of range") << category;
+    }
+    Model model;
+    model.pieces.push_back(MakePiece("", {}, kHighestStreamCategory));
+    EXPECT_EQ(ReasonFor(StreamOf(model)), "");
+}
+
+TEST(ModelStream, OpacityOutOfRangeIsRefused)
+{
+    for (const float alpha : {-0.1F, 1.1F}) {
+        Model model;
+        model.pieces.push_back(MakePiece("", {}, 0, 7, alpha));
+        EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds an opacity that is not between 0 and 1") << alpha;
+    }
+}
+
+TEST(ModelStream, UnitWithoutALengthIsRefused)
+{
+    for (const double unit : {0.0, -1.0}) {
+        Model model;
+        model.meters_per_unit = unit;
+        EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a unit without a length") << unit;
+    }
+}
+
+TEST(ModelStream, FlagThatIsNeitherIsRefused)
+{
+    std::string bytes = StreamOf(Model{});
+    // The last one before the four bytes of the end says whether there is a unit.
+    bytes[bytes.size() - 5] = '\2';
+    EXPECT_EQ(ReasonFor(bytes), "it holds a flag that is neither 0 nor 1");
+}
+
+TEST(ModelStream, ProgressOutOfRangeIsRefused)
+{
+    StreamBytes stream;
+    stream.Writer().WriteProgress(0.375);
+    EXPECT_EQ(ReasonFor(Replaced(stream.Bytes(), BytesOf(0.375), BytesOf(1.5))),
+              "it holds a progress that is not between 0 and 1");
+    EXPECT_EQ(ReasonFor(Replaced(stream.Bytes(), BytesOf(0.375), BytesOf(std::nan("")))),
+              "it holds a number that is not finite");
+}
+
+TEST(ModelStream, EveryChangedByteIsTakenOrRefusedAndNothingElse)
+{
+    const std::string whole = StreamOf(SampleModel());
+    for (std::size_t i = 0; i < whole.size(); ++i)
+        for (const char flip : {'\x01', '\x80', '\xFF'}) {
+            std::string bytes = whole;
+            bytes[i] = static_cast<char>(bytes[i] ^ flip);
+            try {
+                const Model model = ReadModelStream(SourceOf(bytes));
+                EXPECT_LE(model.pieces.size(), 2U);
+            } catch (const StreamError&) {
+            } catch (const ReportedFailure&) {
+            }
+        }
+}
+
+TEST(ModelStream, SourceThatThrowsIsHeard)
+{
+    const StreamSource source = [](std::span<char>) -> std::size_t { throw std::runtime_error("gone"); };
+    EXPECT_THROW(static_cast<void>(ReadModelStream(source)), std::runtime_error);
+}
+
+} // namespace
+} // namespace viewer

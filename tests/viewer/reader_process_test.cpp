@@ -1,0 +1,321 @@
+// Readers that fail in every way there is, and the one of the program itself.
+#include "viewer/import/reader_process.h"
+
+#include "tests/viewer/viewer_fixture.h"
+#include "viewer/file_error.h"
+#include "viewer/import/process_limits.h"
+#include "viewer/import/reader_child.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace viewer
+{
+namespace
+{
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::SizeIs;
+using testing::StartsWith;
+
+ReaderLimits Generous()
+{
+    ReaderLimits limits;
+    limits.wall = std::chrono::minutes(2);
+    limits.processor = std::chrono::minutes(2);
+    limits.memory = std::size_t{4} << 30U;
+    return limits;
+}
+
+/// The error that a faulty reader of this kind gives; it must be one line that begins with the file.
+std::string ReasonOf(const std::string& fault, const ReaderLimits& limits = Generous(),
+                     const ProgressFunction& progress = {})
+{
+    try {
+        static_cast<void>(ImportModel(fault, {}, progress, {KARV_FAKE_READER, limits}));
+    } catch (const FileError& error) {
+        const std::string text = error.what();
+        EXPECT_EQ(text.find('\n'), std::string::npos);
+        EXPECT_EQ(text.substr(0, fault.size() + 2), fault + ": ");
+        return text.substr(fault.size() + 2);
+    }
+    return "a model";
+}
+
+/// No child of this process is left, not even one that has ended.
+void ExpectNoChild()
+{
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(ReaderProcess, ModelOfTheReaderArrives)
+{
+    const Model model = ImportModel("model", {}, {}, {KARV_FAKE_READER, Generous()});
+    EXPECT_EQ(model.title, "sample.step");
+    EXPECT_THAT(model.pieces, SizeIs(2));
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, CrashIsAReason)
+{
+    EXPECT_EQ(ReasonOf("crash"), "the reader crashed (Segmentation fault)");
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, CrashAfterSomeProgressSaysWhere)
+{
+    EXPECT_EQ(ReasonOf("late crash"), "the reader crashed (Segmentation fault), at 42 %");
+}
+
+TEST(ReaderProcess, NextFileIsReadAfterACrash)
+{
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(ReasonOf("crash"), "the reader crashed (Segmentation fault)");
+        EXPECT_EQ(ReasonOf("model"), "a model");
+    }
+}
+
+TEST(ReaderProcess, EndWithoutAnAnswerIsAReason)
+{
+    EXPECT_EQ(ReasonOf("silent"), "the reader ended without an answer (status 3)");
+    EXPECT_EQ(ReasonOf("half"), "the reader ended without an answer (status 0)");
+}
+
+TEST(ReaderProcess, AnswerThatIsNoStreamIsRefusedWithoutWaitingForItsEnd)
+{
+    EXPECT_EQ(ReasonOf("garbage"), "the reader's answer is damaged: it is none");
+    EXPECT_EQ(ReasonOf("more"), "the reader's answer is damaged: it goes on after its end");
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, RefusalIsOneLineWhateverItHolds)
+{
+    EXPECT_EQ(ReasonOf("refusal"), "line 7: [2Jno such layer");
+    EXPECT_EQ(ReasonOf("long refusal"), std::string(500, 'x') + "...");
+}
+
+TEST(ReaderProcess, ReaderThatTakesTooLongIsEnded)
+{
+    ReaderLimits limits = Generous();
+    limits.wall = std::chrono::milliseconds(1500);
+    EXPECT_EQ(ReasonOf("hang", limits), "takes longer than 1.5 s to be read, at 42 %");
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, ReaderThatComputesTooLongEndsItself)
+{
+    ReaderLimits limits = Generous();
+    limits.processor = std::chrono::seconds(1);
+    EXPECT_EQ(ReasonOf("spin", limits), "takes more than 1 s of processor time to be read");
+}
+
+TEST(ReaderProcess, ReaderThatGrowsTooLargeIsEnded)
+{
+    ReaderLimits limits = Generous();
+    limits.memory = std::size_t{256} << 20U;
+    EXPECT_EQ(ReasonOf("grow", limits), "needs more than 256 MiB of memory to be read, at 42 %");
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, StreamWithoutAnEndIsEnded)
+{
+    ReaderLimits limits = Generous();
+    limits.memory = std::size_t{128} << 20U;
+    EXPECT_EQ(ReasonOf("flood", limits), "needs more than 128 MiB of memory to be read, at 42 %");
+}
+
+TEST(ReaderProcess, ProgressIsPassedOn)
+{
+    ReaderLimits limits = Generous();
+    limits.wall = std::chrono::milliseconds(1500);
+    std::vector<double> seen;
+    ReasonOf("hang", limits, [&](double fraction) { seen.push_back(fraction); });
+    EXPECT_THAT(seen, ElementsAre(0.42));
+}
+
+TEST(ReaderProcess, WhatProgressThrowsPassesThroughAndEndsTheReader)
+{
+    struct Enough {
+    };
+    EXPECT_THROW(ReasonOf("hang", Generous(), [](double) { throw Enough(); }), Enough);
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, SignalsThatStopTheUserCancelTheReadingAlone)
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EQ(ReasonOf("hang", Generous(), [&](double) { std::raise(signal); }),
+                  "reading was cancelled, at 42 %");
+        ExpectNoChild();
+    }
+    EXPECT_EQ(ReasonOf("model"), "a model") << "the next one is not cancelled";
+}
+
+TEST(ReaderProcess, SignalsDoAfterwardsWhatTheyDidBefore)
+{
+    static volatile std::sig_atomic_t heard = 0;
+    const auto before = std::signal(SIGTERM, [](int) { heard = heard + 1; });
+    EXPECT_EQ(ReasonOf("hang", Generous(), [&](double) { std::raise(SIGTERM); }),
+              "reading was cancelled, at 42 %");
+    EXPECT_EQ(heard, 0);
+    std::raise(SIGTERM);
+    EXPECT_EQ(heard, 1);
+    std::signal(SIGTERM, before);
+}
+
+TEST(ReaderProcess, IgnoredSignalsStayIgnored)
+{
+    ReaderLimits limits = Generous();
+    limits.wall = std::chrono::milliseconds(1500);
+    const auto before = std::signal(SIGHUP, SIG_IGN);
+    EXPECT_EQ(ReasonOf("hang", limits, [&](double) { std::raise(SIGHUP); }),
+              "takes longer than 1.5 s to be read, at 42 %");
+    std::signal(SIGHUP, before);
+}
+
+TEST(ReaderProcess, ProgramThatIsNotThereIsAReason)
+{
+    try {
+        static_cast<void>(ImportModel("a.stl", {}, {}, {"/none/karv-view", Generous()}));
+        FAIL() << "nothing can have been read";
+    } catch (const FileError& error) {
+        EXPECT_STREQ(error.what(), "a.stl: its reader cannot be started: No such file or directory");
+    }
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, HundredReadersLeaveNoDescriptorBehind)
+{
+    const auto open_descriptors = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    ReasonOf("silent");
+    const auto before = open_descriptors();
+    for (int i = 0; i < 100; ++i)
+        ReasonOf(i % 2 == 0 ? "silent" : "model");
+    EXPECT_EQ(open_descriptors(), before);
+}
+
+/// The exit status of a program that is run with these arguments; minus the signal where one ended it.
+int StatusOf(const std::string& program, std::vector<std::string> arguments)
+{
+    arguments.insert(arguments.begin(), program);
+    std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    pid_t id = 0;
+    if (posix_spawn(&id, program.c_str(), nullptr, nullptr, pointers.data(), environ) != 0)
+        return -1000;
+    int status = 0;
+    waitpid(id, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+TEST(ProcessLimits, ProcessThatNeedsMoreMemoryThanAllowedEndsWithItsStatus)
+{
+    EXPECT_EQ(StatusOf(KARV_LIMITED_PROCESS, {"128"}), kOutOfMemoryStatus);
+    EXPECT_EQ(StatusOf(KARV_LIMITED_PROCESS, {"4096"}), 0);
+}
+
+TEST(ReaderChild, ReaderWhoseParentHasEndedEndsAtOnce)
+{
+    // Nobody's parent has this number while the test itself is the parent.
+    const int nobody = getpid() + 1;
+    EXPECT_EQ(StatusOf(KARV_VIEW, ReaderArguments("none.obj", {}, Generous(), nobody)), 2);
+}
+
+TEST(ReaderChild, ArgumentsThatAreNotNumbersEndIt)
+{
+    std::vector<std::string> arguments = ReaderArguments("none.obj", {}, Generous(), getpid());
+    arguments.at(2) = "many";
+    EXPECT_EQ(StatusOf(KARV_VIEW, arguments), 2);
+}
+
+/// Files read by the program itself.
+class ReaderOfThisProgram : public ViewerTest
+{
+  protected:
+    static Model Import(const std::string& path, const ImportOptions& options = {})
+    {
+        return ImportModel(path, options, {}, {KARV_VIEW, Generous()});
+    }
+    static std::string ErrorOf(const std::string& path)
+    {
+        try {
+            static_cast<void>(Import(path));
+        } catch (const FileError& error) {
+            return error.what();
+        }
+        return "a model";
+    }
+};
+
+TEST_F(ReaderOfThisProgram, ModelIsThatOfTheFile)
+{
+    Write("concave.mtl", kConcaveMtl);
+    const Model model = Import(Write("concave.obj", kConcaveObj));
+    ASSERT_THAT(model.pieces, SizeIs(1));
+    EXPECT_EQ(model.title, "concave.obj");
+    EXPECT_THAT(model.category_names, ElementsAre("glass"));
+    EXPECT_EQ(model.pieces[0].alpha, 0.5F);
+    EXPECT_THAT(model.pieces[0].faces.at(0).corners,
+                ElementsAre(Point{0, 2, 0}, Point{1, 2, 0}, Point{1, 1, 0}, Point{2, 1, 0}, Point{2, 0, 0},
+                            Point{0, 0, 0}));
+}
+
+TEST_F(ReaderOfThisProgram, ReasonIsThatOfTheImporter)
+{
+    EXPECT_EQ(ErrorOf(PathOf("none.obj")), PathOf("none.obj") + ": no such file");
+    EXPECT_EQ(ErrorOf(Write("points.obj", "v 0 0 0\nv 1 0 0\np 1 2\n")),
+              PathOf("points.obj") + ": holds no faces");
+}
+
+TEST_F(ReaderOfThisProgram, ProgressOfTheImporterArrivesInOrder)
+{
+    std::string grid;
+    constexpr int kTriangles = 20'000;
+    for (int i = 0; i < kTriangles; ++i)
+        grid += "v " + std::to_string(i) + " 0 0\nv " + std::to_string(i) + " 1 0\nv " + std::to_string(i) +
+                " 0 1\nf -3 -2 -1\n";
+    std::vector<double> seen;
+    const Model model =
+        ImportModel(Write("many.obj", grid), {}, [&](double fraction) { seen.push_back(fraction); },
+                    {KARV_VIEW, Generous()});
+    EXPECT_EQ(model.FaceCount(), 20'000U);
+    ASSERT_FALSE(seen.empty());
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+    EXPECT_GT(seen.front(), 0.0);
+    EXPECT_GT(seen.back(), 0.9);
+    EXPECT_LE(seen.back(), 1.0);
+}
+
+TEST_F(ReaderOfThisProgram, NamesWithBlanksQuotesAndDashesAreJustNames)
+{
+    for (const std::string name : {"a b.obj", "-it's.obj", "--list.obj", "a\"b$c.obj"})
+        EXPECT_THAT(Import(Write(name, kCubeObj)).pieces, SizeIs(1)) << name;
+}
+
+TEST_F(ReaderOfThisProgram, CoordinatesTooFarApartForTheirDistanceAreRefused)
+{
+    const std::string path =
+        Write("far.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n-1e308\n20\n0\n30\n0\n"
+                         "11\n1e308\n21\n0\n31\n0\n0\nENDSEC\n0\nEOF\n");
+    EXPECT_THAT(ErrorOf(path), AllOf(StartsWith(path + ": "), HasSubstr("coordinates")));
+}
+
+} // namespace
+} // namespace viewer

@@ -1,0 +1,79 @@
+// What tests of the stream between the two processes share: a model with every part in it, and streams as
+// bytes.
+#pragma once
+
+#include "viewer/import/model_stream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+/// Two pieces: a triangle with a list of edges, and lines; with names, parents, categories and a unit.
+inline Model SampleModel()
+{
+    Model model;
+    model.title = "sample.step";
+    model.meters_per_unit = 0.001;
+    model.category_names = {"steel", "", "brass"};
+    Piece plate =
+        MakePiece("plate", {MakeFace({{0, 0, 0}, {1e9, 0, 0}, {0, 0.125, 0}}).value()}, 2, 255, 0.5F);
+    plate.parents = {"machine", "frame"};
+    plate.edges = std::vector<Segment>{{{0, 0, 0}, {1e9, 0, 0}}};
+    model.pieces.push_back(std::move(plate));
+    Piece wires;
+    wires.lines = {{{-1, -2, -3}, {4, 5, 6}}, {{4, 5, 6}, {1e-300, 0, 0}}};
+    model.pieces.push_back(std::move(wires));
+    return model;
+}
+
+/// All that is written to it.
+class StreamBytes
+{
+  public:
+    [[nodiscard]] ModelStreamWriter& Writer() { return writer_; }
+    [[nodiscard]] const std::string& Bytes() const { return bytes_; }
+
+  private:
+    std::string bytes_;
+    ModelStreamWriter::Sink sink_ = [this](std::span<const char> bytes) {
+        bytes_.append(bytes.data(), bytes.size());
+    };
+    ModelStreamWriter writer_{sink_};
+};
+
+/// The stream of a model.
+inline std::string StreamOf(const Model& model)
+{
+    StreamBytes stream;
+    stream.Writer().WriteModel(model);
+    return stream.Bytes();
+}
+
+/// The bytes of a number as a stream has them.
+template <typename Number>
+std::string BytesOf(Number number)
+{
+    std::string bytes(sizeof number, '\0');
+    std::memcpy(bytes.data(), &number, sizeof number);
+    return bytes;
+}
+
+/// Gives these bytes, at most `block` at a time.
+inline StreamSource SourceOf(std::string_view bytes, std::size_t block = 65536)
+{
+    return [bytes, block](std::span<char> buffer) mutable {
+        const std::size_t count = std::min({buffer.size(), bytes.size(), block});
+        std::memcpy(buffer.data(), bytes.data(), count);
+        bytes.remove_prefix(count);
+        return count;
+    };
+}
+
+} // namespace viewer

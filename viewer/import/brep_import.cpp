@@ -1,0 +1,376 @@
+#include "viewer/import/brep_import.h"
+
+#include "platform/host/cm/color.h"
+#include "viewer/file_error.h"
+#include "viewer/import/brep_document.h"
+#include "viewer/import/brep_surface.h"
+#include "viewer/import/brep_text.h"
+
+#include <BRepBndLib.hxx>
+#include <BRepMesh_IncrementalMesh.hxx>
+#include <BRepTools.hxx>
+#include <BRep_Tool.hxx>
+#include <Bnd_Box.hxx>
+#include <Message.hxx>
+#include <Message_Messenger.hxx>
+#include <Message_ProgressIndicator.hxx>
+#include <Message_ProgressScope.hxx>
+#include <Precision.hxx>
+#include <Standard_Failure.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopTools_MapOfShape.hxx>
+#include <TopoDS.hxx>
+#include <XCAFDoc_ShapeTool.hxx>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <new>
+#include <numbers>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// Keeps the library from writing to the terminal, and from making names up, while it lives.
+class QuietLibrary
+{
+  public:
+    QuietLibrary()
+        : messenger_(Message::DefaultMessenger()), printers_(messenger_->Printers()),
+          makes_names_(XCAFDoc_ShapeTool::AutoNaming())
+    {
+        messenger_->ChangePrinters().Clear();
+        XCAFDoc_ShapeTool::SetAutoNaming(Standard_False);
+    }
+    QuietLibrary(const QuietLibrary&) = delete;
+    QuietLibrary& operator=(const QuietLibrary&) = delete;
+    ~QuietLibrary()
+    {
+        messenger_->ChangePrinters() = printers_;
+        XCAFDoc_ShapeTool::SetAutoNaming(makes_names_);
+    }
+
+  private:
+    Handle(Message_Messenger) messenger_;
+    Message_SequenceOfPrinters printers_;
+    Standard_Boolean makes_names_;
+};
+
+/// Hands the library's progress on.
+class LibraryProgress final : public Message_ProgressIndicator
+{
+  public:
+    explicit LibraryProgress(const ProgressFunction& report) : report_(report) {}
+
+  protected:
+    void Show(const Message_ProgressScope& /*scope*/, Standard_Boolean /*is_forced*/) override
+    {
+        if (report_)
+            report_(GetPosition());
+    }
+
+  private:
+    const ProgressFunction& report_;
+};
+
+Box BoxOf(const BrepBody& body)
+{
+    Bnd_Box bounds;
+    BRepBndLib::Add(body.shape, bounds);
+    bounds = bounds.Transformed(body.placement);
+    Box box;
+    if (bounds.IsVoid())
+        return box;
+    const gp_Pnt min = bounds.CornerMin();
+    const gp_Pnt max = bounds.CornerMax();
+    box.Add({min.X(), min.Y(), min.Z()});
+    box.Add({max.X(), max.Y(), max.Z()});
+    return box;
+}
+
+/// Content on its way to a model.
+class BrepConverter
+{
+  public:
+    BrepConverter(const std::string& path, BrepContent content) : path_(path), content_(std::move(content)) {}
+
+    Model Convert(const ImportOptions& options, const Message_ProgressRange& progress)
+    {
+        CheckVertices();
+        ChooseTolerance(options);
+        // Meshes that came with the file are of another tolerance.
+        for (const BrepBody& body : content_.bodies)
+            BRepTools::Clean(body.shape);
+        Message_ProgressScope scope(progress, nullptr, static_cast<double>(content_.bodies.size()));
+        for (const BrepBody& body : content_.bodies)
+            AddBody(body, scope.Next());
+        if (model_.pieces.empty())
+            throw FileError(path_, "holds no faces and no curves");
+        NumberCategories();
+        return std::move(model_);
+    }
+
+  private:
+    void CheckVertices() const
+    {
+        for (const BrepBody& body : content_.bodies)
+            for (TopExp_Explorer it(body.shape, TopAbs_VERTEX); it.More(); it.Next())
+                CheckPoint(BRep_Tool::Pnt(TopoDS::Vertex(it.Current())).Transformed(body.placement));
+    }
+
+    void CheckPoint(const gp_Pnt& point) const
+    {
+        // The library's mark for infinite is a number as well.
+        for (const double coordinate : {point.X(), point.Y(), point.Z()})
+            if (!std::isfinite(coordinate) || Precision::IsInfinite(coordinate))
+                throw FileError(path_, "holds coordinates that are not finite");
+    }
+
+    void ChooseTolerance(const ImportOptions& options)
+    {
+        Box box;
+        for (const BrepBody& body : content_.bodies)
+            box.Unite(BoxOf(body));
+        const double diagonal = box.IsEmpty() ? 0.0 : box.Diagonal();
+        if (!std::isfinite(diagonal))
+            throw FileError(path_, "holds coordinates that are not finite");
+        // The library's meshes go no finer than the distance at which points are one to it.
+        default_deflection_ = std::max(kRelativeDeflection * diagonal, Precision::Confusion());
+        tolerance_.deflection =
+            std::max(options.deflection.value_or(default_deflection_), Precision::Confusion());
+        tolerance_.angle = kFacetAngle * std::numbers::pi / 180.0;
+    }
+
+    /// Facets the faces of the shape, unless that was done for another instance of it.
+    void Mesh(const TopoDS_Shape& shape, const BrepTolerance& tolerance,
+              const Message_ProgressRange& progress) const
+    {
+        IMeshTools_Parameters parameters;
+        // NOTE: The library's first algorithm (seen in 7.6) bites notches into narrow rounded faces along
+        // long arcs.
+        parameters.MeshAlgo = IMeshTools_MeshAlgoType_Delabella;
+        // NOTE: The library keeps the deflection along each direction of a surface, and not strictly. Across
+        // a facet of a surface that curves both ways they add up.
+        constexpr double kAlongOneDirection = 0.45;
+        parameters.Deflection = tolerance.deflection;
+        parameters.DeflectionInterior = kAlongOneDirection * tolerance.deflection;
+        parameters.ForceFaceDeflection = Standard_True;
+        parameters.Angle = tolerance.angle;
+        parameters.AngleInterior = tolerance.angle;
+        // Facets of distorted surfaces get no smaller than a part of the deflection; but a coarse deflection
+        // must not keep small holes from being round.
+        constexpr double kLeastOfDeflection = 0.1;
+        parameters.MinSize = std::max(
+            kLeastOfDeflection * std::min(tolerance.deflection, default_deflection_), Precision::Confusion());
+        parameters.AllowQualityDecrease = Standard_True;
+        BRepMesh_IncrementalMesh(shape, parameters, progress);
+    }
+
+    struct Faceted {
+        std::unique_ptr<BrepSurface> surface;
+        std::vector<std::pair<BrepColor, double>> areas; ///< of faces with colours of their own
+        double plain_area = 0.0;
+    };
+
+    Faceted Facet(const BrepBody& body) const
+    {
+        Faceted faceted;
+        faceted.surface = std::make_unique<BrepSurface>(body.placement, tolerance_);
+        for (TopExp_Explorer it(body.shape, TopAbs_FACE); it.More(); it.Next()) {
+            const double area = faceted.surface->AddFace(TopoDS::Face(it.Current()));
+            const BrepColor* color = body.labels->colors.Seek(it.Current());
+            if (color == nullptr) {
+                faceted.plain_area += area;
+                continue;
+            }
+            const auto known = std::find_if(faceted.areas.begin(), faceted.areas.end(),
+                                            [&](const auto& entry) { return entry.first == *color; });
+            if (known == faceted.areas.end())
+                faceted.areas.emplace_back(*color, area);
+            else
+                known->second += area;
+        }
+        return faceted;
+    }
+
+    static std::optional<BrepColor> ColorOf(const BrepBody& body, const Faceted& faceted)
+    {
+        if (body.overrides_colors)
+            return body.color;
+        std::optional<BrepColor> color = body.color;
+        double most = faceted.plain_area;
+        for (const auto& [face_color, area] : faceted.areas) {
+            const bool is_plain = body.color == face_color;
+            const double whole = is_plain ? area + faceted.plain_area : area;
+            if (whole <= most)
+                continue;
+            color = face_color;
+            most = whole;
+        }
+        return color;
+    }
+
+    void AddBody(const BrepBody& body, const Message_ProgressRange& progress)
+    {
+        Piece piece;
+        piece.name = body.name;
+        piece.parents = body.parents;
+        std::optional<BrepColor> color = body.color;
+        if (TopExp_Explorer(body.shape, TopAbs_FACE).More()) {
+            Faceted faceted = FacetClosed(body, progress);
+            color = ColorOf(body, faceted);
+            faceted.surface->MoveTo(piece);
+        }
+        AddLooseEdges(body, piece);
+        CheckCorners(piece);
+        if (piece.faces.empty() && piece.lines.empty() && (!piece.edges || piece.edges->empty()))
+            return;
+        const BrepColor shown = color.value_or(BrepColor{kUncolored, 1.0F});
+        piece.color = shown.index;
+        piece.alpha = shown.alpha;
+        groups_.push_back(body.group);
+        model_.pieces.push_back(std::move(piece));
+    }
+
+    /// Meshes the body, and once more much finer where it closes but its facets do not: chords of edges that
+    /// run close to each other cross, as those of a thin pipe's.
+    Faceted FacetClosed(const BrepBody& body, const Message_ProgressRange& progress) const
+    {
+        Message_ProgressScope scope(progress, nullptr, 2);
+        Mesh(body.shape, tolerance_, scope.Next());
+        Faceted faceted = Facet(body);
+        if (!HasClosedShells(body.shape) || faceted.surface->Closes())
+            return faceted;
+        // A chord's distance from its arc goes with the square of its angle.
+        constexpr double kFinerAngle = 1.0 / 4.0;
+        BrepTolerance finer = tolerance_;
+        finer.angle *= kFinerAngle;
+        finer.deflection =
+            std::max(std::min(finer.deflection, default_deflection_) * kFinerAngle * kFinerAngle,
+                     Precision::Confusion());
+        BRepTools::Clean(body.shape);
+        Mesh(body.shape, finer, scope.Next());
+        return Facet(body);
+    }
+
+    static bool HasClosedShells(const TopoDS_Shape& shape)
+    {
+        TopExp_Explorer it(shape, TopAbs_SHELL);
+        bool closes = it.More();
+        for (; it.More() && closes; it.Next())
+            closes = BRep_Tool::IsClosed(it.Current());
+        return closes;
+    }
+
+    void AddLooseEdges(const BrepBody& body, Piece& piece) const
+    {
+        TopTools_MapOfShape seen;
+        for (TopExp_Explorer it(body.shape, TopAbs_EDGE, TopAbs_FACE); it.More(); it.Next())
+            if (seen.Add(it.Current()))
+                CutFreeEdge(TopoDS::Edge(it.Current()), body.placement, tolerance_, piece.lines);
+    }
+
+    void CheckCorners(const Piece& piece) const
+    {
+        const auto check = [&](const Point& point) {
+            if (!IsFinite(point))
+                throw FileError(path_, "holds coordinates that are not finite");
+        };
+        for (const ModelFace& face : piece.faces)
+            std::for_each(face.corners.begin(), face.corners.end(), check);
+        for (const std::vector<Segment>* segments : {piece.edges ? &*piece.edges : nullptr, &piece.lines})
+            for (std::size_t i = 0; segments != nullptr && i < segments->size(); ++i) {
+                check((*segments)[i].from);
+                check((*segments)[i].to);
+            }
+    }
+
+    void NumberCategories()
+    {
+        const bool by_group = content_.group_names.size() > 1;
+        std::map<std::size_t, int> categories;
+        for (std::size_t i = 0; i < model_.pieces.size(); ++i) {
+            Piece& piece = model_.pieces[i];
+            const std::size_t key = by_group ? groups_[i] : piece.color;
+            const auto [entry, is_new] =
+                categories.emplace(key, static_cast<int>(model_.category_names.size()));
+            if (is_new)
+                model_.category_names.push_back(by_group ? content_.group_names[key]
+                                                         : "colour " + std::to_string(key));
+            piece.category = entry->second;
+        }
+    }
+
+    /// Where a file gives no colour: a middle grey.
+    static inline const unsigned char kUncolored = NearestColorIndex(153, 153, 153);
+
+    const std::string& path_;
+    BrepContent content_;
+    BrepTolerance tolerance_;
+    double default_deflection_ = 0.0;
+    std::vector<std::size_t> groups_; ///< of the model's pieces
+    Model model_;
+};
+
+Model Read(const std::string& path, BrepKind kind, const ImportOptions& options,
+           const ProgressFunction& report)
+{
+    const QuietLibrary quiet;
+    const Handle(Message_ProgressIndicator) indicator = new LibraryProgress(report);
+    Message_ProgressScope scope(indicator->Start(), nullptr, 1.0);
+    BrepContent content = ReadBrep(path, kind, scope.Next(0.5));
+    if (content.bodies.empty())
+        throw FileError(path, "holds no geometry that is finite");
+    return BrepConverter(path, std::move(content)).Convert(options, scope.Next(0.5));
+}
+
+constexpr double kMillimeter = 0.001;
+
+/// The library's words in one line of reasonable length.
+std::string ReasonFrom(std::string_view message)
+{
+    constexpr std::size_t kLongest = 200;
+    std::string reason = "cannot be read";
+    if (!message.empty())
+        reason += ": " + std::string(message.substr(0, kLongest));
+    std::replace_if(
+        reason.begin(), reason.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
+    return reason;
+}
+
+} // namespace
+
+Model ImportBrep(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
+{
+    const auto kind = BrepKindOf(path);
+    if (!kind)
+        throw FileError(path, "unknown kind of file");
+    CheckBrepText(path, *kind);
+    try {
+        Model model = Read(path, *kind, options, progress);
+        model.title = std::filesystem::path(path).filename().string();
+        if (*kind != BrepKind::kBrep)
+            model.meters_per_unit = kMillimeter;
+        return model;
+    } catch (const FileError&) {
+        throw;
+    } catch (const Standard_Failure& failure) {
+        throw FileError(path, ReasonFrom(failure.GetMessageString()));
+    } catch (const std::bad_alloc&) {
+        throw FileError(path, "needs more memory than there is");
+    } catch (const std::exception& error) {
+        throw FileError(path, ReasonFrom(error.what()));
+    }
+}
+
+} // namespace viewer

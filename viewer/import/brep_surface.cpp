@@ -1,0 +1,333 @@
+#include "viewer/import/brep_surface.h"
+
+#include <BRepAdaptor_Curve.hxx>
+#include <BRepAdaptor_Surface.hxx>
+#include <BRepLProp_SLProps.hxx>
+#include <BRep_Tool.hxx>
+#include <GCPnts_TangentialDeflection.hxx>
+#include <Geom2d_Curve.hxx>
+#include <GeomLib_IsPlanarSurface.hxx>
+#include <Geom_Surface.hxx>
+#include <Poly_PolygonOnTriangulation.hxx>
+#include <Poly_Triangulation.hxx>
+#include <Precision.hxx>
+#include <TopExp.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopLoc_Location.hxx>
+#include <TopTools_MapOfShape.hxx>
+#include <TopoDS.hxx>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numbers>
+#include <optional>
+#include <unordered_set>
+
+namespace viewer
+{
+
+namespace
+{
+
+Point ToPoint(const gp_Pnt& point)
+{
+    return {point.X(), point.Y(), point.Z()};
+}
+
+/// Corners along the curve; the tolerance is not met by fewer.
+std::vector<gp_Pnt> CutCurve(const TopoDS_Edge& edge, const BrepTolerance& tolerance)
+{
+    double first = 0.0;
+    double last = 0.0;
+    BRep_Tool::Range(edge, first, last);
+    std::vector<gp_Pnt> points;
+    if (BRep_Tool::Degenerated(edge) || !BRep_Tool::IsGeometric(edge) || Precision::IsInfinite(first) ||
+        Precision::IsInfinite(last))
+        return points;
+    const BRepAdaptor_Curve curve(edge);
+    const GCPnts_TangentialDeflection cut(curve, tolerance.angle, tolerance.deflection);
+    for (int i = 1; i <= cut.NbPoints(); ++i)
+        points.push_back(cut.Value(i));
+    return points;
+}
+
+std::optional<gp_Dir> NormalAt(const BRepAdaptor_Surface& surface, const gp_Pnt2d& at)
+{
+    BRepLProp_SLProps properties(surface, at.X(), at.Y(), 1, Precision::Confusion());
+    if (!properties.IsNormalDefined())
+        return std::nullopt;
+    return properties.Normal();
+}
+
+/// The edges that a face runs along more than once: the seams of closed surfaces. That an edge lies on the
+/// seam of the surface says nothing, since faces that share the surface may meet there.
+TopTools_MapOfShape SeamsOf(const TopoDS_Face& face)
+{
+    TopTools_MapOfShape seen;
+    TopTools_MapOfShape seams;
+    for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next())
+        if (!seen.Add(it.Current()))
+            seams.Add(it.Current());
+    return seams;
+}
+
+/// Whether the face meets itself smoothly at its seam, as at that of a cylinder.
+bool IsSmoothSeam(const TopoDS_Edge& edge, const TopoDS_Face& face)
+{
+    constexpr double kSmooth = 1.0 * std::numbers::pi / 180.0;
+    double first = 0.0;
+    double last = 0.0;
+    const auto side = [&](TopAbs_Orientation orientation) {
+        return BRep_Tool::CurveOnSurface(TopoDS::Edge(edge.Oriented(orientation)), face, first, last);
+    };
+    const auto left = side(TopAbs_FORWARD);
+    const auto right = side(TopAbs_REVERSED);
+    if (left.IsNull() || right.IsNull())
+        return true;
+    const BRepAdaptor_Surface surface(face, Standard_False);
+    const double middle = 0.5 * (first + last);
+    const auto left_normal = NormalAt(surface, left->Value(middle));
+    const auto right_normal = NormalAt(surface, right->Value(middle));
+    return !left_normal || !right_normal || left_normal->Angle(*right_normal) < kSmooth;
+}
+
+/// Whether the surface under the face is a plane, by whatever name.
+bool IsPlane(const TopoDS_Face& face)
+{
+    TopLoc_Location location;
+    const auto& surface = BRep_Tool::Surface(face, location);
+    return !surface.IsNull() && GeomLib_IsPlanarSurface(surface, Precision::Confusion()).IsPlanar();
+}
+
+std::uint64_t DirectedKey(int from, int to)
+{
+    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(from)) << 32U |
+           static_cast<std::uint32_t>(to);
+}
+
+} // namespace
+
+int CornerNumbers::NumberOf(const Point& point)
+{
+    const auto [entry, is_new] = numbers_.emplace(point, static_cast<int>(points_.size()));
+    if (is_new)
+        points_.push_back(point);
+    return entry->second;
+}
+
+int BrepSurface::NumberOf(const gp_Pnt& point, const gp_Trsf& placement)
+{
+    return corners_.NumberOf(ToPoint(point.Transformed(placement)));
+}
+
+BrepSurface::OwnEdge& BrepSurface::EdgeOf(const TopoDS_Edge& edge)
+{
+    if (OwnEdge* known = edges_.ChangeSeek(edge))
+        return *known;
+    return edges_.ChangeFromIndex(edges_.Add(edge, {}));
+}
+
+void BrepSurface::SetEnds(const TopoDS_Edge& edge, std::vector<int>& corners)
+{
+    const auto forward = TopoDS::Edge(edge.Oriented(TopAbs_FORWARD));
+    const TopoDS_Vertex first = TopExp::FirstVertex(forward);
+    const TopoDS_Vertex last = TopExp::LastVertex(forward);
+    if (!first.IsNull())
+        corners.front() = NumberOf(BRep_Tool::Pnt(first), placement_);
+    if (!last.IsNull())
+        corners.back() = NumberOf(BRep_Tool::Pnt(last), placement_);
+}
+
+std::vector<int> BrepSurface::CutEdge(const TopoDS_Edge& edge)
+{
+    std::vector<int> corners;
+    for (const gp_Pnt& point : CutCurve(edge, tolerance_))
+        corners.push_back(NumberOf(point, placement_));
+    if (!corners.empty())
+        SetEnds(edge, corners);
+    return corners;
+}
+
+void BrepSurface::NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* mesh, const gp_Trsf& placement,
+                            std::vector<int>& corner_of_node)
+{
+    TopLoc_Location location;
+    const auto& triangulation = BRep_Tool::Triangulation(face, location);
+    const TopTools_MapOfShape seams = SeamsOf(face);
+    for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next()) {
+        const TopoDS_Edge& edge = TopoDS::Edge(it.Current());
+        const bool is_degenerate = BRep_Tool::Degenerated(edge);
+        OwnEdge& known = EdgeOf(edge);
+        if (is_degenerate || (seams.Contains(edge) && IsSmoothSeam(edge, face)))
+            known.is_own = false;
+        if (mesh == nullptr)
+            continue;
+        const auto& polygon = BRep_Tool::PolygonOnTriangulation(edge, triangulation, location);
+        if (polygon.IsNull())
+            continue;
+        const auto count = static_cast<std::size_t>(polygon->NbNodes());
+        if (known.corners.empty()) {
+            for (int i = 1; i <= polygon->NbNodes(); ++i)
+                known.corners.push_back(NumberOf(mesh->Node(polygon->Node(i)), placement));
+            SetEnds(edge, known.corners);
+            if (is_degenerate)
+                std::fill(known.corners.begin(), known.corners.end(), known.corners.front());
+        }
+        // Faces of one mesh cut a shared edge alike; meshes from files need not.
+        if (known.corners.size() != count)
+            continue;
+        for (std::size_t i = 0; i < count; ++i)
+            corner_of_node[static_cast<std::size_t>(polygon->Node(static_cast<int>(i) + 1))] =
+                known.corners[i];
+    }
+}
+
+BrepSurface::Triangles BrepSurface::TrianglesOf(const Poly_Triangulation& mesh,
+                                                const std::vector<int>& corner_of_node, bool turn) const
+{
+    Triangles triangles;
+    triangles.reserve(static_cast<std::size_t>(mesh.NbTriangles()));
+    for (int i = 1; i <= mesh.NbTriangles(); ++i) {
+        std::array<int, 3> nodes{};
+        mesh.Triangle(i).Get(nodes[0], nodes[1], nodes[2]);
+        if (turn)
+            std::swap(nodes[1], nodes[2]);
+        std::array<int, 3> corners{};
+        for (std::size_t k = 0; k < 3; ++k)
+            corners.at(k) = corner_of_node[static_cast<std::size_t>(nodes.at(k))];
+        // At the tip of a cone two corners are one: the triangle is gone, and its two sides cancel out.
+        if (corners[0] != corners[1] && corners[1] != corners[2] && corners[2] != corners[0])
+            triangles.push_back(corners);
+    }
+    return triangles;
+}
+
+double BrepSurface::AddFace(const TopoDS_Face& face)
+{
+    TopLoc_Location location;
+    const auto& mesh = BRep_Tool::Triangulation(face, location);
+    const gp_Trsf placement = placement_ * location.Transformation();
+    std::vector<int> corner_of_node(mesh.IsNull() ? 0 : static_cast<std::size_t>(mesh->NbNodes()) + 1, -1);
+    NoteEdges(face, mesh.get(), placement, corner_of_node);
+    if (mesh.IsNull())
+        return 0.0;
+    for (std::size_t node = 1; node < corner_of_node.size(); ++node)
+        if (corner_of_node[node] < 0)
+            corner_of_node[node] = NumberOf(mesh->Node(static_cast<int>(node)), placement);
+    const bool turn = (face.Orientation() == TopAbs_REVERSED) != placement.IsNegative();
+    const Triangles triangles = TrianglesOf(*mesh, corner_of_node, turn);
+
+    double size = 0.0;
+    Point sum;
+    for (const auto& [a, b, c] : triangles) {
+        const Point area = Cross(corners_.At(b) - corners_.At(a), corners_.At(c) - corners_.At(a));
+        size += 0.5 * Length(area);
+        sum = sum + area;
+    }
+    AddFacets(face, triangles, sum);
+    return size;
+}
+
+void BrepSurface::AddFacets(const TopoDS_Face& face, const Triangles& triangles, const Point& area)
+{
+    const double length = Length(area);
+    const Point normal = length > 0.0 ? area * (1.0 / length) : Point{0.0, 0.0, 1.0};
+    if (triangles.size() > 1 && length > 0.0 && IsPlane(face)) {
+        const std::set<std::pair<int, int>> own = OwnSegmentsOf(face);
+        const auto point_of = [this](int corner) { return corners_.At(corner); };
+        const auto must_stay = [&](int a, int b) { return own.contains(std::minmax(a, b)); };
+        for (FacetCorners& corners : JoinIntoConvex(triangles, point_of, normal, must_stay))
+            facets_.push_back({std::move(corners), normal});
+        return;
+    }
+    for (const auto& triangle : triangles)
+        facets_.push_back({{triangle.begin(), triangle.end()}, normal});
+}
+
+std::set<std::pair<int, int>> BrepSurface::OwnSegmentsOf(const TopoDS_Face& face)
+{
+    std::set<std::pair<int, int>> segments;
+    for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next()) {
+        const OwnEdge& edge = EdgeOf(TopoDS::Edge(it.Current()));
+        for (std::size_t i = 1; edge.is_own && i < edge.corners.size(); ++i)
+            segments.insert(std::minmax(edge.corners[i - 1], edge.corners[i]));
+    }
+    return segments;
+}
+
+bool BrepSurface::Closes() const
+{
+    std::unordered_set<std::uint64_t> sides;
+    for (const Facet& facet : facets_)
+        for (std::size_t i = 0; i < facet.corners.size(); ++i)
+            if (!sides.insert(DirectedKey(facet.corners[i], facet.corners[(i + 1) % facet.corners.size()]))
+                     .second)
+                return false;
+    return !facets_.empty() && std::all_of(sides.begin(), sides.end(), [&](std::uint64_t side) {
+        return sides.contains(side << 32U | side >> 32U);
+    });
+}
+
+double BrepSurface::SignedVolume() const
+{
+    const Point origin = corners_.At(facets_.front().corners.front());
+    double sixfold = 0.0;
+    for (const Facet& facet : facets_) {
+        const Point first = corners_.At(facet.corners.front()) - origin;
+        for (std::size_t i = 1; i + 1 < facet.corners.size(); ++i)
+            sixfold += Dot(first, Cross(corners_.At(facet.corners[i]) - origin,
+                                        corners_.At(facet.corners[i + 1]) - origin));
+    }
+    return sixfold / 6.0;
+}
+
+void BrepSurface::MoveTo(Piece& piece)
+{
+    const bool closes = Closes();
+    const bool is_inside_out = closes && SignedVolume() < 0.0;
+    for (Facet& facet : facets_) {
+        if (is_inside_out) {
+            std::reverse(facet.corners.begin(), facet.corners.end());
+            facet.normal = facet.normal * -1.0;
+        }
+        std::vector<Point> corners;
+        corners.reserve(facet.corners.size());
+        for (const int corner : facet.corners)
+            corners.push_back(corners_.At(corner));
+        if (auto face = MakeFace(corners)) {
+            piece.faces.push_back(std::move(*face));
+        } else if (closes) {
+            std::reverse(corners.begin(), corners.end());
+            piece.faces.push_back({std::move(corners), facet.normal});
+        }
+    }
+    if (!piece.edges)
+        piece.edges.emplace();
+    for (int i = 1; i <= edges_.Extent(); ++i) {
+        OwnEdge& edge = edges_.ChangeFromIndex(i);
+        if (!edge.is_own)
+            continue;
+        if (edge.corners.empty())
+            edge.corners = CutEdge(TopoDS::Edge(edges_.FindKey(i)));
+        for (std::size_t k = 1; k < edge.corners.size(); ++k)
+            if (edge.corners[k - 1] != edge.corners[k])
+                piece.edges->push_back({corners_.At(edge.corners[k - 1]), corners_.At(edge.corners[k])});
+    }
+    facets_.clear();
+    edges_.Clear();
+}
+
+void CutFreeEdge(const TopoDS_Edge& edge, const gp_Trsf& placement, const BrepTolerance& tolerance,
+                 std::vector<Segment>& segments)
+{
+    const std::vector<gp_Pnt> points = CutCurve(edge, tolerance);
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const Segment segment{ToPoint(points[i - 1].Transformed(placement)),
+                              ToPoint(points[i].Transformed(placement))};
+        if (segment.from != segment.to)
+            segments.push_back(segment);
+    }
+}
+
+} // namespace viewer

@@ -1,0 +1,171 @@
+#include "viewer/import/brep_text.h"
+
+#include "viewer/file_checks.h"
+#include "viewer/file_error.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+namespace
+{
+
+constexpr std::size_t kLooked = 4096;
+constexpr std::string_view kBlanks = " \t\r\n\f\v";
+
+struct Ends {
+    std::string head;
+    std::string tail; ///< overlaps the head in a short file
+};
+
+Ends ReadEnds(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    const auto size = std::filesystem::file_size(path);
+    const auto looked = static_cast<std::size_t>(std::min<std::uintmax_t>(size, kLooked));
+    const auto read = [&](std::uintmax_t from) {
+        std::string text(looked, '\0');
+        file.seekg(static_cast<std::streamoff>(from));
+        file.read(text.data(), static_cast<std::streamsize>(looked));
+        return text;
+    };
+    Ends ends{read(0), read(size - looked)};
+    if (!file)
+        throw FileError(path, "cannot be read");
+    return ends;
+}
+
+std::string_view Trimmed(std::string_view text)
+{
+    const auto first = text.find_first_not_of(kBlanks);
+    return first == std::string_view::npos ? std::string_view{}
+                                           : text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+}
+
+/// The lines that are not blank; those of a tail may begin with a part of one.
+std::vector<std::string_view> LinesOf(std::string_view text)
+{
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        const auto end = std::min(text.find('\n'), text.size());
+        const std::string_view line = text.substr(0, end);
+        if (!Trimmed(line).empty())
+            lines.push_back(line);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return lines;
+}
+
+bool IsStep(const Ends& ends)
+{
+    return ends.head.find("ISO-10303-21") != std::string::npos;
+}
+
+bool IsWholeStep(const Ends& ends)
+{
+    return Trimmed(ends.tail).ends_with("END-ISO-10303-21;");
+}
+
+/// The letter that says to which section a line of 80 columns belongs; 0 for a shorter one.
+char IgesSection(std::string_view line)
+{
+    constexpr std::size_t kSectionColumn = 72;
+    return line.size() > kSectionColumn ? line[kSectionColumn] : '\0';
+}
+
+bool IsIges(const Ends& ends)
+{
+    const auto lines = LinesOf(ends.head);
+    return !lines.empty() && IgesSection(lines.front()) == 'S';
+}
+
+bool IsWholeIges(const Ends& ends)
+{
+    constexpr std::size_t kColumns = 80;
+    const auto lines = LinesOf(ends.tail);
+    return !lines.empty() && IgesSection(lines.back()) == 'T' && Trimmed(lines.back()).size() == kColumns;
+}
+
+bool IsBrep(const Ends& ends)
+{
+    return ends.head.find("CASCADE Topology V") != std::string::npos;
+}
+
+/// Whether the line names a shape and its location, as "+1 0".
+bool IsShapeReference(std::string_view line)
+{
+    constexpr std::string_view kDigits = "0123456789";
+    line = Trimmed(line);
+    if (line.empty() || (line.front() != '+' && line.front() != '-'))
+        return false;
+    const auto blank = line.find(' ');
+    if (blank == std::string_view::npos)
+        return false;
+    const std::string_view shape = line.substr(1, blank - 1);
+    const std::string_view location = Trimmed(line.substr(blank));
+    const auto is_number = [&](std::string_view text) {
+        return !text.empty() && text.find_first_not_of(kDigits) == std::string_view::npos;
+    };
+    return is_number(shape) && is_number(location);
+}
+
+/// The list of shapes ends with the parts of the last one, which end with a star; then comes which of them
+/// the file is about, and from old programs a zero.
+bool IsWholeBrep(const Ends& ends)
+{
+    auto lines = LinesOf(ends.tail);
+    if (!lines.empty() && Trimmed(lines.back()) == "0")
+        lines.pop_back();
+    return lines.size() >= 2 && IsShapeReference(lines.back()) &&
+           Trimmed(lines[lines.size() - 2]).ends_with('*');
+}
+
+} // namespace
+
+std::optional<BrepKind> BrepKindOf(const std::string& path)
+{
+    std::string ending = std::filesystem::path(path).extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return std::tolower(c); });
+    constexpr std::array<std::pair<std::string_view, BrepKind>, 8> kEndings{{{".step", BrepKind::kStep},
+                                                                             {".stp", BrepKind::kStep},
+                                                                             {".p21", BrepKind::kStep},
+                                                                             {".iges", BrepKind::kIges},
+                                                                             {".igs", BrepKind::kIges},
+                                                                             {".brep", BrepKind::kBrep},
+                                                                             {".brp", BrepKind::kBrep},
+                                                                             {".rle", BrepKind::kBrep}}};
+    for (const auto& [known, kind] : kEndings)
+        if (ending == known)
+            return kind;
+    return std::nullopt;
+}
+
+void CheckBrepText(const std::string& path, BrepKind kind)
+{
+    CheckModelFile(path);
+    struct Check {
+        std::string_view name;
+        bool (*is_of_kind)(const Ends&);
+        bool (*is_whole)(const Ends&);
+    };
+    constexpr std::array<Check, 3> kChecks{
+        {{"a STEP", IsStep, IsWholeStep}, {"an IGES", IsIges, IsWholeIges}, {"a BREP", IsBrep, IsWholeBrep}}};
+    const Check& check = kChecks.at(static_cast<std::size_t>(kind));
+    const Ends ends = ReadEnds(path);
+    if (!check.is_of_kind(ends))
+        throw FileError(path, "does not begin as " + std::string(check.name) + " file does");
+    if (!check.is_whole(ends))
+        throw FileError(path, "truncated: does not end as " + std::string(check.name) + " file does");
+}
+
+} // namespace viewer

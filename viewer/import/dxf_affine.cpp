@@ -1,0 +1,55 @@
+#include "viewer/import/dxf_affine.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace viewer
+{
+
+Affine operator*(const Affine& a, const Affine& b)
+{
+    return {a.ApplyToVector(b.x), a.ApplyToVector(b.y), a.ApplyToVector(b.z), a.Apply(b.origin)};
+}
+
+Affine Translation(const Point& by)
+{
+    Affine result;
+    result.origin = by;
+    return result;
+}
+
+Affine Scaling(double x, double y, double z)
+{
+    return {{x, 0.0, 0.0}, {0.0, y, 0.0}, {0.0, 0.0, z}, {}};
+}
+
+Affine RotationAboutZ(double degrees)
+{
+    // Whole quarters are taken off first, so that they leave no digits where zeros belong.
+    const double quarters = std::round(degrees / 90.0);
+    const double rest = (degrees - quarters * 90.0) * std::numbers::pi / 180.0;
+    const auto quarter = static_cast<int>(std::fmod(quarters, 4.0));
+    double c = std::cos(rest);
+    double s = std::sin(rest);
+    for (int i = 0; i < (quarter + 4) % 4; ++i) {
+        const double turned = -s;
+        s = c;
+        c = turned;
+    }
+    return {{c, s, 0.0}, {-s, c, 0.0}, {0.0, 0.0, 1.0}, {}};
+}
+
+Affine FrameOfExtrusion(const Point& direction)
+{
+    const double length = Length(direction);
+    if (length == 0.0)
+        return {};
+    constexpr double kNearZ = 1.0 / 64.0;
+    const Point z = direction * (1.0 / length);
+    const bool is_near_z = std::abs(z.x) < kNearZ && std::abs(z.y) < kNearZ;
+    const Point side = Cross(is_near_z ? Point{0.0, 1.0, 0.0} : Point{0.0, 0.0, 1.0}, z);
+    const Point x = side * (1.0 / Length(side));
+    return {x, Cross(z, x), z, {}};
+}
+
+} // namespace viewer

@@ -1,0 +1,83 @@
+// What the parsing library calls while it reads: each entity that it reports becomes one of the drawing, out
+// of its own coordinate system. Limits, hiding and placing are not known here.
+#pragma once
+
+#include "viewer/import/dxf_drawing.h"
+#include "viewer/import/dxf_polyline.h"
+#include "viewer/import/dxf_text.h"
+
+#include <dxflib/dl_creationadapter.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace viewer
+{
+
+/// A spline whose points are still to come.
+struct OpenSpline {
+    Spline spline;
+    std::vector<Point> fit_points;
+    Point start_tangent;
+    Point end_tangent;
+    bool is_closed = false;
+};
+
+/// A polyline whose vertices are still to come.
+struct OpenPolyline {
+    DxfEntity entity;
+    DxfPolyline polyline;
+};
+
+/// Throws FileError out of the library's calls, naming the file and the line where the entity begins.
+class DxfBuilder final : public DL_CreationAdapter
+{
+  public:
+    /// `drawing` must outlive the object.
+    DxfBuilder(std::string path, DxfDrawing& drawing);
+
+    /// The library is about to get this entity; it has not yet added the one before.
+    void Begin(const DxfEntityHead& head);
+
+    void addLayer(const DL_LayerData& data) override;
+    void addBlock(const DL_BlockData& data) override;
+    void endBlock() override;
+    void addLine(const DL_LineData& data) override;
+    void addArc(const DL_ArcData& data) override;
+    void addCircle(const DL_CircleData& data) override;
+    void addEllipse(const DL_EllipseData& data) override;
+    void addPolyline(const DL_PolylineData& data) override;
+    void addVertex(const DL_VertexData& data) override;
+    void endSequence() override;
+    void endEntity() override;
+    void addSpline(const DL_SplineData& data) override;
+    void addControlPoint(const DL_ControlPointData& data) override;
+    void addFitPoint(const DL_FitPointData& data) override;
+    void addKnot(const DL_KnotData& data) override;
+    void addInsert(const DL_InsertData& data) override;
+    void addTrace(const DL_TraceData& data) override;
+    void addSolid(const DL_SolidData& data) override;
+    void add3dFace(const DL_3dFaceData& data) override;
+
+  private:
+    [[noreturn]] void Fail(std::size_t line, const std::string& reason) const;
+    void TakeFaceRecord();
+    void Add(decltype(DxfEntity::shape) shape);
+    [[nodiscard]] DxfFace FaceOf(const DL_TraceData& data, const Affine& frame) const;
+    void AddBand(const DL_TraceData& data);
+    void FinishPolyline();
+    void FinishSpline();
+    [[nodiscard]] int EntityColor();
+    [[nodiscard]] Affine Frame();
+
+    std::string path_;
+    DxfDrawing& drawing_;
+    std::optional<std::size_t> block_;
+    DxfEntityHead current_;
+    DxfEntityHead finished_; ///< the one that the library adds now
+    std::optional<OpenPolyline> polyline_;
+    std::optional<OpenSpline> spline_;
+};
+
+} // namespace viewer

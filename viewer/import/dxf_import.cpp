@@ -1,0 +1,157 @@
+#include "viewer/import/dxf_import.h"
+
+#include "viewer/file_checks.h"
+#include "viewer/file_error.h"
+#include "viewer/import/dxf_builder.h"
+#include "viewer/import/dxf_pieces.h"
+#include "viewer/import/dxf_placement.h"
+#include "viewer/import/dxf_text.h"
+
+#include <dxflib/dl_dxf.h>
+
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <istream>
+#include <map>
+#include <new>
+#include <optional>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// The part of the whole that reading takes; placing and cutting take the rest.
+constexpr double kReadingShare = 0.8;
+
+struct DrawingFile {
+    DxfDrawing drawing;
+    std::map<std::string, std::size_t> left_out;
+    std::optional<double> meters_per_unit;
+};
+
+/// The length of the unit with this number; nothing for drawings without a unit and for rare ones.
+std::optional<double> MetersPerUnit(long long number)
+{
+    constexpr double kInch = 0.0254;
+    switch (number) {
+    case 1:
+        return kInch;
+    case 2:
+        return 12.0 * kInch;
+    case 4:
+        return 1e-3;
+    case 5:
+        return 1e-2;
+    case 6:
+        return 1.0;
+    case 7:
+        return 1e3;
+    case 8:
+        return 1e-6 * kInch;
+    case 9:
+        return 1e-3 * kInch;
+    case 10:
+        return 36.0 * kInch;
+    case 13:
+        return 1e-6;
+    case 14:
+        return 1e-1;
+    default:
+        return std::nullopt;
+    }
+}
+
+DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progress)
+{
+    const ProgressFunction report = [&](double part) {
+        if (progress)
+            progress(kReadingShare * part);
+    };
+    DrawingFile file;
+    DxfBuilder builder(path, file.drawing);
+    const std::function<void(const DxfEntityHead&)> begin = [&](const DxfEntityHead& head) {
+        builder.Begin(head);
+    };
+    DxfText text(path, report, begin);
+    std::istream stream(&text);
+    DL_Dxf().in(stream, &builder);
+    text.RethrowFault();
+    file.left_out = text.LeftOut();
+    file.meters_per_unit = MetersPerUnit(text.UnitNumber());
+    return file;
+}
+
+/// Why a drawing shows nothing, out of what it holds.
+std::string NothingShown(const DrawingFile& file)
+{
+    constexpr std::size_t kMostKinds = 5;
+    constexpr std::size_t kLongestKind = 30;
+    if (!file.drawing.entities.empty())
+        return "shows nothing: its " + std::to_string(file.drawing.entities.size()) +
+               " entities are on layers that are off or frozen, or have no extent";
+    if (file.left_out.empty())
+        return "holds no entities";
+    std::string kinds;
+    std::size_t named = 0;
+    for (const auto& [kind, count] : file.left_out) {
+        kinds += named == 0 ? "" : ", ";
+        if (++named > kMostKinds) {
+            kinds += "...";
+            break;
+        }
+        kinds += std::to_string(count) + ' ' + kind.substr(0, kLongestKind);
+    }
+    return "holds nothing that can be shown, only " + kinds;
+}
+
+Box ExtentsOf(const std::string& path, DxfPlacement& placement)
+{
+    Box box;
+    placement.ForEach([&](const PlacedEntity& placed) {
+        const Box part = BoxOfEntity(placed);
+        if (!part.IsEmpty() && !IsFinite(part.max))
+            throw FileError(path, "line " + std::to_string(placed.entity.line) +
+                                      ": comes to coordinates beyond 1e70");
+        box.Unite(part);
+    });
+    return box;
+}
+
+Model Read(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
+{
+    const DrawingFile file = ReadDrawing(path, progress);
+    DxfPlacement placement(path, file.drawing);
+    const Box box = ExtentsOf(path, placement);
+    if (box.IsEmpty())
+        throw FileError(path, NothingShown(file));
+    DxfPieces pieces(path, file.drawing, placement,
+                     options.deflection.value_or(kRelativeDeflection * box.Diagonal()));
+    placement.ForEach([&](const PlacedEntity& placed) { pieces.Add(placed); });
+    Model model = pieces.Finish();
+    if (model.pieces.empty())
+        throw FileError(path, NothingShown(file));
+    model.meters_per_unit = file.meters_per_unit;
+    if (progress)
+        progress(1.0);
+    return model;
+}
+
+} // namespace
+
+Model ImportDxf(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
+{
+    CheckModelFile(path);
+    Model model;
+    try {
+        model = Read(path, options, progress);
+    } catch (const std::bad_alloc&) {
+        throw FileError(path, "needs more memory than there is");
+    }
+    model.title = std::filesystem::path(path).filename().string();
+    return model;
+}
+
+} // namespace viewer

@@ -1,0 +1,353 @@
+#include "viewer/import/model_stream.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+namespace
+{
+
+enum class Tag : unsigned char { Progress = 'p', Model = 'm', Failure = 'f' };
+
+constexpr std::string_view kEnd = "END.";
+constexpr std::size_t kBlockSize = 65536;
+constexpr std::size_t kFewestCorners = 3;
+
+/// The bytes on their way in, a block at a time.
+class ByteReader
+{
+  public:
+    explicit ByteReader(const StreamSource& source) : source_(source), block_(kBlockSize) {}
+
+    void Read(std::span<char> target)
+    {
+        while (!target.empty()) {
+            if (!Refill())
+                throw StreamError("it ends early");
+            const std::size_t count = std::min(target.size(), end_ - next_);
+            std::memcpy(target.data(), block_.data() + next_, count);
+            next_ += count;
+            target = target.subspan(count);
+        }
+    }
+
+    template <typename Number>
+    Number ReadNumber()
+    {
+        static_assert(std::is_arithmetic_v<Number>);
+        std::array<char, sizeof(Number)> bytes{};
+        Read(bytes);
+        Number number{};
+        std::memcpy(&number, bytes.data(), bytes.size());
+        return number;
+    }
+
+    [[nodiscard]] bool IsAtEnd() { return !Refill(); }
+
+  private:
+    /// Whether there are bytes in the block; gets them if it must.
+    bool Refill()
+    {
+        if (next_ < end_)
+            return true;
+        next_ = 0;
+        end_ = std::min(source_(block_), block_.size());
+        return end_ > 0;
+    }
+
+    const StreamSource& source_;
+    std::vector<char> block_;
+    std::size_t next_ = 0;
+    std::size_t end_ = 0;
+};
+
+class ModelReader
+{
+  public:
+    ModelReader(const StreamSource& source, const ProgressFunction& progress)
+        : bytes_(source), progress_(progress)
+    {
+    }
+
+    Model Read()
+    {
+        ExpectText(kStreamMagic, "it is none");
+        if (bytes_.ReadNumber<std::uint32_t>() != kStreamVersion)
+            throw StreamError("it is of another version");
+        for (;;) {
+            switch (static_cast<Tag>(bytes_.ReadNumber<unsigned char>())) {
+            case Tag::Progress:
+                ReadProgress();
+                break;
+            case Tag::Failure:
+                ReadFailure();
+            case Tag::Model: {
+                Model model = ReadModel();
+                ExpectEnd();
+                return model;
+            }
+            default:
+                throw StreamError("it holds an unknown record");
+            }
+        }
+    }
+
+  private:
+    void ExpectText(std::string_view expected, const char* otherwise)
+    {
+        std::array<char, kStreamMagic.size()> text{};
+        const std::span<char> read = std::span(text).first(expected.size());
+        bytes_.Read(read);
+        if (!std::ranges::equal(read, expected))
+            throw StreamError(otherwise);
+    }
+
+    void ExpectEnd()
+    {
+        ExpectText(kEnd, "it does not end where it should");
+        if (!bytes_.IsAtEnd())
+            throw StreamError("it goes on after its end");
+    }
+
+    void ReadProgress()
+    {
+        const double fraction = ReadFinite<double>();
+        if (fraction < 0.0 || fraction > 1.0)
+            throw StreamError("it holds a progress that is not between 0 and 1");
+        if (progress_)
+            progress_(fraction);
+    }
+
+    [[noreturn]] void ReadFailure()
+    {
+        const std::string reason = ReadText();
+        ExpectEnd();
+        throw ReportedFailure(reason);
+    }
+
+    template <typename Number>
+    Number ReadFinite()
+    {
+        const Number number = bytes_.ReadNumber<Number>();
+        if (!std::isfinite(number))
+            throw StreamError("it holds a number that is not finite");
+        return number;
+    }
+
+    std::string ReadText()
+    {
+        const std::size_t size = bytes_.ReadNumber<std::uint32_t>();
+        if (size > kLongestStreamText)
+            throw StreamError("it holds a text that is too long");
+        std::string text(size, '\0');
+        bytes_.Read(text);
+        return text;
+    }
+
+    /// Items one by one: a count is only a promise.
+    template <typename Item>
+    std::vector<Item> ReadItems(Item (ModelReader::*read)(), std::uint64_t fewest = 0)
+    {
+        constexpr std::uint64_t kMostReserved = 64;
+        const auto count = bytes_.ReadNumber<std::uint64_t>();
+        if (count < fewest)
+            throw StreamError("it holds a face of under three corners");
+        std::vector<Item> items;
+        items.reserve(static_cast<std::size_t>(std::min(count, kMostReserved)));
+        for (std::uint64_t i = 0; i < count; ++i)
+            items.push_back((this->*read)());
+        return items;
+    }
+
+    Point ReadPoint()
+    {
+        // The order of evaluation within braces is that of the text.
+        return Point{ReadFinite<double>(), ReadFinite<double>(), ReadFinite<double>()};
+    }
+
+    Segment ReadSegment() { return Segment{ReadPoint(), ReadPoint()}; }
+
+    ModelFace ReadFace()
+    {
+        constexpr double kTolerance = 1e-6;
+        ModelFace face;
+        face.corners = ReadItems(&ModelReader::ReadPoint, kFewestCorners);
+        face.normal = ReadPoint();
+        if (std::abs(Length(face.normal) - 1.0) > kTolerance)
+            throw StreamError("it holds a normal that is not of unit length");
+        return face;
+    }
+
+    Piece ReadPiece()
+    {
+        Piece piece;
+        piece.name = ReadText();
+        piece.parents = ReadItems(&ModelReader::ReadText);
+        piece.faces = ReadItems(&ModelReader::ReadFace);
+        if (ReadFlag())
+            piece.edges = ReadItems(&ModelReader::ReadSegment);
+        piece.lines = ReadItems(&ModelReader::ReadSegment);
+        piece.category = bytes_.ReadNumber<std::int32_t>();
+        if (piece.category < 0 || piece.category > kHighestStreamCategory)
+            throw StreamError("it holds a category that is out of range");
+        piece.color = bytes_.ReadNumber<unsigned char>();
+        piece.alpha = ReadFinite<float>();
+        if (piece.alpha < 0.0F || piece.alpha > 1.0F)
+            throw StreamError("it holds an opacity that is not between 0 and 1");
+        return piece;
+    }
+
+    bool ReadFlag()
+    {
+        const auto flag = bytes_.ReadNumber<unsigned char>();
+        if (flag > 1)
+            throw StreamError("it holds a flag that is neither 0 nor 1");
+        return flag == 1;
+    }
+
+    Model ReadModel()
+    {
+        Model model;
+        model.title = ReadText();
+        model.pieces = ReadItems(&ModelReader::ReadPiece);
+        model.category_names = ReadItems(&ModelReader::ReadText);
+        if (model.category_names.size() > static_cast<std::size_t>(kHighestStreamCategory) + 1)
+            throw StreamError("it holds names of more categories than there can be");
+        if (ReadFlag()) {
+            model.meters_per_unit = ReadFinite<double>();
+            if (*model.meters_per_unit <= 0.0)
+                throw StreamError("it holds a unit without a length");
+        }
+        return model;
+    }
+
+    ByteReader bytes_;
+    const ProgressFunction& progress_;
+};
+
+} // namespace
+
+ModelStreamWriter::ModelStreamWriter(const Sink& sink) : sink_(sink)
+{
+    Put(kStreamMagic);
+    PutNumber(kStreamVersion);
+}
+
+void ModelStreamWriter::Put(std::span<const char> bytes)
+{
+    block_.append(bytes.data(), bytes.size());
+    if (block_.size() >= kBlockSize)
+        Finish();
+}
+
+template <typename Number>
+void ModelStreamWriter::PutNumber(Number number)
+{
+    static_assert(std::is_arithmetic_v<Number>);
+    std::array<char, sizeof(Number)> bytes{};
+    std::memcpy(bytes.data(), &number, bytes.size());
+    Put(bytes);
+}
+
+void ModelStreamWriter::PutCount(std::size_t count)
+{
+    PutNumber(static_cast<std::uint64_t>(count));
+}
+
+void ModelStreamWriter::PutText(std::string_view text)
+{
+    text = text.substr(0, kLongestStreamText);
+    PutNumber(static_cast<std::uint32_t>(text.size()));
+    Put(text);
+}
+
+void ModelStreamWriter::PutPoint(const Point& point)
+{
+    PutNumber(point.x);
+    PutNumber(point.y);
+    PutNumber(point.z);
+}
+
+void ModelStreamWriter::PutSegments(const std::vector<Segment>& segments)
+{
+    PutCount(segments.size());
+    for (const Segment& segment : segments) {
+        PutPoint(segment.from);
+        PutPoint(segment.to);
+    }
+}
+
+void ModelStreamWriter::PutPiece(const Piece& piece)
+{
+    PutText(piece.name);
+    PutCount(piece.parents.size());
+    for (const std::string& parent : piece.parents)
+        PutText(parent);
+    PutCount(piece.faces.size());
+    for (const ModelFace& face : piece.faces) {
+        PutCount(face.corners.size());
+        for (const Point& corner : face.corners)
+            PutPoint(corner);
+        PutPoint(face.normal);
+    }
+    PutNumber(static_cast<unsigned char>(piece.edges ? 1 : 0));
+    if (piece.edges)
+        PutSegments(*piece.edges);
+    PutSegments(piece.lines);
+    PutNumber(static_cast<std::int32_t>(piece.category));
+    PutNumber(piece.color);
+    PutNumber(piece.alpha);
+}
+
+void ModelStreamWriter::WriteProgress(double fraction)
+{
+    PutNumber(static_cast<unsigned char>(Tag::Progress));
+    PutNumber(std::isnan(fraction) ? 0.0 : std::clamp(fraction, 0.0, 1.0));
+    Finish();
+}
+
+void ModelStreamWriter::WriteModel(const Model& model)
+{
+    PutNumber(static_cast<unsigned char>(Tag::Model));
+    PutText(model.title);
+    PutCount(model.pieces.size());
+    for (const Piece& piece : model.pieces)
+        PutPiece(piece);
+    PutCount(model.category_names.size());
+    for (const std::string& name : model.category_names)
+        PutText(name);
+    PutNumber(static_cast<unsigned char>(model.meters_per_unit ? 1 : 0));
+    if (model.meters_per_unit)
+        PutNumber(*model.meters_per_unit);
+    Put(kEnd);
+    Finish();
+}
+
+void ModelStreamWriter::WriteFailure(std::string_view reason)
+{
+    PutNumber(static_cast<unsigned char>(Tag::Failure));
+    PutText(reason);
+    Put(kEnd);
+    Finish();
+}
+
+void ModelStreamWriter::Finish()
+{
+    sink_(block_);
+    block_.clear();
+}
+
+Model ReadModelStream(const StreamSource& source, const ProgressFunction& progress)
+{
+    return ModelReader(source, progress).Read();
+}
+
+} // namespace viewer

@@ -1,0 +1,165 @@
+#include "viewer/import/reader_child.h"
+
+#include "viewer/file_error.h"
+#include "viewer/import/model_file.h"
+#include "viewer/import/model_stream.h"
+#include "viewer/import/process_limits.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <exception>
+#include <new>
+#include <span>
+#include <string_view>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/common_interface_defs.h>
+#endif
+
+namespace viewer
+{
+
+namespace
+{
+
+constexpr std::string_view kReaderArgument = "--karv-reader";
+/// Program, mark, parent, processor time, memory, deflection, path.
+constexpr int kReaderArgumentCount = 7;
+constexpr std::string_view kNoDeflection = "-";
+constexpr int kUsageStatus = 2;
+
+template <typename Number>
+std::string ToText(Number number)
+{
+    std::array<char, 40> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return {text.data(), end};
+}
+
+template <typename Number>
+Number FromText(std::string_view text)
+{
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || end != text.data() + text.size())
+        _exit(kUsageStatus);
+    return number;
+}
+
+void EndWithParent(int parent)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // It may have ended before that.
+    if (getppid() != parent)
+        _exit(kUsageStatus);
+}
+
+/// Keeps the stream's descriptor to itself; returns it. What libraries print goes nowhere.
+int TakeOutput()
+{
+    const int output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+#if defined(__SANITIZE_ADDRESS__)
+    // Parsers that crash do so by their signal, as they do without the sanitizer.
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL})
+        std::signal(signal, SIG_DFL);
+    // What else the sanitizer has to say is heard.
+    // NOTE: the sanitizer takes the descriptor in a pointer's clothes.
+    const int reports = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
+    __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<std::intptr_t>(reports)));
+#endif
+    const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (output < 0 || nowhere < 0 || dup2(nowhere, descriptor) < 0)
+            _exit(kUsageStatus);
+    return output;
+}
+
+void WriteAll(int descriptor, std::span<const char> bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t count = write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        // Nobody reads any more.
+        if (count < 0)
+            _exit(kUsageStatus);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+}
+
+/// The reason of an error without the name of the file, which the other side puts before it.
+std::string ReasonOf(const FileError& error, const std::string& path)
+{
+    const std::string text = error.what();
+    const std::string start = path + ": ";
+    return text.starts_with(start) ? text.substr(start.size()) : text;
+}
+
+void ReadAndWrite(const std::string& path, const ImportOptions& options, int output)
+{
+    const ModelStreamWriter::Sink sink = [&](std::span<const char> bytes) { WriteAll(output, bytes); };
+    ModelStreamWriter writer(sink);
+    double written = 0.0;
+    const auto report = [&](double fraction) {
+        // Some libraries report every entity.
+        constexpr double kStep = 0.005;
+        if (fraction < written + kStep)
+            return;
+        written = fraction;
+        writer.WriteProgress(fraction);
+    };
+    Model model;
+    try {
+        model = ReadModelFile(path, options, report);
+    } catch (const FileError& error) {
+        return writer.WriteFailure(ReasonOf(error, path));
+    } catch (const std::bad_alloc&) {
+        _exit(kOutOfMemoryStatus);
+    } catch (const std::exception& error) {
+        return writer.WriteFailure("cannot be read: " + std::string(error.what()));
+    } catch (...) {
+        return writer.WriteFailure("cannot be read");
+    }
+    writer.WriteModel(model);
+}
+
+} // namespace
+
+std::vector<std::string> ReaderArguments(const std::string& path, const ImportOptions& options,
+                                         const ReaderLimits& limits, int parent)
+{
+    return {std::string(kReaderArgument),
+            ToText(parent),
+            ToText(limits.processor.count()),
+            ToText(limits.memory),
+            options.deflection ? ToText(*options.deflection) : std::string(kNoDeflection),
+            path};
+}
+
+void RunAsReader(int argc, const char* const* argv)
+{
+    if (argc != kReaderArgumentCount || argv[1] != kReaderArgument)
+        return;
+    EndWithParent(FromText<int>(argv[2]));
+    const int output = TakeOutput();
+    const auto processor = std::chrono::seconds(FromText<std::chrono::seconds::rep>(argv[3]));
+    LimitProcess(processor, FromText<std::size_t>(argv[4]));
+    ImportOptions options;
+    if (argv[5] != kNoDeflection)
+        options.deflection = FromText<double>(argv[5]);
+    ReadAndWrite(argv[6], options, output);
+    // What the libraries would do at an orderly end takes time and helps nobody.
+    _exit(0);
+}
+
+} // namespace viewer

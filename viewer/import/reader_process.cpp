@@ -1,0 +1,316 @@
+#include "viewer/import/reader_process.h"
+
+#include "viewer/file_error.h"
+#include "viewer/import/interrupt_watch.h"
+#include "viewer/import/model_stream.h"
+#include "viewer/import/process_limits.h"
+#include "viewer/import/reader_child.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <span>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace viewer
+{
+
+namespace
+{
+
+constexpr std::size_t kMebibyte = 1U << 20U;
+
+/// Both ends of a pipe.
+class Pipe
+{
+  public:
+    /// Throws std::system_error.
+    Pipe()
+    {
+        if (pipe2(ends_.data(), O_CLOEXEC) != 0)
+            throw std::system_error(errno, std::generic_category());
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    ~Pipe()
+    {
+        close(ends_[0]);
+        CloseWriting();
+    }
+
+    [[nodiscard]] int Reading() const { return ends_[0]; }
+    [[nodiscard]] int Writing() const { return ends_[1]; }
+    void CloseWriting()
+    {
+        if (ends_[1] >= 0)
+            close(ends_[1]);
+        ends_[1] = -1;
+    }
+
+  private:
+    std::array<int, 2> ends_{-1, -1};
+};
+
+/// What a process is started with.
+class SpawnSettings
+{
+  public:
+    /// The process's standard output is the descriptor.
+    explicit SpawnSettings(int output)
+    {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
+        posix_spawnattr_init(&attributes_);
+        // In a group of its own, Ctrl-C reaches this process alone, and it decides.
+        posix_spawnattr_setpgroup(&attributes_, 0);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&attributes_, &signals);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXCPU})
+            sigaddset(&signals, signal);
+        posix_spawnattr_setsigdefault(&attributes_, &signals);
+        posix_spawnattr_setflags(&attributes_,
+                                 POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+    ~SpawnSettings()
+    {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+
+    /// Returns the process's id; throws std::system_error.
+    [[nodiscard]] pid_t Start(const std::string& program, std::vector<std::string> arguments) const
+    {
+        arguments.insert(arguments.begin(), "karv-view");
+        std::vector<char*> pointers;
+        pointers.reserve(arguments.size() + 1);
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        pid_t id = 0;
+        const int error =
+            posix_spawn(&id, program.c_str(), &actions_, &attributes_, pointers.data(), environ);
+        if (error != 0)
+            throw std::system_error(error, std::generic_category());
+        return id;
+    }
+
+  private:
+    posix_spawn_file_actions_t actions_{};
+    posix_spawnattr_t attributes_{};
+};
+
+/// A process that reads, and the end of its stream; neither outlives the object.
+class ReaderProcess
+{
+  public:
+    explicit ReaderProcess(const std::string& program, std::vector<std::string> arguments)
+    {
+        id_ = SpawnSettings(stream_.Writing()).Start(program, std::move(arguments));
+        // The end of the stream is when the process has closed it, too.
+        stream_.CloseWriting();
+    }
+    ReaderProcess(const ReaderProcess&) = delete;
+    ReaderProcess& operator=(const ReaderProcess&) = delete;
+    ~ReaderProcess() { End(); }
+
+    [[nodiscard]] int Stream() const { return stream_.Reading(); }
+
+    /// Ends the process, unless it has ended by itself, and returns its status as waitpid gives it.
+    int End()
+    {
+        if (id_ == 0)
+            return status_;
+        // One that is about to end for another reason still ends for that one.
+        kill(id_, SIGKILL);
+        while (waitpid(id_, &status_, 0) < 0 && errno == EINTR) {
+        }
+        id_ = 0;
+        return status_;
+    }
+
+    /// In bytes; 0 where it cannot be told.
+    [[nodiscard]] std::size_t ResidentMemory() const
+    {
+        std::ifstream file("/proc/" + std::to_string(id_) + "/statm");
+        std::size_t all = 0;
+        std::size_t resident = 0;
+        file >> all >> resident;
+        return file ? resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) : 0;
+    }
+
+  private:
+    Pipe stream_;
+    pid_t id_ = 0;
+    int status_ = 0;
+};
+
+std::string SecondsText(std::chrono::milliseconds time)
+{
+    constexpr double kMilliseconds = 1000.0;
+    std::string text = std::to_string(static_cast<double>(time.count()) / kMilliseconds);
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.')
+        text.pop_back();
+    return text + " s";
+}
+
+/// The words of a reader in one line of reasonable length; they may come from the file.
+std::string OneLine(const std::string& text)
+{
+    constexpr std::size_t kLongest = 500;
+    std::string line;
+    for (const char c : text) {
+        const bool is_control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+        if (!is_control)
+            line += c;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    return line.size() > kLongest ? line.substr(0, kLongest) + "..." : line;
+}
+
+/// One file on its way in.
+class Import
+{
+  public:
+    Import(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
+           const Reader& reader)
+        : path_(path), progress_(progress), limits_(reader.limits),
+          process_(reader.program, ReaderArguments(path, options, reader.limits, getpid()))
+    {
+    }
+
+    Model Run()
+    {
+        try {
+            return ReadModelStream([&](std::span<char> buffer) { return Read(buffer); },
+                                   [&](double fraction) { Report(fraction); });
+        } catch (const ReportedFailure& failure) {
+            throw FileError(path_, OneLine(failure.what()));
+        } catch (const StreamError& error) {
+            if (!has_ended_)
+                FailWhereItIs(std::string("the reader's answer is damaged: ") + error.what());
+            FailBy(process_.End());
+        }
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    void Report(double fraction)
+    {
+        fraction_ = fraction;
+        if (progress_)
+            progress_(fraction);
+    }
+
+    [[noreturn]] void FailWhereItIs(std::string reason) const
+    {
+        if (fraction_ > 0.0)
+            reason += ", at " + std::to_string(static_cast<int>(std::floor(fraction_ * 100.0))) + " %";
+        throw FileError(path_, reason);
+    }
+
+    [[noreturn]] void FailForMemory() const
+    {
+        FailWhereItIs("needs more than " + std::to_string(limits_.memory / kMebibyte) +
+                      " MiB of memory to be read");
+    }
+
+    /// Says how the reader ended, which it did without an answer.
+    [[noreturn]] void FailBy(int status) const
+    {
+        if (WIFEXITED(status) && WEXITSTATUS(status) == kOutOfMemoryStatus)
+            FailForMemory();
+        if (WIFEXITED(status))
+            FailWhereItIs("the reader ended without an answer (status " +
+                          std::to_string(WEXITSTATUS(status)) + ")");
+        if (WTERMSIG(status) == SIGXCPU)
+            FailWhereItIs("takes more than " + SecondsText(limits_.processor) +
+                          " of processor time to be read");
+        FailWhereItIs("the reader crashed (" + std::string(strsignal(WTERMSIG(status))) + ")");
+    }
+
+    void CheckLimits()
+    {
+        if (Clock::now() >= end_)
+            FailWhereItIs("takes longer than " + SecondsText(limits_.wall) + " to be read");
+        if (received_ > limits_.memory || process_.ResidentMemory() > limits_.memory)
+            FailForMemory();
+    }
+
+    /// Waits for bytes of the stream and takes them.
+    std::size_t Read(std::span<char> buffer)
+    {
+        constexpr int kMillisecondsBetweenLooks = 20;
+        constexpr short kAnything = POLLIN | POLLHUP | POLLERR;
+        for (;;) {
+            std::array<pollfd, 2> waits{pollfd{process_.Stream(), POLLIN, 0},
+                                        pollfd{interrupts_.Descriptor(), POLLIN, 0}};
+            poll(waits.data(), waits.size(), kMillisecondsBetweenLooks);
+            if ((waits[1].revents & POLLIN) != 0)
+                FailWhereItIs("reading was cancelled");
+            CheckLimits();
+            if ((waits[0].revents & kAnything) == 0)
+                continue;
+            const ssize_t count = read(process_.Stream(), buffer.data(), buffer.size());
+            if (count < 0 && (errno == EINTR || errno == EAGAIN))
+                continue;
+            has_ended_ = count <= 0;
+            received_ += has_ended_ ? 0 : static_cast<std::size_t>(count);
+            return has_ended_ ? 0 : static_cast<std::size_t>(count);
+        }
+    }
+
+    const std::string& path_;
+    const ProgressFunction& progress_;
+    const ReaderLimits& limits_;
+    InterruptWatch interrupts_;
+    ReaderProcess process_;
+    Clock::time_point end_ = Clock::now() + limits_.wall;
+    double fraction_ = 0.0;
+    std::size_t received_ = 0;
+    bool has_ended_ = false;
+};
+
+} // namespace
+
+std::size_t DefaultReaderMemory()
+{
+    constexpr std::size_t kLeast = 1024 * kMebibyte;
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_size = sysconf(_SC_PAGESIZE);
+    if (pages <= 0 || page_size <= 0)
+        return kLeast;
+    return std::max(kLeast, static_cast<std::size_t>(pages) * static_cast<std::size_t>(page_size) / 2);
+}
+
+Model ImportModel(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
+                  const Reader& reader)
+{
+    std::optional<Import> import;
+    try {
+        import.emplace(path, options, progress, reader);
+    } catch (const std::system_error& error) {
+        throw FileError(path, "its reader cannot be started: " + error.code().message());
+    }
+    return import->Run();
+}
+
+} // namespace viewer
