@@ -1,7 +1,8 @@
 #include "platform/winsys/frame_clock.h"
 
 #include <chrono>
-#include <memory>
+#include <cstddef>
+#include <new>
 #include <utility>
 
 namespace winsys
@@ -9,10 +10,14 @@ namespace winsys
 namespace
 {
 
-std::function<std::clock_t()>& ReplacedClock()
+using Clock = std::function<std::clock_t()>;
+
+/// Never destroyed: the last frame may come after this library's statics are gone. Nor on the heap: a frame
+/// allocates nothing, the first one included.
+Clock& ReplacedClock()
 {
-    // Never destroyed: the last frame may come after this library's statics are gone.
-    static auto* const clock = std::make_unique<std::function<std::clock_t()>>().release();
+    alignas(Clock) static std::byte place[sizeof(Clock)];
+    static Clock* const clock = ::new (place) Clock;
     return *clock;
 }
 
@@ -41,9 +46,7 @@ std::clock_t RealClock()
 
 std::clock_t FrameClock()
 {
-    if (const auto clock = ReplacedClock())
-        return clock();
-    return RealClock();
+    return ReplacedClock() ? ReplacedClock()() : RealClock();
 }
 
 void SetFrameClock(std::function<std::clock_t()> clock)
