@@ -352,6 +352,14 @@ TEST_F(Tessellation, ListIsStoredOnlyWhenItIsClosed)
     EXPECT_EQ(square.displayList, 4711U);
 }
 
+TEST_F(Tessellation, FaultBeforeItsEndLeavesNoTessellatorBehind)
+{
+    const GlRecording recording;
+    const auto hook = ThrowAt("gluTessEndPolygon", 1, 42);
+    const Entity entity = EntityOf(Square());
+    EXPECT_EQ(recording.Count("gluDeleteTess"), 1);
+}
+
 TEST_F(Tessellation, FaultAtTheEndOfTheTessellatorIsReportedByTheConstructor)
 {
     const TraceRecording trace;

@@ -20,7 +20,14 @@ BUILD = os.path.join(ROOT, "build", "linux-mutation")
 TREE = os.path.join(BUILD, "source")
 OBJECTS = os.path.join(BUILD, "objects")
 HOOK = os.path.join(BUILD, "switch.h")
-PROGRAMS = ("module_tests", "module_entry_tests", "module_load_tests", "frame_cost_tests", "control_model_tests")
+PROGRAMS = (
+    "module_tests",
+    "module_entry_tests",
+    "module_load_tests",
+    "frame_cost_tests",
+    "control_model_tests",
+    "processor_fault_tests",
+)
 
 HOOK_TEXT = f"""#pragma once
 #include <cstdlib>
@@ -42,7 +49,9 @@ SUBJECTS = {
     "module/dll_main.cpp": MODULE,
     "module/entry_point.cpp": MODULE,
     "module/extension_module.cpp": MODULE,
-    "module/guard.h": ["tests/module/guard_test.cpp", CONTROL + "trace_test.cpp"],
+    "module/guard.h": [
+        "tests/module/guard_test.cpp", "tests/module/processor_faults_test.cpp", CONTROL + "trace_test.cpp"
+    ],
     "control/KARVOpenGLControl.cpp": [
         CONTROL + name + "_test.cpp" for name in ("creation", "creation_failure", "defaults", "trace", "probe")
     ],
