@@ -46,7 +46,8 @@ std::clock_t RealClock()
 
 std::clock_t FrameClock()
 {
-    return ReplacedClock() ? ReplacedClock()() : RealClock();
+    const Clock& replaced = ReplacedClock();
+    return replaced ? replaced() : RealClock();
 }
 
 void SetFrameClock(std::function<std::clock_t()> clock)
