@@ -95,12 +95,11 @@ KARVGraphicalEntity::KARVGraphicalEntity(std::vector<KARVGLFace> source, EntityT
 {
     Guarded(L"KARVGraphicalEntity::KARVGraphicalEntity", kEntitySource, [&] {
         InitParameters();
-        for (KARVGLFace& face : source) {
+        for (KARVGLFace& face : source)
             if (face.vertices.size() >= 4)
                 TesselateFace(face);
             else
                 face.displayList = 0;
-        }
         faces = std::move(source);
         entityType = type;
         color = LookUpColor(color_index);

@@ -55,10 +55,9 @@ class Dispatch
     /// Takes an object that is being deleted out of every message it was handling.
     static void Forget(const CWnd* target) noexcept
     {
-        for (Dispatch* dispatch = innermost_; dispatch != nullptr; dispatch = dispatch->outer_) {
+        for (Dispatch* dispatch = innermost_; dispatch != nullptr; dispatch = dispatch->outer_)
             if (dispatch->target_ == target)
                 dispatch->target_ = nullptr;
-        }
     }
 
   private:
@@ -323,10 +322,9 @@ BOOL CWnd::PreTranslateMessage(MSG* /*message*/)
 LRESULT CWnd::WindowProc(UINT message, WPARAM wparam, LPARAM lparam)
 {
     for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr; map = map->base) {
-        for (const AFX_MSGMAP_ENTRY& entry : map->entries) {
+        for (const AFX_MSGMAP_ENTRY& entry : map->entries)
             if (entry.message == message)
                 return entry.dispatch(*this, wparam, lparam);
-        }
     }
     return DefWindowProc(message, wparam, lparam);
 }

@@ -59,10 +59,9 @@ void Body::getPhysicalEdgesAndVertices(bool with_edges, bool with_vertices, std:
 void Body::markSmoothEdges(double angle)
 {
     constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
-    for (Face& face : faces_) {
+    for (Face& face : faces_)
         if (!face.isPlaneEvaluated())
             face.evaluatePlane();
-    }
     for (Edge& edge : edges_) {
         if (edge.partner() == nullptr)
             continue;

@@ -29,20 +29,18 @@ const ImageRange& OwnImage()
 
 bool HasRoomFor(const ImageRange& image, std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         if (images.at(i) == image)
             return true;
-    }
     return count < kMaxImages;
 }
 
 void Add(const ImageRange& image)
 {
     const std::size_t count = image_count.load(std::memory_order_relaxed);
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         if (images.at(i) == image)
             return;
-    }
     images.at(count) = image;
     image_count.store(count + 1, std::memory_order_release);
 }
@@ -109,10 +107,9 @@ bool MayThrow(const Frame& frame)
 bool IsInCaughtImage(std::uintptr_t address) noexcept
 {
     const std::size_t count = image_count.load(std::memory_order_acquire);
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         if (images[i].Contains(address))
             return true;
-    }
     return false;
 }
 

@@ -59,10 +59,9 @@ bool HasRoom(std::uintptr_t stack)
 {
     constexpr std::uintptr_t kRoom = std::uintptr_t{64} * 1024;
     constexpr std::uintptr_t kPage = 4096;
-    for (std::uintptr_t below = 0; below <= kRoom; below += kPage) {
+    for (std::uintptr_t below = 0; below <= kRoom; below += kPage)
         if (!IsReadable(stack - below))
             return false;
-    }
     return true;
 }
 

@@ -61,14 +61,12 @@ FrameResolve::FrameResolve(int width, int height)
 {
     const Functions gl;
     // A function may be found that the context does not support.
-    if (!gl.complete || width < 1 || height < 1 || gl.Get(GL_MAJOR_VERSION) < 3) {
+    if (!gl.complete || width < 1 || height < 1 || gl.Get(GL_MAJOR_VERSION) < 3)
         return;
-    }
     const bool own_target =
         gl.Get(GL_READ_FRAMEBUFFER_BINDING) == 0 && gl.Get(GL_DRAW_FRAMEBUFFER_BINDING) == 0;
-    if (own_target && gl.Get(GL_SAMPLE_BUFFERS) > 0) {
+    if (own_target && gl.Get(GL_SAMPLE_BUFFERS) > 0)
         Copy(gl, width, height);
-    }
 }
 
 FrameResolve::~FrameResolve()
@@ -96,9 +94,8 @@ void FrameResolve::Copy(const Functions& gl, int width, int height)
     const bool scissor = gl.is_enabled(GL_SCISSOR_TEST) != GL_FALSE;
     gl.disable(GL_SCISSOR_TEST);
     gl.blit(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
-    if (scissor) {
+    if (scissor)
         gl.enable(GL_SCISSOR_TEST);
-    }
     gl.bind_framebuffer(GL_DRAW_FRAMEBUFFER, 0);
     gl.bind_framebuffer(GL_READ_FRAMEBUFFER, framebuffer_);
 }

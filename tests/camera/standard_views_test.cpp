@@ -121,10 +121,9 @@ TEST_P(StandardView, TracesTheOperationsItCalls)
         expected.emplace_back("KARVGLCamera::SetView" + std::string(GetParam().name));
     expected.insert(expected.end(),
                     {"KARVGLCamera::SetViewFront", "KARVGLCamera::ResetAngle", "KARVGLCamera::UpdateCamera"});
-    for (const double angle : {GetParam().orbit, GetParam().tilt}) {
+    for (const double angle : {GetParam().orbit, GetParam().tilt})
         if (angle != 0.0)
             expected.emplace_back("KARVGLCamera::RotateCamera");
-    }
     if (std::string(GetParam().name) != "Front")
         expected.emplace_back("KARVGLCamera::UpdateCamera");
     KARVGLCamera camera;
@@ -227,10 +226,9 @@ TEST(StandardViews, NaNTargetIsTaken)
 TEST(StandardViews, HundredViewsInARowDoNotDrift)
 {
     KARVGLCamera camera;
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 10; ++i)
         for (const View& view : kViews)
             (camera.*view.set)();
-    }
     KARVGLCamera once;
     once.SetViewNW();
     EXPECT_TRUE(karv_test::SameCamera(camera, once));

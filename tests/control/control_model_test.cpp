@@ -169,10 +169,9 @@ class Replay
     {
         if (auto difference = StateDifference(bench_.control, model_))
             return Failure{0, "a new control: " + *difference};
-        for (std::size_t step = 0; step < sequence.size(); ++step) {
+        for (std::size_t step = 0; step < sequence.size(); ++step)
             if (auto difference = Step(sequence[step]))
                 return Failure{step, *difference};
-        }
         return std::nullopt;
     }
 
@@ -228,10 +227,9 @@ class Replay
     /// What only the outside can tell about the step that was just made.
     void LookOutside(const std::vector<GlCall>& calls)
     {
-        for (const GlCall& call : calls) {
+        for (const GlCall& call : calls)
             if (call.name == "glNewList")
                 model_.outside.lists.push_back(static_cast<std::uint32_t>(call.values.at(0)));
-        }
         model_.outside.device_context =
             static_cast<double>(reinterpret_cast<std::uintptr_t>(bench_.control.hDC));
         model_.outside.rendering_context =

@@ -44,10 +44,9 @@ class ControlCreation : public ControlTest
     /// Leaves out what carries format numbers of the driver at hand.
     static std::vector<std::string> WithoutFormats(std::vector<std::string> lines)
     {
-        for (std::string& line : lines) {
+        for (std::string& line : lines)
             if (line.starts_with("SetPixelFormat"))
                 line = line.substr(0, line.find(',')) + ")";
-        }
         return lines;
     }
 };

@@ -289,10 +289,9 @@ class ControlRenderMode : public ControlCulling
         const GlRecording gl;
         control_->GLDrawFrame();
         std::vector<std::string> primitives;
-        for (const GlCall& call : gl.Calls()) {
+        for (const GlCall& call : gl.Calls())
             if (call.name == "glBegin")
                 primitives.push_back(call.text);
-        }
         return primitives;
     }
 };

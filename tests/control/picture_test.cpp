@@ -48,10 +48,9 @@ int HueOf(const Pixel& pixel)
 int CountHue(const Picture& picture, int hue)
 {
     int count = 0;
-    for (int y = 0; y < kSide; ++y) {
+    for (int y = 0; y < kSide; ++y)
         for (int x = 0; x < kSide; ++x)
             count += HueOf(picture.At(x, y)) == hue ? 1 : 0;
-    }
     return count;
 }
 
@@ -215,11 +214,9 @@ TEST_P(ControlPictureOfSide, ShowsTheSideItNamesAndNoOther)
     EXPECT_EQ(HueOf(picture.At(kMiddle, kMiddle)), GetParam().side);
     // The side is 0.36569 from the eye, where half the height is 0.1331: 36 pixels square.
     EXPECT_NEAR(CountHue(picture, GetParam().side), 36 * 36, 2 * 36);
-    for (const int hue : {kRed, kYellow, kGreen, kCyan, kBlue, kMagenta}) {
-        if (hue != GetParam().side) {
+    for (const int hue : {kRed, kYellow, kGreen, kCyan, kBlue, kMagenta})
+        if (hue != GetParam().side)
             EXPECT_EQ(CountHue(picture, hue), 0) << hue;
-        }
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Six, ControlPictureOfSide,

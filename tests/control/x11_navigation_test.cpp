@@ -72,9 +72,8 @@ class X11Navigation : public X11ManagedTest
         MSG message{};
         while (winsys::GetSwapCount(control_.m_hWnd) < last && GetMessageW(&message, nullptr, 0, 0) > 0) {
             DispatchMessageW(&message);
-            if (message.message == WM_TIMER && condition()) {
+            if (message.message == WM_TIMER && condition())
                 return true;
-            }
         }
         return false;
     }
@@ -94,9 +93,8 @@ class X11Navigation : public X11ManagedTest
         client_.MovePointer(x, y);
         client_.Press(button);
         const int steps = std::max(std::abs(dx), std::abs(dy));
-        for (int i = 1; i <= steps; ++i) {
+        for (int i = 1; i <= steps; ++i)
             client_.MovePointer(x + dx * i / steps, y + dy * i / steps);
-        }
         client_.Release(button);
         const POINT end{kWidth / 2 + dx, kHeight / 2 + dy};
         EXPECT_TRUE(PumpFrames([&] {
@@ -151,9 +149,8 @@ TEST_F(X11Navigation, LeftDragTurnsTheScene)
     client_.MovePointer(origin_.first + 10, origin_.second + kHeight / 2);
     Settle();
     client_.Press(1);
-    for (int i = 1; i <= 180; ++i) {
+    for (int i = 1; i <= 180; ++i)
         client_.MovePointer(origin_.first + 10 + i, origin_.second + kHeight / 2);
-    }
     client_.Release(1);
     EXPECT_TRUE(PumpFrames([&] { return static_cast<int>(control_.lastMousePoint.x) == 190; }));
     Settle();
@@ -214,9 +211,8 @@ TEST_F(X11Navigation, EveryStepOfADragCounts)
     const int tilted = Green().count;
     EXPECT_NE(tilted, first_.count);
     client_.Press(1);
-    for (int i = 79; i >= 0; --i) {
+    for (int i = 79; i >= 0; --i)
         client_.MovePointer(origin_.first + kWidth / 2, origin_.second + kHeight / 2 + i);
-    }
     client_.Release(1);
     EXPECT_TRUE(PumpFrames([&] { return static_cast<int>(control_.lastMousePoint.y) == kHeight / 2; }));
     Settle();
@@ -227,9 +223,8 @@ TEST_F(X11Navigation, DragBegunOutsideLeavesTheSceneAlone)
 {
     client_.MovePointer(900, 700);
     client_.Press(1);
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < 50; ++i)
         client_.MovePointer(origin_.first + 50 + i, origin_.second + 50 + i);
-    }
     client_.Release(1);
     Settle();
     EXPECT_EQ(Green().count, first_.count);
@@ -256,9 +251,8 @@ TEST_F(X11Navigation, ControlDoesNotTakeTheFocusOfAnotherWindow)
         return GetFocus() == front && client_.FindByName("front") == std::vector{client_.Focused()};
     }));
     // Every move over the viewport redraws, and every redraw asks for the focus.
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 20; ++i)
         client_.MovePointer(origin_.first + 50 + i, origin_.second + 50);
-    }
     Settle();
     EXPECT_EQ(client_.Focused(), IdOf("front"));
 }

@@ -2,7 +2,7 @@
 // square with a hole.
 //
 //   make_seeds FOLDER      into FOLDER/model_stream and FOLDER/body_builder
-#include "tests/viewer/stream_fixture.h"
+#include "tests/viewer/import/process/stream_fixture.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // Any bytes as the stream between the two processes: they make a model that can be shown, or a reason.
-#include "viewer/import/model_stream.h"
+#include "viewer/import/process/model_stream.h"
 
 #include <algorithm>
 #include <cmath>

@@ -129,10 +129,9 @@ TEST_F(EntryPoint, EveryOtherMessageDoesNothing)
     const ScopedDynamicLinker none(nullptr);
     std::vector<std::int32_t> messages = {-1, std::numeric_limits<std::int32_t>::min(),
                                           std::numeric_limits<std::int32_t>::max(), 0x10001};
-    for (std::int32_t message = 0; message < 100; ++message) {
+    for (std::int32_t message = 0; message < 100; ++message)
         if (message != 1)
             messages.push_back(message);
-    }
     for (const std::int32_t message : messages)
         EXPECT_EQ(acrxEntryPoint(static_cast<Message>(message), application_), Answer::Ok) << message;
 }

@@ -68,10 +68,9 @@ std::vector<Symbol> Symbols(const std::string& option, bool demangle = true)
 std::vector<std::string> GlNames()
 {
     std::vector<std::string> names;
-    for (const Symbol& symbol : Symbols("--undefined-only", false)) {
+    for (const Symbol& symbol : Symbols("--undefined-only", false))
         if (symbol.name.size() > 2 && symbol.name.starts_with("gl"))
             names.push_back(symbol.name);
-    }
     return names;
 }
 
@@ -84,10 +83,9 @@ bool IsInstrumented()
 
 bool Exports(const std::string& name)
 {
-    for (const Symbol& symbol : Symbols("--defined-only")) {
+    for (const Symbol& symbol : Symbols("--defined-only"))
         if (symbol.name == name || symbol.name.starts_with(name + "("))
             return true;
-    }
     return false;
 }
 

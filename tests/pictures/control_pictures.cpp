@@ -92,10 +92,9 @@ void DrawAll(const std::filesystem::path& folder)
     if (!host.CreateEx(0, AfxRegisterWndClass(0), L"pictures", WS_POPUP | WS_VISIBLE,
                        CRect(0, 0, kWidth, kHeight), nullptr, 0))
         throw std::runtime_error("no window can be made");
-    for (const Scene& scene : karv_test::Scenes()) {
+    for (const Scene& scene : karv_test::Scenes())
         for (const View& view : kViews)
             Draw(scene, view, host, folder);
-    }
     host.DestroyWindow();
     winsys::SetFrameClock({});
 }

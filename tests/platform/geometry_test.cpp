@@ -28,10 +28,9 @@ void ExpectNear(const AcGePoint3d& actual, const AcGePoint3d& expected, double t
 
 void ExpectIdentity(const AcGeMatrix3d& matrix)
 {
-    for (int row = 0; row < 4; ++row) {
+    for (int row = 0; row < 4; ++row)
         for (int column = 0; column < 4; ++column)
             EXPECT_EQ(matrix.entry[row][column], row == column ? 1.0 : 0.0) << row << ", " << column;
-    }
 }
 
 AcGeVector3d Turned(AcGeVector3d vector, double angle, const AcGeVector3d& pivot)
@@ -393,10 +392,9 @@ TEST(Geometry, TurnAndTurnBackIsTheIdentity)
     const AcGeMatrix3d there = AcGeMatrix3d().setToRotation(0.8, axis, center);
     const AcGeMatrix3d back = AcGeMatrix3d().setToRotation(-0.8, axis, center);
     const AcGeMatrix3d both = back * there;
-    for (int row = 0; row < 4; ++row) {
+    for (int row = 0; row < 4; ++row)
         for (int column = 0; column < 4; ++column)
             EXPECT_NEAR(both.entry[row][column], row == column ? 1.0 : 0.0, 4 * kRounding);
-    }
 }
 
 TEST(Geometry, NanAngleFlowsThroughARotation)

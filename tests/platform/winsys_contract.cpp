@@ -25,9 +25,8 @@ bool IsFocusMessage(const std::string& name)
 std::string Narrow(const wchar_t* text)
 {
     std::string narrow;
-    for (; *text != L'\0'; ++text) {
+    for (; *text != L'\0'; ++text)
         narrow += static_cast<char>(*text);
-    }
     return narrow;
 }
 
@@ -79,9 +78,8 @@ WinsysContract::WinsysContract()
 WinsysContract::~WinsysContract()
 {
     handler_ = nullptr;
-    for (const HWND window : made_) {
+    for (const HWND window : made_)
         DestroyWindow(window);
-    }
     UnregisterClassW(kClassName, nullptr);
     ForgetObservers();
     running_ = nullptr;
@@ -156,9 +154,8 @@ bool WinsysContract::PumpUntil(const std::function<bool()>& condition, int limit
 {
     MSG message{};
     for (int i = 0; i < limit && !condition(); ++i) {
-        if (GetMessageW(&message, nullptr, 0, 0) <= 0) {
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0)
             break;
-        }
         DispatchMessageW(&message);
     }
     return condition();
@@ -173,30 +170,26 @@ MSG WinsysContract::Take(HWND window, UINT first, UINT last)
 
 LRESULT CALLBACK WinsysContract::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
-    if (message == WM_NCCREATE) {
+    if (message == WM_NCCREATE)
         running_->names_.emplace_back(window, Narrow(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpszName));
-    }
     // The last one of this handle: some systems use handles again.
     const auto named = std::ranges::find(std::views::reverse(running_->names_), window,
                                          &std::pair<HWND, std::string>::first);
     const std::string name = MessageName(message);
     const bool is_known = message >= WM_USER || name.starts_with("WM_");
-    if (is_known && named != running_->names_.rend()) {
+    if (is_known && named != running_->names_.rend())
         running_->messages_.push_back(named->second + ' ' + name);
-    }
     if (running_->handler_) {
-        if (const auto answer = running_->handler_(window, message, wparam, lparam)) {
+        if (const auto answer = running_->handler_(window, message, wparam, lparam))
             return *answer;
-        }
     }
     return DefWindowProcW(window, message, wparam, lparam);
 }
 
 GraphicsContract::~GraphicsContract()
 {
-    for (const HGLRC context : contexts_) {
+    for (const HGLRC context : contexts_)
         wglDeleteContext(context);
-    }
 }
 
 HGLRC GraphicsContract::MakeContext(HDC dc)
@@ -228,9 +221,8 @@ int GraphicsContract::Choose(HDC dc, const std::vector<int>& attributes, BOOL* s
     UINT count = 0;
     const auto choose = Look<PFNWGLCHOOSEPIXELFORMATARBPROC>("wglChoosePixelFormatARB");
     const BOOL chosen = choose(dc, list.data(), no_floats.data(), 1, &format, &count);
-    if (success != nullptr) {
+    if (success != nullptr)
         *success = chosen;
-    }
     return chosen != FALSE && count == 1 ? format : 0;
 }
 

@@ -19,13 +19,12 @@ std::vector<std::string> BackendNames()
 
 void InstallBackend(const std::string& name)
 {
-    if (name == "scripted") {
+    if (name == "scripted")
         ScriptedBackend::Install();
-    } else if (name == "x11") {
+    else if (name == "x11")
         winsys::UseBackend(winsys::MakeX11Backend(SharedXServer().Display()));
-    } else {
+    else
         winsys::UseBackend(winsys::MakeHeadlessBackend());
-    }
 }
 
 bool WaitForMessage()

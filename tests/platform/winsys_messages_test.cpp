@@ -54,9 +54,8 @@ TEST_P(WinsysMessages, PostedOnesKeepTheirOrderAndParameters)
 TEST_P(WinsysMessages, MouseMovesAreNotMerged)
 {
     const HWND window = MakeShown(L"a");
-    for (int x = 0; x < 3; ++x) {
+    for (int x = 0; x < 3; ++x)
         PostMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(x, 0));
-    }
     EXPECT_EQ(Pump(), 3);
 }
 
@@ -240,9 +239,8 @@ TEST_P(WinsysMessages, TwoTimersTakeTurns)
     const HWND window = MakeShown(L"a");
     int count[3]{};
     handler_ = [&](HWND, UINT message, WPARAM id, LPARAM) {
-        if (message == WM_TIMER) {
+        if (message == WM_TIMER)
             ++count[id];
-        }
         return std::nullopt;
     };
     SetTimer(window, 1, 1, nullptr);

@@ -129,9 +129,8 @@ TEST_P(WinsysProvider, ForeignLoopHandlesOneTimerMessageATurn)
         MSG message{};
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
             DispatchMessageW(&message);
-            if (message.message == WM_TIMER) {
+            if (message.message == WM_TIMER)
                 break;
-            }
         }
         EXPECT_EQ(frames, turn + 1) << "a readable descriptor always means a message";
     }
@@ -219,9 +218,8 @@ TEST_P(WinsysProvider, HandlerOfAChildsDestructionMayDestroyTheParent)
         const HWND parent = Make(L"parent");
         const HWND child = Make(L"child", WS_CHILD, parent);
         handler_ = [&](HWND window, UINT message, WPARAM, LPARAM) {
-            if (window == child && message == when) {
+            if (window == child && message == when)
                 DestroyWindow(parent);
-            }
             return std::nullopt;
         };
         TakeMessages();
@@ -239,9 +237,8 @@ TEST_P(WinsysProvider, DestructionDoesNotBeginTwice)
     BOOL second = TRUE;
     const HWND window = Make(L"a");
     handler_ = [&](HWND self, UINT message, WPARAM, LPARAM) {
-        if (message == WM_DESTROY) {
+        if (message == WM_DESTROY)
             second = DestroyWindow(self);
-        }
         return std::nullopt;
     };
     EXPECT_TRUE(DestroyWindow(window));
@@ -252,9 +249,8 @@ TEST_P(WinsysProvider, WindowDestroyedWhileItIsShownByItsCreationIsNotReturned)
 {
     const HWND parent = MakeShown(L"parent");
     handler_ = [&](HWND window, UINT message, WPARAM, LPARAM) {
-        if (message == WM_SHOWWINDOW) {
+        if (message == WM_SHOWWINDOW)
             DestroyWindow(window);
-        }
         return std::nullopt;
     };
     EXPECT_EQ(Make(L"child", WS_CHILD | WS_VISIBLE, parent), nullptr);
@@ -276,9 +272,8 @@ TEST_P(WinsysProvider, PlaceLeftToTheSystemIsTheOriginUntilItTells)
 {
     CREATESTRUCTW seen{};
     handler_ = [&](HWND, UINT message, WPARAM, LPARAM lparam) -> std::optional<LRESULT> {
-        if (message == WM_CREATE) {
+        if (message == WM_CREATE)
             seen = *reinterpret_cast<CREATESTRUCTW*>(lparam);
-        }
         return std::nullopt;
     };
     const HWND window = CreateWindowExW(0, L"Recorded", L"", WS_OVERLAPPED, CW_USEDEFAULT, 123, 400, 300,

@@ -167,9 +167,8 @@ TEST_P(WinsysScripted, NativeEventsWakeAForeignLoop)
 TEST_P(WinsysScripted, MouseOutsideTheClientAreaIsDropped)
 {
     const HWND window = MakeRecorded(L"a");
-    for (const POINT at : {POINT{-1, 0}, POINT{0, -1}, POINT{64, 0}, POINT{0, 64}}) {
+    for (const POINT at : {POINT{-1, 0}, POINT{0, -1}, POINT{64, 0}, POINT{0, 64}})
         backend_.QueueEvent([=](winsys::EventSink& sink) { sink.OnMouse(window, {.position = at}); });
-    }
     EXPECT_EQ(Take().message, WM_NULL);
     backend_.QueueEvent([=](winsys::EventSink& sink) { sink.OnMouse(window, {.position = {63, 63}}); });
     EXPECT_EQ(Take().message, WM_MOUSEMOVE);
@@ -274,9 +273,8 @@ TEST_P(WinsysScripted, EventHandlerMayDestroyTheWindow)
 {
     const HWND window = MakeRecorded(L"a");
     handler_ = [](HWND self, UINT message, WPARAM, LPARAM) {
-        if (message == WM_SIZE) {
+        if (message == WM_SIZE)
             DestroyWindow(self);
-        }
         return std::nullopt;
     };
     backend_.QueueEvent([=](winsys::EventSink& sink) {

@@ -103,9 +103,8 @@ TEST_P(WinsysWindows, CreationMessageCarriesTheArguments)
     CREATESTRUCTW seen{};
     int parameter = 0;
     handler_ = [&](HWND, UINT message, WPARAM, LPARAM lparam) -> std::optional<LRESULT> {
-        if (message == WM_CREATE) {
+        if (message == WM_CREATE)
             seen = *reinterpret_cast<CREATESTRUCTW*>(lparam);
-        }
         return std::nullopt;
     };
     const HWND window = CreateWindowExW(WS_EX_NOPARENTNOTIFY, L"Recorded", L"child", kVisibleChild, 1, 2, 3,
@@ -126,9 +125,8 @@ TEST_P(WinsysWindows, PlaceLeftToTheSystemIsResolvedBeforeTheCreationMessage)
 {
     CREATESTRUCTW seen{};
     handler_ = [&](HWND, UINT message, WPARAM, LPARAM lparam) -> std::optional<LRESULT> {
-        if (message == WM_CREATE) {
+        if (message == WM_CREATE)
             seen = *reinterpret_cast<CREATESTRUCTW*>(lparam);
-        }
         return std::nullopt;
     };
     const HWND known = Make(L"known");
@@ -175,9 +173,8 @@ TEST_P(WinsysWindows, WindowDestroyedWhileItIsMadeIsNotReturned)
     for (const UINT last : {WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE}) {
         const HWND parent = MakeShown(L"parent");
         handler_ = [&](HWND window, UINT message, WPARAM, LPARAM) {
-            if (message == last) {
+            if (message == last)
                 DestroyWindow(window);
-            }
             return std::nullopt;
         };
         EXPECT_EQ(Make(L"child", kVisibleChild, parent), nullptr) << MessageName(last);
@@ -283,13 +280,11 @@ TEST_P(WinsysWindows, HundredWindowsAtOnceGoWithTheirParent)
 {
     const HWND parent = Make(L"parent");
     std::vector<HWND> children;
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 100; ++i)
         children.push_back(Make(L"child", kVisibleChild, parent));
-    }
     DestroyWindow(parent);
-    for (const HWND child : children) {
+    for (const HWND child : children)
         EXPECT_FALSE(IsWindow(child));
-    }
 }
 
 TEST_P(WinsysWindows, MoveSendsOnlyWhatChanged)
@@ -434,9 +429,8 @@ TEST_P(WinsysWindows, HandlerThatGivesTheFocusBackWins)
     const HWND b = MakeShown(L"b");
     SetFocus(a);
     handler_ = [&](HWND window, UINT message, WPARAM, LPARAM) {
-        if (window == a && message == WM_KILLFOCUS) {
+        if (window == a && message == WM_KILLFOCUS)
             SetFocus(a);
-        }
         return std::nullopt;
     };
     SetFocus(b);

@@ -78,9 +78,8 @@ TEST(X11Choice, DefaultIsHeadlessWhereNoDisplayAnswers)
 
 TEST(X11Choice, ManyConnectionsInARow)
 {
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 20; ++i)
         winsys::UseBackend(winsys::MakeX11Backend(SharedXServer().Display()));
-    }
     winsys::UseBackend(nullptr);
 }
 
@@ -215,9 +214,8 @@ class X11Loss : public testing::Test
     static void Pump()
     {
         MSG message{};
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE)
             DispatchMessageW(&message);
-        }
     }
 
     XServer server_;
@@ -263,9 +261,8 @@ TEST_F(X11Loss, IsNoticedByASwap)
     server_.Kill();
     // The first frames may still go out, into a connection that nobody reads.
     int frames = 0;
-    while (DrawFrame() && frames < 10000) {
+    while (DrawFrame() && frames < 10000)
         ++frames;
-    }
     EXPECT_FALSE(DrawFrame());
     EXPECT_EQ(trace_.Faults().size(), 1U);
 }
@@ -275,9 +272,8 @@ TEST_F(X11Loss, LongDrawingAfterItReachesNoServer)
     server_.Kill();
     Pump();
     // Requests that nobody takes would fill Xlib's buffer, and end the process.
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 20000; ++i)
         DrawFrame();
-    }
     EXPECT_EQ(glGetString(GL_VERSION), nullptr) << "no context is current in GL any more";
     EXPECT_FALSE(wglMakeCurrent(GetDC(window_), context_));
     EXPECT_TRUE(wglDeleteContext(context_));

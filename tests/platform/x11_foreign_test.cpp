@@ -147,11 +147,9 @@ TEST_F(X11Foreign, ItsEndDestroysTheChildren)
     EXPECT_FALSE(IsWindow(child));
     EXPECT_FALSE(IsWindow(grandchild));
     std::vector<std::pair<HWND, UINT>> last;
-    for (const MSG& message : TakeMessages()) {
-        if (message.message == WM_DESTROY || message.message == WM_NCDESTROY) {
+    for (const MSG& message : TakeMessages())
+        if (message.message == WM_DESTROY || message.message == WM_NCDESTROY)
             last.emplace_back(message.hwnd, message.message);
-        }
-    }
     EXPECT_THAT(last, ElementsAre(std::pair(child, WM_DESTROY), std::pair(grandchild, WM_DESTROY),
                                   std::pair(grandchild, WM_NCDESTROY), std::pair(child, WM_NCDESTROY)));
     glClear(GL_COLOR_BUFFER_BIT);

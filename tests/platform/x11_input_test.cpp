@@ -115,9 +115,8 @@ TEST_F(X11Input, WheelTellsTheButtonsThatAreDown)
 TEST_F(X11Input, SidewaysWheelAndFurtherButtonsAreLeftOut)
 {
     client_.MovePointer(150, 100);
-    for (const unsigned button : {6U, 7U, 8U, 9U}) {
+    for (const unsigned button : {6U, 7U, 8U, 9U})
         client_.Click(button);
-    }
     Settle(window_, 151, 100);
     EXPECT_EQ(CountOf(WM_MOUSEWHEEL), 0);
     EXPECT_EQ(CountOf(WM_LBUTTONDOWN) + CountOf(WM_MBUTTONDOWN) + CountOf(WM_RBUTTONDOWN), 0);
@@ -127,21 +126,17 @@ TEST_F(X11Input, DragIsFollowedAtEveryEvent)
 {
     client_.MovePointer(110, 60);
     client_.Press(1);
-    for (int i = 1; i <= 100; ++i) {
+    for (int i = 1; i <= 100; ++i)
         client_.MovePointer(110 + i, 60 + i / 2);
-    }
     client_.Release(1);
     ASSERT_TRUE(PumpUntil([&] { return CountOf(WM_LBUTTONUP) == 1; }));
     std::vector<LPARAM> seen;
-    for (const MSG& move : MessagesOf(WM_MOUSEMOVE)) {
-        if (move.wParam == MK_LBUTTON) {
+    for (const MSG& move : MessagesOf(WM_MOUSEMOVE))
+        if (move.wParam == MK_LBUTTON)
             seen.push_back(move.lParam);
-        }
-    }
     std::vector<LPARAM> expected;
-    for (int i = 1; i <= 100; ++i) {
+    for (int i = 1; i <= 100; ++i)
         expected.push_back(MAKELPARAM(10 + i, 10 + i / 2));
-    }
     EXPECT_EQ(seen, expected);
 }
 
@@ -151,9 +146,8 @@ TEST_F(X11Input, DragIsFollowedAlthoughATimerIsAlwaysDue)
     SetTimer(window_, 1, 1, nullptr);
     client_.MovePointer(110, 60);
     client_.Press(1);
-    for (int i = 1; i <= 50; ++i) {
+    for (int i = 1; i <= 50; ++i)
         client_.MovePointer(110 + i, 60);
-    }
     client_.Release(1);
     MSG message{};
     bool is_over = false;
@@ -170,9 +164,8 @@ TEST_F(X11Input, DragIsFollowedAlthoughATimerIsAlwaysDue)
         is_over = CountOf(WM_LBUTTONUP) > 0 || frames > 1000;
     }
     int moves = 0;
-    for (const MSG& move : MessagesOf(WM_MOUSEMOVE)) {
+    for (const MSG& move : MessagesOf(WM_MOUSEMOVE))
         moves += move.wParam == MK_LBUTTON ? 1 : 0;
-    }
     EXPECT_EQ(moves, 50);
 }
 
@@ -260,9 +253,8 @@ TEST_F(X11Input, DragFromOneWindowIsNoneOfItsNeighbour)
     client_.MovePointer(160, 100);
     client_.Release(1);
     Settle(right, 252, 100);
-    for (const MSG& move : MessagesOf(WM_MOUSEMOVE)) {
+    for (const MSG& move : MessagesOf(WM_MOUSEMOVE))
         EXPECT_TRUE(move.hwnd == left || move.wParam == 0) << "a drag over the neighbour";
-    }
     EXPECT_EQ(CountOf(WM_LBUTTONUP), 1);
 }
 
@@ -286,11 +278,9 @@ TEST_F(X11Input, KeysComeWithTheirCharacters)
     client_.ReleaseKey("a");
     ASSERT_TRUE(PumpUntil([&] { return CountOf(WM_KEYUP) > 0; }));
     std::vector<std::pair<UINT, WPARAM>> keys;
-    for (const MSG& message : TakeMessages()) {
-        if (message.message >= WM_KEYDOWN && message.message <= WM_CHAR) {
+    for (const MSG& message : TakeMessages())
+        if (message.message >= WM_KEYDOWN && message.message <= WM_CHAR)
             keys.emplace_back(message.message, message.wParam);
-        }
-    }
     EXPECT_THAT(keys,
                 ElementsAre(std::pair<UINT, WPARAM>(WM_KEYDOWN, 'A'), std::pair<UINT, WPARAM>(WM_CHAR, 'a'),
                             std::pair<UINT, WPARAM>(WM_KEYUP, 'A')));

@@ -34,12 +34,10 @@ X11Test::X11Test()
 
 X11Test::~X11Test()
 {
-    for (const HGLRC context : contexts_) {
+    for (const HGLRC context : contexts_)
         wglDeleteContext(context);
-    }
-    for (const HWND window : made_) {
+    for (const HWND window : made_)
         DestroyWindow(window);
-    }
     PumpArrived();
     UnregisterClassW(kClassName, nullptr);
     winsys::UseBackend(nullptr);
@@ -110,9 +108,8 @@ XClient::Id X11Test::OnlyChildOf(XClient::Id window)
 void X11Test::PumpArrived()
 {
     MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE && message.message != WM_TIMER) {
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE && message.message != WM_TIMER)
         DispatchMessageW(&message);
-    }
 }
 
 bool X11Test::PumpUntil(const std::function<bool()>& condition)
@@ -158,9 +155,8 @@ X11Test::Size X11Test::ClientSizeOf(HWND window)
 
 LRESULT CALLBACK X11Test::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
-    if (message != WM_TIMER) {
+    if (message != WM_TIMER)
         running_->messages_.push_back({window, message, wparam, lparam, 0, {}});
-    }
     return DefWindowProcW(window, message, wparam, lparam);
 }
 
@@ -168,9 +164,8 @@ X11ManagedTest::X11ManagedTest()
 {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     bool is_managing = false;
-    while (!is_managing && std::chrono::steady_clock::now() < limit) {
+    while (!is_managing && std::chrono::steady_clock::now() < limit)
         is_managing = IsManaging();
-    }
     EXPECT_TRUE(is_managing);
 }
 
@@ -189,9 +184,8 @@ bool X11ManagedTest::IsManaging()
     constexpr int kPatience = 200;
     const XClient::Id probe = client_.MakeWindow(0, 0, 50, 50, 0, true);
     bool is_framed = false;
-    for (int i = 0; i < kPatience && !is_framed; ++i) {
+    for (int i = 0; i < kPatience && !is_framed; ++i)
         is_framed = client_.ParentOf(probe) != client_.Root() && client_.IsSeen(probe);
-    }
     client_.DestroyWindow(probe);
     return is_framed;
 }

@@ -143,9 +143,8 @@ TEST_F(X11Windows, ManyResizesFromOutsideThatWaitAreToldAsTheLast)
     const HWND window = MakeShown(L"a");
     PumpArrived();
     TakeMessages();
-    for (int width = 210; width < 230; ++width) {
+    for (int width = 210; width < 230; ++width)
         client_.MoveResize(IdOf("a"), 100, 50, width, 150);
-    }
     ASSERT_TRUE(PumpUntil([&] { return ClientSizeOf(window) == Size(229, 150); }));
     EXPECT_EQ(CountOf(WM_SIZE), 1);
 }
@@ -269,11 +268,9 @@ TEST_F(X11Windows, WindowDestroyedByAnotherProgramIsDestroyedWithItsChildren)
     ASSERT_TRUE(PumpUntil([&] { return IsWindow(window) == FALSE; }));
     EXPECT_FALSE(IsWindow(child));
     std::vector<std::pair<HWND, UINT>> last;
-    for (const MSG& message : TakeMessages()) {
-        if (message.message == WM_DESTROY || message.message == WM_NCDESTROY) {
+    for (const MSG& message : TakeMessages())
+        if (message.message == WM_DESTROY || message.message == WM_NCDESTROY)
             last.emplace_back(message.hwnd, message.message);
-        }
-    }
     EXPECT_THAT(last, ElementsAre(std::pair(window, WM_DESTROY), std::pair(child, WM_DESTROY),
                                   std::pair(child, WM_NCDESTROY), std::pair(window, WM_NCDESTROY)));
     glClear(GL_COLOR_BUFFER_BIT);

@@ -10,10 +10,9 @@ bool IsOfTheBoundary(const std::string& name)
         if (name.starts_with(std::string(type) + "::"))
             return true;
     }
-    for (const char* kind : {"vtable for ", "typeinfo for ", "typeinfo name for "}) {
+    for (const char* kind : {"vtable for ", "typeinfo for ", "typeinfo name for "})
         if (name == std::string(kind) + "KARVOpenGLControl")
             return true;
-    }
     return name == "acrxEntryPoint" || name == "acrxGetApiVersion";
 }
 

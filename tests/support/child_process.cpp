@@ -36,20 +36,17 @@ namespace
 ChildProcess::ChildProcess(const std::vector<std::string>& command)
 {
     std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+    if (pipe2(ends.data(), O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe to " + command.front());
-    }
     std::vector<std::string> words = command;
     std::ranges::replace(words, std::string("%fd"), std::to_string(ends[1]));
     std::vector<char*> arguments;
-    for (std::string& word : words) {
+    for (std::string& word : words)
         arguments.push_back(word.data());
-    }
     arguments.push_back(nullptr);
     id_ = fork();
-    if (id_ == 0) {
+    if (id_ == 0)
         RunChild(arguments.data(), ends[1]);
-    }
     close(ends[1]);
     announcements_ = ends[0];
     if (id_ < 0) {
@@ -70,11 +67,10 @@ std::string ChildProcess::ReadLine() const
     char next = '\0';
     while (true) {
         const ssize_t got = read(announcements_, &next, 1);
-        if (got == 1 && next != '\n') {
+        if (got == 1 && next != '\n')
             line += next;
-        } else if (got >= 0 || errno != EINTR) {
+        else if (got >= 0 || errno != EINTR)
             return line;
-        }
     }
 }
 

@@ -54,10 +54,9 @@ void ControlTest::TearDown()
     ::wglMakeCurrent(nullptr, nullptr);
     for (const HGLRC context : window_calls_.Contexts())
         ::wglDeleteContext(context);
-    for (const WindowCreation& creation : window_calls_.Creations()) {
+    for (const WindowCreation& creation : window_calls_.Creations())
         if (::IsWindow(creation.window))
             ::DestroyWindow(creation.window);
-    }
 }
 
 std::unique_ptr<KARVOpenGLControl> ControlTest::NewControl(bool transparent, int width, int height)

@@ -92,10 +92,9 @@ int WindowCalls::Count(std::string_view text) const
 
 const WindowCreation& WindowCalls::Creation(std::wstring_view name) const
 {
-    for (const WindowCreation& creation : creations_) {
+    for (const WindowCreation& creation : creations_)
         if (creation.name == name)
             return creation;
-    }
     throw std::out_of_range("no window of that name was created");
 }
 
@@ -314,9 +313,8 @@ HDC wglGetCurrentDC()
 PROC wglGetProcAddress(LPCSTR name)
 {
     Note(__func__, {name});
-    for (const EntryPointAnswer* answer : State().answers | std::views::reverse) {
+    for (const EntryPointAnswer* answer : State().answers | std::views::reverse)
         if (answer->EntryPoint() == name)
             return answer->Result();
-    }
     return Layer<&wglGetProcAddress>("_Z17wglGetProcAddressPKc")(name);
 }

@@ -42,10 +42,9 @@ struct Capability {
     GLenum value;
     operator GLenum() const
     {
-        for (const GlRefusal* refusal : State().refusals) {
+        for (const GlRefusal* refusal : State().refusals)
             if (refusal->Capability() == value)
                 return kUnknown;
-        }
         return value;
     }
 };
@@ -205,10 +204,9 @@ std::optional<std::uintptr_t> Hear(const char* name, Arguments... arguments)
     const std::vector<GlHook*> hooks = state.hooks;
     for (GlHook* hook : hooks)
         hook->Run(name);
-    for (const GlAnswer* answer : state.answers) {
+    for (const GlAnswer* answer : state.answers)
         if (const auto result = answer->For(call))
             return result;
-    }
     return std::nullopt;
 }
 

@@ -43,10 +43,9 @@ int GlRecording::Count(std::string_view name) const
 
 const GlCall& GlRecording::Call(std::string_view name, int index) const
 {
-    for (const GlCall& call : calls_) {
+    for (const GlCall& call : calls_)
         if (call.name == name && index-- == 0)
             return call;
-    }
     throw std::out_of_range("no such call of " + std::string(name));
 }
 

@@ -85,10 +85,9 @@ Pixel Picture::At(int x, int y) const
 int Picture::CountOtherThan(const Pixel& background) const
 {
     int count = 0;
-    for (int y = 0; y < height_; ++y) {
+    for (int y = 0; y < height_; ++y)
         for (int x = 0; x < width_; ++x)
             count += At(x, y) == background ? 0 : 1;
-    }
     return count;
 }
 

@@ -87,10 +87,9 @@ std::map<std::string, std::set<std::string>> ImageFile::Imports() const
                                [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
         std::set<std::string>& functions = libraries[library];
         const auto* entry = At<IMAGE_THUNK_DATA64>(from->OriginalFirstThunk);
-        for (; entry->u1.AddressOfData != 0; ++entry) {
+        for (; entry->u1.AddressOfData != 0; ++entry)
             if ((entry->u1.Ordinal & IMAGE_ORDINAL_FLAG64) == 0)
                 functions.insert(Text(entry->u1.AddressOfData + offsetof(IMAGE_IMPORT_BY_NAME, Name)));
-        }
     }
     return libraries;
 }

@@ -16,10 +16,9 @@ std::uintptr_t LoadAddress(const std::string& path_end)
 {
     // Lines come by address, which stands first.
     std::ifstream maps("/proc/self/maps");
-    for (std::string line; std::getline(maps, line);) {
+    for (std::string line; std::getline(maps, line);)
         if (line.ends_with(path_end))
             return std::stoull(line, nullptr, 16);
-    }
     return 0;
 }
 

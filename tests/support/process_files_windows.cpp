@@ -45,10 +45,9 @@ std::size_t BusyBytes(HANDLE heap)
     std::size_t bytes = 0;
     PROCESS_HEAP_ENTRY entry{};
     HeapLock(heap);
-    while (HeapWalk(heap, &entry) != FALSE) {
+    while (HeapWalk(heap, &entry) != FALSE)
         if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0)
             bytes += entry.cbData;
-    }
     HeapUnlock(heap);
     return bytes;
 }

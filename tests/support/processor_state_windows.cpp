@@ -39,10 +39,9 @@ std::size_t MemoryInUse(HANDLE heap)
     std::size_t total = 0;
     PROCESS_HEAP_ENTRY entry{};
     ::HeapLock(heap);
-    while (::HeapWalk(heap, &entry) != FALSE) {
+    while (::HeapWalk(heap, &entry) != FALSE)
         if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0)
             total += entry.cbData;
-    }
     ::HeapUnlock(heap);
     return total;
 }

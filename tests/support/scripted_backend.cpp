@@ -19,9 +19,8 @@ namespace
 std::string Quoted(const std::wstring& title)
 {
     std::string text = "\"";
-    for (const wchar_t character : title) {
+    for (const wchar_t character : title)
         text += character < 128 ? static_cast<char>(character) : '?';
-    }
     return text + '"';
 }
 
@@ -52,19 +51,16 @@ std::string AttributeValue(int value)
 std::string AttributeList(std::span<const int> attributes)
 {
     std::string text;
-    for (std::size_t i = 0; i + 1 < attributes.size(); i += 2) {
+    for (std::size_t i = 0; i + 1 < attributes.size(); i += 2)
         text += (i == 0 ? "" : " ") + AttributeName(attributes[i]) + '=' + AttributeValue(attributes[i + 1]);
-    }
     return text;
 }
 
 int AskedSamples(std::span<const int> attributes)
 {
-    for (std::size_t i = 0; i + 1 < attributes.size(); i += 2) {
-        if (attributes[i] == WGL_SAMPLES_ARB) {
+    for (std::size_t i = 0; i + 1 < attributes.size(); i += 2)
+        if (attributes[i] == WGL_SAMPLES_ARB)
             return attributes[i + 1];
-        }
-    }
     return 0;
 }
 
@@ -92,9 +88,8 @@ std::vector<std::string> ScriptedBackend::TakeLog()
 
 void ScriptedBackend::DestroyLeftWindows()
 {
-    while (!live_windows_.empty()) {
+    while (!live_windows_.empty())
         DestroyWindow(live_windows_.back());
-    }
 }
 
 void ScriptedBackend::QueueEvent(std::function<void(winsys::EventSink&)> event)
@@ -113,9 +108,8 @@ bool ScriptedBackend::CreateNativeWindow(HWND window, const winsys::NativeWindow
     titles_[window] = Quoted(description.title);
     const bool made =
         !IsToFail(Call::kCreateWindow) && HeadlessBackend::CreateNativeWindow(window, description);
-    if (made) {
+    if (made)
         live_windows_.push_back(window);
-    }
     return Note("CreateWindow(" + NameOf(window) + ')', made);
 }
 

@@ -38,20 +38,18 @@ std::vector<std::string> TraceRecording::Listing() const
 std::vector<std::string> TraceRecording::Faults() const
 {
     std::vector<std::string> faults;
-    for (const TraceRecord& record : Records()) {
+    for (const TraceRecord& record : Records())
         if (record.kind == TraceRecord::Kind::Fault)
             faults.push_back(Narrow(record.name) + ":" + std::to_string(record.line));
-    }
     return faults;
 }
 
 std::vector<std::string> TraceRecording::Calls() const
 {
     std::vector<std::string> calls;
-    for (const TraceRecord& record : Records()) {
+    for (const TraceRecord& record : Records())
         if (record.kind == TraceRecord::Kind::Enter)
             calls.push_back(Narrow(record.name));
-    }
     return calls;
 }
 
@@ -59,12 +57,11 @@ std::vector<std::string> TraceRecording::OutermostCalls() const
 {
     std::vector<std::string> calls;
     int depth = 0;
-    for (const TraceRecord& record : Records()) {
+    for (const TraceRecord& record : Records())
         if (record.kind == TraceRecord::Kind::Enter && depth++ == 0)
             calls.push_back(Narrow(record.name));
         else if (record.kind == TraceRecord::Kind::Leave)
             --depth;
-    }
     return calls;
 }
 

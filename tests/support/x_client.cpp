@@ -15,9 +15,8 @@ class XClient::Impl
   public:
     explicit Impl(const std::string& name) : display(XOpenDisplay(name.c_str()))
     {
-        if (display == nullptr) {
+        if (display == nullptr)
             throw std::runtime_error("no X server on " + name);
-        }
     }
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
@@ -70,12 +69,10 @@ class XClient::Impl
 
     void FindByName(Id window, const std::string& name, std::vector<Id>& found) const
     {
-        if (NameOf(window) == name) {
+        if (NameOf(window) == name)
             found.push_back(window);
-        }
-        for (const Id child : FamilyOf(window).children) {
+        for (const Id child : FamilyOf(window).children)
             FindByName(child, name, found);
-        }
     }
 
     void SendKey(const char* symbol, bool is_press) const
@@ -196,14 +193,12 @@ bool XClient::HasSeen(int type, int count)
         XEvent event;
         XNextEvent(impl_->display, &event);
         seen += event.type == type ? 1 : 0;
-        if (event.type != type) {
+        if (event.type != type)
             others.push_back(event);
-        }
     }
     std::reverse(others.begin(), others.end());
-    for (XEvent& event : others) {
+    for (XEvent& event : others)
         XPutBackEvent(impl_->display, &event);
-    }
     return seen >= count;
 }
 
@@ -263,11 +258,9 @@ std::vector<unsigned> XClient::Screen(int x, int y, int width, int height)
     XImage* image = XGetImage(impl_->display, Root(), x, y, static_cast<unsigned>(width),
                               static_cast<unsigned>(height), AllPlanes, ZPixmap);
     std::vector<unsigned> pixels;
-    for (int row = 0; row < height; ++row) {
-        for (int column = 0; column < width; ++column) {
+    for (int row = 0; row < height; ++row)
+        for (int column = 0; column < width; ++column)
             pixels.push_back(static_cast<unsigned>(XGetPixel(image, column, row)) & 0xFFFFFFU);
-        }
-    }
     XDestroyImage(image);
     return pixels;
 }

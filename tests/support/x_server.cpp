@@ -13,9 +13,8 @@ namespace
 Display* HoldDriver(const std::string& name)
 {
     Display* display = XOpenDisplay(name.c_str());
-    if (display != nullptr) {
+    if (display != nullptr)
         glXQueryExtensionsString(display, DefaultScreen(display));
-    }
     return display;
 }
 
@@ -28,9 +27,8 @@ XServer::XServer()
                 std::to_string(kWidth) + 'x' + std::to_string(kHeight) + "x24"})
 {
     const std::string number = process_.ReadLine();
-    if (number.empty()) {
+    if (number.empty())
         throw std::runtime_error("Xvfb does not start");
-    }
     display_ = ':' + number;
 }
 
@@ -41,9 +39,8 @@ XServer& SharedXServer()
     // leak checker can only name the driver while it is there.
     static Display* const driver_holder = HoldDriver(server.Display());
     static const bool announced = setenv("DISPLAY", server.Display().c_str(), 1) == 0;
-    if (!announced || driver_holder == nullptr) {
+    if (!announced || driver_holder == nullptr)
         throw std::runtime_error("the X server cannot be shared");
-    }
     return server;
 }
 

@@ -1,8 +1,8 @@
 // What tests of the sample host share: a folder of their own, small model files, and runs of the program.
 #pragma once
 
-#include "viewer/model.h"
-#include "viewer/options.h"
+#include "viewer/apps/karv-view/options.h"
+#include "viewer/scene/model.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "viewer/file_checks.h"
+#include "viewer/import/file_checks.h"
 
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
 #include "viewer/import/model_file.h"
 
-#include "viewer/file_checks.h"
-#include "viewer/file_error.h"
-#include "viewer/import/brep_import.h"
-#include "viewer/import/dxf_import.h"
-#include "viewer/mesh_import.h"
+#include "viewer/import/brep/brep_import.h"
+#include "viewer/import/dxf/dxf_import.h"
+#include "viewer/import/file_checks.h"
+#include "viewer/import/mesh/mesh_import.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // Any model file, whatever its kind, parsed in this process.
 #pragma once
 
-#include "viewer/import/import_options.h"
-#include "viewer/model.h"
-#include "viewer/progress.h"
+#include "viewer/import/process/import_options.h"
+#include "viewer/output/progress_line.h"
+#include "viewer/scene/model.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
-#include "viewer/model_tree.h"
+#include "viewer/output/model_list.h"
 
 #include "platform/host/cm/color.h"
-#include "viewer/solid.h"
+#include "viewer/scene/feature_edges.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // A model as text: the tree of its assemblies and pieces, with what each is made of.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <iosfwd>
 

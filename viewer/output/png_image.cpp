@@ -1,6 +1,6 @@
-#include "viewer/canvas.h"
+#include "viewer/output/png_image.h"
 
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <cairo.h>
 

@@ -1,7 +1,7 @@
 // Pictures on their way into PNG files, and text on them; the Cairo library does both.
 #pragma once
 
-#include "viewer/picture.h"
+#include "viewer/output/picture.h"
 
 #include <memory>
 #include <string>

@@ -1,4 +1,4 @@
-#include "viewer/progress.h"
+#include "viewer/output/progress_line.h"
 
 #include <algorithm>
 #include <cmath>

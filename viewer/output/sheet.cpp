@@ -1,6 +1,6 @@
-#include "viewer/sheet.h"
+#include "viewer/output/sheet.h"
 
-#include "viewer/canvas.h"
+#include "viewer/output/png_image.h"
 
 #include <algorithm>
 #include <array>

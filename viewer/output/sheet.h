@@ -1,9 +1,9 @@
 // How the ten standard views lie on one labelled sheet.
 #pragma once
 
-#include "viewer/options.h"
-#include "viewer/picture.h"
-#include "viewer/standard_view.h"
+#include "viewer/apps/karv-view/options.h"
+#include "viewer/output/picture.h"
+#include "viewer/scene/standard_view.h"
 
 #include <functional>
 #include <optional>

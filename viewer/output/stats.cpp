@@ -1,4 +1,4 @@
-#include "viewer/stats.h"
+#include "viewer/output/stats.h"
 
 #include <nlohmann/json.hpp>
 

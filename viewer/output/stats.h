@@ -1,7 +1,7 @@
 // The figures of a run, as --stats prints them.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <cstddef>
 #include <string>

@@ -1,6 +1,6 @@
-#include "viewer/bundled_model.h"
+#include "viewer/scene/bundled_model.h"
 
-#include "viewer/extrusion.h"
+#include "viewer/scene/extrusion.h"
 
 #include <iterator>
 #include <utility>

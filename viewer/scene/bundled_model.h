@@ -1,7 +1,7 @@
 // The model that is shown when none is named: a pillow block with its bolts, made here point by point.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 namespace viewer
 {

@@ -1,4 +1,4 @@
-#include "viewer/extrusion.h"
+#include "viewer/scene/extrusion.h"
 
 #include <algorithm>
 #include <cmath>

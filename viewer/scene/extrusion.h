@@ -1,7 +1,7 @@
 // Solids from flat outlines: a cross-section, given as tiles without holes, is pushed along a direction.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <vector>
 

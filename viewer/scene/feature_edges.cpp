@@ -1,4 +1,4 @@
-#include "viewer/solid.h"
+#include "viewer/scene/feature_edges.h"
 
 #include "platform/modeler/body_builder.h"
 

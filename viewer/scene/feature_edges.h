@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/modeler/body.h"
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <functional>
 #include <optional>

@@ -1,7 +1,7 @@
-#include "viewer/fit.h"
+#include "viewer/scene/fitted_scene.h"
 
 #include "platform/host/db/entities.h"
-#include "viewer/solid.h"
+#include "viewer/scene/feature_edges.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
-#include "viewer/model.h"
-#include "viewer/standard_view.h"
+#include "viewer/scene/model.h"
+#include "viewer/scene/standard_view.h"
 
 #include <set>
 #include <vector>

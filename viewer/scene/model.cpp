@@ -1,4 +1,4 @@
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <algorithm>
 #include <cmath>

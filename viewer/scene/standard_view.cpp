@@ -1,4 +1,4 @@
-#include "viewer/standard_view.h"
+#include "viewer/scene/standard_view.h"
 
 #include <cstddef>
 

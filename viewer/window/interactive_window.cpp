@@ -1,7 +1,7 @@
-#include "viewer/interactive_window.h"
+#include "viewer/window/interactive_window.h"
 
-#include "viewer/canvas.h"
-#include "viewer/key_commands.h"
+#include "viewer/output/png_image.h"
+#include "viewer/window/key_commands.h"
 
 #include <array>
 #include <exception>

@@ -2,7 +2,7 @@
 // this window's. A key is looked at before it is dispatched, because the control has the focus.
 #pragma once
 
-#include "viewer/model_window.h"
+#include "viewer/window/model_window.h"
 
 #include <cstddef>
 #include <iosfwd>

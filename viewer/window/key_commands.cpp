@@ -1,6 +1,6 @@
-#include "viewer/key_commands.h"
+#include "viewer/window/key_commands.h"
 
-#include "viewer/interactive_window.h"
+#include "viewer/window/interactive_window.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "viewer/message_loop.h"
+#include "viewer/window/message_loop.h"
 
 #include "platform/framework/window.h"
 

@@ -1,4 +1,4 @@
-#include "viewer/model_window.h"
+#include "viewer/window/model_window.h"
 
 #include "platform/tools/utf8.h"
 

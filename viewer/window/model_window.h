@@ -1,8 +1,8 @@
 // A window with one model in its viewport, fitted: what pictures and interactive windows have in common.
 #pragma once
 
-#include "viewer/fit.h"
-#include "viewer/viewport_window.h"
+#include "viewer/scene/fitted_scene.h"
+#include "viewer/window/viewport_window.h"
 
 #include <memory>
 

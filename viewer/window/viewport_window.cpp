@@ -1,4 +1,4 @@
-#include "viewer/viewport_window.h"
+#include "viewer/window/viewport_window.h"
 
 #include "platform/winsys/opengl.h"
 #include "platform/winsys/provider.h"

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
-#include "viewer/options.h"
-#include "viewer/picture.h"
+#include "viewer/apps/karv-view/options.h"
+#include "viewer/output/picture.h"
 
 #include <string>
 

@@ -120,9 +120,8 @@ Adesk::UInt8 NearestColorIndex(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt
 {
     const Adesk::UInt32 wanted = Pack(red, green, blue);
     std::size_t best = 1;
-    for (std::size_t index = 2; index < kPalette.size(); ++index) {
+    for (std::size_t index = 2; index < kPalette.size(); ++index)
         if (SquaredDistance(kPalette[index], wanted) < SquaredDistance(kPalette[best], wanted))
             best = index;
-    }
     return static_cast<Adesk::UInt8>(best);
 }

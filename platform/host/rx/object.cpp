@@ -4,10 +4,9 @@ AcRxClass::AcRxClass(const wchar_t* name, const AcRxClass* parent) : name_(name)
 
 bool AcRxClass::isDerivedFrom(const AcRxClass* other) const noexcept
 {
-    for (const AcRxClass* ancestor = this; ancestor != nullptr; ancestor = ancestor->parent_) {
+    for (const AcRxClass* ancestor = this; ancestor != nullptr; ancestor = ancestor->parent_)
         if (ancestor == other)
             return true;
-    }
     return false;
 }
 

@@ -77,10 +77,9 @@ bool IsWhole(std::ifstream& file, const IMAGE_NT_HEADERS64& headers, std::uintma
     std::vector<IMAGE_SECTION_HEADER> sections(headers.FileHeader.NumberOfSections);
     if (!ReadAt(file, sections_start, sections.data(), sections.size()))
         return false;
-    for (const IMAGE_SECTION_HEADER& section : sections) {
+    for (const IMAGE_SECTION_HEADER& section : sections)
         if (!Holds(size, section.PointerToRawData, section.SizeOfRawData))
             return false;
-    }
     const std::uintmax_t symbols = headers.FileHeader.PointerToSymbolTable;
     if (symbols != 0) {
         // The names follow; their length, itself counted, comes first.
@@ -198,10 +197,9 @@ bool IsWhole(std::ifstream& file, const ElfHeader& header, std::uintmax_t size)
     std::vector<ElfSegment> segments(header.e_phnum);
     if (!ReadAt(file, header.e_phoff, segments.data(), segments.size()))
         return false;
-    for (const ElfSegment& segment : segments) {
+    for (const ElfSegment& segment : segments)
         if (segment.p_type == PT_LOAD && !Holds(size, segment.p_offset, segment.p_filesz))
             return false;
-    }
     return Holds(size, header.e_shoff, std::uintmax_t{header.e_shnum} * header.e_shentsize);
 }
 

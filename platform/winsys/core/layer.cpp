@@ -9,9 +9,8 @@ namespace winsys::core
 
 Backend& Layer::InstalledBackend()
 {
-    if (backend == nullptr) {
+    if (backend == nullptr)
         backend = MakeDefaultBackend();
-    }
     return *backend;
 }
 
@@ -42,23 +41,20 @@ DescriptorUpdate::~DescriptorUpdate()
 
 void NativeEvents::OnResize(HWND window, SIZE size)
 {
-    if (const Window* record = GetLayer().windows.Find(window); record != nullptr) {
+    if (const Window* record = GetLayer().windows.Find(window); record != nullptr)
         SetGeometry(window, record->position, size, true);
-    }
 }
 
 void NativeEvents::OnMove(HWND window, POINT position)
 {
-    if (const Window* record = GetLayer().windows.Find(window); record != nullptr) {
+    if (const Window* record = GetLayer().windows.Find(window); record != nullptr)
         SetGeometry(window, position, record->size, true);
-    }
 }
 
 void NativeEvents::OnClose(HWND window)
 {
-    if (GetLayer().windows.Find(window) != nullptr) {
+    if (GetLayer().windows.Find(window) != nullptr)
         GetLayer().queue.Post(window, WM_CLOSE, 0, 0);
-    }
 }
 
 void NativeEvents::OnExpose(HWND window)
@@ -71,9 +67,8 @@ void NativeEvents::OnMouse(HWND window, const MouseEvent& event)
     Layer& layer = GetLayer();
     const Window* record = layer.windows.Find(window);
     const POINT at = event.position;
-    if (record == nullptr || at.x < 0 || at.y < 0 || at.x >= record->size.cx || at.y >= record->size.cy) {
+    if (record == nullptr || at.x < 0 || at.y < 0 || at.x >= record->size.cx || at.y >= record->size.cy)
         return;
-    }
     const POINT origin = layer.windows.ScreenOrigin(*record);
     const POINT on_screen{origin.x + at.x, origin.y + at.y};
     layer.queue.SetPointer(on_screen);
@@ -90,18 +85,16 @@ void NativeEvents::OnKey(HWND window, UINT message, WPARAM code)
     constexpr LPARAM kOneRepeat = 1;
     Layer& layer = GetLayer();
     const HWND target = layer.focus == nullptr ? window : layer.focus;
-    if (layer.windows.Find(target) != nullptr) {
+    if (layer.windows.Find(target) != nullptr)
         layer.queue.Post(target, message, code, kOneRepeat);
-    }
 }
 
 void NativeEvents::OnFocus(HWND window, bool gained)
 {
     const Layer& layer = GetLayer();
     const bool inside = layer.focus != nullptr && layer.windows.IsWithin(layer.focus, window);
-    if (gained != inside && layer.windows.Find(window) != nullptr) {
+    if (gained != inside && layer.windows.Find(window) != nullptr)
         ChangeFocus(gained ? window : nullptr);
-    }
 }
 
 void NativeEvents::OnDestroyed(HWND window)

@@ -31,9 +31,8 @@ UINT_PTR MessageQueue::SetTimer(HWND window, UINT_PTR id, UINT period_ms, TIMERP
 bool MessageQueue::KillTimer(HWND window, UINT_PTR id)
 {
     const auto found = FindTimer(window, id);
-    if (found == timers_.end()) {
+    if (found == timers_.end())
         return false;
-    }
     timers_.erase(found);
     return true;
 }
@@ -46,15 +45,12 @@ bool MessageQueue::HasTimer(HWND window, TIMERPROC callback) const
 
 std::optional<MSG> MessageQueue::Next(const MessageFilter& filter, bool remove)
 {
-    if (auto message = NextPosted(filter, remove)) {
+    if (auto message = NextPosted(filter, remove))
         return message;
-    }
-    if (auto message = NextQuit(remove)) {
+    if (auto message = NextQuit(remove))
         return message;
-    }
-    if (auto message = NextPaint(filter)) {
+    if (auto message = NextPaint(filter))
         return message;
-    }
     return NextTimer(filter, remove);
 }
 
@@ -79,9 +75,8 @@ bool MessageQueue::Accepts(const MessageFilter& filter, HWND window, UINT messag
 {
     const bool in_range =
         (filter.first == 0 && filter.last == 0) || (filter.first <= message && message <= filter.last);
-    if (!in_range || filter.window == nullptr) {
+    if (!in_range || filter.window == nullptr)
         return in_range;
-    }
     return filter.window == ThreadMessagesOnly() ? window == nullptr
                                                  : windows_.IsWithin(window, filter.window);
 }
@@ -97,26 +92,22 @@ std::optional<MSG> MessageQueue::NextPosted(const MessageFilter& filter, bool re
 {
     const auto found = std::ranges::find_if(
         posted_, [&](const MSG& message) { return Accepts(filter, message.hwnd, message.message); });
-    if (found == posted_.end()) {
+    if (found == posted_.end())
         return std::nullopt;
-    }
     const MSG message = *found;
-    if (remove) {
+    if (remove)
         posted_.erase(found);
-    }
     return message;
 }
 
 std::optional<MSG> MessageQueue::NextQuit(bool remove)
 {
-    if (!quit_code_) {
+    if (!quit_code_)
         return std::nullopt;
-    }
     // The end of the queue passes every filter, or a filtered loop would never end.
     const MSG message = Stamp(nullptr, WM_QUIT, static_cast<WPARAM>(*quit_code_), 0);
-    if (remove) {
+    if (remove)
         quit_code_.reset();
-    }
     return message;
 }
 
@@ -131,9 +122,8 @@ std::optional<MSG> MessageQueue::NextTimer(const MessageFilter& filter, bool rem
 {
     const auto earliest = EarliestTimer(filter);
     const Clock::time_point now = Clock::now();
-    if (earliest == timers_.end() || earliest->due > now) {
+    if (earliest == timers_.end() || earliest->due > now)
         return std::nullopt;
-    }
     const auto found = FindTimer(earliest->window, earliest->id);
     if (remove) {
         // Counted from now, so that at most one message of a timer waits however long its handling takes.

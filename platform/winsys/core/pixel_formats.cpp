@@ -79,11 +79,9 @@ bool NoteAttribute(int attribute, int value, FormatDemand& demand, bool& impossi
 std::vector<int> RankFormats(std::span<const PixelFormat> formats, const FormatDemand& demand)
 {
     std::vector<int> ranked;
-    for (std::size_t i = 0; i < formats.size(); ++i) {
-        if (Meets(formats[i], demand)) {
+    for (std::size_t i = 0; i < formats.size(); ++i)
+        if (Meets(formats[i], demand))
             ranked.push_back(static_cast<int>(i) + 1);
-        }
-    }
     std::ranges::stable_sort(ranked, {},
                              [&](int format) { return Rank(formats[static_cast<std::size_t>(format) - 1]); });
     return ranked;
@@ -91,9 +89,8 @@ std::vector<int> RankFormats(std::span<const PixelFormat> formats, const FormatD
 
 int ChooseFormat(std::span<const PixelFormat> formats, const PIXELFORMATDESCRIPTOR& descriptor)
 {
-    if (descriptor.iPixelType != PFD_TYPE_RGBA) {
+    if (descriptor.iPixelType != PFD_TYPE_RGBA)
         return 0;
-    }
     const std::vector<int> ranked = RankFormats(formats, {.color_bits = descriptor.cColorBits,
                                                           .alpha_bits = descriptor.cAlphaBits,
                                                           .depth_bits = descriptor.cDepthBits,
@@ -126,16 +123,13 @@ PIXELFORMATDESCRIPTOR Describe(const PixelFormat& format)
 std::optional<std::vector<int>> MatchAttributes(std::span<const PixelFormat> formats,
                                                 std::span<const int> attributes)
 {
-    if (attributes.size() % 2 != 0) {
+    if (attributes.size() % 2 != 0)
         return std::nullopt;
-    }
     FormatDemand demand;
     bool impossible = false;
-    for (std::size_t i = 0; i < attributes.size(); i += 2) {
-        if (!NoteAttribute(attributes[i], attributes[i + 1], demand, impossible)) {
+    for (std::size_t i = 0; i < attributes.size(); i += 2)
+        if (!NoteAttribute(attributes[i], attributes[i + 1], demand, impossible))
             return std::nullopt;
-        }
-    }
     return impossible ? std::vector<int>{} : RankFormats(formats, demand);
 }
 

@@ -18,9 +18,8 @@ namespace
 void DropContexts(core::Layer& layer)
 {
     wglMakeCurrent(nullptr, nullptr);
-    for (const auto& [context, format] : layer.rendering_contexts) {
+    for (const auto& [context, format] : layer.rendering_contexts)
         layer.backend->DeleteContext(context);
-    }
     layer.rendering_contexts.clear();
 }
 
@@ -43,9 +42,8 @@ std::optional<NativePlace> Backend::AdoptNativeWindow(HWND, std::uintptr_t)
 std::optional<std::string> Backend::Extensions()
 {
     std::string words = "WGL_ARB_extensions_string WGL_ARB_pixel_format";
-    if (std::ranges::any_of(PixelFormats(), [](const PixelFormat& format) { return format.samples > 0; })) {
+    if (std::ranges::any_of(PixelFormats(), [](const PixelFormat& format) { return format.samples > 0; }))
         words += " WGL_ARB_multisample";
-    }
     return words;
 }
 
@@ -79,9 +77,8 @@ void UseBackend(std::unique_ptr<Backend> backend)
 {
     const core::DescriptorUpdate update;
     core::Layer& layer = core::GetLayer();
-    if (!layer.windows.IsEmpty()) {
+    if (!layer.windows.IsEmpty())
         throw std::logic_error("the window backend cannot change while a window exists");
-    }
     DropContexts(layer);
     layer.backend = std::move(backend);
 }
@@ -110,9 +107,8 @@ int GetMessageDescriptor()
 {
     const core::DescriptorUpdate update;
     core::Layer& layer = core::GetLayer();
-    if (layer.descriptor == nullptr) {
+    if (layer.descriptor == nullptr)
         layer.descriptor = std::make_unique<core::WaitDescriptor>();
-    }
     return layer.descriptor->Get();
 }
 

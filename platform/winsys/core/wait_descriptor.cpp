@@ -21,9 +21,8 @@ itimerspec ToTimerSpec(std::optional<std::chrono::steady_clock::time_point> due)
             std::chrono::duration_cast<std::chrono::nanoseconds>(due->time_since_epoch()).count();
         spec.it_value.tv_sec = nanoseconds / 1'000'000'000;
         spec.it_value.tv_nsec = nanoseconds % 1'000'000'000;
-        if (nanoseconds <= 0) {
+        if (nanoseconds <= 0)
             spec.it_value = {0, 1};
-        }
     }
     return spec;
 }
@@ -32,9 +31,8 @@ itimerspec ToTimerSpec(std::optional<std::chrono::steady_clock::time_point> due)
 
 UniqueDescriptor::~UniqueDescriptor()
 {
-    if (descriptor_ >= 0) {
+    if (descriptor_ >= 0)
         close(descriptor_);
-    }
 }
 
 WaitDescriptor::WaitDescriptor()

@@ -69,9 +69,8 @@ const char* WINAPI GetExtensionsString(HDC dc)
 {
     winsys::Backend* backend = FindBackendOf(dc);
     const auto extensions = backend == nullptr ? std::nullopt : backend->Extensions();
-    if (!extensions) {
+    if (!extensions)
         return nullptr;
-    }
     std::string& kept = GetLayer().extensions;
     kept = *extensions;
     return kept.c_str();
@@ -81,9 +80,8 @@ const char* WINAPI GetExtensionsString(HDC dc)
 std::span<const int> AttributePairs(const int* attributes)
 {
     std::size_t length = 0;
-    while (attributes != nullptr && attributes[length] != 0) {
+    while (attributes != nullptr && attributes[length] != 0)
         length += 2;
-    }
     return {attributes, length};
 }
 
@@ -91,13 +89,11 @@ BOOL WINAPI ChooseFormats(HDC dc, const int* attributes, const float*, UINT max_
                           UINT* count)
 {
     winsys::Backend* backend = FindBackendOf(dc);
-    if (backend == nullptr || count == nullptr || (formats == nullptr && max_formats > 0)) {
+    if (backend == nullptr || count == nullptr || (formats == nullptr && max_formats > 0))
         return FALSE;
-    }
     const auto matches = backend->MatchFormats(AttributePairs(attributes));
-    if (!matches) {
+    if (!matches)
         return FALSE;
-    }
     *count = std::min(max_formats, static_cast<UINT>(matches->size()));
     std::copy_n(matches->begin(), *count, formats);
     return TRUE;
@@ -124,31 +120,25 @@ const std::array<EntryPoint, 2> kEntryPoints{{
 
 HDC GetDC(HWND window)
 {
-    if (window == nullptr) {
+    if (window == nullptr)
         return NewDeviceContext(nullptr);
-    }
     Window* record = GetLayer().windows.Find(window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return nullptr;
-    }
-    if ((record->window_class->record.style & CS_OWNDC) == 0) {
+    if ((record->window_class->record.style & CS_OWNDC) == 0)
         return NewDeviceContext(window);
-    }
-    if (record->own_dc == nullptr) {
+    if (record->own_dc == nullptr)
         record->own_dc = NewDeviceContext(window);
-    }
     return record->own_dc;
 }
 
 int ReleaseDC(HWND window, HDC dc)
 {
-    if (!IsDeviceContext(dc) || WindowFromDC(dc) != window) {
+    if (!IsDeviceContext(dc) || WindowFromDC(dc) != window)
         return 0;
-    }
     const Window* record = FindWindowOf(dc);
-    if (record == nullptr || record->own_dc != dc) {
+    if (record == nullptr || record->own_dc != dc)
         GetLayer().device_contexts.erase(dc);
-    }
     return 1;
 }
 
@@ -169,9 +159,8 @@ int DescribePixelFormat(HDC dc, int format, UINT size, PIXELFORMATDESCRIPTOR* de
     const auto formats = FormatsOf(dc);
     const auto count = static_cast<int>(formats.size());
     if (descriptor != nullptr) {
-        if (size < sizeof *descriptor || format < 1 || format > count) {
+        if (size < sizeof *descriptor || format < 1 || format > count)
             return 0;
-        }
         *descriptor = Describe(formats[static_cast<std::size_t>(format) - 1]);
     }
     return count;
@@ -180,15 +169,12 @@ int DescribePixelFormat(HDC dc, int format, UINT size, PIXELFORMATDESCRIPTOR* de
 BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*)
 {
     Window* window = FindWindowOf(dc);
-    if (window == nullptr || format < 1 || format > static_cast<int>(FormatsOf(dc).size())) {
+    if (window == nullptr || format < 1 || format > static_cast<int>(FormatsOf(dc).size()))
         return FALSE;
-    }
-    if (window->pixel_format != 0) {
+    if (window->pixel_format != 0)
         return window->pixel_format == format ? TRUE : FALSE;
-    }
-    if (!GetLayer().backend->SetNativePixelFormat(window->handle, format)) {
+    if (!GetLayer().backend->SetNativePixelFormat(window->handle, format))
         return FALSE;
-    }
     window->pixel_format = format;
     return TRUE;
 }
@@ -202,13 +188,11 @@ int GetPixelFormat(HDC dc)
 BOOL SwapBuffers(HDC dc)
 {
     Window* window = FindWindowOf(dc);
-    if (window == nullptr || window->pixel_format == 0) {
+    if (window == nullptr || window->pixel_format == 0)
         return FALSE;
-    }
     ObserveFrame(*window);
-    if (!GetLayer().backend->SwapBuffers(window->handle)) {
+    if (!GetLayer().backend->SwapBuffers(window->handle))
         return FALSE;
-    }
     ++window->swap_count;
     return TRUE;
 }
@@ -217,13 +201,11 @@ HGLRC wglCreateContext(HDC dc)
 {
     Layer& layer = GetLayer();
     const Window* window = FindWindowOf(dc);
-    if (window == nullptr || window->pixel_format == 0) {
+    if (window == nullptr || window->pixel_format == 0)
         return nullptr;
-    }
     const HGLRC context = NewHandle<HGLRC>();
-    if (!layer.backend->CreateContext(context, window->handle, window->pixel_format)) {
+    if (!layer.backend->CreateContext(context, window->handle, window->pixel_format))
         return nullptr;
-    }
     layer.rendering_contexts.emplace(context, window->pixel_format);
     return context;
 }
@@ -231,12 +213,10 @@ HGLRC wglCreateContext(HDC dc)
 BOOL wglDeleteContext(HGLRC context)
 {
     Layer& layer = GetLayer();
-    if (!layer.rendering_contexts.contains(context)) {
+    if (!layer.rendering_contexts.contains(context))
         return FALSE;
-    }
-    if (layer.current_context == context) {
+    if (layer.current_context == context)
         ReleaseCurrentContext();
-    }
     layer.backend->DeleteContext(context);
     layer.rendering_contexts.erase(context);
     return TRUE;
@@ -251,13 +231,10 @@ BOOL wglMakeCurrent(HDC dc, HGLRC context)
     }
     const auto found = layer.rendering_contexts.find(context);
     const Window* window = FindWindowOf(dc);
-    if (found == layer.rendering_contexts.end() || window == nullptr ||
-        window->pixel_format != found->second) {
+    if (found == layer.rendering_contexts.end() || window == nullptr || window->pixel_format != found->second)
         return FALSE;
-    }
-    if (!layer.backend->MakeCurrent(window->handle, context)) {
+    if (!layer.backend->MakeCurrent(window->handle, context))
         return FALSE;
-    }
     layer.current_context = context;
     layer.current_dc = dc;
     return TRUE;
@@ -276,9 +253,8 @@ HDC wglGetCurrentDC()
 PROC wglGetProcAddress(LPCSTR name)
 {
     const Layer& layer = GetLayer();
-    if (layer.current_context == nullptr || name == nullptr) {
+    if (layer.current_context == nullptr || name == nullptr)
         return nullptr;
-    }
     const auto found = std::ranges::find(kEntryPoints, std::string_view(name), &EntryPoint::name);
     return found != kEntryPoints.end() && layer.backend->OffersEntryPoint(name) ? found->function : nullptr;
 }

@@ -77,9 +77,8 @@ LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
     const DescriptorUpdate update;
-    if (!IsTarget(window)) {
+    if (!IsTarget(window))
         return FALSE;
-    }
     GetLayer().queue.Post(window, message, wparam, lparam);
     return TRUE;
 }
@@ -92,22 +91,19 @@ void PostQuitMessage(int exit_code)
 
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT flags)
 {
-    if (message == nullptr || !IsFilterWindow(window)) {
+    if (message == nullptr || !IsFilterWindow(window))
         return FALSE;
-    }
     const std::optional<MSG> next = Fetch({window, first, last}, (flags & PM_REMOVE) != 0);
-    if (next) {
+    if (next)
         *message = *next;
-    }
     return next ? TRUE : FALSE;
 }
 
 BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last)
 {
     constexpr BOOL kError = -1;
-    if (message == nullptr) {
+    if (message == nullptr)
         return kError;
-    }
     const MessageFilter filter{window, first, last};
     while (IsFilterWindow(window)) {
         if (const std::optional<MSG> next = Fetch(filter, true)) {
@@ -128,16 +124,14 @@ BOOL TranslateMessage(const MSG* message)
 
 LRESULT DispatchMessageW(const MSG* message)
 {
-    if (message == nullptr) {
+    if (message == nullptr)
         return 0;
-    }
     const DescriptorUpdate update;
     if (message->message == WM_TIMER && message->lParam != 0) {
         // A timer that was killed since does not call back any more.
         const auto callback = reinterpret_cast<TIMERPROC>(message->lParam);
-        if (GetLayer().queue.HasTimer(message->hwnd, callback)) {
+        if (GetLayer().queue.HasTimer(message->hwnd, callback))
             callback(message->hwnd, WM_TIMER, message->wParam, message->time);
-        }
         return 0;
     }
     return Send(message->hwnd, message->message, message->wParam, message->lParam);

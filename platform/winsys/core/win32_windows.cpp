@@ -35,9 +35,8 @@ bool Covers(const RECT* rect, const Window& window)
 // Copies as much as fits, with its end; the number of characters without it.
 int CopyText(const std::wstring& from, wchar_t* to, int capacity)
 {
-    if (to == nullptr || capacity <= 0) {
+    if (to == nullptr || capacity <= 0)
         return 0;
-    }
     const std::size_t length = std::min(from.size(), static_cast<std::size_t>(capacity) - 1);
     *std::copy_n(from.begin(), length, to) = L'\0';
     return static_cast<int>(length);
@@ -58,9 +57,8 @@ BOOL UnregisterClassW(LPCWSTR name, HINSTANCE)
 BOOL GetClassInfoW(HINSTANCE, LPCWSTR name, WNDCLASSW* window_class)
 {
     const auto found = name == nullptr ? nullptr : GetLayer().windows.FindClass(name);
-    if (found == nullptr || window_class == nullptr) {
+    if (found == nullptr || window_class == nullptr)
         return FALSE;
-    }
     *window_class = found->record;
     return TRUE;
 }
@@ -111,9 +109,8 @@ BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint)
     const DescriptorUpdate update;
     const Layer& layer = GetLayer();
     const Window* record = Find(window);
-    if (record == nullptr || record->IsAdopted() || record->stage != Stage::kAlive) {
+    if (record == nullptr || record->IsAdopted() || record->stage != Stage::kAlive)
         return FALSE;
-    }
     const POINT position{x, y};
     const SIZE size{std::max(width, 0), std::max(height, 0)};
     layer.backend->MoveNativeWindow(window, position, size);
@@ -124,9 +121,8 @@ BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint)
 BOOL GetClientRect(HWND window, RECT* rect)
 {
     const Window* record = Find(window);
-    if (record == nullptr || rect == nullptr) {
+    if (record == nullptr || rect == nullptr)
         return FALSE;
-    }
     *rect = ClientRect(*record);
     return TRUE;
 }
@@ -134,9 +130,8 @@ BOOL GetClientRect(HWND window, RECT* rect)
 BOOL GetWindowRect(HWND window, RECT* rect)
 {
     const Window* record = Find(window);
-    if (record == nullptr || rect == nullptr) {
+    if (record == nullptr || rect == nullptr)
         return FALSE;
-    }
     const POINT origin = GetLayer().windows.ScreenOrigin(*record);
     *rect = {origin.x, origin.y, origin.x + record->size.cx, origin.y + record->size.cy};
     return TRUE;
@@ -145,9 +140,8 @@ BOOL GetWindowRect(HWND window, RECT* rect)
 BOOL ClientToScreen(HWND window, POINT* point)
 {
     const Window* record = Find(window);
-    if (record == nullptr || point == nullptr) {
+    if (record == nullptr || point == nullptr)
         return FALSE;
-    }
     const POINT origin = GetLayer().windows.ScreenOrigin(*record);
     *point = {point->x + origin.x, point->y + origin.y};
     return TRUE;
@@ -156,9 +150,8 @@ BOOL ClientToScreen(HWND window, POINT* point)
 BOOL ScreenToClient(HWND window, POINT* point)
 {
     const Window* record = Find(window);
-    if (record == nullptr || point == nullptr) {
+    if (record == nullptr || point == nullptr)
         return FALSE;
-    }
     const POINT origin = GetLayer().windows.ScreenOrigin(*record);
     *point = {point->x - origin.x, point->y - origin.y};
     return TRUE;
@@ -174,9 +167,8 @@ HWND GetParent(HWND window)
 BOOL SetWindowTextW(HWND window, LPCWSTR text)
 {
     Window* record = Find(window);
-    if (record == nullptr || record->IsAdopted()) {
+    if (record == nullptr || record->IsAdopted())
         return FALSE;
-    }
     record->title = text == nullptr ? L"" : text;
     GetLayer().backend->SetNativeTitle(window, record->title);
     return TRUE;
@@ -199,13 +191,11 @@ HWND SetFocus(HWND window)
     const DescriptorUpdate update;
     const Layer& layer = GetLayer();
     const Window* record = Find(window);
-    if (window != nullptr && (record == nullptr || record->stage != Stage::kAlive)) {
+    if (window != nullptr && (record == nullptr || record->stage != Stage::kAlive))
         return nullptr;
-    }
     const HWND before = layer.focus;
-    if (layer.backend != nullptr) {
+    if (layer.backend != nullptr)
         layer.backend->FocusNativeWindow(window);
-    }
     ChangeFocus(window);
     return before;
 }
@@ -220,20 +210,18 @@ LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value)
     const DescriptorUpdate update;
     const LONG_PTR before = GetWindowLongPtrW(window, index);
     Window* record = Find(window);
-    if (record != nullptr && index == GWLP_USERDATA) {
+    if (record != nullptr && index == GWLP_USERDATA)
         record->user_data = value;
-    } else if (record != nullptr && index == GWL_STYLE) {
+    else if (record != nullptr && index == GWL_STYLE)
         record->style = static_cast<DWORD>(value);
-    }
     return before;
 }
 
 LONG_PTR GetWindowLongPtrW(HWND window, int index)
 {
     const Window* record = Find(window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return 0;
-    }
     switch (index) {
     case GWLP_USERDATA:
         return record->user_data;
@@ -261,12 +249,10 @@ BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase)
 {
     const DescriptorUpdate update;
     const Window* record = Find(window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return FALSE;
-    }
-    if (Touches(rect, *record)) {
+    if (Touches(rect, *record))
         Invalidate(window, erase != FALSE);
-    }
     return TRUE;
 }
 
@@ -274,12 +260,10 @@ BOOL ValidateRect(HWND window, const RECT* rect)
 {
     const DescriptorUpdate update;
     const Window* record = Find(window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return FALSE;
-    }
-    if (Covers(rect, *record)) {
+    if (Covers(rect, *record))
         Validate(window);
-    }
     return TRUE;
 }
 
@@ -287,12 +271,10 @@ BOOL UpdateWindow(HWND window)
 {
     const DescriptorUpdate update;
     const Window* record = Find(window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return FALSE;
-    }
-    if (GetLayer().windows.WantsPaint(*record)) {
+    if (GetLayer().windows.WantsPaint(*record))
         Send(window, WM_PAINT, 0, 0);
-    }
     return TRUE;
 }
 
@@ -300,14 +282,12 @@ HDC BeginPaint(HWND window, PAINTSTRUCT* paint)
 {
     const DescriptorUpdate update;
     Window* record = Find(window);
-    if (record == nullptr || paint == nullptr) {
+    if (record == nullptr || paint == nullptr)
         return nullptr;
-    }
     const bool erase = record->needs_erase;
     *paint = {.hdc = GetDC(window), .fErase = FALSE, .rcPaint = {}};
-    if (record->needs_paint) {
+    if (record->needs_paint)
         paint->rcPaint = ClientRect(*record);
-    }
     Validate(window);
     if (erase) {
         const LRESULT erased = Send(window, WM_ERASEBKGND, reinterpret_cast<WPARAM>(paint->hdc), 0);
@@ -318,9 +298,8 @@ HDC BeginPaint(HWND window, PAINTSTRUCT* paint)
 
 BOOL EndPaint(HWND window, const PAINTSTRUCT* paint)
 {
-    if (paint == nullptr) {
+    if (paint == nullptr)
         return FALSE;
-    }
     ReleaseDC(window, paint->hdc);
     return TRUE;
 }

@@ -29,9 +29,8 @@ SIZE NotNegative(SIZE size)
 bool IsPossible(const Layer& layer, const CREATESTRUCTW& request)
 {
     const bool is_child = (static_cast<DWORD>(request.style) & WS_CHILD) != 0;
-    if (request.lpszClass == nullptr || layer.windows.FindClass(request.lpszClass) == nullptr) {
+    if (request.lpszClass == nullptr || layer.windows.FindClass(request.lpszClass) == nullptr)
         return false;
-    }
     return request.hwndParent == nullptr ? !is_child : layer.windows.Find(request.hwndParent) != nullptr;
 }
 
@@ -56,9 +55,8 @@ void Drop(HWND window)
     Layer& layer = GetLayer();
     layer.queue.DropWindow(window);
     std::erase_if(layer.device_contexts, [&](const auto& entry) { return entry.second == window; });
-    if (layer.focus == window) {
+    if (layer.focus == window)
         layer.focus = nullptr;
-    }
     layer.backend->DestroyNativeWindow(window);
     layer.windows.Remove(window);
 }
@@ -67,16 +65,14 @@ void SendDestroy(HWND window)
 {
     const WindowTree& windows = GetLayer().windows;
     Window* record = windows.Find(window);
-    if (record == nullptr || record->stage >= Stage::kDestroySent) {
+    if (record == nullptr || record->stage >= Stage::kDestroySent)
         return;
-    }
     record->stage = Stage::kDestroySent;
     Send(window, WM_DESTROY, 0, 0);
     record = windows.Find(window);
     const std::vector<HWND> children = record == nullptr ? std::vector<HWND>{} : record->dependents;
-    for (const HWND child : children) {
+    for (const HWND child : children)
         SendDestroy(child);
-    }
 }
 
 // The last message of the window after those of its children, and its end.
@@ -92,9 +88,8 @@ void Finish(HWND window)
         record->stage = Stage::kNcDestroySent;
         Send(window, WM_NCDESTROY, 0, 0);
     }
-    if (windows.Find(window) != nullptr) {
+    if (windows.Find(window) != nullptr)
         Drop(window);
-    }
 }
 
 void DestroyOwned(HWND window)
@@ -103,9 +98,8 @@ void DestroyOwned(HWND window)
     const std::vector<HWND> dependents = windows.Find(window)->dependents;
     for (const HWND dependent : dependents) {
         const Window* record = windows.Find(dependent);
-        if (record != nullptr && !record->IsChild()) {
+        if (record != nullptr && !record->IsChild())
             Destroy(dependent);
-        }
     }
 }
 
@@ -114,9 +108,8 @@ void MoveFocusOutOf(HWND window)
 {
     const Layer& layer = GetLayer();
     const Window* record = layer.windows.Find(window);
-    if (record == nullptr || layer.focus == nullptr || !layer.windows.IsWithin(layer.focus, window)) {
+    if (record == nullptr || layer.focus == nullptr || !layer.windows.IsWithin(layer.focus, window))
         return;
-    }
     const Window* parent = record->IsChild() ? layer.windows.Find(record->parent) : nullptr;
     const bool usable = parent != nullptr && parent->stage == Stage::kAlive;
     const HWND next = usable ? parent->handle : nullptr;
@@ -135,9 +128,8 @@ void SendSize(HWND window)
 
 void SendMove(HWND window)
 {
-    if (const Window* record = GetLayer().windows.Find(window); record != nullptr) {
+    if (const Window* record = GetLayer().windows.Find(window); record != nullptr)
         Send(window, WM_MOVE, 0, MAKELPARAM(record->position.x, record->position.y));
-    }
 }
 
 // A child or a popup learns its geometry at its creation, another top-level window when it is first shown.
@@ -156,9 +148,8 @@ bool SendCreate(HWND window, const CREATESTRUCTW& request)
     create.y = PlaceOf(request).y;
     const auto parameter = reinterpret_cast<LPARAM>(&create);
     if (Send(window, WM_NCCREATE, 0, parameter) == 0) {
-        if (windows.Find(window) != nullptr) {
+        if (windows.Find(window) != nullptr)
             Finish(window);
-        }
         return false;
     }
     if (Send(window, WM_CREATE, 0, parameter) == -1) {
@@ -184,11 +175,9 @@ void InvalidateShown(HWND window)
 {
     const WindowTree& windows = GetLayer().windows;
     Invalidate(window, true);
-    for (const HWND child : windows.Find(window)->dependents) {
-        if (windows.Find(child)->IsChild() && windows.Find(child)->IsShown()) {
+    for (const HWND child : windows.Find(window)->dependents)
+        if (windows.Find(child)->IsChild() && windows.Find(child)->IsShown())
             InvalidateShown(child);
-        }
-    }
 }
 
 } // namespace
@@ -203,9 +192,8 @@ HWND Create(const CREATESTRUCTW& request)
 {
     Layer& layer = GetLayer();
     Backend* backend = layer.FindBackend();
-    if (backend == nullptr || !IsPossible(layer, request)) {
+    if (backend == nullptr || !IsPossible(layer, request))
         return nullptr;
-    }
     const Window& record = layer.windows.Add(MakeRecord(layer, request));
     const HWND window = record.handle;
     const bool is_child = record.IsChild();
@@ -215,30 +203,25 @@ HWND Create(const CREATESTRUCTW& request)
         layer.windows.Remove(window);
         return nullptr;
     }
-    if (!SendCreate(window, request)) {
+    if (!SendCreate(window, request))
         return nullptr;
-    }
-    if (is_child || (static_cast<DWORD>(request.style) & WS_POPUP) != 0) {
+    if (is_child || (static_cast<DWORD>(request.style) & WS_POPUP) != 0)
         AnnounceGeometry(window);
-    }
-    if ((static_cast<DWORD>(request.style) & WS_VISIBLE) != 0) {
+    if ((static_cast<DWORD>(request.style) & WS_VISIBLE) != 0)
         Show(window, true);
-    }
     return layer.windows.Find(window) == nullptr ? nullptr : window;
 }
 
 HWND Adopt(std::uintptr_t native_id)
 {
     Layer& layer = GetLayer();
-    if (const HWND known = layer.windows.FindAdopted(native_id); known != nullptr) {
+    if (const HWND known = layer.windows.FindAdopted(native_id); known != nullptr)
         return known;
-    }
     Backend* backend = layer.FindBackend();
     const HWND window = NewHandle<HWND>();
     const auto place = backend == nullptr ? std::nullopt : backend->AdoptNativeWindow(window, native_id);
-    if (!place) {
+    if (!place)
         return nullptr;
-    }
     auto record = std::make_unique<Window>();
     record->handle = window;
     record->window_class = AdoptedClass();
@@ -254,9 +237,8 @@ bool Destroy(HWND window)
 {
     const Layer& layer = GetLayer();
     Window* record = layer.windows.Find(window);
-    if (record == nullptr || record->stage != Stage::kAlive) {
+    if (record == nullptr || record->stage != Stage::kAlive)
         return false;
-    }
     record->stage = Stage::kDestroying;
     DestroyOwned(window);
     if (record = layer.windows.Find(window); record != nullptr && record->IsShown()) {
@@ -274,14 +256,12 @@ bool Show(HWND window, bool visible)
     const Layer& layer = GetLayer();
     Window* record = layer.windows.Find(window);
     const bool was_visible = record != nullptr && record->IsShown();
-    if (record == nullptr || record->IsAdopted() || was_visible == visible) {
+    if (record == nullptr || record->IsAdopted() || was_visible == visible)
         return was_visible;
-    }
     Send(window, WM_SHOWWINDOW, visible ? 1 : 0, 0);
     record = layer.windows.Find(window);
-    if (record == nullptr || record->stage != Stage::kAlive) {
+    if (record == nullptr || record->stage != Stage::kAlive)
         return was_visible;
-    }
     record->style = visible ? record->style | WS_VISIBLE : record->style & ~WS_VISIBLE;
     layer.backend->ShowNativeWindow(window, visible);
     if (!visible) {
@@ -289,9 +269,8 @@ bool Show(HWND window, bool visible)
         return was_visible;
     }
     InvalidateShown(window);
-    if (!record->size_announced) {
+    if (!record->size_announced)
         AnnounceGeometry(window);
-    }
     return was_visible;
 }
 
@@ -299,23 +278,19 @@ bool SetGeometry(HWND window, POINT position, SIZE size, bool repaint)
 {
     const WindowTree& windows = GetLayer().windows;
     Window* record = windows.Find(window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return false;
-    }
     const SIZE valid = NotNegative(size);
     const bool moved = position.x != record->position.x || position.y != record->position.y;
     const bool sized = valid.cx != record->size.cx || valid.cy != record->size.cy;
     record->position = position;
     record->size = valid;
-    if (sized && repaint) {
+    if (sized && repaint)
         Invalidate(window, true);
-    }
-    if (moved) {
+    if (moved)
         SendMove(window);
-    }
-    if (sized) {
+    if (sized)
         SendSize(window);
-    }
     return true;
 }
 
@@ -323,15 +298,13 @@ void ChangeFocus(HWND window)
 {
     Layer& layer = GetLayer();
     const HWND before = layer.focus;
-    if (before == window) {
+    if (before == window)
         return;
-    }
     layer.focus = window;
     Send(before, WM_KILLFOCUS, reinterpret_cast<WPARAM>(window), 0);
     // The handler may have given it to a third window, or destroyed this one.
-    if (layer.focus == window) {
+    if (layer.focus == window)
         Send(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(before), 0);
-    }
 }
 
 void Invalidate(HWND window, bool erase)

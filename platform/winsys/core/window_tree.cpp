@@ -32,14 +32,12 @@ ATOM WindowTree::RegisterClass(const WNDCLASSW& record)
 bool WindowTree::UnregisterClass(std::wstring_view name)
 {
     const auto found = classes_.find(name);
-    if (found == classes_.end()) {
+    if (found == classes_.end())
         return false;
-    }
     const bool in_use = std::ranges::any_of(
         windows_, [&](const auto& entry) { return entry.second->window_class == found->second; });
-    if (!in_use) {
+    if (!in_use)
         classes_.erase(found);
-    }
     return !in_use;
 }
 
@@ -68,41 +66,34 @@ Window& WindowTree::Add(std::unique_ptr<Window> window)
 {
     Window& added = *window;
     windows_.emplace(added.handle, std::move(window));
-    if (Window* parent = Find(added.parent); parent != nullptr) {
+    if (Window* parent = Find(added.parent); parent != nullptr)
         parent->dependents.push_back(added.handle);
-    }
     return added;
 }
 
 void WindowTree::Remove(HWND window)
 {
     const auto found = windows_.find(window);
-    if (found == windows_.end()) {
+    if (found == windows_.end())
         return;
-    }
-    if (Window* parent = Find(found->second->parent); parent != nullptr) {
+    if (Window* parent = Find(found->second->parent); parent != nullptr)
         std::erase(parent->dependents, window);
-    }
     windows_.erase(found);
 }
 
 bool WindowTree::IsWithin(HWND window, HWND ancestor) const
 {
-    for (const Window* at = Find(window); at != nullptr; at = at->IsChild() ? Find(at->parent) : nullptr) {
-        if (at->handle == ancestor) {
+    for (const Window* at = Find(window); at != nullptr; at = at->IsChild() ? Find(at->parent) : nullptr)
+        if (at->handle == ancestor)
             return true;
-        }
-    }
     return false;
 }
 
 bool WindowTree::IsVisible(const Window& window) const
 {
-    for (const Window* at = &window; at != nullptr; at = at->IsChild() ? Find(at->parent) : nullptr) {
-        if (!at->IsShown()) {
+    for (const Window* at = &window; at != nullptr; at = at->IsChild() ? Find(at->parent) : nullptr)
+        if (!at->IsShown())
             return false;
-        }
-    }
     return true;
 }
 

@@ -28,12 +28,10 @@ EGLDisplay OpenDisplay()
                    ? opened
                    : EGL_NO_DISPLAY;
     }();
-    if (display == EGL_NO_DISPLAY) {
+    if (display == EGL_NO_DISPLAY)
         throw std::runtime_error("no off-screen OpenGL: EGL has no surfaceless platform here");
-    }
-    if (eglBindAPI(EGL_OPENGL_API) != EGL_TRUE) {
+    if (eglBindAPI(EGL_OPENGL_API) != EGL_TRUE)
         throw std::runtime_error("no off-screen OpenGL: EGL offers OpenGL ES only");
-    }
     return display;
 }
 
@@ -78,9 +76,8 @@ class HeadlessBackend::Egl
   public:
     Egl() : display_(OpenDisplay()), configs_(MatchingConfigs(display_))
     {
-        if (configs_.empty()) {
+        if (configs_.empty())
             throw std::runtime_error("no off-screen OpenGL: no format with 8 bits a channel");
-        }
         for (EGLConfig config : configs_) {
             PixelFormat format;
             format.depth_bits = Attribute(display_, config, EGL_DEPTH_SIZE);
@@ -99,9 +96,8 @@ class HeadlessBackend::Egl
     {
         eglDestroySurface(display_, windows_[window].surface);
         windows_.erase(window);
-        if (current_window_ == window) {
+        if (current_window_ == window)
             current_window_ = nullptr;
-        }
     }
 
     // EGL cannot resize an off-screen surface, so the window gets another one. Where memory does not suffice
@@ -115,9 +111,8 @@ class HeadlessBackend::Egl
         }
         record.size = size;
         EGLSurface surface = MakeSurface(record.config, size);
-        if (surface == EGL_NO_SURFACE) {
+        if (surface == EGL_NO_SURFACE)
             return;
-        }
         if (current_window_ == window &&
             eglMakeCurrent(display_, surface, surface, eglGetCurrentContext()) != EGL_TRUE) {
             std::swap(surface, record.surface);
@@ -141,9 +136,8 @@ class HeadlessBackend::Egl
         // Other users of EGL in the process may have bound another interface to this thread.
         eglBindAPI(EGL_OPENGL_API);
         EGLContext made = eglCreateContext(display_, config, EGL_NO_CONTEXT, nullptr);
-        if (made == EGL_NO_CONTEXT) {
+        if (made == EGL_NO_CONTEXT)
             return false;
-        }
         contexts_.emplace(context, made);
         return true;
     }
@@ -157,9 +151,8 @@ class HeadlessBackend::Egl
     bool MakeCurrent(HWND window, HGLRC context)
     {
         EGLSurface surface = windows_[window].surface;
-        if (eglMakeCurrent(display_, surface, surface, contexts_[context]) != EGL_TRUE) {
+        if (eglMakeCurrent(display_, surface, surface, contexts_[context]) != EGL_TRUE)
             return false;
-        }
         current_window_ = window;
         return true;
     }

@@ -50,12 +50,10 @@ Connection::Connection(const std::string& name)
     Handlers& handlers = GetHandlers();
     handlers.connections.push_back(this);
     // Another library may have put its own in front meanwhile; ours go in front again, and pass on to those.
-    if (const XErrorHandler before = XSetErrorHandler(&HandleError); before != &HandleError) {
+    if (const XErrorHandler before = XSetErrorHandler(&HandleError); before != &HandleError)
         handlers.previous_error = before;
-    }
-    if (const XIOErrorHandler before = XSetIOErrorHandler(&HandleLoss); before != &HandleLoss) {
+    if (const XIOErrorHandler before = XSetIOErrorHandler(&HandleLoss); before != &HandleLoss)
         handlers.previous_loss = before;
-    }
     // Without it Xlib ends the process after the handler.
     XSetIOErrorExitHandler(
         display_, [](Display*, void* connection) { static_cast<Connection*>(connection)->NoteLoss(); }, this);
@@ -67,11 +65,10 @@ Connection::Connection(const std::string& name)
 
 Connection::~Connection()
 {
-    if (lost_) {
+    if (lost_)
         GetHandlers().lost_displays.push_back(display_);
-    } else {
+    else
         XCloseDisplay(display_);
-    }
     std::erase(GetHandlers().connections, this);
 }
 
@@ -82,9 +79,8 @@ int Connection::HandleError(Display* display, XErrorEvent* error)
         return 0;
     }
     Handlers& handlers = GetHandlers();
-    if (handlers.is_passing_on || handlers.previous_error == nullptr) {
+    if (handlers.is_passing_on || handlers.previous_error == nullptr)
         return 0;
-    }
     handlers.is_passing_on = true;
     const int answer = handlers.previous_error(display, error);
     handlers.is_passing_on = false;
@@ -126,9 +122,8 @@ ErrorTrap::ErrorTrap(Connection& connection)
 
 ErrorTrap::~ErrorTrap()
 {
-    if (connection_.IsAlive() && NextRequest(connection_.Get()) != answered_) {
+    if (connection_.IsAlive() && NextRequest(connection_.Get()) != answered_)
         XSync(connection_.Get(), False);
-    }
     connection_.trap_ = outer_;
 }
 

@@ -26,32 +26,27 @@ Function FindFunction(const char* name)
 
 GlxContexts::GlxContexts(Connection& connection) : connection_(connection), formats_(ListFormats(connection))
 {
-    if (formats_.empty()) {
+    if (formats_.empty())
         throw std::runtime_error("the X server has no GLX with windows of depth 24 and 8 bits a channel");
-    }
-    for (const GlxFormat& format : formats_) {
+    for (const GlxFormat& format : formats_)
         bits_.push_back(format.bits);
-    }
 }
 
 GlxContexts::~GlxContexts()
 {
     if (connection_.IsAlive()) {
-        for (const auto& [format, shelter] : shelters_) {
+        for (const auto& [format, shelter] : shelters_)
             DestroySurface(shelter, false);
-        }
-        for (const auto& [visual, colormap] : colormaps_) {
+        for (const auto& [visual, colormap] : colormaps_)
             XFreeColormap(connection_.Get(), colormap);
-        }
     }
 }
 
 Surface GlxContexts::AddSurface(::Window outer, SIZE size, int format)
 {
     const Surface surface = MakeSurface(outer, size, format);
-    if (surface.window != 0) {
+    if (surface.window != 0)
         XMapWindow(connection_.Get(), surface.window);
-    }
     return surface;
 }
 
@@ -59,9 +54,8 @@ void GlxContexts::ResizeSurface(const Surface& surface, SIZE size)
 {
     XResizeWindow(connection_.Get(), surface.window, Side(size.cx), Side(size.cy));
     resized_.insert(surface.window);
-    if (current_context_ != nullptr && current_surface_.window == surface.window) {
+    if (current_context_ != nullptr && current_surface_.window == surface.window)
         RefreshSize();
-    }
 }
 
 void GlxContexts::RemoveSurface(const Surface& surface, bool is_gone)
@@ -84,9 +78,8 @@ bool GlxContexts::AddContext(HGLRC context, int format)
     ErrorTrap trap(connection_);
     const GLXContext made =
         glXCreateNewContext(connection_.Get(), Format(format).config, GLX_RGBA_TYPE, nullptr, True);
-    if (trap.Caught() || made == nullptr) {
+    if (trap.Caught() || made == nullptr)
         return false;
-    }
     contexts_.emplace(context, made);
     return true;
 }
@@ -107,9 +100,8 @@ bool GlxContexts::MakeCurrent(const Surface& surface, HGLRC context)
     }
     current_context_ = wanted;
     current_surface_ = surface;
-    if (resized_.contains(surface.window)) {
+    if (resized_.contains(surface.window))
         RefreshSize();
-    }
     SwapWithoutWaiting(surface.drawable);
     return true;
 }
@@ -129,9 +121,8 @@ bool GlxContexts::Swap(const Surface& surface)
 
 void GlxContexts::Abandon()
 {
-    if (current_context_ != nullptr) {
+    if (current_context_ != nullptr)
         ReleaseCurrent();
-    }
 }
 
 unsigned GlxContexts::Side(LONG length) const
@@ -152,9 +143,8 @@ const GlxFormat& GlxContexts::Format(int format) const
 Colormap GlxContexts::ColormapOf(Visual* visual)
 {
     const auto known = colormaps_.find(visual);
-    if (known != colormaps_.end()) {
+    if (known != colormaps_.end())
         return known->second;
-    }
     const Colormap made = XCreateColormap(connection_.Get(), connection_.Root(), visual, AllocNone);
     return colormaps_.emplace(visual, made).first->second;
 }
@@ -184,9 +174,8 @@ void GlxContexts::DestroySurface(const Surface& surface, bool is_gone)
 {
     ErrorTrap trap(connection_);
     glXDestroyWindow(connection_.Get(), surface.drawable);
-    if (!is_gone) {
+    if (!is_gone)
         XDestroyWindow(connection_.Get(), surface.window);
-    }
 }
 
 const Surface& GlxContexts::Shelter(int format)
@@ -209,9 +198,8 @@ void GlxContexts::RefreshSize()
     const auto get_string = FindFunction<const GLubyte* (*)(GLenum)>("glGetString");
     const auto* const renderer = reinterpret_cast<const char*>(get_string(GL_RENDERER));
     const std::string_view name = renderer == nullptr ? "" : renderer;
-    if (name.starts_with("llvmpipe") || name.starts_with("softpipe")) {
+    if (name.starts_with("llvmpipe") || name.starts_with("softpipe"))
         glXSwapBuffers(connection_.Get(), current_surface_.drawable);
-    }
 }
 
 // Frames are paced by the timer. Waiting for the screen would hold up every message meanwhile.
@@ -220,13 +208,11 @@ void GlxContexts::SwapWithoutWaiting(GLXDrawable drawable)
     const char* const words = glXQueryExtensionsString(connection_.Get(), connection_.Screen());
     const std::string_view extensions = words == nullptr ? "" : words;
     if (HasWord(extensions, "GLX_EXT_swap_control")) {
-        if (const auto set = FindFunction<PFNGLXSWAPINTERVALEXTPROC>("glXSwapIntervalEXT")) {
+        if (const auto set = FindFunction<PFNGLXSWAPINTERVALEXTPROC>("glXSwapIntervalEXT"))
             set(connection_.Get(), drawable, 0);
-        }
     } else if (HasWord(extensions, "GLX_MESA_swap_control")) {
-        if (const auto set = FindFunction<PFNGLXSWAPINTERVALMESAPROC>("glXSwapIntervalMESA")) {
+        if (const auto set = FindFunction<PFNGLXSWAPINTERVALMESAPROC>("glXSwapIntervalMESA"))
             set(0);
-        }
     }
 }
 

@@ -84,11 +84,9 @@ std::vector<Config> UsableConfigs(const Connection& connection)
     const std::unique_ptr<GLXFBConfig, XFreer> list(
         glXGetFBConfigs(connection.Get(), connection.Screen(), &count));
     std::vector<Config> usable;
-    for (GLXFBConfig config : std::span(list.get(), list == nullptr ? 0 : static_cast<std::size_t>(count))) {
-        if (const Config candidate(connection.Get(), config); candidate.IsUsable()) {
+    for (GLXFBConfig config : std::span(list.get(), list == nullptr ? 0 : static_cast<std::size_t>(count)))
+        if (const Config candidate(connection.Get(), config); candidate.IsUsable())
             usable.push_back(candidate);
-        }
-    }
     std::ranges::stable_sort(usable, {}, &Config::Burden);
     return usable;
 }
@@ -98,17 +96,15 @@ std::vector<Config> UsableConfigs(const Connection& connection)
 std::vector<GlxFormat> ListFormats(const Connection& connection)
 {
     std::vector<GlxFormat> formats;
-    if (glXQueryExtension(connection.Get(), nullptr, nullptr) == False) {
+    if (glXQueryExtension(connection.Get(), nullptr, nullptr) == False)
         return formats;
-    }
     for (const Config& config : UsableConfigs(connection)) {
         Visual* visual = config.FindVisual();
         const PixelFormat bits = config.Bits();
         const bool known = std::ranges::any_of(
             formats, [&](const GlxFormat& other) { return Kind(other.bits) == Kind(bits); });
-        if (visual != nullptr && !known) {
+        if (visual != nullptr && !known)
             formats.push_back({config.Get(), visual, bits});
-        }
     }
     return formats;
 }

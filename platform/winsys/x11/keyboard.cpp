@@ -44,18 +44,14 @@ constexpr std::array kNamedKeys{
 // 0 where no virtual key is like it.
 WPARAM CodeOfSymbol(KeySym symbol)
 {
-    if (symbol >= XK_a && symbol <= XK_z) {
+    if (symbol >= XK_a && symbol <= XK_z)
         return 'A' + (symbol - XK_a);
-    }
-    if ((symbol >= XK_0 && symbol <= XK_9) || (symbol >= XK_A && symbol <= XK_Z)) {
+    if ((symbol >= XK_0 && symbol <= XK_9) || (symbol >= XK_A && symbol <= XK_Z))
         return symbol;
-    }
-    if (symbol >= XK_F1 && symbol <= XK_F24) {
+    if (symbol >= XK_F1 && symbol <= XK_F24)
         return 0x70 + (symbol - XK_F1);
-    }
-    if (symbol >= XK_KP_0 && symbol <= XK_KP_9) {
+    if (symbol >= XK_KP_0 && symbol <= XK_KP_9)
         return 0x60 + (symbol - XK_KP_0);
-    }
     const auto* const named = std::ranges::find(kNamedKeys, symbol, &NamedKey::symbol);
     return named == kNamedKeys.end() ? 0 : named->code;
 }
@@ -80,17 +76,15 @@ KeyStroke ReadKey(XKeyEvent& event)
     KeySym symbol = NoSymbol;
     const int length = XLookupString(&event, latin.data(), static_cast<int>(latin.size()), &symbol, nullptr);
     KeyStroke stroke;
-    if (length == 1) {
+    if (length == 1)
         stroke.character = static_cast<wchar_t>(static_cast<unsigned char>(latin.front()));
-    } else if (symbol >= kUnicodeBase) {
+    else if (symbol >= kUnicodeBase)
         stroke.character = static_cast<wchar_t>(symbol - kUnicodeBase);
-    }
     // The key pad's digits depend on Num Lock, which the symbol has taken in.
     const bool is_pad_digit = symbol >= XK_KP_0 && symbol <= XK_KP_9;
     stroke.code = is_pad_digit ? CodeOfSymbol(symbol) : CodeOfPlace(event);
-    if (stroke.code == 0 && stroke.character != 0) {
+    if (stroke.code == 0 && stroke.character != 0)
         stroke.code = kPacket;
-    }
     if (symbol == XK_Delete || symbol == XK_KP_Delete) {
         // X gives the delete key a character; Windows does not.
         stroke.character = 0;

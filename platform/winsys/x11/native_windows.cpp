@@ -40,18 +40,16 @@ NativeRecord* NativeWindows::FindById(::Window id)
 bool NativeWindows::IsWithin(const NativeRecord& record, HWND ancestor) const
 {
     auto at = records_.find(record.handle);
-    while (at != records_.end() && at->first != ancestor) {
+    while (at != records_.end() && at->first != ancestor)
         at = records_.find(at->second.parent);
-    }
     return at != records_.end();
 }
 
 NativeRecord& NativeWindows::TopOf(NativeRecord& record)
 {
     NativeRecord* top = &record;
-    for (NativeRecord* parent = Find(top->parent); parent != nullptr; parent = Find(top->parent)) {
+    for (NativeRecord* parent = Find(top->parent); parent != nullptr; parent = Find(top->parent))
         top = parent;
-    }
     return *top;
 }
 

@@ -41,16 +41,14 @@ std::optional<MouseEvent> Pointer::OnButton(HWND window, const XButtonEvent& eve
         return is_press ? std::optional(MouseEvent{WM_MOUSEWHEEL, Keys(window, event.state), at, delta})
                         : std::nullopt;
     }
-    if (event.button < Button1 || event.button > Button3) {
+    if (event.button < Button1 || event.button > Button3)
         return std::nullopt;
-    }
     const std::size_t index = event.button - Button1;
     const Button& button = kMouseButtons.at(index);
     const bool was_pressed_here = pressed_over_.at(index) == window;
     pressed_over_.at(index) = is_press ? window : nullptr;
-    if (!is_press && !was_pressed_here) {
+    if (!is_press && !was_pressed_here)
         return std::nullopt;
-    }
     const unsigned state = is_press ? event.state | button.state_mask : event.state & ~button.state_mask;
     return MouseEvent{is_press ? button.down : button.up, Keys(window, state), at, 0};
 }
@@ -60,26 +58,22 @@ std::optional<MouseEvent> Pointer::OnMotion(HWND window, const XMotionEvent& eve
     OnState(event.state);
     const WPARAM keys = Keys(window, event.state);
     const bool dragged_here = (keys & (MK_LBUTTON | MK_MBUTTON | MK_RBUTTON)) != 0;
-    if ((event.state & kAnyButton) != 0 && !dragged_here) {
+    if ((event.state & kAnyButton) != 0 && !dragged_here)
         return std::nullopt;
-    }
     return MouseEvent{WM_MOUSEMOVE, keys, {event.x, event.y}, 0};
 }
 
 void Pointer::OnState(unsigned state)
 {
-    for (std::size_t i = 0; i < kMouseButtons.size(); ++i) {
-        if ((state & kMouseButtons.at(i).state_mask) == 0) {
+    for (std::size_t i = 0; i < kMouseButtons.size(); ++i)
+        if ((state & kMouseButtons.at(i).state_mask) == 0)
             pressed_over_.at(i) = nullptr;
-        }
-    }
 }
 
 void Pointer::OnGone(HWND window)
 {
-    for (HWND& pressed : pressed_over_) {
+    for (HWND& pressed : pressed_over_)
         pressed = pressed == window ? nullptr : pressed;
-    }
 }
 
 WPARAM Pointer::Keys(HWND window, unsigned state) const

@@ -56,9 +56,8 @@ std::string X11Backend::Name() const
 
 bool X11Backend::IsUsable()
 {
-    if (!connection_.IsAlive()) {
+    if (!connection_.IsAlive())
         contexts_.Abandon();
-    }
     return connection_.IsAlive();
 }
 
@@ -71,9 +70,8 @@ NativeRecord* X11Backend::FindOurs(HWND window)
 bool X11Backend::CreateNativeWindow(HWND window, const NativeWindow& description)
 {
     const NativeRecord* parent = windows_.Find(description.parent);
-    if (!IsUsable() || (description.parent != nullptr && (parent == nullptr || parent->is_gone))) {
+    if (!IsUsable() || (description.parent != nullptr && (parent == nullptr || parent->is_gone)))
         return false;
-    }
     NativeRecord record;
     record.handle = window;
     record.parent = description.parent;
@@ -94,9 +92,8 @@ bool X11Backend::CreateNativeWindow(HWND window, const NativeWindow& description
                                  CWBackPixel | CWBorderPixel | CWBitGravity | CWColormap, &attributes);
     SelectEvents(record, record.IsTopLevel());
     // The parent may be another toolkit's, and gone.
-    if (trap.Caught()) {
+    if (trap.Caught())
         return false;
-    }
     windows_.Add(record);
     if (record.IsTopLevel()) {
         AnnounceTopLevel(record, description.is_placed_by_system);
@@ -107,9 +104,8 @@ bool X11Backend::CreateNativeWindow(HWND window, const NativeWindow& description
 
 std::optional<NativePlace> X11Backend::AdoptNativeWindow(HWND window, std::uintptr_t id)
 {
-    if (!IsUsable() || id == 0) {
+    if (!IsUsable() || id == 0)
         return std::nullopt;
-    }
     ErrorTrap trap(connection_);
     // Each connection has an event mask of its own on a window; the owner's stays as it is. Before the
     // question where it is, so that no change after the answer goes unheard.
@@ -131,15 +127,13 @@ void X11Backend::DestroyNativeWindow(HWND window)
 {
     const NativeRecord* record = windows_.Find(window);
     if (IsUsable() && record != nullptr) {
-        if (record->surface.format != 0) {
+        if (record->surface.format != 0)
             contexts_.RemoveSurface(record->surface, record->is_gone);
-        }
         ErrorTrap trap(connection_);
-        if (record->is_adopted) {
+        if (record->is_adopted)
             XSelectInput(connection_.Get(), record->outer, NoEventMask);
-        } else if (!record->is_gone) {
+        else if (!record->is_gone)
             XDestroyWindow(connection_.Get(), record->outer);
-        }
     }
     pointer_.OnGone(window);
     focused_ = focused_ == window ? nullptr : focused_;
@@ -176,9 +170,8 @@ void X11Backend::MoveNativeWindow(HWND window, POINT position, SIZE size)
 void X11Backend::SetNativeTitle(HWND window, const std::wstring& title)
 {
     const NativeRecord* record = FindOurs(window);
-    if (record == nullptr || !record->IsTopLevel()) {
+    if (record == nullptr || !record->IsTopLevel())
         return;
-    }
     const std::string text = Utf8FromWide(title);
     const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
     XStoreName(connection_.Get(), record->outer, text.c_str());
@@ -192,28 +185,25 @@ void X11Backend::FocusNativeWindow(HWND window)
     // Within a top-level window of ours the server's focus stays on that window, and the layer shares out the
     // keys. Only a window in another toolkit's has to have it itself, and may take it from that one alone:
     // not from other programs.
-    if (record == nullptr || window == focused_ || !windows_.TopOf(*record).is_adopted) {
+    if (record == nullptr || window == focused_ || !windows_.TopOf(*record).is_adopted)
         return;
-    }
     ErrorTrap trap(connection_);
     XWindowAttributes attributes{};
     if (XGetWindowAttributes(connection_.Get(), record->outer, &attributes) != 0 &&
         attributes.map_state == IsViewable && IsFocusNear(record->outer)) {
         SelectEvents(*record, true);
         XSetInputFocus(connection_.Get(), record->outer, RevertToParent, CurrentTime);
-        if (trap.Caught()) {
+        if (trap.Caught())
             SelectEvents(*record, false);
-        } else {
+        else
             focused_ = window;
-        }
     }
 }
 
 int X11Backend::EventDescriptor() const
 {
-    if (!connection_.IsAlive()) {
+    if (!connection_.IsAlive())
         return -1;
-    }
     // Events that Xlib has read with an answer to something else leave nothing to be read on the connection.
     TakeIn();
     // A connection that was lost in that call is told of by the next pump.
@@ -241,13 +231,11 @@ std::span<const PixelFormat> X11Backend::PixelFormats() const
 bool X11Backend::SetNativePixelFormat(HWND window, int format)
 {
     NativeRecord* record = FindOurs(window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return false;
-    }
     record->surface = contexts_.AddSurface(record->outer, record->size, format);
-    if (record->surface.format == 0) {
+    if (record->surface.format == 0)
         return false;
-    }
     // Without this the server would paint it black on every enlargement, before the inner window has grown.
     XSetWindowBackgroundPixmap(connection_.Get(), record->outer, 0);
     return true;
@@ -260,9 +248,8 @@ bool X11Backend::CreateContext(HGLRC context, HWND, int format)
 
 void X11Backend::DeleteContext(HGLRC context)
 {
-    if (IsUsable()) {
+    if (IsUsable())
         contexts_.RemoveContext(context);
-    }
 }
 
 bool X11Backend::MakeCurrent(HWND window, HGLRC context)
@@ -274,9 +261,8 @@ bool X11Backend::MakeCurrent(HWND window, HGLRC context)
 
 void X11Backend::ReleaseCurrent()
 {
-    if (IsUsable()) {
+    if (IsUsable())
         contexts_.ReleaseCurrent();
-    }
 }
 
 bool X11Backend::SwapBuffers(HWND window)
@@ -315,18 +301,16 @@ void X11Backend::Place(NativeRecord& record, POINT position, SIZE size)
     record.last_placement = NextRequest(display);
     XMoveResizeWindow(display, record.outer, Coordinate(position.x), Coordinate(position.y), Side(size.cx),
                       Side(size.cy));
-    if (is_sized && record.surface.format != 0) {
+    if (is_sized && record.surface.format != 0)
         contexts_.ResizeSurface(record.surface, size);
-    }
 }
 
 void X11Backend::UpdateMapping(NativeRecord& record)
 {
     // An X window always has pixels, so one without is not to be seen.
     const bool is_mapped = record.is_shown && !IsEmpty(record.size);
-    if (is_mapped == record.is_mapped) {
+    if (is_mapped == record.is_mapped)
         return;
-    }
     record.is_mapped = is_mapped;
     if (is_mapped) {
         XMapWindow(connection_.Get(), record.outer);
@@ -358,9 +342,8 @@ bool X11Backend::IsFocusNear(::Window id)
     ::Window focus = 0;
     int revert_to = 0;
     XGetInputFocus(connection_.Get(), &focus, &revert_to);
-    if (focus == 0 || focus == PointerRoot || focus == connection_.Root()) {
+    if (focus == 0 || focus == PointerRoot || focus == connection_.Root())
         return false;
-    }
     const ::Window outermost = OutermostOf(id);
     return outermost != 0 && outermost == OutermostOf(focus);
 }
@@ -372,15 +355,12 @@ bool X11Backend::IsFocusNear(::Window id)
         ::Window parent = 0;
         ::Window* children = nullptr;
         unsigned count = 0;
-        if (XQueryTree(connection_.Get(), id, &root, &parent, &children, &count) == 0) {
+        if (XQueryTree(connection_.Get(), id, &root, &parent, &children, &count) == 0)
             return 0;
-        }
-        if (children != nullptr) {
+        if (children != nullptr)
             XFree(children);
-        }
-        if (parent == root) {
+        if (parent == root)
             return id;
-        }
         id = parent;
     }
     return 0;

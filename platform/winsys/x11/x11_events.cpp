@@ -32,21 +32,18 @@ void X11Backend::TakeIn() const
     while (connection_.IsAlive() && XPending(connection_.Get()) > 0) {
         XEvent event;
         XNextEvent(connection_.Get(), &event);
-        if (IsOfInterest(event)) {
+        if (IsOfInterest(event))
             arrived_.push_back(event);
-        }
     }
 }
 
 bool X11Backend::IsOfInterest(const XEvent& event) const
 {
-    if (event.type == MappingNotify) {
+    if (event.type == MappingNotify)
         return true;
-    }
     const NativeRecord* record = windows_.FindById(event.xany.window);
-    if (record == nullptr || record->is_gone) {
+    if (record == nullptr || record->is_gone)
         return false;
-    }
     switch (event.type) {
     case ConfigureNotify:
         // Children are where the program put them.
@@ -67,9 +64,8 @@ bool X11Backend::IsOfInterest(const XEvent& event) const
 bool X11Backend::TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition, XEvent& taken)
 {
     const auto found = std::ranges::find_if(arrived_, condition);
-    if (found == arrived_.end()) {
+    if (found == arrived_.end())
         return false;
-    }
     taken = *found;
     arrived_.erase(found);
     return true;
@@ -82,9 +78,8 @@ void X11Backend::Report(XEvent& event, EventSink& sink)
         ReportConfigure(event.xconfigure, sink);
         break;
     case ReparentNotify:
-        if (NativeRecord* record = windows_.FindById(event.xreparent.window); record != nullptr) {
+        if (NativeRecord* record = windows_.FindById(event.xreparent.window); record != nullptr)
             record->is_framed = event.xreparent.parent != connection_.Root();
-        }
         break;
     case DestroyNotify:
         ReportDestroyed(event.xdestroywindow, sink);
@@ -131,30 +126,25 @@ void X11Backend::ReportConfigure(XConfigureEvent event, EventSink& sink)
         return other.type == ConfigureNotify && other.xconfigure.window == window;
     };
     XEvent later;
-    while (TakeOutOfTurn(is_later, later)) {
+    while (TakeOutOfTurn(is_later, later))
         event = later.xconfigure;
-    }
     NativeRecord* record = windows_.FindById(event.window);
-    if (record == nullptr || record->surface.window == event.window || record->is_gone) {
+    if (record == nullptr || record->surface.window == event.window || record->is_gone)
         return;
-    }
     if (record->is_adopted) {
-        if (const auto place = QueryPlace(record->outer)) {
+        if (const auto place = QueryPlace(record->outer))
             ReportPlace(record->handle, *place, sink);
-        }
         return;
     }
     // What comes from before the program's own last word would undo it.
-    if (event.serial < record->last_placement || !record->is_mapped) {
+    if (event.serial < record->last_placement || !record->is_mapped)
         return;
-    }
     NativePlace place{{event.x, event.y}, {event.width, event.height}};
     // Within a frame the coordinates are the frame's, unless the window manager has made the event up to tell
     // those on the screen.
     if (record->is_framed && event.send_event == False) {
-        if (const auto queried = QueryPlace(record->outer)) {
+        if (const auto queried = QueryPlace(record->outer))
             place.position = queried->position;
-        }
     }
     ReportPlace(record->handle, place, sink);
 }
@@ -170,9 +160,8 @@ void X11Backend::ReportPlace(HWND window, const NativePlace& place, EventSink& s
         contexts_.ResizeSurface(record->surface, place.size);
     }
     sink.OnMove(window, place.position);
-    if (sized && windows_.Find(window) != nullptr) {
+    if (sized && windows_.Find(window) != nullptr)
         sink.OnResize(window, place.size);
-    }
 }
 
 void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& sink)
@@ -188,12 +177,10 @@ void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& si
     };
     note(event.window);
     XEvent later;
-    while (TakeOutOfTurn([](const XEvent& other) { return other.type == DestroyNotify; }, later)) {
+    while (TakeOutOfTurn([](const XEvent& other) { return other.type == DestroyNotify; }, later))
         note(later.xdestroywindow.window);
-    }
-    for (const HWND window : std::views::reverse(gone)) {
+    for (const HWND window : std::views::reverse(gone))
         sink.OnDestroyed(window);
-    }
 }
 
 void X11Backend::ReportButton(const XButtonEvent& event, EventSink& sink)
@@ -220,9 +207,8 @@ void X11Backend::ReportMotion(const XMotionEvent& event, EventSink& sink)
 void X11Backend::ReportMouse(HWND window, const std::optional<MouseEvent>& mouse, POINT screen_point,
                              EventSink& sink)
 {
-    if (!mouse) {
+    if (!mouse)
         return;
-    }
     NativeRecord& top = windows_.TopOf(*windows_.Find(window));
     if (top.is_adopted) {
         // Nobody tells when a window further out moves another toolkit's window with it; the pointer does.
@@ -237,36 +223,30 @@ void X11Backend::ReportMouse(HWND window, const std::optional<MouseEvent>& mouse
 void X11Backend::ReportKey(XKeyEvent& event, EventSink& sink)
 {
     const NativeRecord* record = windows_.FindById(event.window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return;
-    }
     const HWND window = record->handle;
     const KeyStroke stroke = ReadKey(event);
     const bool is_press = event.type == KeyPress;
-    if (stroke.code != 0) {
+    if (stroke.code != 0)
         sink.OnKey(window, is_press ? WM_KEYDOWN : WM_KEYUP, stroke.code);
-    }
-    if (is_press && stroke.character != 0) {
+    if (is_press && stroke.character != 0)
         sink.OnKey(window, WM_CHAR, static_cast<WPARAM>(stroke.character));
-    }
 }
 
 void X11Backend::ReportFocus(const XFocusChangeEvent& event, EventSink& sink)
 {
     const NativeRecord* record = windows_.FindById(event.window);
-    if (record == nullptr) {
+    if (record == nullptr)
         return;
-    }
     const bool gained = event.type == FocusIn;
     const HWND window = record->handle;
-    if (gained) {
+    if (gained)
         focused_ = window;
-    } else if (focused_ == window) {
+    else if (focused_ == window)
         focused_ = nullptr;
-    }
-    if (!record->IsTopLevel() && !record->is_gone) {
+    if (!record->IsTopLevel() && !record->is_gone)
         SelectEvents(*record, gained);
-    }
     sink.OnFocus(window, gained);
 }
 

@@ -198,10 +198,9 @@ std::optional<std::string> FieldDifference(const std::vector<Field>& fields,
     if (fields.size() != expected.size())
         return "the comparison lists " + std::to_string(fields.size()) + " and " +
                std::to_string(expected.size()) + " fields";
-    for (std::size_t i = 0; i < fields.size(); ++i) {
+    for (std::size_t i = 0; i < fields.size(); ++i)
         if (!IsSame(fields[i].value, expected[i]))
             return Differs(fields[i].name, fields[i].value, expected[i]);
-    }
     return std::nullopt;
 }
 
@@ -399,10 +398,9 @@ std::optional<std::string> WindowDifference(const karv_test::WindowCalls& calls,
         return "window calls are" + Joined(heard) + "\n  expected" + Joined(model.window_calls);
     constexpr unsigned kHandled[] = {WM_SIZE, WM_CREATE, WM_TIMER, WM_MOUSEMOVE, WM_MOUSEWHEEL, WM_PAINT};
     std::vector<unsigned> defaulted;
-    for (const UINT message : calls.DefaultedMessages()) {
+    for (const UINT message : calls.DefaultedMessages())
         if (std::find(std::begin(kHandled), std::end(kHandled), message) != std::end(kHandled))
             defaulted.push_back(message);
-    }
     if (defaulted != model.defaulted_messages)
         return "messages left to the default handling are" + Joined(Numbers(defaulted)) + "\n  expected" +
                Joined(Numbers(model.defaulted_messages));
@@ -411,10 +409,9 @@ std::optional<std::string> WindowDifference(const karv_test::WindowCalls& calls,
 
 std::optional<std::string> ResultDifference(const Results& results, const Results& expected)
 {
-    for (std::size_t i = 0; i < std::min(results.size(), expected.size()); ++i) {
+    for (std::size_t i = 0; i < std::min(results.size(), expected.size()); ++i)
         if (!IsSame(results[i], expected[i]))
             return Differs("value " + std::to_string(i), results[i], expected[i]);
-    }
     if (results.size() != expected.size())
         return Differs("the number of values", static_cast<double>(results.size()),
                        static_cast<double>(expected.size()));

@@ -1,8 +1,8 @@
-#include "viewer/file_checks.h"
+#include "viewer/import/file_checks.h"
 
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/file_error.h"
-#include "viewer/mesh_import.h"
+#include "viewer/import/mesh/mesh_import.h"
+#include "viewer/text/file_error.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

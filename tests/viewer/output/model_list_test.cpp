@@ -1,4 +1,4 @@
-#include "viewer/model_tree.h"
+#include "viewer/output/model_list.h"
 
 #include "tests/viewer/viewer_fixture.h"
 

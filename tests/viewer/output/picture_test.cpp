@@ -1,7 +1,7 @@
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/canvas.h"
-#include "viewer/file_error.h"
-#include "viewer/sheet.h"
+#include "viewer/output/png_image.h"
+#include "viewer/output/sheet.h"
+#include "viewer/text/file_error.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

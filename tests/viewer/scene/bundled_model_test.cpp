@@ -1,4 +1,4 @@
-#include "viewer/bundled_model.h"
+#include "viewer/scene/bundled_model.h"
 
 #include <gtest/gtest.h>
 

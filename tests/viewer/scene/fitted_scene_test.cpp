@@ -1,10 +1,10 @@
-#include "viewer/fit.h"
+#include "viewer/scene/fitted_scene.h"
 
 #include "platform/winsys/opengl.h"
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/bundled_model.h"
-#include "viewer/options.h"
-#include "viewer/viewport_window.h"
+#include "viewer/apps/karv-view/options.h"
+#include "viewer/scene/bundled_model.h"
+#include "viewer/window/viewport_window.h"
 
 #include <gtest/gtest.h>
 

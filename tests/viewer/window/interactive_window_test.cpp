@@ -1,11 +1,11 @@
 // The window that a user sees, without a display: keys, resizing and closing, by messages as they come from a
 // window system.
-#include "viewer/interactive_window.h"
+#include "viewer/window/interactive_window.h"
 
 #include "platform/winsys/opengl.h"
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/key_commands.h"
-#include "viewer/message_loop.h"
+#include "viewer/window/key_commands.h"
+#include "viewer/window/message_loop.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

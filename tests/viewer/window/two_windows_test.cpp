@@ -1,9 +1,9 @@
 // Two models in two windows of one process: GL goes to the context made current last, so the windows have to
 // see to it that each draws with its own.
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/interactive_window.h"
-#include "viewer/key_commands.h"
-#include "viewer/message_loop.h"
+#include "viewer/window/interactive_window.h"
+#include "viewer/window/key_commands.h"
+#include "viewer/window/message_loop.h"
 
 #include <gtest/gtest.h>
 

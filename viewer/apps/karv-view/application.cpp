@@ -1,18 +1,18 @@
-#include "viewer/application.h"
+#include "viewer/apps/karv-view/application.h"
 
 #include "platform/host/rx/module_loader.h"
 #include "platform/tools/chrome_trace_sink.h"
 #include "platform/winsys/backend.h"
 #include "platform/winsys/provider.h"
-#include "viewer/bundled_model.h"
-#include "viewer/canvas.h"
-#include "viewer/import/reader_process.h"
-#include "viewer/interactive_window.h"
-#include "viewer/message_loop.h"
-#include "viewer/model_tree.h"
-#include "viewer/progress.h"
-#include "viewer/sheet.h"
-#include "viewer/stats.h"
+#include "viewer/import/process/reader_client.h"
+#include "viewer/output/model_list.h"
+#include "viewer/output/png_image.h"
+#include "viewer/output/progress_line.h"
+#include "viewer/output/sheet.h"
+#include "viewer/output/stats.h"
+#include "viewer/scene/bundled_model.h"
+#include "viewer/window/interactive_window.h"
+#include "viewer/window/message_loop.h"
 
 #include <exception>
 #include <functional>

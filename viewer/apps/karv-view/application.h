@@ -1,7 +1,7 @@
 // A run of karv-view: models in, pictures and figures out.
 #pragma once
 
-#include "viewer/options.h"
+#include "viewer/apps/karv-view/options.h"
 
 #include <chrono>
 #include <iosfwd>

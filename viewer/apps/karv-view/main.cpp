@@ -1,7 +1,7 @@
 // karv-view: shows model files, or a bundled model, in the viewport.
-#include "viewer/application.h"
-#include "viewer/import/reader_child.h"
-#include "viewer/options.h"
+#include "viewer/apps/karv-view/application.h"
+#include "viewer/apps/karv-view/options.h"
+#include "viewer/import/process/reader_program.h"
 
 #include <chrono>
 #include <iostream>

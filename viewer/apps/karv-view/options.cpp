@@ -1,4 +1,4 @@
-#include "viewer/options.h"
+#include "viewer/apps/karv-view/options.h"
 
 #include <CLI/CLI.hpp>
 

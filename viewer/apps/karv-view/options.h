@@ -1,7 +1,7 @@
 // The command line of karv-view.
 #pragma once
 
-#include "viewer/standard_view.h"
+#include "viewer/scene/standard_view.h"
 
 #include <array>
 #include <iosfwd>

@@ -1,6 +1,6 @@
-#include "examples/win32-dialog/bundled_scene.h"
+#include "viewer/apps/win32-dialog/bundled_scene.h"
 
-#include "viewer/extrusion.h"
+#include "viewer/scene/extrusion.h"
 
 namespace win32_dialog
 {

@@ -1,7 +1,7 @@
 // What the dialog shows without a file.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 namespace win32_dialog
 {

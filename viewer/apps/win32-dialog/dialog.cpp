@@ -1,9 +1,9 @@
-#include "examples/win32-dialog/dialog.h"
+#include "viewer/apps/win32-dialog/dialog.h"
 
-#include "examples/win32-dialog/obj_file.h"
-#include "examples/win32-dialog/resource.h"
 #include "platform/tools/utf8.h"
-#include "viewer/file_error.h"
+#include "viewer/apps/win32-dialog/obj_file.h"
+#include "viewer/apps/win32-dialog/resource.h"
+#include "viewer/text/file_error.h"
 
 #include <commctrl.h>
 #include <commdlg.h>

@@ -3,8 +3,8 @@
 // between.
 #pragma once
 
-#include "examples/win32-dialog/scene_view.h"
-#include "viewer/model.h"
+#include "viewer/apps/win32-dialog/scene_view.h"
+#include "viewer/scene/model.h"
 
 #include <array>
 #include <exception>

@@ -5,13 +5,13 @@
 // With a script or a picture the program ends when that is done, with status 0, or, with one line on the
 // standard error, with 1 where it could not be done and 2 where the command line is wrong. Otherwise it ends
 // with the dialog.
-#include "examples/win32-dialog/bundled_scene.h"
-#include "examples/win32-dialog/dialog.h"
-#include "examples/win32-dialog/obj_file.h"
-#include "examples/win32-dialog/script.h"
-#include "examples/win32-dialog/script_user.h"
 #include "platform/host/rx/module_loader.h"
 #include "platform/tools/utf8.h"
+#include "viewer/apps/win32-dialog/bundled_scene.h"
+#include "viewer/apps/win32-dialog/dialog.h"
+#include "viewer/apps/win32-dialog/obj_file.h"
+#include "viewer/apps/win32-dialog/script.h"
+#include "viewer/apps/win32-dialog/script_user.h"
 
 #include <shellapi.h>
 

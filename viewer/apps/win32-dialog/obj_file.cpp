@@ -1,8 +1,8 @@
-#include "examples/win32-dialog/obj_file.h"
+#include "viewer/apps/win32-dialog/obj_file.h"
 
 #include "platform/host/cm/color.h"
 #include "platform/tools/utf8.h"
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #define TINYOBJLOADER_IMPLEMENTATION
 #include <tiny_obj_loader.h>

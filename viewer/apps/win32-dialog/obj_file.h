@@ -1,7 +1,7 @@
 // Models from OBJ files, by way of a header-only loader; nothing else sees the loader's types.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <filesystem>
 

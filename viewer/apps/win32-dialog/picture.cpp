@@ -1,9 +1,9 @@
-#include "examples/win32-dialog/picture.h"
+#include "viewer/apps/win32-dialog/picture.h"
 
 #include "platform/tools/utf8.h"
 #include "platform/winsys/opengl.h"
 #include "platform/winsys/winsys.h"
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <fstream>

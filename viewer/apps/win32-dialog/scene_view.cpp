@@ -1,4 +1,4 @@
-#include "examples/win32-dialog/scene_view.h"
+#include "viewer/apps/win32-dialog/scene_view.h"
 
 #include "platform/host/gs/manager.h"
 #include "platform/winsys/opengl.h"

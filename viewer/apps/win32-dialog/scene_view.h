@@ -3,10 +3,10 @@
 // everything else is as it was. It knows no dialog template and no button.
 #pragma once
 
-#include "examples/win32-dialog/viewport.h"
-#include "viewer/fit.h"
-#include "viewer/model.h"
-#include "viewer/standard_view.h"
+#include "viewer/apps/win32-dialog/viewport.h"
+#include "viewer/scene/fitted_scene.h"
+#include "viewer/scene/model.h"
+#include "viewer/scene/standard_view.h"
 
 #include <memory>
 #include <optional>

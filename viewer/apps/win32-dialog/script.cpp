@@ -1,8 +1,8 @@
-#include "examples/win32-dialog/script.h"
+#include "viewer/apps/win32-dialog/script.h"
 
-#include "examples/win32-dialog/script_user.h"
 #include "platform/tools/utf8.h"
-#include "viewer/file_error.h"
+#include "viewer/apps/win32-dialog/script_user.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <array>

@@ -13,7 +13,7 @@
 // Empty lines and lines that begin with # are passed over. Files are named from the working directory.
 #pragma once
 
-#include "examples/win32-dialog/dialog.h"
+#include "viewer/apps/win32-dialog/dialog.h"
 
 #include <filesystem>
 #include <string>

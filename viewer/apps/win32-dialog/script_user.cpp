@@ -1,7 +1,7 @@
-#include "examples/win32-dialog/script_user.h"
+#include "viewer/apps/win32-dialog/script_user.h"
 
-#include "examples/win32-dialog/picture.h"
 #include "platform/tools/utf8.h"
+#include "viewer/apps/win32-dialog/picture.h"
 
 #include <colordlg.h>
 #include <commctrl.h>

@@ -1,8 +1,8 @@
 // The hand of a script on the dialog's controls and on the common dialogs that they bring up.
 #pragma once
 
-#include "examples/win32-dialog/dialog.h"
-#include "examples/win32-dialog/script.h"
+#include "viewer/apps/win32-dialog/dialog.h"
+#include "viewer/apps/win32-dialog/script.h"
 
 #include <filesystem>
 #include <functional>

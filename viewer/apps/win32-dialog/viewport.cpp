@@ -1,4 +1,4 @@
-#include "examples/win32-dialog/viewport.h"
+#include "viewer/apps/win32-dialog/viewport.h"
 
 #include <algorithm>
 #include <optional>

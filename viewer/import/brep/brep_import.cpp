@@ -1,10 +1,10 @@
-#include "viewer/import/brep_import.h"
+#include "viewer/import/brep/brep_import.h"
 
 #include "platform/host/cm/color.h"
-#include "viewer/file_error.h"
-#include "viewer/import/brep_document.h"
-#include "viewer/import/brep_surface.h"
-#include "viewer/import/brep_text.h"
+#include "viewer/import/brep/document.h"
+#include "viewer/import/brep/file_kind.h"
+#include "viewer/import/brep/surface.h"
+#include "viewer/text/file_error.h"
 
 #include <BRepBndLib.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>

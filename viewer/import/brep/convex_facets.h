@@ -2,7 +2,7 @@
 // others. It knows nothing of files; corners are numbers, and where they lie is asked for.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <array>
 #include <functional>

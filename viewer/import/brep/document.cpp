@@ -1,7 +1,7 @@
-#include "viewer/import/brep_document.h"
+#include "viewer/import/brep/document.h"
 
 #include "platform/host/cm/color.h"
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <BRepBndLib.hxx>
 #include <BRepTools.hxx>

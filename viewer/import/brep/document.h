@@ -2,7 +2,7 @@
 // with its place, its name and its colours. Nothing is faceted here.
 #pragma once
 
-#include "viewer/import/brep_text.h"
+#include "viewer/import/brep/file_kind.h"
 
 #include <Message_ProgressRange.hxx>
 #include <NCollection_DataMap.hxx>

@@ -1,7 +1,7 @@
-#include "viewer/import/brep_text.h"
+#include "viewer/import/brep/file_kind.h"
 
-#include "viewer/file_checks.h"
-#include "viewer/file_error.h"
+#include "viewer/import/file_checks.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "viewer/import/brep_surface.h"
+#include "viewer/import/brep/surface.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepAdaptor_Surface.hxx>

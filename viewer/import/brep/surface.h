@@ -3,8 +3,8 @@
 // not known here.
 #pragma once
 
-#include "viewer/import/convex_facets.h"
-#include "viewer/model.h"
+#include "viewer/import/brep/convex_facets.h"
+#include "viewer/scene/model.h"
 
 #include <NCollection_IndexedDataMap.hxx>
 #include <TopTools_ShapeMapHasher.hxx>

@@ -1,4 +1,4 @@
-#include "viewer/import/dxf_affine.h"
+#include "viewer/import/dxf/affine.h"
 
 #include <cmath>
 #include <numbers>

@@ -2,7 +2,7 @@
 // direction stands for.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 namespace viewer
 {

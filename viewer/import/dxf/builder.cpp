@@ -1,7 +1,7 @@
-#include "viewer/import/dxf_builder.h"
+#include "viewer/import/dxf/builder.h"
 
 #include "platform/host/cm/color.h"
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,9 +2,9 @@
 // of its own coordinate system. Limits, hiding and placing are not known here.
 #pragma once
 
-#include "viewer/import/dxf_drawing.h"
-#include "viewer/import/dxf_polyline.h"
-#include "viewer/import/dxf_text.h"
+#include "viewer/import/dxf/drawing.h"
+#include "viewer/import/dxf/entity_stream.h"
+#include "viewer/import/dxf/polyline.h"
 
 #include <dxflib/dl_creationadapter.h>
 

@@ -1,4 +1,4 @@
-#include "viewer/import/dxf_drawing.h"
+#include "viewer/import/dxf/drawing.h"
 
 #include <algorithm>
 #include <utility>

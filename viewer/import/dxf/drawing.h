@@ -2,10 +2,10 @@
 // curves, in the coordinates of the block that they stand in; nothing is placed, cut or hidden here.
 #pragma once
 
-#include "viewer/import/curve_segments.h"
-#include "viewer/import/dxf_affine.h"
-#include "viewer/import/spline_segments.h"
-#include "viewer/model.h"
+#include "viewer/import/dxf/affine.h"
+#include "viewer/import/dxf/curve_segments.h"
+#include "viewer/import/dxf/spline_segments.h"
+#include "viewer/scene/model.h"
 
 #include <array>
 #include <cstddef>

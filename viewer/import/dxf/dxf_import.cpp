@@ -1,11 +1,11 @@
-#include "viewer/import/dxf_import.h"
+#include "viewer/import/dxf/dxf_import.h"
 
-#include "viewer/file_checks.h"
-#include "viewer/file_error.h"
-#include "viewer/import/dxf_builder.h"
-#include "viewer/import/dxf_pieces.h"
-#include "viewer/import/dxf_placement.h"
-#include "viewer/import/dxf_text.h"
+#include "viewer/import/dxf/builder.h"
+#include "viewer/import/dxf/entity_stream.h"
+#include "viewer/import/dxf/pieces.h"
+#include "viewer/import/dxf/placement.h"
+#include "viewer/import/file_checks.h"
+#include "viewer/text/file_error.h"
 
 #include <dxflib/dl_dxf.h>
 

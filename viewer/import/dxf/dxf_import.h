@@ -3,9 +3,9 @@
 // model knows where the drawing says it; z is up.
 #pragma once
 
-#include "viewer/import/import_options.h"
-#include "viewer/model.h"
-#include "viewer/progress.h"
+#include "viewer/import/process/import_options.h"
+#include "viewer/output/progress_line.h"
+#include "viewer/scene/model.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
-#include "viewer/import/dxf_text.h"
+#include "viewer/import/dxf/entity_stream.h"
 
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <charconv>
@@ -183,12 +183,11 @@ void DxfText::EnterSection()
     else
         section_ = Section::kOther;
     std::string variable;
-    for (next_ = groups_.Read(); next_.code != 0; next_ = groups_.Read()) {
+    for (next_ = groups_.Read(); next_.code != 0; next_ = groups_.Read())
         if (next_.code == kVariable)
             variable = next_.value;
         else if (next_.code == kFirstInteger && variable == "$INSUNITS")
             unit_number_ = ParseWholeNumber(next_.value).value_or(0);
-    }
 }
 
 void DxfText::ReadEntity(const std::string& name, std::size_t line)

@@ -4,8 +4,8 @@
 // counted, all else left out. What an entity means is not known here.
 #pragma once
 
-#include "viewer/import/dxf_groups.h"
-#include "viewer/progress.h"
+#include "viewer/import/dxf/groups.h"
+#include "viewer/output/progress_line.h"
 
 #include <array>
 #include <cstddef>

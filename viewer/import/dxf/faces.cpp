@@ -1,4 +1,4 @@
-#include "viewer/import/dxf_faces.h"
+#include "viewer/import/dxf/faces.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,8 @@
 // split, faces of one surface are turned the same way round, and their own edges are told from the others.
 #pragma once
 
-#include "viewer/import/dxf_drawing.h"
-#include "viewer/model.h"
+#include "viewer/import/dxf/drawing.h"
+#include "viewer/scene/model.h"
 
 #include <vector>
 

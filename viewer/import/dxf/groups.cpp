@@ -1,6 +1,6 @@
-#include "viewer/import/dxf_groups.h"
+#include "viewer/import/dxf/groups.h"
 
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <charconv>

@@ -2,7 +2,7 @@
 // such file is told here, and a file that ends too early; what groups mean is not known.
 #pragma once
 
-#include "viewer/progress.h"
+#include "viewer/output/progress_line.h"
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,7 @@
-#include "viewer/import/dxf_pieces.h"
+#include "viewer/import/dxf/pieces.h"
 
-#include "viewer/file_error.h"
-#include "viewer/import/dxf_faces.h"
+#include "viewer/import/dxf/faces.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <cmath>

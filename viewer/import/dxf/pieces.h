@@ -1,8 +1,8 @@
 // The pieces of a drawing's model: placed entities sorted by block, layer and colour, with their curves cut.
 #pragma once
 
-#include "viewer/import/dxf_placement.h"
-#include "viewer/model.h"
+#include "viewer/import/dxf/placement.h"
+#include "viewer/scene/model.h"
 
 #include <cstddef>
 #include <map>

@@ -1,6 +1,6 @@
-#include "viewer/import/dxf_placement.h"
+#include "viewer/import/dxf/placement.h"
 
-#include "viewer/file_error.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <utility>

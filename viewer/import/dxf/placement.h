@@ -2,7 +2,7 @@
 // colour. Blocks that hold themselves are refused here, and those that blow up beyond all measure.
 #pragma once
 
-#include "viewer/import/dxf_drawing.h"
+#include "viewer/import/dxf/drawing.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "viewer/import/dxf_polyline.h"
+#include "viewer/import/dxf/polyline.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -2,7 +2,7 @@
 // polyface meshes, taken apart into segments, arcs and faces.
 #pragma once
 
-#include "viewer/import/dxf_drawing.h"
+#include "viewer/import/dxf/drawing.h"
 
 #include <array>
 #include <string>

@@ -2,7 +2,7 @@
 // segments. It knows nothing of files; every unit is the caller's.
 #pragma once
 
-#include "viewer/model.h"
+#include "viewer/scene/model.h"
 
 #include <cstddef>
 #include <vector>

@@ -1,8 +1,8 @@
-#include "viewer/mesh_import.h"
+#include "viewer/import/mesh/mesh_import.h"
 
 #include "platform/host/cm/color.h"
-#include "viewer/file_checks.h"
-#include "viewer/file_error.h"
+#include "viewer/import/file_checks.h"
+#include "viewer/text/file_error.h"
 
 #include <assimp/GltfMaterial.h>
 #include <assimp/Importer.hpp>

@@ -2,8 +2,8 @@
 // normals are made right for the viewport here.
 #pragma once
 
-#include "viewer/model.h"
-#include "viewer/progress.h"
+#include "viewer/output/progress_line.h"
+#include "viewer/scene/model.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "viewer/import/interrupt_watch.h"
+#include "viewer/import/process/interrupt_watch.h"
 
 #include <array>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "viewer/import/model_stream.h"
+#include "viewer/import/process/model_stream.h"
 
 #include <algorithm>
 #include <array>

@@ -7,8 +7,8 @@
 // the model or the failure come the bytes of the end, and nothing more.
 #pragma once
 
-#include "viewer/model.h"
-#include "viewer/progress.h"
+#include "viewer/output/progress_line.h"
+#include "viewer/scene/model.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "viewer/import/process_limits.h"
+#include "viewer/import/process/process_limits.h"
 
 #include <new>
 

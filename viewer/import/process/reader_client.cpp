@@ -1,10 +1,10 @@
-#include "viewer/import/reader_process.h"
+#include "viewer/import/process/reader_client.h"
 
-#include "viewer/file_error.h"
-#include "viewer/import/interrupt_watch.h"
-#include "viewer/import/model_stream.h"
-#include "viewer/import/process_limits.h"
-#include "viewer/import/reader_child.h"
+#include "viewer/import/process/interrupt_watch.h"
+#include "viewer/import/process/model_stream.h"
+#include "viewer/import/process/process_limits.h"
+#include "viewer/import/process/reader_program.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <array>

@@ -2,9 +2,9 @@
 // whole model or none.
 #pragma once
 
-#include "viewer/import/import_options.h"
-#include "viewer/model.h"
-#include "viewer/progress.h"
+#include "viewer/import/process/import_options.h"
+#include "viewer/output/progress_line.h"
+#include "viewer/scene/model.h"
 
 #include <chrono>
 #include <cstddef>

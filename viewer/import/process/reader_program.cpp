@@ -1,9 +1,9 @@
-#include "viewer/import/reader_child.h"
+#include "viewer/import/process/reader_program.h"
 
-#include "viewer/file_error.h"
 #include "viewer/import/model_file.h"
-#include "viewer/import/model_stream.h"
-#include "viewer/import/process_limits.h"
+#include "viewer/import/process/model_stream.h"
+#include "viewer/import/process/process_limits.h"
+#include "viewer/text/file_error.h"
 
 #include <array>
 #include <cerrno>

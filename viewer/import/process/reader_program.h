@@ -2,8 +2,8 @@
 // it knows, so that a file that crashes a parser does not crash the viewer.
 #pragma once
 
-#include "viewer/import/import_options.h"
-#include "viewer/import/reader_process.h"
+#include "viewer/import/process/import_options.h"
+#include "viewer/import/process/reader_client.h"
 
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
 // A run of the program within the test's own process, to look at the host while it goes on.
-#include "viewer/application.h"
+#include "viewer/apps/karv-view/application.h"
 
 #include "platform/host/rx/module_loader.h"
 #include "tests/viewer/viewer_fixture.h"

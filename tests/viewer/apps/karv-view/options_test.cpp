@@ -1,4 +1,4 @@
-#include "viewer/options.h"
+#include "viewer/apps/karv-view/options.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // How the program reads files: what it lists of them, how it is stopped, and what becomes of the process that
 // parses.
 #include "tests/support/child_process.h"
-#include "tests/viewer/brep_fixture.h"
-#include "tests/viewer/dxf_fixture.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
+#include "tests/viewer/import/dxf/dxf_fixture.h"
 #include "tests/viewer/viewer_fixture.h"
 
 #include <BRepPrimAPI_MakeBox.hxx>

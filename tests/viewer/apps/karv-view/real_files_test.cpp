@@ -1,10 +1,10 @@
 // Files of other programs, of many kinds, on the whole road: read by a process of their own, fed to the
 // control, and drawn.
-#include "tests/viewer/brep_fixture.h"
-#include "tests/viewer/dxf_fixture.h"
-#include "viewer/fit.h"
-#include "viewer/import/reader_process.h"
-#include "viewer/viewport_window.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
+#include "tests/viewer/import/dxf/dxf_fixture.h"
+#include "viewer/import/process/reader_client.h"
+#include "viewer/scene/fitted_scene.h"
+#include "viewer/window/viewport_window.h"
 
 #include <BRepAlgoAPI_Cut.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>

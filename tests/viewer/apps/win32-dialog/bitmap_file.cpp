@@ -1,4 +1,4 @@
-#include "tests/examples/bitmap_file.h"
+#include "tests/viewer/apps/win32-dialog/bitmap_file.h"
 
 #include "platform/winsys/winsys.h"
 

@@ -1,5 +1,5 @@
 // What the example program says, and how it ends, where something is wrong with what it was given.
-#include "tests/examples/dialog_process.h"
+#include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The example program in the hands of somebody who has a keyboard alone: the order of the Tab key, the keys
 // of the captions, and what keeps the focus.
-#include "tests/examples/dialog_process.h"
+#include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
-#include "examples/win32-dialog/resource.h"
+#include "viewer/apps/win32-dialog/resource.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // What the buttons and switches of the example program do to the picture in its viewport. Expected colours
 // come from the models' own materials, from the law of blending, and from other pictures of the same run.
-#include "tests/examples/dialog_process.h"
+#include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/examples/dialog_process.h"
+#include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/winsys/winsys.h"
-#include "tests/examples/bitmap_file.h"
+#include "tests/viewer/apps/win32-dialog/bitmap_file.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,6 +1,6 @@
 // B-rep files that are not what they should be.
-#include "tests/viewer/brep_fixture.h"
-#include "viewer/import/brep_text.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
+#include "viewer/import/brep/file_kind.h"
 
 #include <BRepBuilderAPI_MakeVertex.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>

@@ -1,7 +1,7 @@
-#include "tests/viewer/brep_fixture.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
 
-#include "viewer/file_error.h"
-#include "viewer/solid.h"
+#include "viewer/scene/feature_edges.h"
+#include "viewer/text/file_error.h"
 
 #include <BRepGProp.hxx>
 #include <BRepTools.hxx>

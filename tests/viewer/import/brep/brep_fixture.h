@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/import/brep_import.h"
-#include "viewer/model.h"
+#include "viewer/import/brep/brep_import.h"
+#include "viewer/scene/model.h"
 
 #include <TDF_Label.hxx>
 #include <TDocStd_Document.hxx>

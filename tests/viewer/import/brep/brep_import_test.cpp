@@ -1,7 +1,7 @@
-#include "viewer/import/brep_import.h"
+#include "viewer/import/brep/brep_import.h"
 
-#include "tests/viewer/brep_fixture.h"
-#include "viewer/import/convex_facets.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
+#include "viewer/import/brep/convex_facets.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepAlgoAPI_Cut.hxx>

@@ -1,5 +1,5 @@
 // B-rep files of other programs, as the library's own package of sample data has them.
-#include "tests/viewer/brep_fixture.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
 
 #include <BRepTools.hxx>
 #include <BRep_Builder.hxx>

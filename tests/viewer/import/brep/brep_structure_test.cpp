@@ -1,6 +1,6 @@
 // Names, colours, assemblies and categories of B-rep files.
 #include "platform/host/cm/color.h"
-#include "tests/viewer/brep_fixture.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
 
 #include <BRepPrimAPI_MakeBox.hxx>
 #include <BRepPrimAPI_MakeSphere.hxx>

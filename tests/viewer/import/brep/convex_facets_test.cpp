@@ -1,4 +1,4 @@
-#include "viewer/import/convex_facets.h"
+#include "viewer/import/brep/convex_facets.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "viewer/import/curve_segments.h"
+#include "viewer/import/dxf/curve_segments.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "tests/viewer/dxf_fixture.h"
-#include "viewer/import/dxf_placement.h"
+#include "tests/viewer/import/dxf/dxf_fixture.h"
+#include "viewer/import/dxf/placement.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

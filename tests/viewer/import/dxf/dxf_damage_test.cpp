@@ -1,5 +1,5 @@
-#include "tests/viewer/dxf_fixture.h"
-#include "viewer/import/dxf_pieces.h"
+#include "tests/viewer/import/dxf/dxf_fixture.h"
+#include "viewer/import/dxf/pieces.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "viewer/import/dxf_faces.h"
+#include "viewer/import/dxf/faces.h"
 
-#include "tests/viewer/dxf_fixture.h"
-#include "viewer/solid.h"
+#include "tests/viewer/import/dxf/dxf_fixture.h"
+#include "viewer/scene/feature_edges.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

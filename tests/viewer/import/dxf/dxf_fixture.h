@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/file_error.h"
-#include "viewer/import/dxf_import.h"
+#include "viewer/import/dxf/dxf_import.h"
+#include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <string>

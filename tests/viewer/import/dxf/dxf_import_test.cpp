@@ -1,7 +1,7 @@
-#include "viewer/import/dxf_import.h"
+#include "viewer/import/dxf/dxf_import.h"
 
 #include "platform/host/cm/color.h"
-#include "tests/viewer/dxf_fixture.h"
+#include "tests/viewer/import/dxf/dxf_fixture.h"
 
 #include <dxflib/dl_dxf.h>
 #include <dxflib/dl_writer_ascii.h>

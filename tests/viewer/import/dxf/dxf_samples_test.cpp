@@ -1,7 +1,7 @@
 // Drawings that other programs wrote, from packages of the system.
 
-#include "viewer/file_error.h"
-#include "viewer/import/dxf_import.h"
+#include "viewer/import/dxf/dxf_import.h"
+#include "viewer/text/file_error.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

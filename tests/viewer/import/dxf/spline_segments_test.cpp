@@ -1,6 +1,6 @@
-#include "viewer/import/spline_segments.h"
+#include "viewer/import/dxf/spline_segments.h"
 
-#include "viewer/import/curve_segments.h"
+#include "viewer/import/dxf/curve_segments.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

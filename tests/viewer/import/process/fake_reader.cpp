@@ -1,6 +1,6 @@
 // A reader of the kind that karv-view starts, with a fault that the name of its file chooses.
-#include "tests/viewer/stream_fixture.h"
-#include "viewer/import/process_limits.h"
+#include "tests/viewer/import/process/stream_fixture.h"
+#include "viewer/import/process/process_limits.h"
 
 #include <array>
 #include <chrono>

@@ -1,9 +1,9 @@
 // Files of every kind that are cut, empty inside, lying or not what they seem, read as the program reads
 // them: by a process of its own, under limits. Each gives one line and a reason, in bounded time and memory.
-#include "tests/viewer/brep_fixture.h"
-#include "tests/viewer/dxf_fixture.h"
-#include "viewer/file_error.h"
-#include "viewer/import/reader_process.h"
+#include "tests/viewer/import/brep/brep_fixture.h"
+#include "tests/viewer/import/dxf/dxf_fixture.h"
+#include "viewer/import/process/reader_client.h"
+#include "viewer/text/file_error.h"
 
 #include <BRepPrimAPI_MakeCylinder.hxx>
 
@@ -143,9 +143,8 @@ TEST_P(HostileKind, CutAtTwentyPlacesIsRefused)
             ExpectRefused(cut, where);
         else
             ExpectOrderly(cut, where);
-        if (cut.model) {
+        if (cut.model)
             EXPECT_LT(cut.model->FaceCount(), whole.model->FaceCount()) << where;
-        }
     }
 }
 
@@ -346,9 +345,8 @@ TEST_P(NonFiniteCoordinates, NeverReachTheModel)
             ExpectContained(outcome, number);
         else
             ExpectOrderly(outcome, number);
-        if (outcome.model) {
+        if (outcome.model)
             EXPECT_TRUE(std::isfinite(outcome.model->Extents().Diagonal())) << number;
-        }
     }
 }
 
@@ -408,9 +406,8 @@ TEST_F(HostileFiles, AssembliesThatHoldThemselvesDoNoHarm)
     const Outcome outcome = Import(Write("self.step", text));
     ExpectContained(outcome, "an assembly in itself");
     // The library leaves such a usage out, so that the part is what there is to show.
-    if (outcome.model) {
+    if (outcome.model)
         EXPECT_EQ(outcome.model->pieces.size(), 1U);
-    }
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // A process under the limits of a reader, without any sanitizer, that asks for memory until it gets none.
-#include "viewer/import/process_limits.h"
+#include "viewer/import/process/process_limits.h"
 
 #include <cstdlib>
 #include <vector>

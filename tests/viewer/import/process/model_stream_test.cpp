@@ -1,6 +1,6 @@
-#include "viewer/import/model_stream.h"
+#include "viewer/import/process/model_stream.h"
 
-#include "tests/viewer/stream_fixture.h"
+#include "tests/viewer/import/process/stream_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 // Readers that fail in every way there is, and the one of the program itself.
-#include "viewer/import/reader_process.h"
+#include "viewer/import/process/reader_client.h"
 
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/file_error.h"
-#include "viewer/import/process_limits.h"
-#include "viewer/import/reader_child.h"
+#include "viewer/import/process/process_limits.h"
+#include "viewer/import/process/reader_program.h"
+#include "viewer/text/file_error.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

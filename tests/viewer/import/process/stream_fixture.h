@@ -2,7 +2,7 @@
 // bytes.
 #pragma once
 
-#include "viewer/import/model_stream.h"
+#include "viewer/import/process/model_stream.h"
 
 #include <algorithm>
 #include <cstring>
