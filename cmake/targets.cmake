@@ -18,6 +18,10 @@ if(KARV_SANITIZE)
   target_link_options(karv_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(KARV_FUZZ)
+  target_compile_options(karv_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # For the module, and for the programs that compile its headers once more.
 add_library(karv_coverage INTERFACE)
 if(KARV_COVERAGE)

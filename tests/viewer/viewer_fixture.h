@@ -1,7 +1,7 @@
 // What tests of the sample host share: a folder of their own, small model files, and runs of the program.
 #pragma once
 
-#include "viewer/apps/karv-view/options.h"
+#include "viewer/output/picture.h"
 #include "viewer/scene/model.h"
 
 #include <gtest/gtest.h>

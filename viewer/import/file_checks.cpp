@@ -1,6 +1,7 @@
 #include "viewer/import/file_checks.h"
 
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
@@ -22,23 +23,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-std::string LowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
-std::string_view Trimmed(std::string_view line)
-{
-    constexpr std::string_view kBlanks = " \t\r\n";
-    const std::size_t first = line.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos)
-        return {};
-    return line.substr(first, line.find_last_not_of(kBlanks) - first + 1);
-}
-
-[[noreturn]] void Truncated(const std::string& path, const std::string& what)
+[[noreturn]] void ThrowTruncated(const std::string& path, const std::string& what)
 {
     throw FileError(path, "truncated: " + what);
 }
@@ -91,14 +76,14 @@ void CheckStl(const std::string& path, std::istream& stream, std::uintmax_t size
     stream >> first;
     if (LowerCase(first) == "solid" && LooksLikeText(stream)) {
         if (!LowerCase(LastLine(stream, size)).starts_with("endsolid"))
-            Truncated(path, "no 'endsolid' at the end");
+            ThrowTruncated(path, "no 'endsolid' at the end");
         return;
     }
     if (size < kHeader)
-        Truncated(path, "shorter than the header of a binary STL file");
+        ThrowTruncated(path, "shorter than the header of a binary STL file");
     if (size < expected)
-        Truncated(path, "holds " + std::to_string((size - kHeader) / kFacet) + " of " +
-                            std::to_string((expected - kHeader) / kFacet) + " facets");
+        ThrowTruncated(path, "holds " + std::to_string((size - kHeader) / kFacet) + " of " +
+                                 std::to_string((expected - kHeader) / kFacet) + " facets");
 }
 
 void CheckBinaryGltf(const std::string& path, std::istream& stream, std::uintmax_t size)
@@ -106,7 +91,7 @@ void CheckBinaryGltf(const std::string& path, std::istream& stream, std::uintmax
     constexpr std::uintmax_t kHeader = 12;
     const std::uint32_t length = ReadUint32(stream, 8);
     if (size < kHeader || size < length)
-        Truncated(path, "holds " + std::to_string(size) + " of " + std::to_string(length) + " bytes");
+        ThrowTruncated(path, "holds " + std::to_string(size) + " of " + std::to_string(length) + " bytes");
 }
 
 /// One element of a PLY header.
@@ -161,7 +146,7 @@ void CheckPly(const std::string& path, std::istream& stream, std::uintmax_t size
         ReadPlyHeaderLine(header, line);
     }
     if (!ended)
-        Truncated(path, "the header does not end");
+        ThrowTruncated(path, "the header does not end");
     if (header.ascii) {
         std::uintmax_t expected = 0;
         for (const PlyElement& element : header.elements)
@@ -170,19 +155,20 @@ void CheckPly(const std::string& path, std::istream& stream, std::uintmax_t size
         for (std::string line; lines < expected && std::getline(stream, line);)
             lines += Trimmed(line).empty() ? 0 : 1;
         if (lines < expected)
-            Truncated(path,
-                      "holds " + std::to_string(lines) + " of " + std::to_string(expected) + " elements");
+            ThrowTruncated(path, "holds " + std::to_string(lines) + " of " + std::to_string(expected) +
+                                     " elements");
         return;
     }
     const auto body = size - static_cast<std::uintmax_t>(stream.tellg());
     std::uintmax_t expected = 0;
     for (const PlyElement& element : header.elements) {
         if (element.least_bytes != 0 && element.count > size / element.least_bytes)
-            Truncated(path, "says to hold " + std::to_string(element.count) + " elements");
+            ThrowTruncated(path, "says to hold " + std::to_string(element.count) + " elements");
         expected += element.count * element.least_bytes;
     }
     if (body < expected)
-        Truncated(path, "holds " + std::to_string(body) + " bytes of at least " + std::to_string(expected));
+        ThrowTruncated(path,
+                       "holds " + std::to_string(body) + " bytes of at least " + std::to_string(expected));
 }
 
 /// The next line of an OFF file that holds something besides a comment.
@@ -212,7 +198,7 @@ void CheckOff(const std::string& path, std::istream& stream)
     if (line && LowerCase(*line).ends_with("off") && CountWords(*line) == 1)
         line = NextOffLine(stream);
     if (!line)
-        Truncated(path, "no counts");
+        ThrowTruncated(path, "no counts");
     std::istringstream words(*line);
     if (std::isalpha(static_cast<unsigned char>(line->front())) != 0) {
         std::string keyword;
@@ -227,14 +213,14 @@ void CheckOff(const std::string& path, std::istream& stream)
     while (lines < vertices + faces) {
         line = NextOffLine(stream);
         if (!line)
-            Truncated(path, "holds " + std::to_string(lines) + " of " + std::to_string(vertices + faces) +
-                                " vertices and faces");
+            ThrowTruncated(path, "holds " + std::to_string(lines) + " of " +
+                                     std::to_string(vertices + faces) + " vertices and faces");
         last = *line;
         ++lines;
     }
     std::size_t corners = 0;
     if (faces > 0 && std::istringstream(last) >> corners && CountWords(last) < corners + 1)
-        Truncated(path, "the last face is not complete");
+        ThrowTruncated(path, "the last face is not complete");
 }
 
 void CheckReadable(const std::string& path)
@@ -262,7 +248,7 @@ void CheckModelFile(const std::string& path)
     const std::uintmax_t size = fs::file_size(path);
     if (size == 0)
         throw FileError(path, "is empty");
-    const std::string ending = LowerCase(fs::path(path).extension().string());
+    const std::string ending = LowerCaseExtension(path);
     if (ending == ".stl")
         CheckStl(path, stream, size);
     else if (ending == ".glb")

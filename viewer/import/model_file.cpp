@@ -2,15 +2,13 @@
 
 #include "viewer/import/brep/brep_import.h"
 #include "viewer/import/dxf/dxf_import.h"
-#include "viewer/import/file_checks.h"
 #include "viewer/import/mesh/mesh_import.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cmath>
-#include <filesystem>
 #include <string_view>
 
 namespace viewer
@@ -19,21 +17,13 @@ namespace viewer
 namespace
 {
 
-std::string LowerCaseEnding(const std::string& path)
-{
-    std::string ending = std::filesystem::path(path).extension().string();
-    std::ranges::transform(ending, ending.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return ending;
-}
-
 Model Dispatch(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
 {
     constexpr std::array<std::string_view, 6> kBrepEndings = {".step", ".stp",  ".iges",
                                                               ".igs",  ".brep", ".brp"};
     // That importer converts STEP and IGES files to millimetres; BREP files have no unit.
     constexpr double kMillimeter = 0.001;
-    const std::string ending = LowerCaseEnding(path);
+    const std::string ending = LowerCaseExtension(path);
     if (std::ranges::find(kBrepEndings, ending) != kBrepEndings.end()) {
         Model model = ImportBrep(path, options, progress);
         if (!ending.starts_with(".b"))
@@ -49,7 +39,6 @@ Model Dispatch(const std::string& path, const ImportOptions& options, const Prog
 
 Model ReadModelFile(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
 {
-    CheckModelFile(path);
     Model model = Dispatch(path, options, progress);
     const Box box = model.Extents();
     if (box.IsEmpty())

@@ -1,8 +1,8 @@
 // Any model file, whatever its kind, parsed in this process.
 #pragma once
 
-#include "viewer/import/process/import_options.h"
-#include "viewer/output/progress_line.h"
+#include "viewer/import/import_options.h"
+#include "viewer/import/progress.h"
 #include "viewer/scene/model.h"
 
 #include <string>

@@ -2,6 +2,7 @@
 
 #include "platform/host/cm/color.h"
 #include "viewer/scene/feature_edges.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -63,9 +64,7 @@ std::string TextOf(const Counts& counts)
 /// A name as it may stand on a terminal.
 std::string Printable(const std::string& name)
 {
-    std::string text = name;
-    std::ranges::replace_if(
-        text, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
+    const std::string text = OneLine(name);
     return text.empty() ? "(no name)" : text;
 }
 
@@ -161,7 +160,7 @@ class TreePrinter
 
 } // namespace
 
-void PrintTree(std::ostream& out, const Model& model, int first_category)
+void PrintModelList(std::ostream& out, const Model& model, int first_category)
 {
     TreePrinter(out, model, first_category).Print();
 }

@@ -12,6 +12,6 @@ namespace viewer
 /// has, and the tree, one line a piece: its name, category, colour, opacity where it is not 1, and counts of
 /// faces, edges, lines and solids. Categories are counted from `first_category`, which is how they count
 /// where other models come before this one. Names are printed in one line each, without control characters.
-void PrintTree(std::ostream& out, const Model& model, int first_category = 0);
+void PrintModelList(std::ostream& out, const Model& model, int first_category = 0);
 
 } // namespace viewer

@@ -8,6 +8,17 @@
 namespace viewer
 {
 
+/// Width and height in pixels.
+struct PictureSize {
+    int width = 1024;
+    int height = 768;
+
+    bool operator==(const PictureSize&) const = default;
+};
+
+/// The longest side of a picture that users can ask for, in pixels.
+inline constexpr int kMaxPictureSide = 8192;
+
 /// Red in bits 16 to 23, green in 8 to 15, blue in 0 to 7.
 [[nodiscard]] constexpr std::uint32_t PackColor(unsigned char red, unsigned char green, unsigned char blue)
 {

@@ -127,7 +127,7 @@ std::string WritableText(std::string text)
 
 } // namespace
 
-struct Canvas::Surface {
+struct PngImage::Surface {
     SurfacePointer surface;
     ContextPointer context;
 
@@ -136,7 +136,7 @@ struct Canvas::Surface {
     }
 };
 
-Canvas::Canvas(int width, int height) : surface_(std::make_unique<Surface>(width, height))
+PngImage::PngImage(int width, int height) : surface_(std::make_unique<Surface>(width, height))
 {
     cairo_t* context = surface_->context.get();
     cairo_set_source_rgb(context, 1.0, 1.0, 1.0);
@@ -144,9 +144,9 @@ Canvas::Canvas(int width, int height) : surface_(std::make_unique<Surface>(width
     cairo_select_font_face(context, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
 }
 
-Canvas::~Canvas() = default;
+PngImage::~PngImage() = default;
 
-void Canvas::Draw(const Picture& picture, int left, int top)
+void PngImage::Draw(const Picture& picture, int left, int top)
 {
     const SurfacePointer source = MakeSurface(picture.width, picture.height);
     cairo_surface_flush(source.get());
@@ -160,8 +160,8 @@ void Canvas::Draw(const Picture& picture, int left, int top)
     cairo_paint(surface_->context.get());
 }
 
-void Canvas::DrawText(const std::string& text, double center_x, double baseline, double size,
-                      double most_width)
+void PngImage::DrawText(const std::string& text, double center_x, double baseline, double size,
+                        double max_width)
 {
     constexpr double kInk = 0.15;
     const std::string line = WritableText(text);
@@ -169,8 +169,8 @@ void Canvas::DrawText(const std::string& text, double center_x, double baseline,
     cairo_text_extents_t extents;
     cairo_set_font_size(context, size);
     cairo_text_extents(context, line.c_str(), &extents);
-    if (extents.width > most_width) {
-        cairo_set_font_size(context, size * most_width / extents.width);
+    if (extents.width > max_width) {
+        cairo_set_font_size(context, size * max_width / extents.width);
         cairo_text_extents(context, line.c_str(), &extents);
     }
     cairo_set_source_rgb(context, kInk, kInk, kInk);
@@ -178,7 +178,7 @@ void Canvas::DrawText(const std::string& text, double center_x, double baseline,
     cairo_show_text(context, line.c_str());
 }
 
-void Canvas::WritePng(const std::string& path) const
+void PngImage::WritePng(const std::string& path) const
 {
     PendingFile file(path);
     const cairo_status_t status =
@@ -190,9 +190,9 @@ void Canvas::WritePng(const std::string& path) const
 
 void WritePng(const Picture& picture, const std::string& path)
 {
-    Canvas canvas(picture.width, picture.height);
-    canvas.Draw(picture, 0, 0);
-    canvas.WritePng(path);
+    PngImage image(picture.width, picture.height);
+    image.Draw(picture, 0, 0);
+    image.WritePng(path);
 }
 
 } // namespace viewer

@@ -10,19 +10,19 @@ namespace viewer
 {
 
 /// A drawing surface of pixels, white at first. Throws std::bad_alloc where there is no room for it.
-class Canvas
+class PngImage
 {
   public:
-    Canvas(int width, int height);
-    ~Canvas();
-    Canvas(const Canvas&) = delete;
-    Canvas& operator=(const Canvas&) = delete;
+    PngImage(int width, int height);
+    ~PngImage();
+    PngImage(const PngImage&) = delete;
+    PngImage& operator=(const PngImage&) = delete;
 
     /// Copies a picture with its upper left corner there; what does not fit is cut off.
     void Draw(const Picture& picture, int left, int top);
     /// Writes a line of text, `size` pixels high, centred on `center_x`, standing on `baseline`. Wider
-    /// text than `most_width` is written smaller.
-    void DrawText(const std::string& text, double center_x, double baseline, double size, double most_width);
+    /// text than `max_width` is written smaller.
+    void DrawText(const std::string& text, double center_x, double baseline, double size, double max_width);
 
     /// Writes a PNG file whole or not at all: a file that was there stays as it was until the new one is
     /// complete. Throws FileError.

@@ -10,9 +10,6 @@
 namespace viewer
 {
 
-/// How far something is, from 0 to 1.
-using ProgressFunction = std::function<void(double fraction)>;
-
 /// Whether the standard error stream goes to a terminal.
 [[nodiscard]] bool StandardErrorIsTerminal();
 

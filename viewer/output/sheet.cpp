@@ -62,20 +62,20 @@ SheetLayout LayOutSheet(const std::optional<PictureSize>& size)
 void WriteSheet(const std::string& path, const std::string& title, const SheetLayout& layout,
                 const std::function<Picture(StandardView)>& draw)
 {
-    Canvas canvas(layout.whole.width, layout.whole.height);
-    canvas.DrawText(title, layout.whole.width / 2.0, kTitleHeight - kTitleSize / 2, kTitleSize,
-                    layout.whole.width - 2.0 * kGap);
+    PngImage image(layout.whole.width, layout.whole.height);
+    image.DrawText(title, layout.whole.width / 2.0, kTitleHeight - kTitleSize / 2, kTitleSize,
+                   layout.whole.width - 2.0 * kGap);
     for (std::size_t i = 0; i < kStandardViews.size(); ++i) {
         const int column = static_cast<int>(i) % layout.columns;
         const int row = static_cast<int>(i) / layout.columns;
         const int left = kGap + column * (layout.cell.width + kGap);
         const int top = kTitleHeight + row * (layout.cell.height + kLabelHeight + kGap);
-        canvas.Draw(draw(kStandardViews.at(i)), left, top);
-        canvas.DrawText(std::string(NameOf(kStandardViews.at(i))), left + layout.cell.width / 2.0,
-                        top + layout.cell.height + kLabelHeight - kLabelSize / 2, kLabelSize,
-                        layout.cell.width);
+        image.Draw(draw(kStandardViews.at(i)), left, top);
+        image.DrawText(std::string(NameOf(kStandardViews.at(i))), left + layout.cell.width / 2.0,
+                       top + layout.cell.height + kLabelHeight - kLabelSize / 2, kLabelSize,
+                       layout.cell.width);
     }
-    canvas.WritePng(path);
+    image.WritePng(path);
 }
 
 } // namespace viewer

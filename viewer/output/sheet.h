@@ -1,7 +1,6 @@
 // How the ten standard views lie on one labelled sheet.
 #pragma once
 
-#include "viewer/apps/karv-view/options.h"
 #include "viewer/output/picture.h"
 #include "viewer/scene/standard_view.h"
 

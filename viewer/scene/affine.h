@@ -1,5 +1,4 @@
-// Where things of a drawing stand: affine maps in double precision, and the frame that an entity's extrusion
-// direction stands for.
+// Affine maps in double precision.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -7,7 +6,7 @@
 namespace viewer
 {
 
-/// An affine map, by the pictures of the three axes and of the origin.
+/// An affine map, stored as the images of the axes and of the origin.
 struct Affine {
     Point x{1.0, 0.0, 0.0};
     Point y{0.0, 1.0, 0.0};
@@ -19,21 +18,16 @@ struct Affine {
     {
         return x * vector.x + y * vector.y + z * vector.z;
     }
-    /// Whether it turns a right hand into a left one.
+    /// Whether it reverses orientation: counter-clockwise corners become clockwise.
     [[nodiscard]] bool Mirrors() const { return Dot(Cross(x, y), z) < 0.0; }
 };
 
-/// First `b`, then `a`.
+/// The map that applies `b` first, then `a`.
 [[nodiscard]] Affine operator*(const Affine& a, const Affine& b);
 
 [[nodiscard]] Affine Translation(const Point& by);
 [[nodiscard]] Affine Scaling(double x, double y, double z);
 /// Counter-clockwise about the z axis, in degrees; exact for quarter turns.
 [[nodiscard]] Affine RotationAboutZ(double degrees);
-
-/// The frame of an entity with this extrusion direction, which becomes its z axis: its x axis lies in the
-/// plane z = 0, or along y cross z where the direction is within 1/64 of the z axis. A direction of no
-/// length stands for the z axis.
-[[nodiscard]] Affine FrameOfExtrusion(const Point& direction);
 
 } // namespace viewer

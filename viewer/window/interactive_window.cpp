@@ -27,10 +27,10 @@ std::string FreePictureName()
 
 } // namespace
 
-InteractiveWindow::InteractiveWindow(const Options& options, const Model& model, std::ostream& notices,
-                                     std::ostream& errors)
-    : ModelWindow(options.size.value_or(PictureSize{}), options, model), notices_(notices), errors_(errors),
-      view_(options.view), lines_(options.lines)
+InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model,
+                                     std::ostream& notices, std::ostream& errors)
+    : ModelWindow(size, options, model), notices_(notices), errors_(errors), view_(options.view),
+      lines_(options.lines)
 {
     Show(view_, options.projection);
     ShowWindow(SW_SHOW);

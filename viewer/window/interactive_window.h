@@ -15,7 +15,7 @@ class InteractiveWindow : public ModelWindow
   public:
     /// Shows the window. `notices` gets what keys report, `errors` what goes wrong; both must outlive the
     /// window.
-    InteractiveWindow(const Options& options, const Model& model, std::ostream& notices,
+    InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model, std::ostream& notices,
                       std::ostream& errors);
 
     /// Until the user closes it; the window is hidden then.

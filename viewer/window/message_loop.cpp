@@ -10,7 +10,7 @@ namespace viewer
 bool PumpMessages(const std::function<bool()>& condition, const std::function<unsigned long()>& frame_count)
 {
     // Each timer message draws a frame; many without one mean that swaps fail.
-    constexpr int kMostTimersPerFrame = 1000;
+    constexpr int kMaxTimersPerFrame = 1000;
     unsigned long frames = frame_count();
     for (int timers = 0; !condition();) {
         MSG message{};
@@ -25,7 +25,7 @@ bool PumpMessages(const std::function<bool()>& condition, const std::function<un
             timers = 0;
             frames = now;
         }
-        if (timers >= kMostTimersPerFrame)
+        if (timers >= kMaxTimersPerFrame)
             throw std::runtime_error("no frame can be drawn");
     }
     return true;

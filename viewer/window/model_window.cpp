@@ -15,7 +15,7 @@ std::wstring TitleOf(const Model& model)
 
 } // namespace
 
-ModelWindow::ModelWindow(PictureSize size, const Options& options, const Model& model)
+ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options, const Model& model)
     : ViewportWindow(TitleOf(model), size, options.transparent)
 {
     KARVOpenGLControl& control = Control();

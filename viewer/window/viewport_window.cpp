@@ -2,6 +2,7 @@
 
 #include "platform/winsys/opengl.h"
 #include "platform/winsys/provider.h"
+#include "viewer/window/camera_messages.h"
 
 #include <array>
 #include <stdexcept>
@@ -64,12 +65,6 @@ class CurrentContextKeeper
     HDC dc_;
     HGLRC context_;
 };
-
-bool MovesCamera(UINT message, WPARAM wparam)
-{
-    constexpr WPARAM kButtons = MK_LBUTTON | MK_MBUTTON | MK_RBUTTON;
-    return message == WM_MOUSEWHEEL || (message == WM_MOUSEMOVE && (wparam & kButtons) != 0);
-}
 
 } // namespace
 

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
-#include "viewer/apps/karv-view/options.h"
 #include "viewer/output/picture.h"
 
 #include <string>

@@ -18,7 +18,7 @@ namespace
 std::string TreeOf(const Model& model, int first_category = 0)
 {
     std::ostringstream out;
-    PrintTree(out, model, first_category);
+    PrintModelList(out, model, first_category);
     return out.str();
 }
 

@@ -2,7 +2,6 @@
 
 #include "platform/winsys/opengl.h"
 #include "tests/viewer/viewer_fixture.h"
-#include "viewer/apps/karv-view/options.h"
 #include "viewer/scene/bundled_model.h"
 #include "viewer/window/viewport_window.h"
 

@@ -27,10 +27,11 @@ struct Headless {
     Headless() { UseHeadless(); }
 };
 
-Options SmallWindow()
+constexpr PictureSize kSmall{120, 90};
+
+ViewOptions OnBlack()
 {
-    Options options;
-    options.size = PictureSize{120, 90};
+    ViewOptions options;
     options.background = std::array{0, 0, 0};
     return options;
 }
@@ -89,7 +90,7 @@ class InteractiveWindowTest : public ViewerTest
     std::ostringstream errors_;
     Model model_ = BoxModel(BoxOf({0, 0, 0}, {1, 2, 3}));
     Headless headless_;
-    InteractiveWindow window_{SmallWindow(), model_, notices_, errors_};
+    InteractiveWindow window_{kSmall, OnBlack(), model_, notices_, errors_};
 
   private:
     std::filesystem::path before_;
@@ -110,7 +111,7 @@ TEST_F(InteractiveWindowTest, TitleNamesTheModelAndTheProgram)
     Model named;
     named.Append(model_);
     named.title = "Welle \xC3\xB8 20.stl";
-    const InteractiveWindow window(SmallWindow(), named, notices_, errors_);
+    const InteractiveWindow window(kSmall, OnBlack(), named, notices_, errors_);
     std::array<wchar_t, 64> title{};
     GetWindowTextW(window.GetSafeHwnd(), title.data(), static_cast<int>(title.size()));
     EXPECT_EQ(std::wstring(title.data()), L"Welle \u00F8 20.stl - karv-view");
@@ -188,9 +189,9 @@ TEST_F(InteractiveWindowTest, MSwitchesBetweenFacesAndLines)
 
 TEST_F(InteractiveWindowTest, MStartsFromTheModeThatWasAskedFor)
 {
-    Options options = SmallWindow();
+    ViewOptions options = OnBlack();
     options.lines = true;
-    InteractiveWindow window(options, model_, notices_, errors_);
+    InteractiveWindow window(kSmall, options, model_, notices_, errors_);
     ASSERT_TRUE(RunKeyCommand(L'm', window));
     EXPECT_EQ(window.Control().renderMode, KARVGLRenderModeFaces);
 }

@@ -29,10 +29,9 @@ class TwoWindows : public testing::Test
         model.pieces.front().color = color;
         return model;
     }
-    static Options SmallWindow(PictureSize size)
+    static ViewOptions OnBlack()
     {
-        Options options;
-        options.size = size;
+        ViewOptions options;
         options.background = std::array{0, 0, 0};
         return options;
     }
@@ -52,15 +51,16 @@ class TwoWindows : public testing::Test
     Model green_ = ColoredBox(3);
     Headless headless_;
     std::unique_ptr<InteractiveWindow> first_ =
-        std::make_unique<InteractiveWindow>(SmallWindow({80, 60}), red_, notices_, notices_);
+        std::make_unique<InteractiveWindow>(PictureSize{80, 60}, OnBlack(), red_, notices_, notices_);
     std::unique_ptr<InteractiveWindow> second_ =
-        std::make_unique<InteractiveWindow>(SmallWindow({50, 50}), green_, notices_, notices_);
+        std::make_unique<InteractiveWindow>(PictureSize{50, 50}, OnBlack(), green_, notices_, notices_);
 };
 
 /// The picture that a window shows that is alone.
-std::vector<std::uint32_t> PixelsAlone(const Options& options, const Model& model, StandardView view)
+std::vector<std::uint32_t> PixelsAlone(PictureSize size, const ViewOptions& options, const Model& model,
+                                       StandardView view)
 {
-    ModelWindow window(options.size.value(), options, model);
+    ModelWindow window(size, options, model);
     window.Show(view, Projection::Perspective);
     return window.TakePicture().pixels;
 }
@@ -73,8 +73,8 @@ TEST_F(TwoWindows, EachShowsItsOwnModelWhileBothDraw)
     PumpFrames(3);
     EXPECT_EQ(first_->TakePicture().pixels, first);
     EXPECT_EQ(second_->TakePicture().pixels, second);
-    EXPECT_EQ(first, PixelsAlone(SmallWindow({80, 60}), red_, StandardView::SE));
-    EXPECT_EQ(second, PixelsAlone(SmallWindow({50, 50}), green_, StandardView::SE));
+    EXPECT_EQ(first, PixelsAlone(PictureSize{80, 60}, OnBlack(), red_, StandardView::SE));
+    EXPECT_EQ(second, PixelsAlone(PictureSize{50, 50}, OnBlack(), green_, StandardView::SE));
 }
 
 TEST_F(TwoWindows, KeysGoToTheirOwnWindow)
@@ -83,7 +83,8 @@ TEST_F(TwoWindows, KeysGoToTheirOwnWindow)
     RunKeyCommand(L'5', *second_);
     RunKeyCommand(L'b', *second_);
     PumpFrames(3);
-    EXPECT_EQ(first_->TakePicture().pixels, PixelsAlone(SmallWindow({80, 60}), red_, StandardView::Front));
+    EXPECT_EQ(first_->TakePicture().pixels,
+              PixelsAlone(PictureSize{80, 60}, OnBlack(), red_, StandardView::Front));
     EXPECT_EQ(second_->TakePicture().At(0, 0), 0xFFFFFFU);
 }
 
@@ -94,7 +95,7 @@ TEST_F(TwoWindows, MouseAndSizeOfOneLeaveTheOtherAlone)
     PostMessageW(first_->Control().GetSafeHwnd(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(60, 30));
     PumpFrames(3);
     const auto turned = first_->TakePicture().pixels;
-    EXPECT_NE(turned, PixelsAlone(SmallWindow({80, 60}), red_, StandardView::SE));
+    EXPECT_NE(turned, PixelsAlone(PictureSize{80, 60}, OnBlack(), red_, StandardView::SE));
     first_->MoveWindow(CRect(0, 0, 100, 100));
     PumpFrames(3);
     EXPECT_EQ(first_->TakePicture().width, 100);

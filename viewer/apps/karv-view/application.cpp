@@ -114,7 +114,7 @@ class Application
         std::ostringstream text;
         int first_category = 0;
         ForEachModel([&](const Model& model) {
-            PrintTree(text, model, first_category);
+            PrintModelList(text, model, first_category);
             first_category += options_.windows ? 0 : model.CategoryCount();
         });
         out_ << text.str();
@@ -162,7 +162,7 @@ class Application
 
     void GiveHints()
     {
-        if (options_.alpha && !options_.transparent)
+        if (options_.alpha && !options_.drawing.transparent)
             err_ << "karv-view: hint: --alpha shows only together with --transparent\n";
     }
 
@@ -180,7 +180,7 @@ class Application
 
     Picture Draw(ModelWindow& window, StandardView view)
     {
-        window.Show(view, options_.projection);
+        window.Show(view, options_.drawing.projection);
         Picture picture = window.TakePicture();
         NoteFirstFrame();
         return picture;
@@ -188,8 +188,8 @@ class Application
 
     void DrawPicture(const std::string& path, const Model& model)
     {
-        ModelWindow window(options_.size.value_or(PictureSize{}), options_, model);
-        const Picture picture = Draw(window, options_.view);
+        ModelWindow window(options_.size.value_or(PictureSize{}), options_.drawing, model);
+        const Picture picture = Draw(window, options_.drawing.view);
         Measure(window);
         WritePng(picture, path);
     }
@@ -197,7 +197,7 @@ class Application
     void DrawSheet(const std::string& path, const Model& model)
     {
         const SheetLayout layout = LayOutSheet(options_.size);
-        ModelWindow window(layout.cell, options_, model);
+        ModelWindow window(layout.cell, options_.drawing, model);
         WriteSheet(path, model.title, layout, [&](StandardView view) { return Draw(window, view); });
         Measure(window);
     }
@@ -207,7 +207,8 @@ class Application
         std::vector<std::unique_ptr<InteractiveWindow>> windows;
         windows.reserve(models_.size());
         for (const Model& model : models_)
-            windows.push_back(std::make_unique<InteractiveWindow>(options_, model, Notices(), err_));
+            windows.push_back(std::make_unique<InteractiveWindow>(options_.size.value_or(PictureSize{}),
+                                                                  options_.drawing, model, Notices(), err_));
         stats_.renderer = windows.front()->RendererName();
         Notices() << "karv-view: the key ? prints the keys" << std::endl;
         const auto begin = std::chrono::steady_clock::now();

@@ -1,14 +1,12 @@
 // karv-view: shows model files, or a bundled model, in the viewport.
 #include "viewer/apps/karv-view/application.h"
 #include "viewer/apps/karv-view/options.h"
-#include "viewer/import/process/reader_program.h"
 
 #include <chrono>
 #include <iostream>
 
 int main(int argc, char** argv)
 {
-    viewer::RunAsReader(argc, argv);
     const auto start = std::chrono::steady_clock::now();
     const viewer::ParsedOptions parsed = viewer::ParseOptions(argc, argv, std::cout, std::cerr);
     if (!parsed.options)

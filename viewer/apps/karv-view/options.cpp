@@ -1,5 +1,7 @@
 #include "viewer/apps/karv-view/options.h"
 
+#include "viewer/text/text.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -45,10 +47,10 @@ std::optional<std::vector<int>> ToList(std::string_view text, char separator, in
 
 void SetSize(Options& options, const std::string& text)
 {
-    const auto sides = ToList(text, 'x', 1, kLongestSide);
+    const auto sides = ToList(text, 'x', 1, kMaxPictureSide);
     if (!sides || sides->size() != 2)
         throw CLI::ValidationError("--size", "'" + text + "' is not WxH with sides of 1 to " +
-                                                 std::to_string(kLongestSide) + " pixels");
+                                                 std::to_string(kMaxPictureSide) + " pixels");
     options.size = PictureSize{sides->at(0), sides->at(1)};
 }
 
@@ -57,7 +59,7 @@ void SetBackground(Options& options, const std::string& text)
     const auto channels = ToList(text, ',', 0, 255);
     if (!channels || channels->size() != 3)
         throw CLI::ValidationError("--background", "'" + text + "' is not R,G,B with 0 to 255 each");
-    options.background = std::array{channels->at(0), channels->at(1), channels->at(2)};
+    options.drawing.background = std::array{channels->at(0), channels->at(1), channels->at(2)};
 }
 
 void SetHidden(Options& options, const std::string& text)
@@ -69,7 +71,7 @@ void SetHidden(Options& options, const std::string& text)
     const auto categories = ToList(list, ',', 0, kHighest);
     if (!categories)
         throw CLI::ValidationError("--hide", "'" + text + "' is not a list of categories like 0,2");
-    options.hidden.insert(options.hidden.end(), categories->begin(), categories->end());
+    options.drawing.hidden.insert(options.drawing.hidden.end(), categories->begin(), categories->end());
 }
 
 void SetAlpha(Options& options, const std::string& text)
@@ -115,20 +117,21 @@ void AddPictureOptions(CLI::App& app, Options& options)
         ->excludes(list)
         ->option_text("FILE.png");
     app.add_option_function<std::string>(
-           "--view", [&](const std::string& name) { options.view = StandardViewNamed(name).value(); },
+           "--view", [&](const std::string& name) { options.drawing.view = StandardViewNamed(name).value(); },
            "front back left right top bottom se sw ne nw (default se)")
         ->check(CLI::IsMember(ViewNames()))
         ->option_text("NAME");
     app.add_option_function<std::string>(
            "--projection",
            [&](const std::string& name) {
-               options.projection = name == "parallel" ? Projection::Parallel : Projection::Perspective;
+               options.drawing.projection =
+                   name == "parallel" ? Projection::Parallel : Projection::Perspective;
            },
            "perspective or parallel (default perspective)")
         ->check(CLI::IsMember(std::vector<std::string>{"perspective", "parallel"}))
         ->option_text("NAME");
     app.add_option_function<std::string>(
-           "--mode", [&](const std::string& name) { options.lines = name == "lines"; },
+           "--mode", [&](const std::string& name) { options.drawing.lines = name == "lines"; },
            "faces or lines (default faces)")
         ->check(CLI::IsMember(std::vector<std::string>{"faces", "lines"}))
         ->option_text("NAME");
@@ -152,7 +155,7 @@ void AddDrawingOptions(CLI::App& app, Options& options)
            "--alpha", [&](const std::string& text) { SetAlpha(options, text); },
            "Opacity 0 to 1 for every face; shows with --transparent")
         ->option_text("A");
-    app.add_flag("--transparent", options.transparent, "Create the control for transparent drawing");
+    app.add_flag("--transparent", options.drawing.transparent, "Create the control for transparent drawing");
     app.add_option_function<std::string>(
            "--hide", [&](const std::string& text) { SetHidden(options, text); },
            "Categories to hide, by their numbers in --list: layers, assemblies, colours or materials")
@@ -177,12 +180,6 @@ void AddRunOptions(CLI::App& app, Options& options)
                    "a bundled "
                    "model without any")
         ->option_text("FILE...");
-}
-
-std::string OneLine(std::string text)
-{
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return text;
 }
 
 } // namespace

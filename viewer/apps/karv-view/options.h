@@ -1,9 +1,9 @@
 // The command line of karv-view.
 #pragma once
 
-#include "viewer/scene/standard_view.h"
+#include "viewer/output/picture.h"
+#include "viewer/window/view_options.h"
 
-#include <array>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -12,31 +12,15 @@
 namespace viewer
 {
 
-/// Width and height in pixels.
-struct PictureSize {
-    int width = 1024;
-    int height = 768;
-
-    bool operator==(const PictureSize&) const = default;
-};
-
-/// The longest side of a picture.
-inline constexpr int kLongestSide = 8192;
-
 struct Options {
+    ViewOptions drawing;
     std::vector<std::string> models; ///< none for the bundled one
     std::optional<std::string> picture;
     std::optional<std::string> sheet;
     std::optional<std::string> trace;
-    StandardView view = StandardView::SE;
-    Projection projection = Projection::Perspective;
-    bool lines = false;
     std::optional<PictureSize> size;
-    std::optional<std::array<int, 3>> background; ///< red, green, blue, 0 to 255
-    std::optional<int> color;                     ///< palette index for every face
-    std::optional<float> alpha;                   ///< opacity for every face
-    bool transparent = false;
-    std::vector<int> hidden; ///< categories
+    std::optional<int> color;   ///< palette index for every face
+    std::optional<float> alpha; ///< opacity for every face
     bool headless = false;
     bool windows = false; ///< one for each model
     bool stats = false;

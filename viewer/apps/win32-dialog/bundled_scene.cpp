@@ -25,7 +25,7 @@ constexpr double kShaftHalfLength = 75.0;
 constexpr double kOverhang = 10.0; ///< of the centre lines
 
 // Categories, in the order of feeding: what is translucent comes last.
-enum Category { kFrame, kShaft, kCentreLines, kCover };
+enum Category { kFrame, kShaft, kCenterLines, kCover };
 
 // Palette indices, of middling values: the light adds half of white to what is seen squarely.
 constexpr unsigned char kFrameColor = 155; ///< dark blue-grey
@@ -60,9 +60,9 @@ Piece Post(double x)
         kFrameColor);
 }
 
-Piece CentreLines()
+Piece CenterLines()
 {
-    Piece lines = viewer::MakePiece("centre lines", {}, kCentreLines, kLineColor);
+    Piece lines = viewer::MakePiece("centre lines", {}, kCenterLines, kLineColor);
     const double along = kShaftHalfLength + kOverhang;
     const double across = kPostHalfWidth + kOverhang;
     lines.lines.push_back({{-along, 0, kAxisHeight}, {along, 0, kAxisHeight}});
@@ -96,7 +96,7 @@ viewer::Model MakeBundledScene()
     model.pieces.push_back(viewer::MakePiece(
         "shaft", viewer::Extrude({Circle(kShaftRadius)}, kSide, -kShaftHalfLength, kShaftHalfLength), kShaft,
         kShaftColor));
-    model.pieces.push_back(CentreLines());
+    model.pieces.push_back(CenterLines());
     model.pieces.push_back(Cover());
     return model;
 }

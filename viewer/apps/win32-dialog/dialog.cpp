@@ -264,8 +264,8 @@ void ViewerDialog::OnCategory(UINT id)
 
 void ViewerDialog::OpenFile()
 {
-    constexpr std::size_t kLongestPath = 32768;
-    std::vector<wchar_t> name(kLongestPath);
+    constexpr std::size_t kMaxPath = 32768;
+    std::vector<wchar_t> name(kMaxPath);
     OPENFILENAMEW choice{};
     choice.lStructSize = sizeof(choice);
     choice.hwndOwner = window_;

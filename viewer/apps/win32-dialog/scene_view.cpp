@@ -84,19 +84,19 @@ viewer::Model SceneView::FadedModel() const
 void SceneView::ShowWhole(double aspect)
 {
     aspect_ = aspect;
-    LookAtCentre();
+    LookAtCenter();
     scene_->Show(view_, projection_, aspect);
     viewport_->ForgetNavigation();
 }
 
-void SceneView::LookAtCentre()
+void SceneView::LookAtCenter()
 {
     // A control whose camera was placed keeps its target, wherever the box of its scene is.
     if (!camera_was_placed_)
         return;
-    const viewer::Point centre = viewer::ScenePlacement(model_.Extents()).SceneBox().Center();
-    const AcGePoint3d target(centre.x, centre.y, centre.z);
-    const AcGePoint3d eye(centre.x, centre.y - viewer::kSceneSize, centre.z);
+    const viewer::Point center = viewer::ScenePlacement(model_.Extents()).SceneBox().Center();
+    const AcGePoint3d target(center.x, center.y, center.z);
+    const AcGePoint3d eye(center.x, center.y - viewer::kSceneSize, center.z);
     viewport_->SetCameraData(eye, target, AcGeVector3d::kZAxis);
 }
 

@@ -50,7 +50,7 @@ class SceneView
     void Build();
     [[nodiscard]] CRect Place() const;
     [[nodiscard]] viewer::Model FadedModel() const;
-    void LookAtCentre();
+    void LookAtCenter();
     void ShowWhole(double aspect);
 
     HWND parent_;

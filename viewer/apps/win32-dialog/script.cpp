@@ -3,6 +3,7 @@
 #include "platform/tools/utf8.h"
 #include "viewer/apps/win32-dialog/script_user.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
@@ -29,16 +30,12 @@ struct Grammar {
     int highest;
 };
 
-constexpr int kLongestSide = 8192;
+constexpr int kMaxSide = 8192;
 constexpr std::array kGrammar = {
-    Grammar{"press", Text::Rest, 0, 0, 0},
-    Grammar{"opacity", Text::None, 1, 0, 100},
-    Grammar{"background", Text::None, 3, 0, 255},
-    Grammar{"open", Text::Rest, 0, 0, 0},
-    Grammar{"drag", Text::Word, 4, 0, kLongestSide},
-    Grammar{"wheel", Text::None, 1, -100, 100},
-    Grammar{"resize", Text::None, 2, 1, kLongestSide},
-    Grammar{"picture", Text::Rest, 0, 0, 0},
+    Grammar{"press", Text::Rest, 0, 0, 0},         Grammar{"opacity", Text::None, 1, 0, 100},
+    Grammar{"background", Text::None, 3, 0, 255},  Grammar{"open", Text::Rest, 0, 0, 0},
+    Grammar{"drag", Text::Word, 4, 0, kMaxSide},   Grammar{"wheel", Text::None, 1, -100, 100},
+    Grammar{"resize", Text::None, 2, 1, kMaxSide}, Grammar{"picture", Text::Rest, 0, 0, 0},
 };
 
 constexpr std::string_view kBlanks = " \t\r";
@@ -50,12 +47,6 @@ std::string_view TakeWord(std::string_view& line)
     const std::string_view word = line.substr(0, line.find_first_of(kBlanks));
     line.remove_prefix(word.size());
     return word;
-}
-
-std::string_view Trimmed(std::string_view text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
 int ToNumber(std::string_view word, const Grammar& grammar)
@@ -81,13 +72,13 @@ ScriptCommand ParseCommand(std::string_view line)
     if (grammar->text == Text::Word)
         command.text = WideFromUtf8(TakeWord(line));
     if (grammar->text == Text::Rest)
-        command.text = WideFromUtf8(Trimmed(std::exchange(line, {})));
+        command.text = WideFromUtf8(viewer::Trimmed(std::exchange(line, {})));
     if (grammar->text != Text::None && command.text.empty())
         throw std::runtime_error("\"" + command.verb + "\" needs more than that");
     for (std::size_t i = 0; i < grammar->numbers; ++i)
         command.numbers.push_back(ToNumber(TakeWord(line), *grammar));
-    if (!Trimmed(line).empty())
-        throw std::runtime_error("\"" + std::string(Trimmed(line)) + "\" is too much");
+    if (!viewer::Trimmed(line).empty())
+        throw std::runtime_error("\"" + std::string(viewer::Trimmed(line)) + "\" is too much");
     return command;
 }
 
@@ -106,7 +97,7 @@ std::vector<ScriptCommand> ReadScript(const std::filesystem::path& file)
     std::vector<ScriptCommand> commands;
     std::string line;
     for (int number = 1; std::getline(in, line); ++number) {
-        const std::string_view text = Trimmed(line);
+        const std::string_view text = viewer::Trimmed(line);
         if (text.empty() || text.front() == '#')
             continue;
         try {

@@ -1,5 +1,7 @@
 #include "viewer/apps/win32-dialog/viewport.h"
 
+#include "viewer/window/camera_messages.h"
+
 #include <algorithm>
 #include <optional>
 
@@ -8,8 +10,7 @@ namespace win32_dialog
 
 bool MouseMessage::Navigates() const
 {
-    constexpr WPARAM kButtons = MK_LBUTTON | MK_MBUTTON | MK_RBUTTON;
-    return message == WM_MOUSEWHEEL || (wparam & kButtons) != 0;
+    return viewer::MovesCamera(message, wparam);
 }
 
 LRESULT Viewport::WindowProc(UINT message, WPARAM wparam, LPARAM lparam)

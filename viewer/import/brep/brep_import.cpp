@@ -169,9 +169,10 @@ class BrepConverter
         parameters.AngleInterior = tolerance.angle;
         // Facets of distorted surfaces get no smaller than a part of the deflection; but a coarse deflection
         // must not keep small holes from being round.
-        constexpr double kLeastOfDeflection = 0.1;
-        parameters.MinSize = std::max(
-            kLeastOfDeflection * std::min(tolerance.deflection, default_deflection_), Precision::Confusion());
+        constexpr double kMinDeflectionShare = 0.1;
+        parameters.MinSize =
+            std::max(kMinDeflectionShare * std::min(tolerance.deflection, default_deflection_),
+                     Precision::Confusion());
         parameters.AllowQualityDecrease = Standard_True;
         BRepMesh_IncrementalMesh(shape, parameters, progress);
     }
@@ -339,10 +340,10 @@ constexpr double kMillimeter = 0.001;
 /// The library's words in one line of reasonable length.
 std::string ReasonFrom(std::string_view message)
 {
-    constexpr std::size_t kLongest = 200;
+    constexpr std::size_t kMaxLength = 200;
     std::string reason = "cannot be read";
     if (!message.empty())
-        reason += ": " + std::string(message.substr(0, kLongest));
+        reason += ": " + std::string(message.substr(0, kMaxLength));
     std::replace_if(
         reason.begin(), reason.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
     return reason;
@@ -355,7 +356,7 @@ Model ImportBrep(const std::string& path, const ImportOptions& options, const Pr
     const auto kind = BrepKindOf(path);
     if (!kind)
         throw FileError(path, "unknown kind of file");
-    CheckBrepText(path, *kind);
+    CheckBrepFile(path, *kind);
     try {
         Model model = Read(path, *kind, options, progress);
         model.title = std::filesystem::path(path).filename().string();

@@ -2,8 +2,8 @@
 // polygons, curved ones are faceted. How the library reads and meshes is known next door.
 #pragma once
 
-#include "viewer/import/process/import_options.h"
-#include "viewer/output/progress_line.h"
+#include "viewer/import/import_options.h"
+#include "viewer/import/progress.h"
 #include "viewer/scene/model.h"
 
 #include <string>

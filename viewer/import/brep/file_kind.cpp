@@ -2,10 +2,10 @@
 
 #include "viewer/import/file_checks.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -20,7 +20,6 @@ namespace
 {
 
 constexpr std::size_t kLooked = 4096;
-constexpr std::string_view kBlanks = " \t\r\n\f\v";
 
 struct Ends {
     std::string head;
@@ -42,13 +41,6 @@ Ends ReadEnds(const std::string& path)
     if (!file)
         throw FileError(path, "cannot be read");
     return ends;
-}
-
-std::string_view Trimmed(std::string_view text)
-{
-    const auto first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
 }
 
 /// The lines that are not blank; those of a tail may begin with a part of one.
@@ -133,9 +125,7 @@ bool IsWholeBrep(const Ends& ends)
 
 std::optional<BrepKind> BrepKindOf(const std::string& path)
 {
-    std::string ending = std::filesystem::path(path).extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char c) { return std::tolower(c); });
+    const std::string ending = LowerCaseExtension(path);
     constexpr std::array<std::pair<std::string_view, BrepKind>, 8> kEndings{{{".step", BrepKind::kStep},
                                                                              {".stp", BrepKind::kStep},
                                                                              {".p21", BrepKind::kStep},
@@ -150,7 +140,7 @@ std::optional<BrepKind> BrepKindOf(const std::string& path)
     return std::nullopt;
 }
 
-void CheckBrepText(const std::string& path, BrepKind kind)
+void CheckBrepFile(const std::string& path, BrepKind kind)
 {
     CheckModelFile(path);
     struct Check {

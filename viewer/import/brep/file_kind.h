@@ -16,6 +16,6 @@ enum class BrepKind { kStep, kIges, kBrep };
 
 /// Throws FileError where the file is missing, not a regular file, unreadable or empty, of another kind than
 /// its ending says, or does not end as its kind does.
-void CheckBrepText(const std::string& path, BrepKind kind);
+void CheckBrepFile(const std::string& path, BrepKind kind);
 
 } // namespace viewer

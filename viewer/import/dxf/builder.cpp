@@ -1,6 +1,7 @@
 #include "viewer/import/dxf/builder.h"
 
 #include "platform/host/cm/color.h"
+#include "viewer/import/dxf/extrusion_frame.h"
 #include "viewer/text/file_error.h"
 
 #include <algorithm>

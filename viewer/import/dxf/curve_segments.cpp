@@ -33,8 +33,8 @@ int CountSegments(const EllipticArc& arc, double tolerance)
     const double ratio = radius > 0.0 ? tolerance / (2.0 * radius) : 1.0;
     const double step = std::min(kWidestStep, 4.0 * std::asin(std::sqrt(std::clamp(ratio, 0.0, 1.0))));
     // A little less, so that a sweep of whole steps is not cut once more for its last digit.
-    const double count = step > 0.0 ? std::ceil(arc.sweep / step - 1e-9) : kMostSegmentsPerCurve;
-    return static_cast<int>(std::clamp(count, 1.0, static_cast<double>(kMostSegmentsPerCurve)));
+    const double count = step > 0.0 ? std::ceil(arc.sweep / step - 1e-9) : kMaxSegmentsPerCurve;
+    return static_cast<int>(std::clamp(count, 1.0, static_cast<double>(kMaxSegmentsPerCurve)));
 }
 
 } // namespace

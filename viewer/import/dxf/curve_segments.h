@@ -15,7 +15,7 @@ inline constexpr double kFullTurn = 2.0 * std::numbers::pi;
 
 /// No tolerance cuts a full turn, or one span of a spline, into more segments than this: the corners are then
 /// within a billionth of the radius, which single precision no longer shows.
-inline constexpr int kMostSegmentsPerCurve = 65536;
+inline constexpr int kMaxSegmentsPerCurve = 65536;
 
 /// A part of an ellipse: the points `center + u cos t + v sin t` for t from `start` over `sweep`, in radians.
 /// The half axes need not be perpendicular, so that every affine picture of a circle is one.
@@ -43,7 +43,7 @@ struct EllipticArc {
 /// Appends the segment; nothing where it has no length.
 void AppendSegment(const Point& from, const Point& to, std::vector<Segment>& segments);
 
-/// Appends the segments of the arc, at least eight to the turn and no more than `kMostSegmentsPerCurve`, none
+/// Appends the segments of the arc, at least eight to the turn and no more than `kMaxSegmentsPerCurve`, none
 /// farther from it than `tolerance`. Corners lie on the arc; a full turn ends exactly where it began.
 void CutArc(const EllipticArc& arc, double tolerance, std::vector<Segment>& segments);
 

@@ -1,6 +1,7 @@
 #include "viewer/import/dxf/drawing.h"
 
-#include <algorithm>
+#include "viewer/text/text.h"
+
 #include <utility>
 
 namespace viewer
@@ -8,10 +9,7 @@ namespace viewer
 
 std::pair<std::size_t, bool> DxfNames::Number(std::string_view name)
 {
-    std::string key(name);
-    std::transform(key.begin(), key.end(), key.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    const auto [entry, is_new] = numbers_.emplace(std::move(key), numbers_.size());
+    const auto [entry, is_new] = numbers_.emplace(LowerCase(name), numbers_.size());
     return {entry->second, is_new};
 }
 

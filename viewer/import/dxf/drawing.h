@@ -2,9 +2,9 @@
 // curves, in the coordinates of the block that they stand in; nothing is placed, cut or hidden here.
 #pragma once
 
-#include "viewer/import/dxf/affine.h"
 #include "viewer/import/dxf/curve_segments.h"
 #include "viewer/import/dxf/spline_segments.h"
+#include "viewer/scene/affine.h"
 #include "viewer/scene/model.h"
 
 #include <array>

@@ -75,7 +75,7 @@ DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progres
     const std::function<void(const DxfEntityHead&)> begin = [&](const DxfEntityHead& head) {
         builder.Begin(head);
     };
-    DxfText text(path, report, begin);
+    DxfEntityStream text(path, report, begin);
     std::istream stream(&text);
     DL_Dxf().in(stream, &builder);
     text.RethrowFault();
@@ -87,8 +87,8 @@ DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progres
 /// Why a drawing shows nothing, out of what it holds.
 std::string NothingShown(const DrawingFile& file)
 {
-    constexpr std::size_t kMostKinds = 5;
-    constexpr std::size_t kLongestKind = 30;
+    constexpr std::size_t kMaxKinds = 5;
+    constexpr std::size_t kMaxKindLength = 30;
     if (!file.drawing.entities.empty())
         return "shows nothing: its " + std::to_string(file.drawing.entities.size()) +
                " entities are on layers that are off or frozen, or have no extent";
@@ -98,11 +98,11 @@ std::string NothingShown(const DrawingFile& file)
     std::size_t named = 0;
     for (const auto& [kind, count] : file.left_out) {
         kinds += named == 0 ? "" : ", ";
-        if (++named > kMostKinds) {
+        if (++named > kMaxKinds) {
             kinds += "...";
             break;
         }
-        kinds += std::to_string(count) + ' ' + kind.substr(0, kLongestKind);
+        kinds += std::to_string(count) + ' ' + kind.substr(0, kMaxKindLength);
     }
     return "holds nothing that can be shown, only " + kinds;
 }

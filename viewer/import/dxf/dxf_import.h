@@ -3,8 +3,8 @@
 // model knows where the drawing says it; z is up.
 #pragma once
 
-#include "viewer/import/process/import_options.h"
-#include "viewer/output/progress_line.h"
+#include "viewer/import/import_options.h"
+#include "viewer/import/progress.h"
 #include "viewer/scene/model.h"
 
 #include <string>

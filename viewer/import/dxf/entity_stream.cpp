@@ -112,19 +112,19 @@ bool IsCount(std::string_view kind, int code)
 
 } // namespace
 
-DxfText::DxfText(const std::string& path, const ProgressFunction& progress,
-                 const std::function<void(const DxfEntityHead&)>& on_entity)
+DxfEntityStream::DxfEntityStream(const std::string& path, const ProgressFunction& progress,
+                                 const std::function<void(const DxfEntityHead&)>& on_entity)
     : path_(path), on_entity_(on_entity), groups_(path, progress)
 {
 }
 
-void DxfText::RethrowFault() const
+void DxfEntityStream::RethrowFault() const
 {
     if (fault_)
         std::rethrow_exception(fault_);
 }
 
-DxfText::int_type DxfText::underflow()
+DxfEntityStream::int_type DxfEntityStream::underflow()
 {
     served_.clear();
     try {
@@ -141,12 +141,12 @@ DxfText::int_type DxfText::underflow()
     return traits_type::to_int_type(served_.front());
 }
 
-void DxfText::Fail(std::size_t line, const std::string& reason) const
+void DxfEntityStream::Fail(std::size_t line, const std::string& reason) const
 {
     throw FileError(path_, "line " + std::to_string(line) + ": " + reason);
 }
 
-void DxfText::ServeNext()
+void DxfEntityStream::ServeNext()
 {
     if (next_.line == 0) {
         next_ = groups_.Read();
@@ -171,7 +171,7 @@ void DxfText::ServeNext()
     }
 }
 
-void DxfText::EnterSection()
+void DxfEntityStream::EnterSection()
 {
     const DxfGroup group = groups_.Read();
     if (group.code != 2)
@@ -190,7 +190,7 @@ void DxfText::EnterSection()
             unit_number_ = ParseWholeNumber(next_.value).value_or(0);
 }
 
-void DxfText::ReadEntity(const std::string& name, std::size_t line)
+void DxfEntityStream::ReadEntity(const std::string& name, std::size_t line)
 {
     const bool is_wanted = IsWanted(name);
     entity_ = {};
@@ -210,7 +210,7 @@ void DxfText::ReadEntity(const std::string& name, std::size_t line)
         CloseWhatIsOpen(name);
 }
 
-bool DxfText::IsWanted(std::string_view name) const
+bool DxfEntityStream::IsWanted(std::string_view name) const
 {
     if (section_ == Section::kTables)
         return name == "LAYER";
@@ -222,7 +222,7 @@ bool DxfText::IsWanted(std::string_view name) const
 }
 
 /// Polylines without their SEQEND and blocks without their ENDBLK end where something else begins.
-void DxfText::CloseWhatIsOpen(std::string_view next)
+void DxfEntityStream::CloseWhatIsOpen(std::string_view next)
 {
     if (in_polyline_ && next != "VERTEX" && next != "SEQEND") {
         served_ += "0\nSEQEND\n";
@@ -234,7 +234,7 @@ void DxfText::CloseWhatIsOpen(std::string_view next)
     }
 }
 
-void DxfText::Keep(const std::string& name)
+void DxfEntityStream::Keep(const std::string& name)
 {
     CloseWhatIsOpen(name);
     if (name == "POLYLINE" || name == "SEQEND")
@@ -252,13 +252,13 @@ void DxfText::Keep(const std::string& name)
     served_ += "0\n" + name + '\n' + CountsFor(name, entity_.counts) + entity_.body;
 }
 
-void DxfText::Append(const DxfGroup& group)
+void DxfEntityStream::Append(const DxfGroup& group)
 {
     std::string_view value = group.value;
     if (!IsName(group.code) && !IsReal(group.code) && !IsInteger(group.code))
         return;
-    if (value.size() > kLongestDxfLine)
-        Fail(group.line + 1, "longer than " + std::to_string(kLongestDxfLine) + " characters");
+    if (value.size() > kMaxDxfLine)
+        Fail(group.line + 1, "longer than " + std::to_string(kMaxDxfLine) + " characters");
     if (!IsName(group.code) && IsSigned(value))
         value.remove_prefix(1);
     if (IsReal(group.code) && IsTiny(value))
@@ -281,14 +281,14 @@ void DxfText::Append(const DxfGroup& group)
     entity_.body += '\n';
 }
 
-void DxfText::CountLeftOut(const std::string& name)
+void DxfEntityStream::CountLeftOut(const std::string& name)
 {
     // More kinds than there are would be a file of nonsense.
-    constexpr std::size_t kMostKinds = 200;
+    constexpr std::size_t kMaxKinds = 200;
     const auto found = left_out_.find(name);
     if (found != left_out_.end())
         ++found->second;
-    else if (left_out_.size() < kMostKinds)
+    else if (left_out_.size() < kMaxKinds)
         left_out_.emplace(name, 1);
 }
 

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "viewer/import/dxf/groups.h"
-#include "viewer/output/progress_line.h"
+#include "viewer/import/progress.h"
 
 #include <array>
 #include <cstddef>
@@ -33,14 +33,14 @@ struct DxfEntityHead {
 ///
 /// Does not throw while it is read from, since the library would leak: after a fault it ends, and
 /// `RethrowFault` tells.
-class DxfText final : public std::streambuf
+class DxfEntityStream final : public std::streambuf
 {
   public:
     /// Throws FileError where the file cannot be opened. `progress` gets the part of the bytes that have been
     /// read, `on_entity` the head of each entity before it is served: the library has not yet added the
     /// one before it. Both must outlive the object.
-    DxfText(const std::string& path, const ProgressFunction& progress,
-            const std::function<void(const DxfEntityHead&)>& on_entity);
+    DxfEntityStream(const std::string& path, const ProgressFunction& progress,
+                    const std::function<void(const DxfEntityHead&)>& on_entity);
 
     /// How many entities were left out, by kind.
     [[nodiscard]] const std::map<std::string, std::size_t>& LeftOut() const { return left_out_; }

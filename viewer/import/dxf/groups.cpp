@@ -1,6 +1,7 @@
 #include "viewer/import/dxf/groups.h"
 
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -17,24 +18,15 @@ namespace
 constexpr int kComment = 999;
 constexpr int kLastCode = 1071;
 
-std::string_view Trimmed(std::string_view text)
-{
-    constexpr std::string_view kBlanks = " \t";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 } // namespace
 
 std::string QuotedForMessage(std::string_view text)
 {
-    constexpr std::size_t kLongest = 40;
+    constexpr std::size_t kMaxLength = 40;
     std::string result = "'";
-    for (const char c : text.substr(0, kLongest))
+    for (const char c : text.substr(0, kMaxLength))
         result += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
-    return result + (text.size() > kLongest ? "...'" : "'");
+    return result + (text.size() > kMaxLength ? "...'" : "'");
 }
 
 std::optional<long long> ParseWholeNumber(std::string_view text)
@@ -82,7 +74,7 @@ bool DxfGroupReader::ReadLine(std::string& text)
         if (byte == 0)
             throw FileError(path_, line_ == 1 ? "is not a DXF file: it begins with zero bytes"
                                               : "line " + std::to_string(line_) + ": holds zero bytes");
-        if (text.size() <= kLongestDxfLine)
+        if (text.size() <= kMaxDxfLine)
             text += static_cast<char>(byte);
     }
     if (byte != '\r')
@@ -124,8 +116,8 @@ DxfGroup DxfGroupReader::Read()
                             "truncated: it ends in line " + std::to_string(line_ - 1) + ", without its EOF");
     } while (group.code == kComment);
     group.value = Trimmed(text);
-    if (text.size() > kLongestDxfLine)
-        group.value.resize(kLongestDxfLine + 1);
+    if (text.size() > kMaxDxfLine)
+        group.value.resize(kMaxDxfLine + 1);
     return group;
 }
 

@@ -2,7 +2,7 @@
 // such file is told here, and a file that ends too early; what groups mean is not known.
 #pragma once
 
-#include "viewer/output/progress_line.h"
+#include "viewer/import/progress.h"
 
 #include <array>
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace viewer
 {
 
 /// No line is kept beyond this, in bytes.
-inline constexpr std::size_t kLongestDxfLine = 1000;
+inline constexpr std::size_t kMaxDxfLine = 1000;
 
 struct DxfGroup {
     int code = 0;

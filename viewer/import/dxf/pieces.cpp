@@ -76,9 +76,9 @@ Box BoxOfEntity(const PlacedEntity& placed)
 }
 
 DxfPieces::DxfPieces(std::string path, const DxfDrawing& drawing, const DxfPlacement& placement,
-                     double tolerance, std::size_t most_segments)
+                     double tolerance, std::size_t max_segments)
     : path_(std::move(path)), drawing_(drawing), placement_(placement), tolerance_(tolerance),
-      most_segments_(most_segments)
+      max_segments_(max_segments)
 {
 }
 
@@ -122,8 +122,8 @@ void DxfPieces::AddSegments(const PlacedEntity& placed, Piece& piece)
     else if (const auto* spline = std::get_if<Spline>(&placed.entity.shape))
         CutSpline(Placed(*spline, placed.place), tolerance_, piece.lines);
     segments_ += piece.lines.size() - before;
-    if (segments_ > most_segments_)
-        throw FileError(path_, "its lines come to more than " + std::to_string(most_segments_) +
+    if (segments_ > max_segments_)
+        throw FileError(path_, "its lines come to more than " + std::to_string(max_segments_) +
                                    " segments; a larger deflection makes fewer");
 }
 

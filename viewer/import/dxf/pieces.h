@@ -12,7 +12,7 @@
 namespace viewer
 {
 
-inline constexpr std::size_t kMostSegments = 20'000'000;
+inline constexpr std::size_t kMaxSegments = 20'000'000;
 
 /// No coordinate may be larger: its fourth power is still a number.
 inline constexpr double kFarthestCoordinate = 1e70;
@@ -24,10 +24,10 @@ inline constexpr double kFarthestCoordinate = 1e70;
 class DxfPieces
 {
   public:
-    /// Curves are cut by `tolerance`, and all lines may come to `most_segments`. The others must outlive the
+    /// Curves are cut by `tolerance`, and all lines may come to `max_segments`. The others must outlive the
     /// object.
     DxfPieces(std::string path, const DxfDrawing& drawing, const DxfPlacement& placement, double tolerance,
-              std::size_t most_segments = kMostSegments);
+              std::size_t max_segments = kMaxSegments);
 
     /// Throws FileError at more segments than those.
     void Add(const PlacedEntity& placed);
@@ -43,7 +43,7 @@ class DxfPieces
     const DxfDrawing& drawing_;
     const DxfPlacement& placement_;
     double tolerance_;
-    std::size_t most_segments_;
+    std::size_t max_segments_;
     Model model_;
     std::map<std::tuple<std::size_t, std::size_t, unsigned char>, std::size_t> numbers_;
     std::size_t segments_ = 0;

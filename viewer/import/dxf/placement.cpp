@@ -30,7 +30,7 @@ DxfPlacement::DxfPlacement(std::string path, const DxfDrawing& drawing)
     : path_(std::move(path)), drawing_(drawing), sizes_(drawing.blocks.size()),
       floating_layer_(FloatingLayer(drawing))
 {
-    if (SizeOf(drawing_.entities, 0).entities > kMostPlacedEntities)
+    if (SizeOf(drawing_.entities, 0).entities > kMaxPlacedEntities)
         throw FileError(path_, "its blocks come to more than 10 million entities");
 }
 
@@ -69,7 +69,7 @@ const DxfPlacement::Size& DxfPlacement::SizeOfBlock(const DxfEntity& insert, int
     }
     if (depth + size.depth > kDeepestNesting)
         fail("is nested more than " + std::to_string(kDeepestNesting) + " deep");
-    if (size.entities > kMostPlacedEntities)
+    if (size.entities > kMaxPlacedEntities)
         fail("comes to more than 10 million entities");
     return size;
 }

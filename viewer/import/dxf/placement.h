@@ -15,7 +15,7 @@ namespace viewer
 {
 
 /// A drawing may show so many entities, each insert counted as often as it is put somewhere.
-inline constexpr double kMostPlacedEntities = 1e7;
+inline constexpr double kMaxPlacedEntities = 1e7;
 /// Blocks may hold blocks so many times over.
 inline constexpr int kDeepestNesting = 100;
 

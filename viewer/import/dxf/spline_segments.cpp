@@ -300,7 +300,7 @@ Spline SplineThrough(std::vector<Point> points, const Point& start_tangent, cons
 
 void CutSpline(const Spline& spline, double tolerance, std::vector<Segment>& segments)
 {
-    constexpr int kHalvings = std::bit_width(static_cast<unsigned int>(kMostSegmentsPerCurve)) - 1;
+    constexpr int kHalvings = std::bit_width(static_cast<unsigned int>(kMaxSegmentsPerCurve)) - 1;
     const SpanCutter cutter(spline);
     for (auto span = static_cast<std::size_t>(spline.degree); span < spline.points.size(); ++span)
         if (spline.knots[span] < spline.knots[span + 1])

@@ -34,7 +34,7 @@ struct Spline {
                                    const Point& end_tangent, bool is_closed);
 
 /// Appends the segments of a spline without faults, none farther from it than `tolerance` as long as
-/// `kMostSegmentsPerCurve` to the span suffice. Corners lie on the spline. Where its knots let it jump, there
+/// `kMaxSegmentsPerCurve` to the span suffice. Corners lie on the spline. Where its knots let it jump, there
 /// is a gap.
 void CutSpline(const Spline& spline, double tolerance, std::vector<Segment>& segments);
 

@@ -2,7 +2,9 @@
 
 #include "platform/host/cm/color.h"
 #include "viewer/import/file_checks.h"
+#include "viewer/scene/affine.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <assimp/GltfMaterial.h>
 #include <assimp/Importer.hpp>
@@ -13,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cmath>
 #include <exception>
 #include <filesystem>
@@ -31,62 +32,37 @@ namespace viewer
 namespace
 {
 
-/// A node's place in the file's space, in double precision from here on.
-struct Transform {
-    std::array<std::array<double, 4>, 3> rows{
-        {{{1.0, 0.0, 0.0, 0.0}}, {{0.0, 1.0, 0.0, 0.0}}, {{0.0, 0.0, 1.0, 0.0}}}};
-
-    [[nodiscard]] Point Apply(const aiVector3D& v) const
-    {
-        const auto row = [&](const std::array<double, 4>& r) {
-            return r[0] * static_cast<double>(v.x) + r[1] * static_cast<double>(v.y) +
-                   r[2] * static_cast<double>(v.z) + r[3];
-        };
-        return {row(rows[0]), row(rows[1]), row(rows[2])};
-    }
-
-    /// Whether it turns a right hand into a left one, so that windings run the other way round.
-    [[nodiscard]] bool Mirrors() const
-    {
-        const auto axis = [&](std::size_t column) {
-            return Point{rows[0].at(column), rows[1].at(column), rows[2].at(column)};
-        };
-        return Dot(Cross(axis(0), axis(1)), axis(2)) < 0.0;
-    }
-};
-
-Transform operator*(const Transform& parent, const aiMatrix4x4& child)
+Point ToPoint(const aiVector3D& v)
 {
-    Transform result;
-    for (unsigned int row = 0; row < 3; ++row)
-        for (unsigned int column = 0; column < 4; ++column) {
-            double sum = column == 3 ? parent.rows.at(row)[3] : 0.0;
-            for (unsigned int k = 0; k < 3; ++k)
-                sum += parent.rows.at(row).at(k) * static_cast<double>(child[k][column]);
-            result.rows.at(row).at(column) = sum;
-        }
-    return result;
+    return {static_cast<double>(v.x), static_cast<double>(v.y), static_cast<double>(v.z)};
+}
+
+/// A node's transformation, in double precision from here on.
+Affine ToAffine(const aiMatrix4x4& m)
+{
+    const auto column = [&](unsigned int i) {
+        return Point{static_cast<double>(m[0][i]), static_cast<double>(m[1][i]),
+                     static_cast<double>(m[2][i])};
+    };
+    return {column(0), column(1), column(2), column(3)};
 }
 
 /// How the space of a file lies in the viewer's, whose z axis points up, and how long its unit is.
 struct Convention {
-    Transform root;
+    Affine root;
     std::optional<double> meters_per_unit;
 };
 
 /// Turns the axis of this number, or its opposite, to where z is.
-Transform UprightFrom(int axis, bool is_opposite)
+Affine UprightFrom(int axis, bool is_opposite)
 {
-    Transform turn;
+    Affine turn;
     if (axis == 0)
-        turn.rows = {{{{0.0, 0.0, -1.0, 0.0}}, {{0.0, 1.0, 0.0, 0.0}}, {{1.0, 0.0, 0.0, 0.0}}}};
+        turn = {{0.0, 0.0, 1.0}, {0.0, 1.0, 0.0}, {-1.0, 0.0, 0.0}, {}};
     if (axis == 1)
-        turn.rows = {{{{1.0, 0.0, 0.0, 0.0}}, {{0.0, 0.0, -1.0, 0.0}}, {{0.0, 1.0, 0.0, 0.0}}}};
-    // Half a turn about x.
-    if (is_opposite)
-        for (double* row : {turn.rows[1].data(), turn.rows[2].data()})
-            std::transform(row, row + 4, row, std::negate<>());
-    return turn;
+        turn = {{1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {0.0, -1.0, 0.0}, {}};
+    const Affine half_turn_about_x = Scaling(1.0, -1.0, -1.0);
+    return is_opposite ? half_turn_about_x * turn : turn;
 }
 
 /// FBX files say themselves which axis points up and how many centimetres their unit has.
@@ -115,9 +91,7 @@ Convention ConventionOf(const std::string& path, const aiScene& scene)
                                                                  ".ifc",  ".x3d", ".x3db"};
     constexpr std::array<std::string_view, 7> kUpwardsY = {".3ds", ".ase", ".x",  ".ac",
                                                            ".acc", ".lwo", ".lws"};
-    std::string ending = std::filesystem::path(path).extension().string();
-    std::ranges::transform(ending, ending.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string ending = LowerCaseExtension(path);
     if (ending == ".fbx")
         return FbxConvention(scene);
     if (std::ranges::find(kMetersUpwardsY, ending) != kMetersUpwardsY.end())
@@ -128,13 +102,13 @@ Convention ConventionOf(const std::string& path, const aiScene& scene)
 }
 
 /// The names of the nodes around one that the file's author gave; more than this are left out.
-constexpr std::size_t kMostParents = 64;
+constexpr std::size_t kMaxParents = 64;
 
 void AddParent(std::vector<std::string>& parents, const aiString& name)
 {
     // NOTE: the importer's own helpers have a $ at the end of a word in their names.
     const std::string_view text(name.C_Str());
-    if (!text.empty() && text.find("$Assimp") == std::string_view::npos && parents.size() < kMostParents)
+    if (!text.empty() && text.find("$Assimp") == std::string_view::npos && parents.size() < kMaxParents)
         parents.emplace_back(text);
 }
 
@@ -206,7 +180,7 @@ class SceneConverter
             const PendingNode current = std::move(pending.back());
             pending.pop_back();
             const aiNode& node = *current.node;
-            const Transform transform = current.transform * node.mTransformation;
+            const Affine transform = current.transform * ToAffine(node.mTransformation);
             for (unsigned int i = 0; i < node.mNumMeshes; ++i)
                 AddMesh(MeshAt(node.mMeshes[i]), node, current.parents, transform);
             std::vector<std::string> parents = current.parents;
@@ -223,7 +197,7 @@ class SceneConverter
   private:
     struct PendingNode {
         const aiNode* node;
-        Transform transform; ///< of what is around it
+        Affine transform; ///< of what is around it
         std::vector<std::string> parents;
     };
 
@@ -241,7 +215,7 @@ class SceneConverter
     }
 
     void AddMesh(const aiMesh& mesh, const aiNode& node, const std::vector<std::string>& parents,
-                 const Transform& transform)
+                 const Affine& transform)
     {
         Piece piece;
         piece.name = mesh.mName.length > 0 ? mesh.mName.C_Str() : node.mName.C_Str();
@@ -263,7 +237,7 @@ class SceneConverter
             model_.pieces.push_back(std::move(piece));
     }
 
-    void AddFace(Piece& piece, const aiMesh& mesh, const aiFace& source, const Transform& transform,
+    void AddFace(Piece& piece, const aiMesh& mesh, const aiFace& source, const Affine& transform,
                  bool mirrors)
     {
         if (source.mNumIndices < 3)
@@ -273,7 +247,7 @@ class SceneConverter
         for (unsigned int i = 0; i < source.mNumIndices; ++i) {
             if (source.mIndices[i] >= mesh.mNumVertices)
                 throw FileError(path_, "damaged: a face refers to a vertex that is not there");
-            corners.push_back(transform.Apply(mesh.mVertices[source.mIndices[i]]));
+            corners.push_back(transform.Apply(ToPoint(mesh.mVertices[source.mIndices[i]])));
             if (!IsFinite(corners.back()))
                 throw FileError(path_, "holds coordinates that are not finite");
         }
@@ -321,7 +295,7 @@ class SceneConverter
 /// The importer's words in one line of reasonable length.
 std::string ReasonFrom(const std::string& message)
 {
-    constexpr std::size_t kLongest = 200;
+    constexpr std::size_t kMaxLength = 200;
     std::string reason;
     for (const char c : message) {
         const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
@@ -330,8 +304,8 @@ std::string ReasonFrom(const std::string& message)
         else if (!reason.empty() && reason.back() != ' ')
             reason += ' ';
     }
-    if (reason.size() > kLongest)
-        reason = reason.substr(0, kLongest) + "...";
+    if (reason.size() > kMaxLength)
+        reason = reason.substr(0, kMaxLength) + "...";
     return reason.empty() ? "cannot be read" : "cannot be read: " + reason;
 }
 

@@ -2,7 +2,7 @@
 // normals are made right for the viewport here.
 #pragma once
 
-#include "viewer/output/progress_line.h"
+#include "viewer/import/progress.h"
 #include "viewer/scene/model.h"
 
 #include <string>

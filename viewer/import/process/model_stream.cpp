@@ -19,7 +19,7 @@ enum class Tag : unsigned char { Progress = 'p', Model = 'm', Failure = 'f' };
 
 constexpr std::string_view kEnd = "END.";
 constexpr std::size_t kBlockSize = 65536;
-constexpr std::size_t kFewestCorners = 3;
+constexpr std::size_t kMinCorners = 3;
 
 /// The bytes on their way in, a block at a time.
 class ByteReader
@@ -145,7 +145,7 @@ class ModelReader
     std::string ReadText()
     {
         const std::size_t size = bytes_.ReadNumber<std::uint32_t>();
-        if (size > kLongestStreamText)
+        if (size > kMaxStreamText)
             throw StreamError("it holds a text that is too long");
         std::string text(size, '\0');
         bytes_.Read(text);
@@ -156,12 +156,12 @@ class ModelReader
     template <typename Item>
     std::vector<Item> ReadItems(Item (ModelReader::*read)(), std::uint64_t fewest = 0)
     {
-        constexpr std::uint64_t kMostReserved = 64;
+        constexpr std::uint64_t kMaxReserved = 64;
         const auto count = bytes_.ReadNumber<std::uint64_t>();
         if (count < fewest)
             throw StreamError("it holds a face of under three corners");
         std::vector<Item> items;
-        items.reserve(static_cast<std::size_t>(std::min(count, kMostReserved)));
+        items.reserve(static_cast<std::size_t>(std::min(count, kMaxReserved)));
         for (std::uint64_t i = 0; i < count; ++i)
             items.push_back((this->*read)());
         return items;
@@ -179,7 +179,7 @@ class ModelReader
     {
         constexpr double kTolerance = 1e-6;
         ModelFace face;
-        face.corners = ReadItems(&ModelReader::ReadPoint, kFewestCorners);
+        face.corners = ReadItems(&ModelReader::ReadPoint, kMinCorners);
         face.normal = ReadPoint();
         if (std::abs(Length(face.normal) - 1.0) > kTolerance)
             throw StreamError("it holds a normal that is not of unit length");
@@ -264,7 +264,7 @@ void ModelStreamWriter::PutCount(std::size_t count)
 
 void ModelStreamWriter::PutText(std::string_view text)
 {
-    text = text.substr(0, kLongestStreamText);
+    text = text.substr(0, kMaxStreamText);
     PutNumber(static_cast<std::uint32_t>(text.size()));
     Put(text);
 }

@@ -7,7 +7,7 @@
 // the model or the failure come the bytes of the end, and nothing more.
 #pragma once
 
-#include "viewer/output/progress_line.h"
+#include "viewer/import/progress.h"
 #include "viewer/scene/model.h"
 
 #include <cstddef>
@@ -26,7 +26,7 @@ inline constexpr std::string_view kStreamMagic = "KARVMODL";
 inline constexpr std::uint32_t kStreamVersion = 1;
 
 /// No text of a stream is longer, in bytes; longer ones are cut when they are written.
-inline constexpr std::size_t kLongestStreamText = 65536;
+inline constexpr std::size_t kMaxStreamText = 65536;
 /// No category of a stream is higher.
 inline constexpr int kHighestStreamCategory = 16'777'216;
 

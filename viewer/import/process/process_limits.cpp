@@ -24,7 +24,7 @@ void SetLimit(__rlimit_resource resource, rlim_t value)
 
 } // namespace
 
-void LimitProcess(std::chrono::seconds processor, std::size_t memory)
+void LimitProcess(std::chrono::seconds processor, std::optional<std::size_t> address_space)
 {
     // Parsers that run out of memory are known to go on with what they have; nothing of it would be of use.
     std::set_new_handler([] { _exit(kOutOfMemoryStatus); });
@@ -32,8 +32,8 @@ void LimitProcess(std::chrono::seconds processor, std::size_t memory)
     // A hard limit equal to the soft one would be a SIGKILL, which says nothing of its cause.
     const rlimit time{static_cast<rlim_t>(processor.count()), static_cast<rlim_t>(processor.count() + 1)};
     setrlimit(RLIMIT_CPU, &time);
-    if (!kHasAddressSanitizer)
-        SetLimit(RLIMIT_AS, static_cast<rlim_t>(memory));
+    if (address_space)
+        SetLimit(RLIMIT_AS, static_cast<rlim_t>(*address_space));
 }
 
 } // namespace viewer

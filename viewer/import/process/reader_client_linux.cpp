@@ -3,8 +3,9 @@
 #include "viewer/import/process/interrupt_watch.h"
 #include "viewer/import/process/model_stream.h"
 #include "viewer/import/process/process_limits.h"
-#include "viewer/import/process/reader_program.h"
+#include "viewer/import/process/reader_arguments.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
@@ -32,6 +33,8 @@ namespace
 {
 
 constexpr std::size_t kMebibyte = 1U << 20U;
+/// Reasons may quote the file.
+constexpr std::size_t kMaxReasonBytes = 500;
 
 /// Both ends of a pipe.
 class Pipe
@@ -96,7 +99,7 @@ class SpawnSettings
     /// Returns the process's id; throws std::system_error.
     [[nodiscard]] pid_t Start(const std::string& program, std::vector<std::string> arguments) const
     {
-        arguments.insert(arguments.begin(), "karv-view");
+        arguments.insert(arguments.begin(), "karv-reader");
         std::vector<char*> pointers;
         pointers.reserve(arguments.size() + 1);
         for (std::string& argument : arguments)
@@ -170,21 +173,6 @@ std::string SecondsText(std::chrono::milliseconds time)
     return text + " s";
 }
 
-/// The words of a reader in one line of reasonable length; they may come from the file.
-std::string OneLine(const std::string& text)
-{
-    constexpr std::size_t kLongest = 500;
-    std::string line;
-    for (const char c : text) {
-        const bool is_control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-        if (!is_control)
-            line += c;
-        else if (!line.empty() && line.back() != ' ')
-            line += ' ';
-    }
-    return line.size() > kLongest ? line.substr(0, kLongest) + "..." : line;
-}
-
 /// One file on its way in.
 class Import
 {
@@ -192,7 +180,11 @@ class Import
     Import(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
            const Reader& reader)
         : path_(path), progress_(progress), limits_(reader.limits),
-          process_(reader.program, ReaderArguments(path, options, reader.limits, getpid()))
+          process_(reader.program, WriteReaderArguments({.parent = getpid(),
+                                                         .processor = reader.limits.processor,
+                                                         .memory = reader.limits.memory,
+                                                         .options = options,
+                                                         .path = path}))
     {
     }
 
@@ -202,11 +194,11 @@ class Import
             return ReadModelStream([&](std::span<char> buffer) { return Read(buffer); },
                                    [&](double fraction) { Report(fraction); });
         } catch (const ReportedFailure& failure) {
-            throw FileError(path_, OneLine(failure.what()));
+            throw FileError(path_, OneLine(failure.what(), kMaxReasonBytes));
         } catch (const StreamError& error) {
             if (!has_ended_)
                 FailWhereItIs(std::string("the reader's answer is damaged: ") + error.what());
-            FailBy(process_.End());
+            FailByStatus(process_.End());
         }
     }
 
@@ -234,7 +226,7 @@ class Import
     }
 
     /// Says how the reader ended, which it did without an answer.
-    [[noreturn]] void FailBy(int status) const
+    [[noreturn]] void FailByStatus(int status) const
     {
         if (WIFEXITED(status) && WEXITSTATUS(status) == kOutOfMemoryStatus)
             FailForMemory();
@@ -293,12 +285,12 @@ class Import
 
 std::size_t DefaultReaderMemory()
 {
-    constexpr std::size_t kLeast = 1024 * kMebibyte;
+    constexpr std::size_t kMin = 1024 * kMebibyte;
     const long pages = sysconf(_SC_PHYS_PAGES);
     const long page_size = sysconf(_SC_PAGESIZE);
     if (pages <= 0 || page_size <= 0)
-        return kLeast;
-    return std::max(kLeast, static_cast<std::size_t>(pages) * static_cast<std::size_t>(page_size) / 2);
+        return kMin;
+    return std::max(kMin, static_cast<std::size_t>(pages) * static_cast<std::size_t>(page_size) / 2);
 }
 
 Model ImportModel(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,

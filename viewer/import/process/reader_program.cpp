@@ -3,19 +3,18 @@
 #include "viewer/import/model_file.h"
 #include "viewer/import/process/model_stream.h"
 #include "viewer/import/process/process_limits.h"
+#include "viewer/import/process/reader_arguments.h"
 #include "viewer/text/file_error.h"
 
-#include <array>
 #include <cerrno>
-#include <charconv>
-#include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <exception>
 #include <new>
+#include <optional>
 #include <span>
-#include <string_view>
-#include <system_error>
+#include <string>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -31,29 +30,12 @@ namespace viewer
 namespace
 {
 
-constexpr std::string_view kReaderArgument = "--karv-reader";
-/// Program, mark, parent, processor time, memory, deflection, path.
-constexpr int kReaderArgumentCount = 7;
-constexpr std::string_view kNoDeflection = "-";
 constexpr int kUsageStatus = 2;
-
-template <typename Number>
-std::string ToText(Number number)
-{
-    std::array<char, 40> text{};
-    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
-    return {text.data(), end};
-}
-
-template <typename Number>
-Number FromText(std::string_view text)
-{
-    Number number{};
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc{} || end != text.data() + text.size())
-        _exit(kUsageStatus);
-    return number;
-}
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kHasAddressSanitizer = true;
+#else
+constexpr bool kHasAddressSanitizer = false;
+#endif
 
 void EndWithParent(int parent)
 {
@@ -135,30 +117,19 @@ void ReadAndWrite(const std::string& path, const ImportOptions& options, int out
 
 } // namespace
 
-std::vector<std::string> ReaderArguments(const std::string& path, const ImportOptions& options,
-                                         const ReaderLimits& limits, int parent)
+int RunReader(int argc, const char* const* argv)
 {
-    return {std::string(kReaderArgument),
-            ToText(parent),
-            ToText(limits.processor.count()),
-            ToText(limits.memory),
-            options.deflection ? ToText(*options.deflection) : std::string(kNoDeflection),
-            path};
-}
-
-void RunAsReader(int argc, const char* const* argv)
-{
-    if (argc != kReaderArgumentCount || argv[1] != kReaderArgument)
-        return;
-    EndWithParent(FromText<int>(argv[2]));
+    const std::optional<ReaderArguments> arguments = ParseReaderArguments(argc, argv);
+    if (!arguments) {
+        std::fputs("karv-reader: is started by other programs, to read a model file for them\n", stderr);
+        return kUsageStatus;
+    }
+    EndWithParent(arguments->parent);
     const int output = TakeOutput();
-    const auto processor = std::chrono::seconds(FromText<std::chrono::seconds::rep>(argv[3]));
-    LimitProcess(processor, FromText<std::size_t>(argv[4]));
-    ImportOptions options;
-    if (argv[5] != kNoDeflection)
-        options.deflection = FromText<double>(argv[5]);
-    ReadAndWrite(argv[6], options, output);
-    // What the libraries would do at an orderly end takes time and helps nobody.
+    LimitProcess(arguments->processor,
+                 kHasAddressSanitizer ? std::nullopt : std::optional(arguments->memory));
+    ReadAndWrite(arguments->path, arguments->options, output);
+    // An orderly end of the libraries takes time and has no effect that matters.
     _exit(0);
 }
 

@@ -47,11 +47,11 @@ TEST(Options, WithoutArgumentsTheDefaultsHold)
     ASSERT_TRUE(parse.parsed.options);
     const Options& options = *parse.parsed.options;
     EXPECT_TRUE(options.models.empty());
-    EXPECT_EQ(options.view, StandardView::SE);
-    EXPECT_EQ(options.projection, Projection::Perspective);
-    EXPECT_FALSE(options.lines || options.transparent || options.headless || options.stats);
-    EXPECT_FALSE(options.picture || options.sheet || options.trace || options.size || options.background ||
-                 options.color || options.alpha);
+    EXPECT_EQ(options.drawing.view, StandardView::SE);
+    EXPECT_EQ(options.drawing.projection, Projection::Perspective);
+    EXPECT_FALSE(options.drawing.lines || options.drawing.transparent || options.headless || options.stats);
+    EXPECT_FALSE(options.picture || options.sheet || options.trace || options.size ||
+                 options.drawing.background || options.color || options.alpha);
     EXPECT_EQ(options.size.value_or(PictureSize{}), (PictureSize{1024, 768}));
 }
 
@@ -67,14 +67,14 @@ TEST(Options, EveryOptionIsTaken)
     EXPECT_EQ(options.picture, "p.png");
     EXPECT_EQ(options.sheet, "s.png");
     EXPECT_EQ(options.trace, "t.json");
-    EXPECT_EQ(options.view, StandardView::NW);
-    EXPECT_EQ(options.projection, Projection::Parallel);
-    EXPECT_TRUE(options.lines && options.transparent && options.headless && options.stats);
+    EXPECT_EQ(options.drawing.view, StandardView::NW);
+    EXPECT_EQ(options.drawing.projection, Projection::Parallel);
+    EXPECT_TRUE(options.drawing.lines && options.drawing.transparent && options.headless && options.stats);
     EXPECT_EQ(options.size, (PictureSize{640, 480}));
-    EXPECT_EQ(options.background, (std::array{1, 2, 255}));
+    EXPECT_EQ(options.drawing.background, (std::array{1, 2, 255}));
     EXPECT_EQ(options.color, 40);
     EXPECT_EQ(options.alpha, 0.25F);
-    EXPECT_THAT(options.hidden, ElementsAre(0, 12));
+    EXPECT_THAT(options.drawing.hidden, ElementsAre(0, 12));
     EXPECT_THAT(options.models, ElementsAre("a.obj", "b.stl"));
 }
 

@@ -28,7 +28,7 @@ Model Import(const std::string& path)
 {
     ReaderLimits limits;
     limits.memory = std::size_t{4} << 30U;
-    return ImportModel(path, {}, {}, {KARV_VIEW, limits});
+    return ImportModel(path, {}, {}, {.limits = limits});
 }
 
 constexpr int kSide = 120;

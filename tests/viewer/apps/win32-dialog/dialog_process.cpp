@@ -14,7 +14,7 @@ namespace
 {
 
 /// Long enough for a slow machine; only a test that fails waits for it.
-constexpr DWORD kLongestWaitMs = 60000;
+constexpr DWORD kMaxWaitMs = 60000;
 
 std::filesystem::path Program()
 {
@@ -101,7 +101,7 @@ DialogProcess::~DialogProcess()
 Outcome DialogProcess::Wait()
 {
     // The pipe holds more than the program ever writes.
-    if (WaitForSingleObject(process_.hProcess, kLongestWaitMs) != WAIT_OBJECT_0)
+    if (WaitForSingleObject(process_.hProcess, kMaxWaitMs) != WAIT_OBJECT_0)
         throw std::runtime_error("the program does not end");
     Outcome outcome;
     GetExitCodeProcess(process_.hProcess, &outcome.status);
@@ -122,7 +122,7 @@ bool DialogProcess::WaitUntil(const std::function<bool()>& holds) const
     constexpr DWORD kPollMs = 10;
     while (!holds())
         if (WaitForSingleObject(process_.hProcess, kPollMs) != WAIT_TIMEOUT ||
-            GetTickCount64() - begin > kLongestWaitMs)
+            GetTickCount64() - begin > kMaxWaitMs)
             return holds();
     return true;
 }

@@ -74,7 +74,7 @@ TEST(CurveSegments, ToleranceOfAnySizeLeavesEightSegmentsToTheTurn)
 
 TEST(CurveSegments, ToleranceOfZeroEndsAtTheLimit)
 {
-    EXPECT_EQ(Cut(Circle(1.0), 0.0).size(), static_cast<std::size_t>(kMostSegmentsPerCurve));
+    EXPECT_EQ(Cut(Circle(1.0), 0.0).size(), static_cast<std::size_t>(kMaxSegmentsPerCurve));
 }
 
 TEST(CurveSegments, RadiusOfZeroLeavesNothing)

@@ -117,7 +117,7 @@ TEST(SplineSegments, LoopInOneSpanIsNotTakenForItsChord)
 
 TEST(SplineSegments, ToleranceOfZeroEndsAtTheLimit)
 {
-    EXPECT_EQ(Cut(kArch, 0.0).size(), static_cast<std::size_t>(kMostSegmentsPerCurve));
+    EXPECT_EQ(Cut(kArch, 0.0).size(), static_cast<std::size_t>(kMaxSegmentsPerCurve));
 }
 
 TEST(SplineSegments, KnotsThatAreAllTheSameLeaveNothing)

@@ -50,9 +50,9 @@ void Crash()
 void Grow()
 {
     constexpr std::size_t kStep = 1U << 20U;
-    constexpr std::size_t kMost = 8192;
+    constexpr std::size_t kMax = 8192;
     std::vector<std::unique_ptr<std::string>> all;
-    while (all.size() < kMost)
+    while (all.size() < kMax)
         all.push_back(std::make_unique<std::string>(kStep, 'x'));
 }
 

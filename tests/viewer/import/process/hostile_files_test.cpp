@@ -56,7 +56,7 @@ class HostileFiles : public BrepTest
     static Outcome Import(const std::string& path)
     {
         try {
-            return {ImportModel(path, {}, {}, {KARV_VIEW, Limits()}), {}};
+            return {ImportModel(path, {}, {}, {.limits = Limits()}), {}};
         } catch (const FileError& error) {
             const std::string text = error.what();
             EXPECT_THAT(text, StartsWith(path + ": "));

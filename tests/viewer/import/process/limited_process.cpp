@@ -11,8 +11,8 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     viewer::LimitProcess(std::chrono::seconds(100), static_cast<std::size_t>(std::atoi(argv[1])) * kMebibyte);
     std::vector<std::vector<char>> all;
-    constexpr std::size_t kMost = 1024;
-    while (all.size() < kMost)
+    constexpr std::size_t kMax = 1024;
+    while (all.size() < kMax)
         all.emplace_back(kMebibyte);
     return 0;
 }

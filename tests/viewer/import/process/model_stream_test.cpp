@@ -140,8 +140,8 @@ TEST(ModelStream, FailureArrivesWithItsReason)
 TEST(ModelStream, TextsThatAreTooLongAreCutWhenTheyAreWritten)
 {
     Model model;
-    model.title = std::string(kLongestStreamText + 1, 'x');
-    EXPECT_EQ(ReadModelStream(SourceOf(StreamOf(model))).title, std::string(kLongestStreamText, 'x'));
+    model.title = std::string(kMaxStreamText + 1, 'x');
+    EXPECT_EQ(ReadModelStream(SourceOf(StreamOf(model))).title, std::string(kMaxStreamText, 'x'));
 }
 
 TEST(ModelStream, EveryBeginningIsRefused)
@@ -202,7 +202,7 @@ TEST(ModelStream, TextLongerThanAllowedIsRefused)
     model.title = "title";
     const std::string bytes = StreamOf(model);
     EXPECT_EQ(ReasonFor(Replaced(bytes, BytesOf(std::uint32_t{5}) + "title",
-                                 BytesOf(static_cast<std::uint32_t>(kLongestStreamText + 1)) + "title")),
+                                 BytesOf(static_cast<std::uint32_t>(kMaxStreamText + 1)) + "title")),
               "it holds a text that is too long");
     EXPECT_EQ(ReasonFor(Replaced(bytes, BytesOf(std::uint32_t{5}) + "title", BytesOf(0xFFFFFFFFU) + "title")),
               "it holds a text that is too long");

@@ -3,7 +3,7 @@
 
 #include "tests/viewer/viewer_fixture.h"
 #include "viewer/import/process/process_limits.h"
-#include "viewer/import/process/reader_program.h"
+#include "viewer/import/process/reader_arguments.h"
 #include "viewer/text/file_error.h"
 
 #include <gmock/gmock.h>
@@ -188,7 +188,7 @@ TEST(ReaderProcess, IgnoredSignalsStayIgnored)
 TEST(ReaderProcess, ProgramThatIsNotThereIsAReason)
 {
     try {
-        static_cast<void>(ImportModel("a.stl", {}, {}, {"/none/karv-view", Generous()}));
+        static_cast<void>(ImportModel("a.stl", {}, {}, {"/none/karv-reader", Generous()}));
         FAIL() << "nothing can have been read";
     } catch (const FileError& error) {
         EXPECT_STREQ(error.what(), "a.stl: its reader cannot be started: No such file or directory");
@@ -231,27 +231,37 @@ TEST(ProcessLimits, ProcessThatNeedsMoreMemoryThanAllowedEndsWithItsStatus)
     EXPECT_EQ(StatusOf(KARV_LIMITED_PROCESS, {"4096"}), 0);
 }
 
-TEST(ReaderChild, ReaderWhoseParentHasEndedEndsAtOnce)
+std::vector<std::string> ArgumentsFor(const std::string& path, int parent)
+{
+    const ReaderLimits limits = Generous();
+    return WriteReaderArguments({.parent = parent,
+                                 .processor = limits.processor,
+                                 .memory = limits.memory,
+                                 .options = {},
+                                 .path = path});
+}
+
+TEST(ReaderProgram, ReaderWhoseParentHasEndedEndsAtOnce)
 {
     // Nobody's parent has this number while the test itself is the parent.
     const int nobody = getpid() + 1;
-    EXPECT_EQ(StatusOf(KARV_VIEW, ReaderArguments("none.obj", {}, Generous(), nobody)), 2);
+    EXPECT_EQ(StatusOf(KARV_READER, ArgumentsFor("none.obj", nobody)), 2);
 }
 
-TEST(ReaderChild, ArgumentsThatAreNotNumbersEndIt)
+TEST(ReaderProgram, ArgumentsThatAreNotNumbersEndIt)
 {
-    std::vector<std::string> arguments = ReaderArguments("none.obj", {}, Generous(), getpid());
+    std::vector<std::string> arguments = ArgumentsFor("none.obj", getpid());
     arguments.at(2) = "many";
-    EXPECT_EQ(StatusOf(KARV_VIEW, arguments), 2);
+    EXPECT_EQ(StatusOf(KARV_READER, arguments), 2);
 }
 
-/// Files read by the program itself.
-class ReaderOfThisProgram : public ViewerTest
+/// Files read by the reader that lies beside this program.
+class ReaderBesideThisProgram : public ViewerTest
 {
   protected:
     static Model Import(const std::string& path, const ImportOptions& options = {})
     {
-        return ImportModel(path, options, {}, {KARV_VIEW, Generous()});
+        return ImportModel(path, options, {}, {.limits = Generous()});
     }
     static std::string ErrorOf(const std::string& path)
     {
@@ -264,7 +274,7 @@ class ReaderOfThisProgram : public ViewerTest
     }
 };
 
-TEST_F(ReaderOfThisProgram, ModelIsThatOfTheFile)
+TEST_F(ReaderBesideThisProgram, ModelIsThatOfTheFile)
 {
     Write("concave.mtl", kConcaveMtl);
     const Model model = Import(Write("concave.obj", kConcaveObj));
@@ -277,14 +287,14 @@ TEST_F(ReaderOfThisProgram, ModelIsThatOfTheFile)
                             Point{0, 0, 0}));
 }
 
-TEST_F(ReaderOfThisProgram, ReasonIsThatOfTheImporter)
+TEST_F(ReaderBesideThisProgram, ReasonIsThatOfTheImporter)
 {
     EXPECT_EQ(ErrorOf(PathOf("none.obj")), PathOf("none.obj") + ": no such file");
     EXPECT_EQ(ErrorOf(Write("points.obj", "v 0 0 0\nv 1 0 0\np 1 2\n")),
               PathOf("points.obj") + ": holds no faces");
 }
 
-TEST_F(ReaderOfThisProgram, ProgressOfTheImporterArrivesInOrder)
+TEST_F(ReaderBesideThisProgram, ProgressOfTheImporterArrivesInOrder)
 {
     std::string grid;
     constexpr int kTriangles = 20'000;
@@ -294,7 +304,7 @@ TEST_F(ReaderOfThisProgram, ProgressOfTheImporterArrivesInOrder)
     std::vector<double> seen;
     const Model model =
         ImportModel(Write("many.obj", grid), {}, [&](double fraction) { seen.push_back(fraction); },
-                    {KARV_VIEW, Generous()});
+                    {.limits = Generous()});
     EXPECT_EQ(model.FaceCount(), 20'000U);
     ASSERT_FALSE(seen.empty());
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
@@ -303,13 +313,13 @@ TEST_F(ReaderOfThisProgram, ProgressOfTheImporterArrivesInOrder)
     EXPECT_LE(seen.back(), 1.0);
 }
 
-TEST_F(ReaderOfThisProgram, NamesWithBlanksQuotesAndDashesAreJustNames)
+TEST_F(ReaderBesideThisProgram, NamesWithBlanksQuotesAndDashesAreJustNames)
 {
     for (const std::string name : {"a b.obj", "-it's.obj", "--list.obj", "a\"b$c.obj"})
         EXPECT_THAT(Import(Write(name, kCubeObj)).pieces, SizeIs(1)) << name;
 }
 
-TEST_F(ReaderOfThisProgram, CoordinatesTooFarApartForTheirDistanceAreRefused)
+TEST_F(ReaderBesideThisProgram, CoordinatesTooFarApartForTheirDistanceAreRefused)
 {
     const std::string path =
         Write("far.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n-1e308\n20\n0\n30\n0\n"

@@ -1,0 +1,67 @@
+#include "viewer/import/process/reader_arguments.h"
+
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <system_error>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// Told apart from any other program's arguments.
+constexpr std::string_view kMark = "--karv-reader";
+/// Program, mark, parent, processor time, memory, deflection, path.
+constexpr int kArgumentCount = 7;
+constexpr std::string_view kNoDeflection = "-";
+
+template <typename Number>
+std::string ToText(Number number)
+{
+    std::array<char, 40> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return {text.data(), end};
+}
+
+/// Whether the whole text is a number.
+template <typename Number>
+bool FromText(std::string_view text, Number& number)
+{
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc{} && end == text.data() + text.size();
+}
+
+} // namespace
+
+std::vector<std::string> WriteReaderArguments(const ReaderArguments& arguments)
+{
+    const std::optional<double> deflection = arguments.options.deflection;
+    return {std::string(kMark),
+            ToText(arguments.parent),
+            ToText(arguments.processor.count()),
+            ToText(arguments.memory),
+            deflection ? ToText(*deflection) : std::string(kNoDeflection),
+            arguments.path};
+}
+
+std::optional<ReaderArguments> ParseReaderArguments(int argc, const char* const* argv)
+{
+    if (argc != kArgumentCount || argv[1] != kMark)
+        return std::nullopt;
+    ReaderArguments arguments;
+    std::chrono::seconds::rep processor = 0;
+    double deflection = 0.0;
+    const bool has_deflection = argv[5] != kNoDeflection;
+    if (!FromText(argv[2], arguments.parent) || !FromText(argv[3], processor) ||
+        !FromText(argv[4], arguments.memory) || (has_deflection && !FromText(argv[5], deflection)))
+        return std::nullopt;
+    arguments.processor = std::chrono::seconds(processor);
+    if (has_deflection)
+        arguments.options.deflection = deflection;
+    arguments.path = argv[6];
+    return arguments;
+}
+
+} // namespace viewer

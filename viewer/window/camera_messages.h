@@ -1,0 +1,17 @@
+// Which messages of the mouse move the camera of the control.
+#pragma once
+
+#include "platform/winsys/winsys.h"
+
+namespace viewer
+{
+
+/// Whether the control moves its camera at this message, or would if navigation were not switched off: a turn
+/// of the wheel, or a move with a button down.
+[[nodiscard]] inline bool MovesCamera(UINT message, WPARAM wparam)
+{
+    constexpr WPARAM kButtons = MK_LBUTTON | MK_MBUTTON | MK_RBUTTON;
+    return message == WM_MOUSEWHEEL || (message == WM_MOUSEMOVE && (wparam & kButtons) != 0);
+}
+
+} // namespace viewer
