@@ -152,7 +152,7 @@ TEST(CameraOrbit, AxisWithinTheToleranceOfWorldZOrbits)
     EXPECT_TRUE(IsAt(camera.position, 10, 0, 0));
 }
 
-TEST(CameraOrbit, ToleranceOfTheAxisIsTheProcesss)
+TEST(CameraOrbit, ToleranceOfTheAxisIsThatOfTheProcess)
 {
     const GlobalTolerance coarse(0.1);
     KARVGLCamera camera = FrontCamera();
@@ -362,7 +362,7 @@ TEST(CameraTilt, Exactly90DegreesMayPassOverThePole)
     EXPECT_TRUE(IsAt(camera.position, 0.0, -10.0 * Cos(150), 10.0 * Sin(150)));
 }
 
-TEST(CameraTilt, NeighboursOf90DegreesAreNotExempt)
+TEST(CameraTilt, NeighborsOf90DegreesAreNotExempt)
 {
     EXPECT_FALSE(Tilts(FrontCamera(), std::nextafter(90.0F, 91.0F)));
     EXPECT_FALSE(Tilts(FrontCamera(), std::nextafter(90.0F, 89.0F)));
@@ -419,7 +419,7 @@ TEST(CameraTilt, FromBeyondTheToleranceOfStraightAboveFollowsTheLineOfSight)
     EXPECT_TRUE(IsAt(camera.position, 10.0 * Sin(30), 0.0, 10.0 * Cos(30), 1e-7));
 }
 
-TEST(CameraTilt, ToleranceOfStraightAboveIsTheProcesss)
+TEST(CameraTilt, ToleranceOfStraightAboveIsThatOfTheProcess)
 {
     // An angle of 0.05 off the vertical, where that counts as vertical.
     const GlobalTolerance coarse(0.1);

@@ -88,7 +88,7 @@ TEST(CameraPan, FromBeyondTheToleranceOfStraightAboveRightFollowsTheLineOfSight)
     EXPECT_TRUE(IsAt(camera.target, 0, 2, 0));
 }
 
-TEST(CameraPan, ToleranceIsTheProcesss)
+TEST(CameraPan, ToleranceIsThatOfTheProcess)
 {
     const GlobalTolerance coarse(0.1);
     KARVGLCamera camera = FrontCamera();
@@ -134,7 +134,7 @@ TEST(CameraPan, AmountIsA32BitFloat)
     EXPECT_EQ(camera.target.x, static_cast<double>(0.1F));
 }
 
-TEST(CameraPan, CloserThanTheToleranceUpIsNotBroughtToLength)
+TEST(CameraPan, CloserThanTheToleranceUpIsNotNormalized)
 {
     // At a distance of 1e-6 the right direction, of that length, is still longer than the tolerance of 1e-10;
     // the direction down the screen, of its square, is not, and stays as it is.
@@ -171,7 +171,7 @@ TEST(CameraPan, InfiniteAmountIsTaken)
     EXPECT_TRUE(SameFrame(camera, FrontCamera()));
 }
 
-TEST(CameraPan, HundredStepsAndBackComeHome)
+TEST(CameraPan, HundredStepsAndBackReturnToTheStart)
 {
     KARVGLCamera camera = View(&KARVGLCamera::SetViewSW);
     const KARVGLCamera before = camera;

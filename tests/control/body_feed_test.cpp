@@ -63,7 +63,7 @@ Body MiddleCube()
     return MakeBox({0.05, 0.05, 0.05}, {0.15, 0.15, 0.15});
 }
 
-TEST_F(ControlBodyFeed, ABodyBecomesOneEntityWithTypeColourAndOpacity)
+TEST_F(ControlBodyFeed, ABodyBecomesOneEntityWithTypeColorAndOpacity)
 {
     Append(MakeBox({0, 0, 0}, {1, 1, 1}), kGreen, 0.25F, 4);
     ASSERT_EQ(control_->entities.size(), 1U);
@@ -75,7 +75,7 @@ TEST_F(ControlBodyFeed, ABodyBecomesOneEntityWithTypeColourAndOpacity)
     EXPECT_EQ(entity.lineVertices.size(), 24U);
 }
 
-TEST_F(ControlBodyFeed, AColourIndexIsCutToEightBits)
+TEST_F(ControlBodyFeed, AColorIndexIsCutToEightBits)
 {
     Append(MakeBox({0, 0, 0}, {1, 1, 1}), 257);
     EXPECT_EQ(control_->entities.at(0).color, KARVGLVertex(1.0, 0.0, 0.0));

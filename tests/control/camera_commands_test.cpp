@@ -262,7 +262,7 @@ TEST_F(ControlCamera, SetCameraDataLoadsTheViewAtOnceAndKeepsTheZoom)
     EXPECT_TRUE(control_->cameraSetByCaller);
 }
 
-TEST_F(ControlCamera, WhatSetCameraDataPlacedIsReadBackAndTheAxesStay)
+TEST_F(ControlCamera, SetCameraDataIsReadBackAndTheAxesStay)
 {
     control_->CameraViewRight();
     control_->SetCameraData({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}, {0.0, 1.0, 0.0});
@@ -282,7 +282,7 @@ TEST_F(ControlCamera, WhatSetCameraDataPlacedIsReadBackAndTheAxesStay)
     ExpectNear(z, 0.0, 0.0, 1.0);
 }
 
-TEST_F(ControlCamera, ReadingTheCameraMakesNoCallOfGl)
+TEST_F(ControlCamera, ReadingTheCameraMakesNoGlCall)
 {
     const GlRecording gl;
     AcGePoint3d position;

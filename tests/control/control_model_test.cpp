@@ -28,7 +28,7 @@ constexpr std::uint64_t kSequencesPerShard = 750;
 constexpr int kShards = 8;
 constexpr int kSharedWidth = 64;
 constexpr int kSharedHeight = 32;
-constexpr GLsizei kMostLists = 1000; ///< of one sequence
+constexpr GLsizei kMaxLists = 1000; ///< of one sequence
 
 /// Every rule that the model tells apart; each shard must meet them all.
 constexpr const char* kRules[] = {"back to perspective",
@@ -141,7 +141,7 @@ void BringMatricesToStart()
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
     glViewport(0, 0, kSharedWidth, kSharedHeight);
-    glDeleteLists(1, kMostLists);
+    glDeleteLists(1, kMaxLists);
 }
 
 /// A control and its model, taken through the same steps.
@@ -324,7 +324,7 @@ class ControlModel : public ControlTest, public testing::WithParamInterface<int>
 
 } // namespace
 
-TEST_P(ControlModel, FieldsAndCallsAreTheForetoldOnesAfterEveryStep)
+TEST_P(ControlModel, FieldsAndCallsMatchTheModelAfterEveryStep)
 {
     RulesMet().clear();
     std::size_t steps = 0;

@@ -51,7 +51,7 @@ void UseAsAHostWould(KARVOpenGLControl& control)
     control.ForceRenderStart();
 }
 
-TEST_F(ControlCreationFailure, ABaseThatRefusesLeavesNoWindowAndNothingOfGl)
+TEST_F(ControlCreationFailure, ABaseThatRefusesLeavesNoWindowAndNoContext)
 {
     const GlRecording gl;
     RefusedControl control;

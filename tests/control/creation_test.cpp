@@ -337,7 +337,7 @@ TEST_F(ControlCreation, TheDestructorReleasesContextAndWindowInOrder)
                             "the entry closes"));
 }
 
-TEST_F(ControlCreation, TheDestructorMakesNoCallOfGl)
+TEST_F(ControlCreation, TheDestructorMakesNoGlCall)
 {
     auto control = NewControl();
     control->AppendGeometry(TriangleInBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0}), TypeOf(0), 1, 1.0F);

@@ -183,7 +183,7 @@ TEST_F(ControlCullingTolerance, EachOfTheFourCoordinatesAtTheToleranceAloneKeeps
     EXPECT_TRUE(IsDrawnAt(-1.0, -1.0, -1.0, -1e-20));
 }
 
-TEST_F(ControlCullingTolerance, NotANumberIsDrawn)
+TEST_F(ControlCullingTolerance, NaNIsDrawn)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_TRUE(IsDrawnAt(nan, -1.0, -1.0, -1.0));
@@ -261,7 +261,7 @@ TEST_F(ControlCulling, ASkippedEntityOfAnUnknownCategoryIsAddedToo)
     EXPECT_EQ(control_->disabledTypes.size(), 12U);
 }
 
-TEST_F(ControlCulling, AnEmptyEntityIsProjectedAtTheOriginAndSendsItsColour)
+TEST_F(ControlCulling, AnEmptyEntityIsProjectedAtTheOriginAndSendsItsColor)
 {
     control_->AppendGeometry(KARVGraphicalEntity());
     const GlRecording gl;
@@ -306,12 +306,12 @@ TEST_F(ControlRenderMode, FaceModeDrawsFacesAndTheLinesOfEntitiesWithout)
     EXPECT_THAT(Primitives(1), ElementsAre("glBegin(GL_TRIANGLES)", "glBegin(GL_LINES)"));
 }
 
-TEST_F(ControlRenderMode, TwoDrawsFaces)
+TEST_F(ControlRenderMode, ModeTwoDrawsFaces)
 {
     EXPECT_THAT(Primitives(2), ElementsAre("glBegin(GL_TRIANGLES)", "glBegin(GL_LINES)"));
 }
 
-TEST_F(ControlRenderMode, MinusOneDrawsFaces)
+TEST_F(ControlRenderMode, ModeMinusOneDrawsFaces)
 {
     EXPECT_THAT(Primitives(-1), ElementsAre("glBegin(GL_TRIANGLES)", "glBegin(GL_LINES)"));
 }

@@ -58,7 +58,7 @@ TEST_F(ControlDefaults, TheSceneIsUnseededAndEmpty)
     EXPECT_TRUE(control.computeExtentsOnAppend);
 }
 
-TEST_F(ControlDefaults, TheCameraIsAFreshOneThatNobodyPlaced)
+TEST_F(ControlDefaults, TheCameraIsFreshAndNotPlaced)
 {
     const KARVOpenGLControl control;
     EXPECT_FALSE(control.cameraSetByCaller);
@@ -114,7 +114,7 @@ TEST_F(ControlDefaults, TheElevenCategoriesAreShown)
                             Pair(TypeOf(9), false), Pair(TypeOf(10), false)));
 }
 
-TEST_F(ControlDefaults, ThereIsNoWindowAndNoCallOfGl)
+TEST_F(ControlDefaults, ThereIsNoWindowAndNoGlCall)
 {
     const GlRecording gl;
     const KARVOpenGLControl control;

@@ -78,7 +78,7 @@ TEST_F(ControlExtents, OnlyTargetAndFarDistanceOfTheCameraMove)
     EXPECT_EQ(control_.fieldOfView, 40.0F);
 }
 
-TEST_F(ControlExtents, ASceneMakesNoCallOfGl)
+TEST_F(ControlExtents, ASceneMakesNoGlCall)
 {
     const GlRecording gl;
     AppendBox({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
@@ -210,7 +210,7 @@ TEST_F(ControlExtents, TheDiagonalIsRoundedToFloatBeforeItIsScaled)
     ASSERT_NE(7.299315452575684F, static_cast<float>(std::sqrt(37.0) * 1.2));
 }
 
-TEST_F(ControlExtents, TheCentreIsTakenInSinglePrecision)
+TEST_F(ControlExtents, TheCenterIsTakenInSinglePrecision)
 {
     // 16777216 + 1 is 16777216 in float (its neighbours are 2 apart); half of it is 8388608. In double it
     // would be 8388608.5.
@@ -219,14 +219,14 @@ TEST_F(ControlExtents, TheCentreIsTakenInSinglePrecision)
     EXPECT_EQ(control_.camera.target.x, 8388608.0);
 }
 
-TEST_F(ControlExtents, AHugeSceneOverflowsItsCentreInFloatButNotItsSize)
+TEST_F(ControlExtents, AHugeSceneOverflowsItsCenterInFloatButNotItsSize)
 {
     AppendBox({3e38, 0.0, 0.0}, {3e38, 1.0, 0.0});
     EXPECT_EQ(control_.centroid.x, kInfinity); // 6e38 is no float
     ExpectSize(static_cast<float>(1.2));
 }
 
-TEST_F(ControlExtents, EveryCoordinateOfTheCentreIsHalfOfAFloatSum)
+TEST_F(ControlExtents, EveryCoordinateOfTheCenterIsHalfOfAFloatSum)
 {
     AppendBox({3e38, 3e38, 3e38}, {3e38, 3e38, 3e38});
     // The sum is no float, though half of it would be one.
@@ -241,7 +241,7 @@ TEST_F(ControlExtents, ATinySceneHasATinySize)
     ExpectSize(static_cast<float>(static_cast<double>(1e-15F) * 1.2));
 }
 
-TEST_F(ControlExtents, ACoordinateThatIsNoNumberDoesNotMoveTheBox)
+TEST_F(ControlExtents, ANaNCoordinateDoesNotMoveTheBox)
 {
     AppendBox({0.0, 0.0, 0.0}, {2.0, 2.0, 2.0});
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -249,7 +249,7 @@ TEST_F(ControlExtents, ACoordinateThatIsNoNumberDoesNotMoveTheBox)
     ExpectBox({0.0, 0.0, 0.0}, {2.0, 3.0, 2.0});
 }
 
-TEST_F(ControlExtents, ASceneSeededWithNoNumberStaysSo)
+TEST_F(ControlExtents, ASceneSeededWithNaNStaysNaN)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     AppendClaiming({nan, 0.0, 0.0}, {nan, 1.0, 1.0});
@@ -355,7 +355,7 @@ TEST_F(ControlExtents, AnOverrideOfNoSizeGivesNoSize)
     ExpectSize(0.0F);
 }
 
-TEST_F(ControlExtents, AnOverrideThatIsNoNumberIsUsedAsItIs)
+TEST_F(ControlExtents, AnOverrideOfNaNIsUsedAsItIs)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     control_.OverrideExtents({nan, 0.0, 0.0}, {1.0, 1.0, 1.0});
@@ -418,7 +418,7 @@ TEST_F(ControlExtents, AfterSetCameraAnOverrideLeavesTheTargetToo)
     ExpectSize(6.0F);
 }
 
-TEST_F(ControlExtents, AStandardViewDoesNotEndTheCentring)
+TEST_F(ControlExtents, AStandardViewDoesNotEndTheCentering)
 {
     control_.CameraViewTop();
     AppendBox({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});

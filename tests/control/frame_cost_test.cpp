@@ -96,7 +96,7 @@ class FrameCost : public testing::Test
     KARVOpenGLControl control_;
 };
 
-TEST_F(FrameCost, AnEntityOnTheCacheIsHeardByTheCount)
+TEST_F(FrameCost, AnAppendToTheCacheIsCounted)
 {
     // One entity of 4 corners in a cache without room: its place in the cache, at the least.
     const AllocationCount count;

@@ -88,7 +88,7 @@ TEST_F(ControlGeometryFeed, AFreshControlCountsNoFacesAndDrawsNothing)
     EXPECT_EQ(gl.Count("glColor4f"), 0);
 }
 
-TEST_F(ControlGeometryFeed, FacesBecomeOneEntityWithTypeColourAndOpacity)
+TEST_F(ControlGeometryFeed, FacesBecomeOneEntityWithTypeColorAndOpacity)
 {
     control_->AppendGeometry(TriangleInBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0}), TypeOf(4), 5, 0.25F);
     ASSERT_EQ(control_->entities.size(), 1U);
@@ -101,7 +101,7 @@ TEST_F(ControlGeometryFeed, FacesBecomeOneEntityWithTypeColourAndOpacity)
     EXPECT_EQ(entity.faces[0].normal, KARVGLVertex(0.0, -1.0, 0.0));
 }
 
-TEST_F(ControlGeometryFeed, AColourIndexIsCutToEightBits)
+TEST_F(ControlGeometryFeed, AColorIndexIsCutToEightBits)
 {
     control_->AppendGeometry(TriangleInBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0}), TypeOf(0), 257, 1.0F);
     EXPECT_EQ(control_->entities.at(0).color, KARVGLVertex(1.0, 0.0, 0.0)); // 257 leaves 1, red
@@ -141,7 +141,7 @@ TEST_F(ControlGeometryFeed, TheCallersFacesAreNotTouched)
     EXPECT_NE(control_->entities.at(0).faces.at(0).displayList, 0U);
 }
 
-TEST_F(ControlGeometryFeed, AHostLineKeepsItsOwnColourAndIsOpaque)
+TEST_F(ControlGeometryFeed, AHostLineKeepsItsOwnColorAndIsOpaque)
 {
     AcDbLine line({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
     line.setColorIndex(3);
@@ -218,7 +218,7 @@ TEST_F(ControlGeometryFeed, TwoAppendsOfOneEntityAreTwoCopies)
     EXPECT_EQ(gl.Count("glColor4f"), 2);
 }
 
-TEST_F(ControlGeometryFeed, AppendingTrianglesMakesNoCallOfGl)
+TEST_F(ControlGeometryFeed, AppendingTrianglesMakesNoGlCall)
 {
     const GlRecording gl;
     window_calls_.Clear();
@@ -237,7 +237,7 @@ TEST_F(ControlGeometryFeed, AThousandEntitiesKeepTheirOrder)
     EXPECT_EQ(control_->GetFaceNumber(), 1000);
 }
 
-TEST_F(ControlGeometryFeed, GeometryAppendedBeforeTheWindowIsThereAndDrawn)
+TEST_F(ControlGeometryFeed, GeometryAppendedBeforeTheWindowIsKeptAndDrawn)
 {
     KARVOpenGLControl early;
     early.AppendGeometry(TriangleInBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0}), TypeOf(0), kRed, 1.0F);
@@ -398,7 +398,7 @@ TEST_P(ControlClear, KeepsTheSwitches)
     EXPECT_TRUE(control_->disabledTypes.at(TypeOf(3)));
 }
 
-TEST_P(ControlClear, MakesNoCallOfGl)
+TEST_P(ControlClear, MakesNoGlCall)
 {
     AppendUnitTriangle();
     const GlRecording gl;
@@ -406,7 +406,7 @@ TEST_P(ControlClear, MakesNoCallOfGl)
     EXPECT_THAT(gl.Listing(), IsEmpty());
 }
 
-TEST_P(ControlClear, OfNothingChangesNothing)
+TEST_P(ControlClear, OfAnEmptyCacheChangesNothing)
 {
     control_->ClearGeometry(GetParam());
     EXPECT_TRUE(control_->entities.empty());
@@ -517,16 +517,16 @@ TEST_F(ControlGeometryFeed, DisablingAValueBeyondTenAddsItsKey)
 
 TEST_F(ControlGeometryFeed, NegativeAndExtremeValuesAreCategoriesToo)
 {
-    constexpr int kLowest = std::numeric_limits<int>::min();
+    constexpr int kMin = std::numeric_limits<int>::min();
     AppendUnitTriangle(-1);
-    AppendUnitTriangle(kLowest);
+    AppendUnitTriangle(kMin);
     control_->DisableObject(TypeOf(-1));
-    control_->DisableObject(TypeOf(kLowest));
-    control_->EnableObject(TypeOf(kLowest));
+    control_->DisableObject(TypeOf(kMin));
+    control_->EnableObject(TypeOf(kMin));
     const GlRecording gl;
     control_->OnTimer(1);
     EXPECT_EQ(gl.Count("glColor4f"), 1);
-    EXPECT_EQ(control_->disabledTypes.begin()->first, TypeOf(kLowest)); // keys are signed
+    EXPECT_EQ(control_->disabledTypes.begin()->first, TypeOf(kMin)); // keys are signed
 }
 
 TEST_F(ControlGeometryFeed, EnablingAnUnknownValueAddsItsKeyAsShown)

@@ -106,7 +106,7 @@ TEST_F(ControlMouseAmounts, PanReplacesTheOneThatWaits)
     EXPECT_EQ(control_->pendingPanZ, 0.0F);
 }
 
-TEST_F(ControlMouseAmounts, PanOfAnEmptySceneIsNothing)
+TEST_F(ControlMouseAmounts, PanOfAnEmptySceneIsZero)
 {
     control_->sceneSize = 0.0F;
     control_->GLMousePan(100, 100);
@@ -139,7 +139,7 @@ TEST_F(ControlMouseAmounts, FieldOfViewIsScaledByTheFloatFactor)
     EXPECT_EQ(control_->zoomFactor, factor);
 }
 
-TEST_F(ControlMouseAmounts, ZoomOfAHundredUpIsNothingLeftAndRecovers)
+TEST_F(ControlMouseAmounts, ZoomByAHundredPixelsUpIsZeroAndRecovers)
 {
     Move(0, 0, 100);
     Move(MK_RBUTTON, 0, 0); // dy is -100: factor 0
@@ -149,7 +149,7 @@ TEST_F(ControlMouseAmounts, ZoomOfAHundredUpIsNothingLeftAndRecovers)
     EXPECT_EQ(control_->fieldOfView, 0.02F);
 }
 
-TEST_F(ControlMouseAmounts, ParallelZoomOfAHundredUpIsNothingLeftAndRecovers)
+TEST_F(ControlMouseAmounts, ParallelZoomByAHundredPixelsUpIsZeroAndRecovers)
 {
     control_->SetToPerspective(false);
     Move(0, 0, 100);
@@ -159,7 +159,7 @@ TEST_F(ControlMouseAmounts, ParallelZoomOfAHundredUpIsNothingLeftAndRecovers)
     EXPECT_EQ(control_->zoomFactor, 0.02F);
 }
 
-TEST_F(ControlMouseAmounts, ZoomBelowNothingIsLimitedAtTheRedraw)
+TEST_F(ControlMouseAmounts, ZoomBelowZeroIsLimitedAtTheRedraw)
 {
     Move(0, 0, 500);
     Move(MK_RBUTTON, 0, 0); // factor -4

@@ -117,7 +117,7 @@ TEST_F(ControlMouse, LeftButtonWinsOverMiddleAndRight)
     ExpectOnlyTurned();
 }
 
-TEST_F(ControlMouse, LeftButtonWithoutAnyFlagStillHidesTheOthers)
+TEST_F(ControlMouse, LeftButtonWithoutAnyFlagStillOverridesTheOthers)
 {
     control_->mouseRotates = false;
     Move(MK_LBUTTON | MK_MBUTTON | MK_RBUTTON, 10, 20);
@@ -305,7 +305,7 @@ class ControlMouseDefault : public ControlTest
     DefaultingControl control_;
 };
 
-TEST_F(ControlMouseDefault, WheelAnswersWhatTheDefaultProcessingDoes)
+TEST_F(ControlMouseDefault, WheelReturnsTheDefaultProcessingsResult)
 {
     for (const LRESULT result : {0, 1, 7}) {
         control_.answer = [result](UINT) { return result; };
@@ -323,7 +323,7 @@ TEST_F(ControlMouseDefault, FaultInAMoveIsReportedUnderTheControlsFileAndSwallow
     EXPECT_EQ(control_.lastMousePoint.x, 10.0F);
 }
 
-TEST_F(ControlMouseDefault, FaultInTheWheelsDefaultProcessingIsNotTheControlsToCatch)
+TEST_F(ControlMouseDefault, FaultInTheWheelsDefaultProcessingIsNotCaughtByTheControl)
 {
     control_.answer = [](UINT) -> LRESULT { throw 42; };
     const TraceRecording trace;

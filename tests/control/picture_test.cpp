@@ -105,7 +105,7 @@ class ControlPicture : public ControlTest
     Picture Front() { return View(&KARVOpenGLControl::CameraViewFront); }
 
     /// The six sides of the cube from 0.05 to 0.15, each in its colour, clockwise seen from outside.
-    void AppendColouredCube()
+    void AppendColoredCube()
     {
         constexpr double a = 0.05;
         constexpr double b = 0.15;
@@ -127,7 +127,7 @@ TEST_F(ControlPicture, AnEmptySceneIsItsBackground)
     EXPECT_EQ(picture.CountOtherThan({20, 130, 240}), 0);
 }
 
-TEST_F(ControlPicture, AFaceSeenFaceOnHasItsColourAndTheHighlight)
+TEST_F(ControlPicture, AFaceSeenFaceOnHasItsColorAndTheHighlight)
 {
     Append(FrontRectangle(0.05, 0.05, 0.15, 0.15, 0.1), kRed);
     EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), kRedFaceOn)) << Front().At(kMiddle, kMiddle);
@@ -151,7 +151,7 @@ TEST_F(ControlPicture, AClockwiseFaceIsVisible)
     EXPECT_EQ(HueOf(Front().At(kMiddle, kMiddle)), kRed);
 }
 
-TEST_F(ControlPicture, ItsBackIsNot)
+TEST_F(ControlPicture, TheBackOfAClockwiseFaceIsCulled)
 {
     Append(FrontTriangle({0.05, 0.1, 0.05}, {0.1, 0.1, 0.15}, {0.15, 0.1, 0.05}), kRed);
     EXPECT_EQ(View(&KARVOpenGLControl::CameraViewBack).CountOtherThan(kBlack), 0);
@@ -164,7 +164,7 @@ TEST_F(ControlPicture, ACounterClockwiseFaceIsVisibleFromTheBackAlone)
     EXPECT_GT(View(&KARVOpenGLControl::CameraViewBack).CountOtherThan(kBlack), 100);
 }
 
-TEST_F(ControlPicture, AnLShapeLeavesItsNotchFree)
+TEST_F(ControlPicture, TheNotchOfAnLShapeStaysEmpty)
 {
     // An L of three squares of 0.05, its notch at the upper right; corners clockwise from the upper left one.
     // The fan from there would fill the notch's lower left half.
@@ -209,7 +209,7 @@ class ControlPictureOfSide : public ControlPicture, public testing::WithParamInt
 
 TEST_P(ControlPictureOfSide, ShowsTheSideItNamesAndNoOther)
 {
-    AppendColouredCube();
+    AppendColoredCube();
     const Picture picture = View(GetParam().command);
     EXPECT_EQ(HueOf(picture.At(kMiddle, kMiddle)), GetParam().side);
     // The side is 0.36569 from the eye, where half the height is 0.1331: 36 pixels square.
@@ -246,7 +246,7 @@ class ControlPictureOfCorner : public ControlPicture, public testing::WithParamI
 
 TEST_P(ControlPictureOfCorner, ShowsTheTopAndTheTwoSidesItNames)
 {
-    AppendColouredCube();
+    AppendColoredCube();
     const Picture picture = View(GetParam().command);
     // The nearest corner shows in the middle. The middle of the top is 0.05 above the cube's: seen at 35.264
     // degrees that is 0.05 x cos = 0.041 up the screen and 0.05 x sin = 0.029 nearer to the eye, so at 0.387,
@@ -356,7 +356,7 @@ TEST_F(ControlPicture, ClearedGeometryIsGone)
     EXPECT_EQ(Front().CountOtherThan(kBlack), 0);
 }
 
-TEST_F(ControlPicture, LineModeShowsLinesInTheirColourAndNoFaces)
+TEST_F(ControlPicture, LineModeShowsLinesInTheirColorAndNoFaces)
 {
     Append(FrontRectangle(0.05, 0.05, 0.15, 0.15, 0.1), kRed);
     AcDbLine line({0.0, 0.1, 0.1}, {0.2, 0.1, 0.1});
@@ -383,7 +383,7 @@ TEST_F(ControlPicture, FaceModeShowsBoth)
     EXPECT_GT(CountHue(picture, kGreen), 60);
 }
 
-TEST_F(ControlPicture, WithTheLightsOffAFaceHasItsPlainColour)
+TEST_F(ControlPicture, WithTheLightsOffAFaceHasItsPlainColor)
 {
     Append(FrontRectangle(0.05, 0.05, 0.15, 0.15, 0.1), kRed);
     control_->SetLightsOff(true);
@@ -404,7 +404,7 @@ TEST_F(ControlPicture, WithTheLightsOffAndALineOnlyAmbientLightIsLeft)
 
 TEST_F(ControlPicture, ASlantedFaceIsDarker)
 {
-    AppendColouredCube();
+    AppendColoredCube();
     const Pixel face_on = View(&KARVOpenGLControl::CameraViewTop).At(kMiddle, kMiddle);
     const Pixel slanted = View(&KARVOpenGLControl::CameraViewSE).At(kMiddle, kMiddle + 14);
     EXPECT_EQ(face_on.red, 255);

@@ -333,13 +333,13 @@ TEST_F(ControlSize, TheAspectIsThatOfTheWidthAndHeightAsFloats)
     EXPECT_EQ(gl.Call("gluPerspective").values.at(2), static_cast<double>(0.1F));
 }
 
-TEST_F(ControlSize, AMaximisedWindowIsSized)
+TEST_F(ControlSize, AMaximizedWindowIsSized)
 {
     control_->OnSize(SIZE_MAXIMIZED, 60, 60);
     EXPECT_EQ(control_->aspectRatio, 1.0F);
 }
 
-TEST_F(ControlSize, AMinimisedWindowChangesNothing)
+TEST_F(ControlSize, AMinimizedWindowChangesNothing)
 {
     ExpectIgnored(SIZE_MINIMIZED, 90, 60);
 }
@@ -426,7 +426,7 @@ TEST_F(ControlSize, AnIgnoredSizeGetsTheDefaultHandlingToo)
     EXPECT_EQ(DefaultedSizes(), 1);
 }
 
-TEST_F(ControlSize, TheSizeAtCreationIsTheFirst)
+TEST_F(ControlSize, TheSizeAtCreationIsTheFirstSize)
 {
     EXPECT_EQ(control_->panScale, 1.0F);
 }

@@ -158,7 +158,7 @@ TEST_F(WindowsContext, ControlsOneAfterTheOtherDraw)
     EXPECT_THAT(trace_.Faults(), IsEmpty());
 }
 
-TEST_F(WindowsContext, OfTwoControlsTheLastCurrentOneDrawsRight)
+TEST_F(WindowsContext, OfTwoControlsTheCurrentOneDrawsItsScene)
 {
     const auto first = NewControl();
     ShowQuad(*first, kRedIndex);

@@ -141,7 +141,7 @@ class WindowsDialog : public WindowsControl
     HWND window_ = nullptr;
 };
 
-TEST_F(WindowsDialog, ControlStandsWhereTheTemplateKeepsItsPlace)
+TEST_F(WindowsDialog, ControlLiesAtTheTemplatesPlaceholder)
 {
     ASSERT_NE(window_, nullptr);
     RECT placeholder{};

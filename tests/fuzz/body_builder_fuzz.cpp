@@ -20,7 +20,7 @@ using AModeler::BodyBuilder;
 using AModeler::FaceSplitting;
 
 /// Splitting a face takes the square of its corners, and more would only be slow.
-constexpr std::size_t kMostBytes = 4096;
+constexpr std::size_t kMaxBytes = 4096;
 
 void Require(bool holds)
 {
@@ -130,7 +130,7 @@ void CheckBody(AModeler::Body& body)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0 || size > kMostBytes)
+    if (size == 0 || size > kMaxBytes)
         return 0;
     Bytes bytes(std::span(data, size));
     const FaceSplitting splitting =

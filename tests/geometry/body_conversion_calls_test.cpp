@@ -189,7 +189,7 @@ TEST(BodyConversion, FaultLeavesAnEntityThatDraws)
     EXPECT_EQ(recording.Count("glBegin"), 6);
 }
 
-TEST(BodyConversion, TraceTellsEveryGrowthOfTheBox)
+TEST(BodyConversion, TraceListsEveryGrowthOfTheBox)
 {
     Body cube = UnitCube();
     const EdgesHook hook([](bool, bool, EdgesHook::Edges& edges) { edges.resize(1); });

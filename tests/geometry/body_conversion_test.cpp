@@ -147,7 +147,7 @@ TEST(BodyConversion, TypeAndOpacity)
     EXPECT_EQ(strange.entityType, static_cast<Entity::EntityType>(-7));
 }
 
-TEST(BodyConversion, ColourIndexIsCutToEightBits)
+TEST(BodyConversion, ColorIndexIsCutToEightBits)
 {
     Body cube = UnitCube();
     EXPECT_EQ(EntityOf(cube, 1).color, KARVGLVertex(1.0, 0.0, 0.0));
@@ -156,7 +156,7 @@ TEST(BodyConversion, ColourIndexIsCutToEightBits)
     EXPECT_EQ(EntityOf(cube, 256).color, KARVGLVertex(1.0, 1.0, 1.0)); // index 0 takes the foreground
 }
 
-TEST(BodyConversion, ColourChannelsAreDividedBy255)
+TEST(BodyConversion, ColorChannelsAreDividedBy255)
 {
     Body cube = UnitCube();
     EXPECT_EQ(EntityOf(cube, 8).color, KARVGLVertex(128.0 / 255.0, 128.0 / 255.0, 128.0 / 255.0)); // grey 128
@@ -230,7 +230,7 @@ TEST(BodyConversion, EdgeCountLimitsTheCorners)
     EXPECT_EQ(entity.faces[3].vertices[8], entity.faces[3].vertices[0]);
 }
 
-TEST(BodyConversion, EdgeCountThatIsNotKeptClaimsNoMemory)
+TEST(BodyConversion, EdgeCountBeyondTheLoopReservesNoMemory)
 {
     Body cube = UnitCube();
     Face& face = FaceNumber(cube, 0);

@@ -154,7 +154,7 @@ TEST(DrawLines, CoordinatesArePassedAsTheyAre)
     EXPECT_EQ(recording.Call("glVertex3f", 1).text, "glVertex3f(nan, 0, 0)");
 }
 
-TEST(DrawFaces, EmptyEntitySetsTheColourAlone)
+TEST(DrawFaces, EmptyEntitySetsTheColorAlone)
 {
     Entity entity = Lines({});
     EXPECT_THAT(QuadsListing(entity), ElementsAre("glColor4f(0.25, 0.5, 0.75, 0.5)"));
@@ -330,7 +330,7 @@ TEST(DrawFaces, OperationsReportLinesOfTheirOwn)
     EXPECT_THAT(faults[2], testing::MatchesRegex(R"(.*:1[0-9][0-9][0-9])"));
 }
 
-TEST_F(EntityPixels, AfterTheFallbackTheColourHasTheEntitysOpacity)
+TEST_F(EntityPixels, AfterTheFallbackTheColorHasTheEntitysOpacity)
 {
     Entity entity = Lines({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}});
     entity.DrawObjectQuads();

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Entity = KARVGraphicalEntity;
 
-TEST(EntityFaults, HostEntityThatFailsLeavesCategoryAndColourAlone)
+TEST(EntityFaults, HostEntityThatFailsLeavesCategoryAndColorAlone)
 {
     BrokenLine line;
     Entity entity(&line, Entity::EntityType7);

@@ -83,7 +83,7 @@ TEST_F(EntityShown, ConcaveFaceWithoutAListFillsItsNotch)
     EXPECT_TRUE(IsNear(window_.Read().At(38, 40), kRedPixel));
 }
 
-TEST_F(EntityShown, SameListDrawsInAColourSetLater)
+TEST_F(EntityShown, SameListDrawsInAColorSetLater)
 {
     Entity entity = EntityOf(Square(2.0));
     entity.SetColor(karv_test::kGreen);
@@ -132,7 +132,7 @@ TEST(DrawFaces, FallbackIsNestedInTheTrace)
                                              "< KARVGraphicalEntity::DrawObjectQuads"));
 }
 
-TEST_F(EntityShown, LineEntityDrawsItsColourThroughTheFallback)
+TEST_F(EntityShown, LineEntityDrawsItsColorThroughTheFallback)
 {
     AcDbLine line({0.0, 1.0, 0.0}, {2.0, 1.0, 0.0});
     line.setColorIndex(kRed);

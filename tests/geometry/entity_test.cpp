@@ -199,7 +199,7 @@ TEST(Entity, NormalsAreNotComputed)
     EXPECT_EQ(entity.faces.at(0).normal, KARVGLVertex());
 }
 
-TEST(Entity, NoFacesGiveAnEmptyColouredEntity)
+TEST(Entity, NoFacesGiveAnEmptyColoredEntity)
 {
     Entity entity = FromFaces({});
     ExpectEmpty(entity);
@@ -233,7 +233,7 @@ TEST(Entity, HundredThousandTrianglesAreTaken)
     EXPECT_EQ(entity.maxExtent, KARVGLVertex(1.0, 1.0, 0.0));
 }
 
-TEST(Entity, ColourIsThePalettesByIndex)
+TEST(Entity, ColorComesFromThePaletteByIndex)
 {
     // From the palette: 12 is 165, 0, 0 and 13 is 165, 82, 82; 250 is the grey 51.
     EXPECT_EQ(FromFaces({}, 12).color, KARVGLVertex(165.0 / 255.0, 0.0, 0.0));

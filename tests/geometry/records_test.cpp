@@ -37,7 +37,7 @@ TEST(Vertex, HugeTinyAndSpecialDoublesAreNarrowed)
     EXPECT_TRUE(std::isnan(vertex.z));
 }
 
-TEST(Vertex, ColourChannelsMapToTheUnitRange)
+TEST(Vertex, ColorChannelsMapToTheUnitRange)
 {
     const KARVGLVertex color(static_cast<unsigned char>(255), static_cast<unsigned char>(128),
                              static_cast<unsigned char>(0));
@@ -46,7 +46,7 @@ TEST(Vertex, ColourChannelsMapToTheUnitRange)
     EXPECT_EQ(color.z, 0.0F);
 }
 
-TEST(Vertex, EveryColourChannelIsTheProductTakenIn64Bits)
+TEST(Vertex, EveryColorChannelIsTheProductTakenIn64Bits)
 {
     for (int value = 0; value < 256; ++value) {
         const auto channel = static_cast<unsigned char>(value);

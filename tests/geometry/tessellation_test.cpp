@@ -175,7 +175,7 @@ TEST_F(Tessellation, ConcaveOutlineKeepsItsArea)
     EXPECT_DOUBLE_EQ(Area(Triangles(recording)), 3.0);
 }
 
-TEST_F(Tessellation, ListHoldsNeitherColourNorNormal)
+TEST_F(Tessellation, ListHoldsNeitherColorNorNormal)
 {
     const GlRecording recording;
     const Entity entity = EntityOf(Square());

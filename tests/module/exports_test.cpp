@@ -166,7 +166,7 @@ TEST(Imports, NeitherFilesNorTheEnvironmentNorThreadsNorLocks)
     }
 }
 
-TEST(Imports, RecorderStandsBeforeEveryGlFunction)
+TEST(Imports, RecorderCoversEveryGlFunction)
 {
     const auto file_of = [](void* address) {
         Dl_info info{};

@@ -73,7 +73,7 @@ TEST(Guard, GivenLineIsReported)
     EXPECT_THAT(trace.Faults(), ElementsAre(R"(.\Source.cpp:4711)"));
 }
 
-TEST(Guard, LinesAreCountedOnFromThePlacesFirst)
+TEST(Guard, LinesAreAddedToThePlacesFirstLine)
 {
     const TraceRecording trace;
     Guarded(

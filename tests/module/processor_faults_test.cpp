@@ -202,7 +202,7 @@ TEST_F(ProcessorFaults, WildPointerInsideABodyIsOneReport)
     EXPECT_THAT(trace.Faults(), SizeIs(1));
 }
 
-TEST_F(ProcessorFaults, FaultInPlatformsCodeEndsAtTheModulesGuard)
+TEST_F(ProcessorFaults, FaultInPlatformCodeIsCaughtByTheModulesGuard)
 {
     AModeler::Body box = AModeler::MakeBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0});
     KARVGraphicalEntity entity;
@@ -261,7 +261,7 @@ TEST_F(ProcessorFaults, IsCaughtAfterASinkCameAndWent)
     EXPECT_EQ(Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(), 0);
 }
 
-TEST_F(ProcessorFaults, GuardOfAnotherImageThatIsNamedCatchesToo)
+TEST_F(ProcessorFaults, GuardOfAnotherRegisteredImageCatchesToo)
 {
     const TraceRecording trace;
     ASSERT_TRUE(CatchProcessorFaults(reinterpret_cast<const void*>(&GuardedWrite)));
@@ -284,7 +284,7 @@ TEST_F(ProcessorFaults, ObjectsOfCallersAreDestroyed)
     EXPECT_TRUE(is_gone);
 }
 
-TEST_F(ProcessorFaults, FunctionsThatThrowNothingAreLeftToo)
+TEST_F(ProcessorFaults, NoexceptFunctionsAreLeftToo)
 {
     ASSERT_TRUE(CatchProcessorFaults(reinterpret_cast<const void*>(&GuardedWrite)));
     const TraceRecording trace;
@@ -331,7 +331,7 @@ TEST_F(ProcessorFaults, SecondThreadHasItsOwnGuards)
     EXPECT_EQ(OpenCalls(trace), 0);
 }
 
-TEST_F(ProcessorFaults, FourThreadsAtOnceEachEndAtTheirOwnGuard)
+TEST_F(ProcessorFaults, FourThreadsAtOnceAreCaughtByTheirOwnGuards)
 {
     constexpr int kEach = 250;
     const TraceRecording trace;
@@ -397,7 +397,7 @@ TEST_P(PassedOnFaults, InFunctionsOfCaughtImagesWithoutAGuard)
     EXPECT_TRUE(Run([] { FaultInPlatform(); }));
 }
 
-TEST_P(PassedOnFaults, BelowAGuardOfAnImageThatWasNotNamed)
+TEST_P(PassedOnFaults, BelowAGuardOfAnUnregisteredImage)
 {
     EXPECT_TRUE(Run([] { GuardedWrite(Pointer<int>(kNothingThere)); }));
 }
@@ -410,7 +410,7 @@ TEST_P(PassedOnFaults, BelowAFunctionOfTheHost)
     EXPECT_THAT(trace.Faults(), IsEmpty());
 }
 
-TEST_P(PassedOnFaults, BelowAFunctionThatThrowsNothing)
+TEST_P(PassedOnFaults, BelowANoexceptFunction)
 {
     // The next entry in the operation goes to a sink that is none, and announces itself without throwing.
     CallingLine line([] { InstallTraceSink(Pointer<TraceSink>(kNothingThere)); });
@@ -447,7 +447,7 @@ TEST_F(ProcessorFaults, SecondRequestForTheSameImageChangesNothing)
     EXPECT_EQ(Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(), 0);
 }
 
-TEST(ProcessorFaultsSwitch, EarlierHandlerGetsWhatIsNotOurs)
+TEST(ProcessorFaultsSwitch, EarlierHandlerGetsOtherFaults)
 {
     ForeignFaultHandler foreign;
     ASSERT_TRUE(CatchProcessorFaults(ModuleAddress()));
@@ -547,7 +547,7 @@ TEST(ProcessorFaultsDeathTest, StackOverflowInAnOperationEndsTheProcess)
     }
 }
 
-TEST(ProcessorFaultsDeathTest, FaultThatNobodyCatchesComesToTheHostsLastHandler)
+TEST(ProcessorFaultsDeathTest, UncaughtFaultReachesTheHostsLastHandler)
 {
     const auto fault = [] {
         karv_test::EndAtUnhandledFaults();

@@ -168,7 +168,7 @@ TEST(WindowsImports, WindowLayerIsTheSystemsOwn)
     EXPECT_THAT(libraries["opengl32.dll"], Contains("wglCreateContext"));
 }
 
-TEST(WindowsVersion, BothLibrariesTellTheProjects)
+TEST(WindowsVersion, BothLibrariesHaveTheProjectsVersion)
 {
     for (const char* file : {KARV_MODULE_FILE, KARV_PLATFORM_FILE}) {
         Version version(file);
@@ -178,7 +178,7 @@ TEST(WindowsVersion, BothLibrariesTellTheProjects)
     }
 }
 
-TEST(WindowsVersion, OneThatAFileLacksIsNotMadeUp)
+TEST(WindowsVersion, IsEmptyForAFileWithoutOne)
 {
     Version version(KARV_CLIENT_FILE);
     EXPECT_EQ(version.Numbers(), "");

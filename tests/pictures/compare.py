@@ -17,7 +17,7 @@ import subprocess
 import sys
 
 TOLERANCE = 8  # of 255, for each channel
-MOST_DIFFERENT = 0.005  # of the pixels
+MAX_DIFFERENT = 0.005  # of the pixels
 
 
 class Mismatch(Exception):
@@ -55,7 +55,7 @@ def compare(a, b):
     """The line that tells how two files differ; raises Mismatch where that is too much."""
     share, worst = share_of_differences(a, b)
     line = f"{a.name}, {a.parent.name} and {b.parent.name}: {share:.3%} of the pixels differ, the worst by {worst}"
-    if share > MOST_DIFFERENT:
+    if share > MAX_DIFFERENT:
         raise Mismatch(line)
     return line
 

@@ -28,7 +28,7 @@ class GlRecorderInContext : public karv_test::GlTest
 
 } // namespace
 
-TEST(GlRecorder, HearsTheModule)
+TEST(GlRecorder, RecordsTheModulesCalls)
 {
     KARVGLCamera camera;
     const GlRecording recording;
@@ -36,7 +36,7 @@ TEST(GlRecorder, HearsTheModule)
     EXPECT_EQ(recording.Count("gluLookAt"), 1);
 }
 
-TEST(GlRecorder, HearsNothingAfterItsEnd)
+TEST(GlRecorder, RecordsNothingAfterItsEnd)
 {
     std::vector<std::string> listing;
     KARVGLCamera camera;
@@ -117,7 +117,7 @@ TEST_F(GlRecorderInContext, PassesCallsOn)
     EXPECT_EQ(matrix[5], 0.25);
 }
 
-TEST_F(GlRecorderInContext, DoesNotHearWhatGluCallsInsideItself)
+TEST_F(GlRecorderInContext, DoesNotRecordWhatGluCallsInsideItself)
 {
     const GlRecording recording;
     gluPerspective(40.0, 1.0, 0.1, 10.0);

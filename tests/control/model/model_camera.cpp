@@ -10,11 +10,11 @@ namespace
 {
 
 constexpr double kRadiansPerDegree = 0.017453292519943295;
-constexpr double kHalfTurnQuarter = 1.5707963267948966; // 90 degrees
-constexpr double kTiltLow = 0.017453292519943295;       // 1 degree
-constexpr double kTiltHigh = 3.12413936106985;          // 179 degrees
-constexpr double kOrthoPerDegree = 16.65999984741211;   // the float 16.66, widened
-constexpr double kRefreshNear = 0.10000000149011612;    // the float 0.1, widened
+constexpr double kQuarterTurn = 1.5707963267948966;   // 90 degrees
+constexpr double kTiltLow = 0.017453292519943295;     // 1 degree
+constexpr double kTiltHigh = 3.12413936106985;        // 179 degrees
+constexpr double kOrthoPerDegree = 16.65999984741211; // the float 16.66, widened
+constexpr double kRefreshNear = 0.10000000149011612;  // the float 0.1, widened
 
 double Tolerance(double bound)
 {
@@ -180,7 +180,7 @@ void ModelCamera::SetViewByTurns(GlStream& gl, float about_z, float about_x)
 
 bool ModelCamera::AllowsTilt(double angle) const
 {
-    const double beyond_quarter = std::fabs(angle) - kHalfTurnQuarter;
+    const double beyond_quarter = std::fabs(angle) - kQuarterTurn;
     if (beyond_quarter * beyond_quarter <= 1e-20) {
         Meet("tilt of exactly 90 degrees");
         return true;

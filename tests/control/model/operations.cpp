@@ -157,9 +157,9 @@ Sequence DrawSequence(std::uint64_t seed)
 {
     constexpr int kEdgePercents[] = {0, 0, 0, 2, 10, 30};
     constexpr std::uint64_t kCreationEvery = 25;
-    constexpr int kLongest = 60;
+    constexpr int kMaxLength = 60;
     Random random(seed, kEdgePercents[seed % std::size(kEdgePercents)]);
-    const int length = random.Between(5, kLongest);
+    const int length = random.Between(5, kMaxLength);
     Sequence sequence{seed % kCreationEvery == 0, {}};
     // Some controls are used before they have a window.
     const int creation = sequence.creates_window && random.Chance(70) ? random.Below(length) : 0;
