@@ -1,4 +1,4 @@
-# What every target of the project shares.
+# Settings that all targets of the project share.
 if(NOT WIN32)
   set(OpenGL_GL_PREFERENCE GLVND)
   find_package(OpenGL REQUIRED)
@@ -6,7 +6,7 @@ endif()
 
 add_library(karv_options INTERFACE)
 target_include_directories(karv_options INTERFACE ${PROJECT_SOURCE_DIR})
-# Contraction would fuse a product and a sum into one rounding, and the order of roundings is part of the behaviour.
+# Contraction rounds a product and a sum only once, but the order of roundings is part of the behaviour.
 target_compile_options(karv_options INTERFACE -ffp-contract=off)
 target_compile_definitions(karv_options INTERFACE KARV_VERSION="${PROJECT_VERSION}")
 if(WIN32)
@@ -22,7 +22,7 @@ if(KARV_FUZZ)
   target_compile_options(karv_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# For the module, and for the programs that compile its headers once more.
+# For the module, and for programs that compile its headers.
 add_library(karv_coverage INTERFACE)
 if(KARV_COVERAGE)
   target_compile_options(karv_coverage INTERFACE --coverage -fprofile-update=atomic)
@@ -32,8 +32,8 @@ endif()
 add_library(karv_warnings INTERFACE)
 target_compile_options(karv_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
-# The trace file's JSON. Of headers alone, so that those of the build system serve a cross-build too, but reached through a
-# folder of their own: their neighbours belong to the build system's C library.
+# JSON for the trace file. The library is header-only, so a cross-build uses the build system's headers. It reaches them
+# through a folder of their own, because their neighbours belong to the build system's C library.
 if(WIN32)
   find_path(KARV_JSON_HEADERS NAMES nlohmann/json.hpp PATHS /usr/include REQUIRED NO_CMAKE_FIND_ROOT_PATH)
   file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/headers)
@@ -44,7 +44,7 @@ else()
   find_package(nlohmann_json REQUIRED)
 endif()
 
-# OpenGL 1.1 and GLU, and nothing of a window system.
+# OpenGL 1.1 and GLU, without a window system.
 add_library(karv_opengl INTERFACE)
 if(WIN32)
   target_link_libraries(karv_opengl INTERFACE opengl32 glu32)
@@ -53,7 +53,7 @@ else()
   target_link_libraries(karv_opengl INTERFACE ${OPENGL_glu_LIBRARY} OpenGL::OpenGL)
 endif()
 
-# karv_add_version(TARGET DESCRIPTION): gives a library the version that the system shows of its file.
+# karv_add_version(TARGET DESCRIPTION): adds a version resource to a library on Windows; no effect elsewhere.
 function(karv_add_version target description)
   if(WIN32)
     set(KARV_FILE_NAME ${target})

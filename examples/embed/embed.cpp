@@ -1,5 +1,5 @@
-// A whole program that embeds the viewport: a window of its own, a cube in it, and a message loop that ends
-// after a few frames. It takes whatever the process has to draw with, a display or none.
+// A whole program that embeds the viewport: a window with a cube, and a message loop that ends after a few
+// frames. It runs with and without a display.
 #include "control/KARVOpenGLControl.h"
 #include "platform/framework/window.h"
 
@@ -62,8 +62,8 @@ std::vector<KARVGLFace> MakeCube(double edge)
     return faces;
 }
 
-/// Runs the message loop until the viewport has drawn this many frames, each at a message of its timer; false
-/// where the loop ends before.
+/// Runs the message loop until the viewport has drawn this many frames, one for each message of its timer;
+/// false if the loop ends before.
 bool ShowFrames(HWND viewport, unsigned long frames)
 {
     MSG message{};

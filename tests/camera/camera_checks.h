@@ -12,7 +12,7 @@ namespace karv_test
 
 inline constexpr double kRadiansPerDegree = 0.017453292519943295;
 
-// The single-precision 16.66, widened: degrees of a field of view per unit of parallel zoom.
+/// The single-precision 16.66, widened: degrees of a field of view per unit of parallel zoom.
 inline constexpr double kDegreesPerZoom = 16.65999984741211;
 static_assert(kDegreesPerZoom == static_cast<double>(16.66F));
 

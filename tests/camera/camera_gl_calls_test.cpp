@@ -1,4 +1,5 @@
-// The camera and OpenGL: what it calls, what it never calls, and what a fault between two calls leaves.
+// The camera and OpenGL: the calls that it makes, the calls that it never makes, and its state after a fault
+// between two calls.
 #include "tests/camera/camera_checks.h"
 
 #include "tests/support/gl_recorder.h"
@@ -75,7 +76,7 @@ TEST(CameraFault, InnerFaultOfAViewLeavesTheOuterRunning)
 {
     KARVGLCamera camera;
     const TraceRecording trace;
-    // The first look-at is the front view's; the view goes on to turn the eye and to look again.
+    // The first look-at belongs to the front view; the view then turns the eye and looks again.
     const auto hook = ThrowAt("gluLookAt", 1, 42);
     camera.SetViewBack();
     EXPECT_TRUE(IsAt(camera.position, 0, 10, 0));
@@ -85,7 +86,7 @@ TEST(CameraFault, InnerFaultOfAViewLeavesTheOuterRunning)
 
 TEST(CameraFault, ViewIsTurnedOnlyAfterItsIdentityIsLoaded)
 {
-    // The first identity is the front view's, the second one stands between it and the turns.
+    // The first identity belongs to the front view, the second comes after it and before the turns.
     KARVGLCamera camera;
     const TraceRecording trace;
     const auto hook = ThrowAt("glLoadIdentity", 2, 42);
@@ -152,8 +153,7 @@ TEST(CameraFault, ZoomIsLimitedAfterTheIdentityAndBeforeItIsLoaded)
 
 TEST(CameraFault, FieldsWrittenBeforeAFaultStay)
 {
-    // The first matrix mode is the projection's, the second one the model-view's, before the fields are
-    // stored.
+    // The first matrix mode selects the projection, the second the model-view, before the fields are stored.
     KARVGLCamera camera;
     {
         const auto hook = ThrowAt("glMatrixMode", 2, 42);
@@ -161,7 +161,7 @@ TEST(CameraFault, FieldsWrittenBeforeAFaultStay)
     }
     EXPECT_TRUE(SameProjection(camera, KARVGLCamera()));
 
-    // Switching to parallel stores its zoom before it loads the projection, and the mode after it.
+    // Switching to parallel stores the zoom, loads the projection, then stores the mode.
     {
         const auto hook = ThrowAt("glOrtho", 1, 42);
         camera.SetPerspectiveOn(false);

@@ -30,7 +30,7 @@ const AcGeVector3d& X = AcGeVector3d::kXAxis;
 const AcGeVector3d& Y = AcGeVector3d::kYAxis;
 const AcGeVector3d& Z = AcGeVector3d::kZAxis;
 
-/// Whether a tilt by `degrees` from `camera` is carried out.
+/// Whether a tilt of `camera` by `degrees` is applied.
 bool Tilts(KARVGLCamera camera, float degrees, const AcGeVector3d& axis = AcGeVector3d::kXAxis)
 {
     const KARVGLCamera before = camera;
@@ -38,7 +38,7 @@ bool Tilts(KARVGLCamera camera, float degrees, const AcGeVector3d& axis = AcGeVe
     return !SameCamera(camera, before);
 }
 
-/// The height of the eye above the target's plane, in degrees.
+/// The elevation of the eye above the target, in degrees.
 double Elevation(const KARVGLCamera& camera)
 {
     const AcGeVector3d offset = camera.position - camera.target;
@@ -279,7 +279,7 @@ TEST(CameraTilt, LimitLiesAtOneDegree)
 
 TEST(CameraTilt, TheLimitItselfIsAllowed)
 {
-    // From the level, pi / 2 plus 89 degrees is the upper bound to the last bit.
+    // For a level line of sight, pi / 2 plus 89 degrees is the upper bound to the last bit.
     ASSERT_EQ(std::numbers::pi / 2.0 + 89.0 * kRadiansPerDegree, 3.12413936106985);
     EXPECT_TRUE(Tilts(FrontCamera(), 89.0F));
     ASSERT_GE(std::numbers::pi / 2.0 - 89.0 * kRadiansPerDegree, 0.017453292519943295);
@@ -298,8 +298,8 @@ TEST(CameraTilt, TheLimitOfOneDegreeItselfIsAllowed)
 
 TEST(CameraTilt, LimitHasNoLeewayOfATrillionth)
 {
-    // An eye 1e-11 off the level of a target 10 away looks 1e-12 off it, and 89 degrees on lies as far past a
-    // bound.
+    // An eye 1e-11 above or below a target 10 away looks 1e-12 off the level, so 89 degrees more end 1e-12
+    // past a bound.
     KARVGLCamera above;
     above.position = {0.0, -10.0, 1e-11};
     EXPECT_FALSE(Tilts(above, 89.0F));
@@ -411,8 +411,8 @@ TEST(CameraTilt, FromWithinTheToleranceOfStraightAboveTurnsAboutWorldX)
 
 TEST(CameraTilt, FromBeyondTheToleranceOfStraightAboveFollowsTheLineOfSight)
 {
-    // 1e-8 in 10 is an angle of 1e-9, ten times the tolerance: the eye comes down where it leans to, along
-    // +X.
+    // 1e-8 in 10 is an angle of 1e-9, ten times the tolerance: the eye is lowered to the side that it leans
+    // to, +X.
     KARVGLCamera camera;
     camera.position = {1e-8, 0.0, 10.0};
     camera.RotateCamera(-30.0F, X);
@@ -421,7 +421,7 @@ TEST(CameraTilt, FromBeyondTheToleranceOfStraightAboveFollowsTheLineOfSight)
 
 TEST(CameraTilt, ToleranceOfStraightAboveIsThatOfTheProcess)
 {
-    // An angle of 0.05 off the vertical, where that counts as vertical.
+    // The eye is 0.05 radians off the vertical, which is within this tolerance.
     const GlobalTolerance coarse(0.1);
     KARVGLCamera camera;
     camera.position = {0.5, 0.0, 10.0};

@@ -1,4 +1,5 @@
-// The camera's motion against a second statement of it, in plain arithmetic, over long random sequences.
+// The camera's motion compared with an independent implementation in plain arithmetic, over long random
+// sequences.
 #include "tests/camera/camera_checks.h"
 
 #include <array>
@@ -48,14 +49,14 @@ Triple Unit(const Triple& a)
     return a * (1.0 / Length(a));
 }
 
-/// `v` turned by `angle` radians about the unit vector `k`: its part along k stays, the rest turns in the
-/// plane across k.
+/// `v` turned by `angle` radians about the unit vector `k`: the part along k stays, the part normal to k is
+/// rotated.
 Triple Turned(const Triple& v, double angle, const Triple& k)
 {
     return v * std::cos(angle) + Cross(k, v) * std::sin(angle) + k * (Dot(k, v) * (1.0 - std::cos(angle)));
 }
 
-/// The camera's motion, for an eye that is off its target.
+/// The independent implementation. Holds for an eye that is not at its target.
 struct Reference {
     Triple eye{0.0, -10.0, 0.0};
     Triple target{0.0, 0.0, 0.0};
@@ -127,7 +128,7 @@ class CameraSequence : public testing::TestWithParam<std::uint32_t>
 TEST_P(CameraSequence, AgreesWithPlainArithmetic)
 {
     std::mt19937 random(GetParam());
-    // Written out, because the library's distributions differ between implementations.
+    // Not std::uniform_real_distribution: its numbers differ between standard libraries.
     const auto between = [&](double low, double high) {
         return static_cast<float>(low + (high - low) * (static_cast<double>(random()) / 4294967296.0));
     };

@@ -77,7 +77,7 @@ TEST(Camera, IsAPlainValueWithoutBaseOrVirtualOperations)
     static_assert(
         std::is_same_v<decltype(std::declval<KARVGLCamera&>() = std::declval<const KARVGLCamera&>()),
                        KARVGLCamera&>);
-    // Six 64-bit triples and three more numbers; three 32-bit ones and the switch, which fill two words.
+    // Six triples and three numbers of 64 bits; three 32-bit numbers and the switch, which fill two words.
     EXPECT_EQ(sizeof(KARVGLCamera), (6U * 3U + 3U) * sizeof(double) + 4U * sizeof(float));
 }
 
@@ -167,8 +167,8 @@ TEST(Camera, FarDistanceIsHundredTimesTheSceneDistance)
 
 TEST(Camera, FarDistanceIsMultipliedIn64BitsAndStoredIn32)
 {
-    // A distance just above a float's half-way point: its product with 100 rounds to another float than that
-    // of the distance cut to float first.
+    // The distance is just above the midpoint between two floats: multiplied by 100 and then rounded it gives
+    // another float than rounded and then multiplied.
     const double distance = 1.0 + 0x1p-24 + 0x1p-40;
     const auto wide = static_cast<float>(distance * 100.0);
     const float narrow = static_cast<float>(distance) * 100.0F;

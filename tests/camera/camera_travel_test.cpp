@@ -81,7 +81,7 @@ TEST(CameraPan, FromWithinTheToleranceOfStraightAboveRightIsWorldX)
 
 TEST(CameraPan, FromBeyondTheToleranceOfStraightAboveRightFollowsTheLineOfSight)
 {
-    // Ten times the tolerance: the eye leans to +X, so it looks along -X, and right of that is +Y.
+    // Ten times the tolerance: the eye leans to +X, so it looks along -X, and its right is +Y.
     KARVGLCamera camera;
     camera.position = {1e-8, 0.0, 10.0};
     camera.PanCamera(2.0F, X);
@@ -102,7 +102,8 @@ TEST(CameraPan, ToleranceIsThatOfTheProcess)
     steep.PanCamera(2.0F, X);
     EXPECT_TRUE(IsAt(steep.target, 2, 0, 0));
 
-    // A line of sight of 0.0625 makes a right direction of that length, which is not brought to 1.
+    // The line of sight is 0.0625 long, and so is the right direction: below the tolerance it is not
+    // normalized.
     KARVGLCamera close = FrontCamera(0.0625);
     close.PanCamera(2.0F, X);
     EXPECT_TRUE(IsAt(close.target, 0.125, 0, 0));
@@ -136,8 +137,8 @@ TEST(CameraPan, AmountIsA32BitFloat)
 
 TEST(CameraPan, CloserThanTheToleranceUpIsNotNormalized)
 {
-    // At a distance of 1e-6 the right direction, of that length, is still longer than the tolerance of 1e-10;
-    // the direction down the screen, of its square, is not, and stays as it is.
+    // At a distance of 1e-6 the right direction is 1e-6 long, more than the tolerance of 1e-10, and is
+    // normalized. The direction down the screen is 1e-12 long, which is less, and is not normalized.
     KARVGLCamera camera = FrontCamera(1e-6);
     camera.PanCamera(3.0F, X);
     EXPECT_TRUE(IsAt(camera.target, 3, 0, 0));
@@ -201,8 +202,8 @@ const double kHalfRoot = std::sqrt(0.5);
 const double kTiltSin = Sin(static_cast<double>(35.264F));
 const double kTiltCos = Cos(static_cast<double>(35.264F));
 
-// From straight above or below, right is world X, and up is what lies at right angles to it on the screen.
-// For the iso views, an eye lifted by the tilt sees up lean back from it.
+/// In the top and bottom views right is world X, and up is the world direction at right angles to it. In the
+/// iso views up leans back by the tilt.
 const ScreenAxes kScreens[] = {
     {"Front", &KARVGLCamera::SetViewFront, {1, 0, 0}, {0, 0, 1}},
     {"Back", &KARVGLCamera::SetViewBack, {-1, 0, 0}, {0, 0, 1}},
@@ -311,7 +312,7 @@ TEST(CameraDolly, ZeroAmountMovesNothing)
 
 TEST(CameraDolly, FrameThatLooksElsewhereMovesNothing)
 {
-    // Placed by hand: the frame still looks along +Y, the target lies along -X.
+    // The frame still looks along +Y, while the target lies along -X.
     KARVGLCamera camera;
     camera.SetCamera({5.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {0.0, 0.0, 1.0});
     const KARVGLCamera before = camera;
@@ -321,7 +322,7 @@ TEST(CameraDolly, FrameThatLooksElsewhereMovesNothing)
 
 TEST(CameraDolly, FollowsTheFrameAndNotTheLineOfSight)
 {
-    // A frame 3 and 4 parts of 5 off the line of sight, where that counts as the same direction.
+    // The frame looks along (0.6, 0.8), off the line of sight (0, 1), but within this tolerance.
     const GlobalTolerance coarse(1.0);
     KARVGLCamera camera = FrontCamera();
     camera.yAxis = {0.6, 0.8, 0.0};

@@ -1,4 +1,4 @@
-// What projections leave in the camera and in the matrices.
+// The state that projections leave in the camera and in the matrices.
 #include "tests/camera/camera_checks.h"
 
 #include "platform/winsys/opengl.h"
@@ -129,7 +129,7 @@ TEST(CameraZoom, OneVariableMayServeForBoth)
 namespace
 {
 
-// With a real context: what the projections leave loaded.
+/// With a real context: the matrices that the projections load.
 class CameraMatrices : public karv_test::GlTest
 {
   protected:

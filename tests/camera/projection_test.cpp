@@ -22,7 +22,7 @@ namespace
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-/// The first argument of the field of view that `ZoomAt` loads in perspective, and the value it writes back.
+/// The field of view that `ZoomAt` passes to OpenGL in perspective, and the value it writes back.
 struct ZoomResult {
     float fov;
     double loaded;
@@ -145,7 +145,7 @@ TEST(CameraRefresh, ParallelRoundsTheExtentTo32BitsAndTheDepthNot)
 
 TEST(CameraRefresh, ParallelHalvesTheDistanceBeforeItRounds)
 {
-    // 6e38 is no float; half of it is one.
+    // 6e38 is beyond the range of floats, half of it is not.
     KARVGLCamera camera = ParallelCamera();
     const GlRecording recording;
     camera.RefreshCameraView(40.0, 6e38, 1.0F);
@@ -300,7 +300,7 @@ TEST(CameraZoom, ParallelExtentsAreTakenIn32Bits)
     float fov = 25.0F;
     const GlRecording recording;
     camera.ZoomAt(factor, fov);
-    // In 32 bits, as the fields are, so that a factor of 1 shows what the switch to parallel loaded.
+    // Computed in 32 bits, like the fields. A factor of 1 gives the extents that the switch to parallel loads.
     const float s = 333.0F / 100.0F * 0.5F;
     const float h = 1.3F * s;
     const float v = 1.3F * s / 0.7F;

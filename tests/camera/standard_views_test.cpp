@@ -17,7 +17,7 @@ namespace
 
 constexpr double kRadiansPerDegree = 0.017453292519943295;
 
-/// The view's turns and where the eye must end, as seen from the target.
+/// The turns of a view, and the side of the target on which the eye must end.
 struct View {
     const char* name;
     void (KARVGLCamera::*set)();
@@ -89,8 +89,8 @@ TEST_P(StandardView, TurnsEyeAndFrameByItsAngles)
     const double st = std::sin(tilt);
     const double ct = std::cos(tilt);
     const KARVGLCamera camera = Viewed({0.0, 0.0, 0.0});
-    // The eye starts at (0, -d, 0), turns about Z, and is then lifted along its own meridian; forward points
-    // back to the target, right stays level, up completes the frame.
+    // The eye starts at (0, -d, 0), is orbited about Z, then lifted along its meridian. Forward points to the
+    // target, right stays level, and up completes the frame.
     EXPECT_TRUE(IsAt(camera.position, kDistance * so * ct, -kDistance * co * ct, kDistance * st));
     EXPECT_TRUE(IsAt(camera.xAxis, co, so, 0.0));
     EXPECT_TRUE(IsAt(camera.yAxis, -so * ct, co * ct, -st));
@@ -110,7 +110,7 @@ TEST_P(StandardView, IsTheFrontViewTurnedStepByStep)
     expected.SetViewFront();
     expected.RotateCamera(static_cast<float>(GetParam().orbit), AcGeVector3d::kZAxis);
     expected.RotateCamera(static_cast<float>(GetParam().tilt), AcGeVector3d::kXAxis);
-    // To the last bit: the same turns by the same angles in the same order.
+    // Equal to the last bit: the same turns by the same angles in the same order.
     EXPECT_TRUE(karv_test::SameCamera(Viewed(), expected));
 }
 
@@ -209,7 +209,7 @@ TEST(StandardViews, IsoTiltIsTheSinglePrecisionAngle)
     camera.farPlane = 100.0F;
     camera.SetViewSE();
     const double tilt = 35.263999938964844 * kRadiansPerDegree;
-    // Told apart from the decimal 35.264, which is 6e-8 degrees more.
+    // The decimal 35.264 is 6e-8 degrees more, which shows.
     ASSERT_GT(std::fabs(std::sin(tilt) - std::sin(35.264 * kRadiansPerDegree)), 1e-10);
     EXPECT_NEAR(camera.position.z, std::sin(tilt), 1e-14);
 }

@@ -23,7 +23,7 @@ namespace
 
 constexpr int kRed = 1;
 constexpr int kGreen = 3;
-constexpr int kSide = 96; // pixels of the square picture
+constexpr int kSide = 96; // width and height of the picture, in pixels
 constexpr int kMiddle = kSide / 2;
 const Pixel kBlack{0, 0, 0};
 const Pixel kRedFaceOn{255, 128, 128};
@@ -44,7 +44,8 @@ class ControlBodyFeed : public ControlTest
         control_->AppendGeometry(&body, TypeOf(type), static_cast<unsigned short>(color), alpha);
     }
 
-    /// A scene that is the cube from 0 to 0.2, seen from this side: the eye stands 0.41569 from the centre.
+    /// A picture from this side of a scene from (0, 0, 0) to (0.2, 0.2, 0.2): the eye is 0.41569 from the
+    /// centre.
     Picture View(void (KARVOpenGLControl::*command)())
     {
         control_->OverrideExtents({0.0, 0.0, 0.0}, {0.2, 0.2, 0.2});
@@ -57,7 +58,7 @@ class ControlBodyFeed : public ControlTest
     std::unique_ptr<KARVOpenGLControl> control_;
 };
 
-/// The cube from 0.05 to 0.15.
+/// The cube from 0.05 to 0.15 on each axis.
 Body MiddleCube()
 {
     return MakeBox({0.05, 0.05, 0.05}, {0.15, 0.15, 0.15});
@@ -264,11 +265,11 @@ TEST_F(ControlBodyFeed, LineModeShowsTheEdges)
     Append(MiddleCube());
     control_->SetRenderMode(KARVGLRenderModeLines);
     const Picture picture = Front();
-    EXPECT_EQ(picture.At(kMiddle, kMiddle), kBlack); // the open middle of the side
+    EXPECT_EQ(picture.At(kMiddle, kMiddle), kBlack); // the middle of the side is open
     int red_on_the_way = 0;
     for (int x = kMiddle; x < kSide; ++x)
         red_on_the_way += picture.At(x, kMiddle).red > 100 ? 1 : 0;
-    EXPECT_GE(red_on_the_way, 1); // the near side's edge, and the far side's within it
+    EXPECT_GE(red_on_the_way, 1); // the edge of the near side, and that of the far side inside it
     EXPECT_LE(red_on_the_way, 6);
     const int drawn = picture.CountOtherThan(kBlack);
     EXPECT_GT(drawn, 4 * 30);
@@ -288,8 +289,8 @@ TEST_F(ControlBodyFeed, AHoleShowsWhatIsBehindIt)
     const Pixel middle = picture.At(kMiddle, kMiddle);
     EXPECT_GT(middle.green, 200);
     EXPECT_GT(middle.green, middle.red + 60);
-    // 0.035 from the middle, in the plate's upper side 0.3957 away: 0.035 / (0.3957 x tan 20) x 48 = 11.7
-    // pixels.
+    // 0.035 from the middle, on the upper side of the plate, 0.3957 from the eye: 0.035 / (0.3957 x tan 20) x
+    // 48 = 11.7 pixels.
     const Pixel rim = picture.At(kMiddle + 12, kMiddle);
     EXPECT_GT(rim.red, rim.green + 60);
 }
@@ -297,7 +298,7 @@ TEST_F(ControlBodyFeed, AHoleShowsWhatIsBehindIt)
 TEST_F(ControlBodyFeed, AConcaveBodyShowsNothingInItsNotch)
 {
     control_->ComputeExtents(false);
-    // An L seen from above whose notch is the upper right quarter.
+    // An L seen from above; its notch is the upper right quarter.
     Append(AModeler::MakePrism({{{0.05, 0.05, 0.1},
                                  {0.15, 0.05, 0.1},
                                  {0.15, 0.1, 0.1},

@@ -1,4 +1,4 @@
-// The camera commands of the control: what they do to camera and zoom, and the GL calls they make.
+// The camera commands of the control: their effect on camera and zoom, and the GL calls they make.
 #include "tests/support/control_test.h"
 
 #include "platform/winsys/opengl.h"
@@ -39,7 +39,7 @@ class ControlCamera : public ControlTest
     std::unique_ptr<KARVOpenGLControl> control_;
 };
 
-/// A standard view: the eye orbits from the front by `orbit`, then is lifted by `tilt` degrees.
+/// A standard view: from the front the eye is orbited by `orbit`, then lifted by `tilt` degrees.
 struct StandardView {
     const char* name;
     void (KARVOpenGLControl::*command)();
@@ -211,8 +211,6 @@ TEST_F(ControlCamera, ViewsWorkBeforeThereIsAWindow)
     EXPECT_THAT(trace.Faults(), IsEmpty());
 }
 
-// Placing and reading.
-
 TEST_F(ControlCamera, SetCameraKeepsTheThreeValuesAndZoomsIn)
 {
     const GlRecording gl;
@@ -238,7 +236,7 @@ TEST_F(ControlCamera, ARedrawKeepsTheZoomOfSetCamera)
     EXPECT_EQ(control_->zoomFactor, 0.01F);
     EXPECT_EQ(control_->fieldOfView, 0.1F);
     EXPECT_EQ(gl.Call("gluPerspective").text, "gluPerspective(0.1, 2, 0.01, 600)");
-    EXPECT_EQ(gl.Call("gluLookAt").text, "gluLookAt(1, 2, 3, 4, 5, 6, 0, 0, 1)"); // the axis from before
+    EXPECT_EQ(gl.Call("gluLookAt").text, "gluLookAt(1, 2, 3, 4, 5, 6, 0, 0, 1)"); // the previous up axis
 }
 
 TEST_F(ControlCamera, AParallelRedrawKeepsTheZoomOfSetCamera)
@@ -352,14 +350,12 @@ TEST_F(ControlCamera, AResetZoomShowsAtTheNextRedraw)
     EXPECT_EQ(gl.Call("gluPerspective").text, "gluPerspective(40, 2, 0.01, 600)");
 }
 
-// Projections.
-
 TEST_F(ControlCamera, ToParallelTheProjectionIsPushedAndReplaced)
 {
     const GlRecording gl;
     control_->SetToPerspective(false);
     // Half the width is half the scene size, 3; at aspect 2 half the height is 1.5. Top and bottom are
-    // swapped and swapped back.
+    // swapped twice.
     EXPECT_THAT(gl.Listing(), ElementsAre("glMatrixMode(GL_PROJECTION)", "glPushMatrix()", "glLoadIdentity()",
                                           "glOrtho(-3, 3, 1.5, -1.5, -600, 600)", "glScalef(1, -1, 1)",
                                           "glMatrixMode(GL_MODELVIEW)", "glMatrixMode(GL_MODELVIEW)",
@@ -380,7 +376,7 @@ TEST_F(ControlCamera, BackToPerspectiveTheProjectionIsPoppedAndHasANegativeNearD
     control_->SetToPerspective(false);
     const GlRecording gl;
     control_->SetToPerspective(true);
-    // 40 / 16.66 and times 16.66 again.
+    // 40 / 16.66, multiplied by 16.66 again.
     EXPECT_THAT(gl.Listing(), ElementsAre("glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glLoadIdentity()",
                                           "gluPerspective(40, 2, -600, 600)", "glMatrixMode(GL_MODELVIEW)",
                                           "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
@@ -402,7 +398,7 @@ TEST_F(ControlCamera, ToPerspectiveFromPerspectivePopsAllTheSame)
     control_->SetToPerspective(true);
     EXPECT_EQ(gl.Count("glPopMatrix"), 1);
     EXPECT_EQ(gl.Count("glPushMatrix"), 0);
-    // The scale is still 1, so that the field of view becomes 16.66.
+    // The parallel scale is still 1, which becomes a field of view of 16.66 degrees.
     EXPECT_EQ(gl.Call("gluPerspective").text, "gluPerspective(16.66, 2, -600, 600)");
 }
 
@@ -419,7 +415,7 @@ TEST_F(ControlCamera, SwitchingProjectionsKeepsTheZoom)
 TEST_F(ControlCamera, AFaultInTheCameraIsSwallowedThereAndTheCommandGoesOn)
 {
     const TraceRecording trace;
-    const GlHook fault = ThrowAt("gluLookAt", 1, 42); // of the front view that the top view starts from
+    const GlHook fault = ThrowAt("gluLookAt", 1, 42); // of the front view that the top view starts with
     const GlRecording gl;
     control_->CameraViewTop();
     EXPECT_THAT(trace.Faults(), ElementsAre(testing::StartsWith(".\\KARVGLCamera.cpp:")));

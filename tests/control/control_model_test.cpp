@@ -1,6 +1,6 @@
-// Long random sequences of operations and window messages, beside a plain restatement of the rules: after
-// every step all fields of control and camera, the calls of OpenGL with their arguments, the calls of the
-// window system, the results and the number of reported faults are what the rules foretell, bit for bit.
+// Long random sequences of operations and window messages, compared with an independent model of the rules.
+// After every step the fields of control and camera, the GL calls with their arguments, the window-system
+// calls, the results and the number of reported faults must match, bit for bit.
 #include "tests/control/model/comparison.h"
 #include "tests/support/control_test.h"
 
@@ -28,9 +28,9 @@ constexpr std::uint64_t kSequencesPerShard = 750;
 constexpr int kShards = 8;
 constexpr int kSharedWidth = 64;
 constexpr int kSharedHeight = 32;
-constexpr GLsizei kMaxLists = 1000; ///< of one sequence
+constexpr GLsizei kMaxLists = 1000; ///< created by one sequence
 
-/// Every rule that the model tells apart; each shard must meet them all.
+/// Every rule that the model counts; each shard must meet them all.
 constexpr const char* kRules[] = {"back to perspective",
                                   "box grown down",
                                   "box grown up",
@@ -86,8 +86,8 @@ struct Failure {
     std::string difference;
 };
 
-/// Brings a control back to where its constructor left it, but for its window and context; the context's
-/// matrices and lists too.
+/// Resets a control to the state after its constructor, except for its window and context. Resets the
+/// context's matrices and lists too.
 void BringToConstruction(KARVOpenGLControl& control)
 {
     ::KillTimer(control.m_hWnd, 1);
@@ -144,7 +144,7 @@ void BringMatricesToStart()
     glDeleteLists(1, kMaxLists);
 }
 
-/// A control and its model, taken through the same steps.
+/// Takes a control and its model through the same steps.
 class Replay
 {
   public:
@@ -164,7 +164,8 @@ class Replay
     Replay& operator=(const Replay&) = delete;
     ~Replay() { winsys::SetFrameClock({}); }
 
-    /// The first difference, on a new control; null where there is none.
+    /// Runs the sequence and returns the first difference from the model; nothing if there is none. The control
+    /// must be in its initial state.
     std::optional<Failure> Run(const std::vector<Operation>& sequence)
     {
         if (auto difference = StateDifference(bench_.control, model_))
@@ -224,7 +225,7 @@ class Replay
         }
     }
 
-    /// What only the outside can tell about the step that was just made.
+    /// Passes the model the values of the last step that it cannot compute: list names and handles.
     void LookOutside(const std::vector<GlCall>& calls)
     {
         for (const GlCall& call : calls)
@@ -262,20 +263,20 @@ class ControlModel : public ControlTest, public testing::WithParamInterface<int>
     std::optional<Failure> Run(const Sequence& sequence)
     {
         if (sequence.creates_window) {
-            // Before it has a window, it finds no context.
+            // The control must find no context until it has a window.
             ::wglMakeCurrent(nullptr, nullptr);
             KARVOpenGLControl control;
             return Replay(control, host_, window_calls_).Run(sequence.operations);
         }
         KARVOpenGLControl& control = SharedControl();
         BringToConstruction(control);
-        // Other controls went meanwhile, and left no context current.
+        // Other controls were destroyed meanwhile, which leaves no context current.
         ::wglMakeCurrent(control.hDC, control.hRC);
         BringMatricesToStart();
         return Replay(control, host_, window_calls_).Run(sequence.operations);
     }
 
-    /// The sequence with every step removed that the failure does not need.
+    /// The sequence without the steps that the failure does not need.
     Sequence Shortened(Sequence sequence)
     {
         for (std::size_t chunk = sequence.operations.size() / 2; chunk > 0; chunk /= 2) {
@@ -302,8 +303,8 @@ class ControlModel : public ControlTest, public testing::WithParamInterface<int>
     }
 
   private:
-    /// Contexts are dear: most sequences share one. Another control's context was made current meanwhile, so
-    /// this one's is made current again.
+    /// The control that most sequences share, because creating a context is slow. The caller makes its
+    /// context current.
     KARVOpenGLControl& SharedControl()
     {
         if (!shared_)

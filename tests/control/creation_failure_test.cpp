@@ -1,4 +1,4 @@
-// Creations that the window system, the base window or the driver refuse: nothing is shown, nothing is
+// Creations that the window system, the base window or the driver refuses: nothing is shown, nothing is
 // thrown, later calls do nothing.
 #include "tests/support/control_test.h"
 
@@ -13,7 +13,8 @@ namespace
 
 using ControlCreationFailure = ControlTest;
 
-/// A control whose base handling answers WM_CREATE as told, and that keeps its own answer.
+/// A control whose base window answers WM_CREATE with a given result. It keeps the result of the control
+/// itself.
 class RefusedControl : public KARVOpenGLControl
 {
   public:
@@ -40,7 +41,7 @@ class RefusedControl : public KARVOpenGLControl
     LRESULT base_answer_;
 };
 
-/// Every operation that a host would go on with.
+/// The operations that a host calls next.
 void UseAsAHostWould(KARVOpenGLControl& control)
 {
     control.AppendGeometry(TriangleInBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0}), TypeOf(0), 1, 1.0F);
@@ -163,14 +164,14 @@ TEST_F(ControlCreationFailure, ARefusedContextIsNotNoticed)
     const auto control = NewControl();
     EXPECT_NE(control->m_hWnd, nullptr);
     EXPECT_EQ(control->hRC, nullptr);
-    EXPECT_EQ(gl.Count("glFrontFace"), 1); // the fixed state is sent all the same
+    EXPECT_EQ(gl.Count("glFrontFace"), 1); // the fixed state is still set
     UseAsAHostWould(*control);
     EXPECT_THAT(trace.Faults(), IsEmpty());
 }
 
 TEST_F(ControlCreationFailure, AContextThatCannotBeMadeCurrentIsNotNoticed)
 {
-    const WindowRefusal refusal("wglMakeCurrent", 3); // after the probe's two
+    const WindowRefusal refusal("wglMakeCurrent", 3); // the probe takes two
     const TraceRecording trace;
     const auto control = NewControl();
     EXPECT_NE(control->hRC, nullptr);
@@ -215,7 +216,7 @@ TEST_F(ControlCreationFailure, AFaultInTheBaseIsReportedOnceAndLeavesAWindowWith
     const TraceRecording trace;
     FaultingControl control;
     control.CreateCtrl(CRect(0, 0, kWidth, kHeight), &host_, false);
-    EXPECT_NE(control.m_hWnd, nullptr); // a faulted answer is 0, which accepts the window
+    EXPECT_NE(control.m_hWnd, nullptr); // a fault makes the result 0, which accepts the window
     EXPECT_EQ(control.hRC, nullptr);
     EXPECT_THAT(window_calls_.Contexts(), IsEmpty());
     EXPECT_THAT(trace.Faults(), testing::ElementsAre(StartsWith(".\\KARVOpenGLControl.cpp:")));
@@ -224,7 +225,7 @@ TEST_F(ControlCreationFailure, AFaultInTheBaseIsReportedOnceAndLeavesAWindowWith
 TEST_F(ControlCreationFailure, AFaultInTheTransparentStateKeepsTheWindowAndSkipsTheRest)
 {
     const TraceRecording trace;
-    const GlHook fault = ThrowAt("glEnable", 8, 42); // of blending, after the fixed state's seven
+    const GlHook fault = ThrowAt("glEnable", 8, 42); // of blending, after seven in the fixed state
     const GlRecording gl;
     const auto control = NewControl(true);
     EXPECT_NE(control->hRC, nullptr);

@@ -18,7 +18,7 @@ namespace
 constexpr UINT kClassStyle = 0x23;         // CS_VREDRAW | CS_HREDRAW | CS_OWNDC
 constexpr DWORD kChildStyle = 0x5600'0000; // WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN
 
-/// The calls of the creation up to, and without, those of the first size message.
+/// The calls of the creation before the first size message.
 std::vector<std::string> UntilTheFirstSize(const GlRecording& gl)
 {
     std::vector<std::string> lines = gl.Listing();
@@ -41,7 +41,7 @@ std::vector<std::string> FromTheFirstSize(const GlRecording& gl)
 class ControlCreation : public ControlTest
 {
   protected:
-    /// Leaves out what carries format numbers of the driver at hand.
+    /// The lines without those that carry format numbers, which depend on the driver.
     static std::vector<std::string> WithoutFormats(std::vector<std::string> lines)
     {
         for (std::string& line : lines)
@@ -56,8 +56,7 @@ TEST_F(ControlCreation, TheFixedStateIsSetOnceInItsOrderAndTheCameraApplied)
     SetHostBackgroundColor({255, 0, 51});
     const GlRecording gl;
     const auto control = NewControl();
-    // 51 / 255 = 0.2. The last eight calls apply the camera: a fresh one, whose eye and target are the
-    // origin.
+    // 51 / 255 = 0.2. The last eight calls apply the camera, whose eye and target are both at the origin.
     EXPECT_THAT(
         UntilTheFirstSize(gl),
         ElementsAre(
@@ -82,7 +81,7 @@ TEST_F(ControlCreation, TheFirstSizeFollowsWithAnEmptyScene)
 {
     const GlRecording gl;
     const auto control = NewControl();
-    // 64 x 32 pixels: aspect 2. No scene: size 0, far distance 0.
+    // 64 x 32 pixels are an aspect of 2. Without a scene the size is 0 and the far distance 0.
     EXPECT_THAT(FromTheFirstSize(gl),
                 ElementsAre("glViewport(0, 0, 64, 32)", "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
                             "gluPerspective(40, 2, 0.1, 0)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
@@ -212,7 +211,7 @@ TEST_F(ControlCreation, EveryPixelFormatCallGetsTheOneDescriptor)
     for (const PIXELFORMATDESCRIPTOR& descriptor : window_calls_.Descriptors()) {
         EXPECT_EQ(descriptor.nSize, 40);
         EXPECT_EQ(descriptor.nVersion, 1);
-        EXPECT_EQ(descriptor.dwFlags, 0x25U); // double-buffered, to a window, by OpenGL
+        EXPECT_EQ(descriptor.dwFlags, 0x25U); // double-buffered, for a window, for OpenGL
         EXPECT_EQ(descriptor.iPixelType, PFD_TYPE_RGBA);
         EXPECT_EQ(descriptor.cColorBits, 32);
         EXPECT_EQ(descriptor.cDepthBits, 16);
@@ -311,7 +310,7 @@ TEST_F(ControlCreation, CreationIsTracedInNestedEntries)
 
 TEST_F(ControlCreation, TheDestructorReleasesContextAndWindowInOrder)
 {
-    // Marks where the destructor's own part ends: the base would destroy a window that is left.
+    // Marks the end of the destructor's own part; the base destroys a window that is left.
     struct EndMark : TraceSink {
         explicit EndMark(WindowCalls& listener) : calls(listener), previous(InstallTraceSink(this)) {}
         EndMark(const EndMark&) = delete;
@@ -378,7 +377,7 @@ TEST_F(ControlCreation, TheDestructorClearsTheContextHandle)
     control->CreateCtrl(CRect(0, 0, kWidth, kHeight), &host_, false);
     HGLRC seen = control->hRC;
     ASSERT_NE(seen, nullptr);
-    // The handle is gone by the time that the window goes.
+    // The context handle is null when the window is destroyed.
     struct Watcher : TraceSink {
         void EnterCall(const wchar_t*) noexcept override {}
         void LeaveCall(const wchar_t*) noexcept override { *seen = control->hRC; }

@@ -1,5 +1,5 @@
-// Which entities a frame draws: switched-off categories, the one-sided test against the viewport's lower left
-// corner, and the render mode.
+// Which entities a frame draws: disabled categories, the test against the lower left corner of the viewport,
+// and the render mode.
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -15,7 +15,7 @@ using testing::Pair;
 namespace
 {
 
-/// A control whose window coordinates equal the model's x and y, so that corners are placed by their pixels.
+/// A control whose window coordinates equal the model's x and y, so corners are given in pixels.
 class ControlCulling : public ControlTest
 {
   protected:
@@ -42,7 +42,7 @@ class ControlCulling : public ControlTest
                                  1.0F);
     }
 
-    /// How many entities a frame draws.
+    /// The number of entities that a frame draws.
     int Drawn()
     {
         const GlRecording gl;
@@ -113,7 +113,7 @@ TEST_F(ControlCulling, ACornerOnTheViewportsOriginIsNotOutside)
 TEST_F(ControlCulling, TheViewComesBeforeTheProjection)
 {
     // The view moves by (20, 20) units, the projection halves them into pixels: the box at -25 to -22 lies at
-    // -2.5 to -1. With the two exchanged the view would move by 20 halves of the viewport, past its right and
+    // -2.5 to -1. In the other order the view would move by 20 halves of the viewport, past its right and
     // top.
     glMatrixMode(GL_PROJECTION);
     glScaled(0.5, 0.5, 1.0);
@@ -124,14 +124,14 @@ TEST_F(ControlCulling, TheViewComesBeforeTheProjection)
 
 TEST_F(ControlCulling, TheViewportShiftsWindowCoordinates)
 {
-    // The same box at -10 to -5 lies at 90 to 95 of the window once the viewport begins at (100, 100).
+    // With the viewport at (100, 100) the same box at -10 to -5 lies at 90 to 95 of the window.
     glViewport(100, 100, kWidth, kHeight);
     EXPECT_TRUE(IsDrawn(-10.0, -10.0, -5.0, -5.0));
     control_->ClearGeometry(true);
     EXPECT_FALSE(IsDrawn(-120.0, -120.0, -110.0, -110.0));
 }
 
-/// A control whose one entity projects to window coordinates that the test gives.
+/// A control with one entity, which projects to window coordinates that the test gives.
 class ControlCullingTolerance : public ControlCulling
 {
   protected:
@@ -282,7 +282,7 @@ class ControlRenderMode : public ControlCulling
         control_->AppendGeometry(&line, TypeOf(0));
     }
 
-    /// The primitives of a frame in this mode.
+    /// The primitives of a frame in this render mode.
     std::vector<std::string> Primitives(int mode)
     {
         control_->SetRenderMode(static_cast<KARVGLRenderMode>(mode));

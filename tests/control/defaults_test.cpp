@@ -1,4 +1,4 @@
-// What a control is before it has a window.
+// The state of a control before it has a window.
 #include "tests/support/control_test.h"
 
 #include "platform/host/gs/manager.h"
@@ -166,7 +166,7 @@ TEST_F(ControlDefaults, TheConstructorIsTraced)
     EXPECT_THAT(trace.OutermostCalls(), ElementsAre("KARVOpenGLControl::KARVOpenGLControl"));
 }
 
-// The members go in the reverse of this order: the switches, then the entities, then the camera.
+/// Members are destroyed in reverse order: the switches, then the entities, then the camera.
 TEST_F(ControlDefaults, TheFieldsStandInTheirOrder)
 {
     const KARVOpenGLControl c;
@@ -216,7 +216,7 @@ TEST_F(ControlDefaults, TheFieldsStandInTheirOrder)
 
 TEST_F(ControlDefaults, OfTheBasesVirtualOperationsOnlyTheMessageMapIsReplaced)
 {
-    // An inherited member keeps the class that it was declared in as part of its type.
+    // A pointer to an inherited member has the class that declares it as part of its type.
     using Control = KARVOpenGLControl;
     EXPECT_TRUE((std::is_same_v<decltype(&Control::WindowProc), decltype(&CWnd::WindowProc)>));
     EXPECT_TRUE((std::is_same_v<decltype(&Control::DefWindowProc), decltype(&CWnd::DefWindowProc)>));

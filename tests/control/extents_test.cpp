@@ -1,4 +1,4 @@
-// The box of the scene, its centre and its size, and how they steer the camera.
+// The box of the scene, its centre and its size, and their effect on the camera.
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -17,13 +17,13 @@ constexpr float kInfinity = std::numeric_limits<float>::infinity();
 class ControlExtents : public ControlTest
 {
   protected:
-    /// Appends one triangle with this box. No window is needed.
+    /// Appends one triangle with this box. Needs no window.
     void AppendBox(KARVGLVertex a, KARVGLVertex b)
     {
         control_.AppendGeometry(TriangleInBox(a, b), TypeOf(0), 1, 1.0F);
     }
 
-    /// Appends an entity that says it has this box.
+    /// Appends an entity that reports this box.
     void AppendClaiming(KARVGLVertex a, KARVGLVertex b)
     {
         KARVGraphicalEntity entity;
@@ -45,7 +45,7 @@ class ControlExtents : public ControlTest
         EXPECT_EQ(control_.camera.target.z, z);
     }
 
-    /// The far distance is 100 scene sizes, taken in double and narrowed.
+    /// The scene size, and the far distance of 100 scene sizes, computed in double and narrowed.
     void ExpectSize(float size) const
     {
         EXPECT_EQ(control_.sceneSize, size);
@@ -148,8 +148,8 @@ TEST_F(ControlExtents, ASinglePointIsASceneOfNoSize)
 
 TEST_F(ControlExtents, TheSeedIsTheFarCornerForBoth)
 {
-    // A claimed box whose minimum lies above its maximum: the seed is the maximum, and the minimum, added as
-    // a point, then raises the maximum.
+    // A reported box whose minimum lies above its maximum: the seed is the maximum. Then the minimum is added
+    // as a point and raises the maximum.
     AppendClaiming({5.0, 5.0, 5.0}, {1.0, 1.0, 1.0});
     ExpectBox({1.0, 1.0, 1.0}, {5.0, 5.0, 5.0});
 }
@@ -157,7 +157,7 @@ TEST_F(ControlExtents, TheSeedIsTheFarCornerForBoth)
 TEST_F(ControlExtents, ABoundMovesOnlyBeyondItsTolerance)
 {
     AppendClaiming({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0});
-    AppendClaiming({-0.5e-20F, 0.0, 0.0}, {1.0, 1.0, 1.0}); // within 0 x 1e-20 + 1e-20
+    AppendClaiming({-0.5e-20F, 0.0, 0.0}, {1.0, 1.0, 1.0}); // within the tolerance 0 x 1e-20 + 1e-20
     ExpectBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0});
     AppendClaiming({-2e-20F, 0.0, 0.0}, {1.0, 1.0, 1.0});
     EXPECT_EQ(control_.extentsMin.x, -2e-20F);
@@ -174,8 +174,8 @@ TEST_F(ControlExtents, AnUpperBoundMovesOnlyBeyondItsTolerance)
 
 TEST_F(ControlExtents, TheNearCornerIsAddedBeforeTheFarOne)
 {
-    // Within the tolerance the order shows: 2e-20 lies beyond 0 + 1e-20 and becomes the bound, whose
-    // tolerance then holds 2.5e-20. In the other order 2.5e-20 would have become the bound.
+    // Within the tolerance the order shows: 2e-20 is beyond 0 + 1e-20 and becomes the bound, whose tolerance
+    // then includes 2.5e-20. In the other order 2.5e-20 would become the bound.
     AppendClaiming({-1.0, -1.0, -1.0}, {0.0, 0.0, 0.0});
     AppendClaiming({2e-20, 0.0, 0.0}, {2.5e-20, 0.0, 0.0});
     EXPECT_EQ(control_.extentsMax.x, 2e-20F);
@@ -183,8 +183,8 @@ TEST_F(ControlExtents, TheNearCornerIsAddedBeforeTheFarOne)
 
 TEST_F(ControlExtents, TheDiagonalIsTakenInDouble)
 {
-    // The squares of 1000 and 4107 add up to 17867449; in floats, which are even numbers here, their root
-    // would round to 4226.990234375, the float below.
+    // The squares of 1000 and 4107 add up to 17867449. As a float the sum is even, and its root would round
+    // to 4226.990234375, the float below.
     AppendBox({0.0, 0.0, 0.0}, {1000.0, 4107.0, 0.0});
     const auto diagonal = static_cast<float>(std::sqrt(17867449.0));
     ASSERT_NE(diagonal, std::sqrt(1000.0F * 1000.0F + 4107.0F * 4107.0F));
@@ -193,7 +193,7 @@ TEST_F(ControlExtents, TheDiagonalIsTakenInDouble)
 
 TEST_F(ControlExtents, TheScaleOfTheDiagonalIsADouble)
 {
-    // The root of 1 + 121 as a float; the float nearest to 1.2 is larger than 1.2.
+    // The root of 1 + 121 as a float; the float nearest to 1.2 is greater than 1.2.
     AppendBox({0.0, 0.0, 0.0}, {1.0, 11.0, 0.0});
     const auto diagonal = static_cast<float>(std::sqrt(122.0));
     const auto expected = static_cast<float>(static_cast<double>(diagonal) * 1.2);
@@ -203,8 +203,8 @@ TEST_F(ControlExtents, TheScaleOfTheDiagonalIsADouble)
 
 TEST_F(ControlExtents, TheDiagonalIsRoundedToFloatBeforeItIsScaled)
 {
-    // The root of 1 + 36 = 37 is 6.082762530298219, as a float 6.082762718200684. Times 1.2 that is nearest
-    // to the float 7.299315452575684; the unrounded root times 1.2 would be nearest to 7.299314975738525.
+    // The root of 1 + 36 = 37 is 6.082762530298219, as a float 6.082762718200684. Times 1.2 that rounds to
+    // the float 7.299315452575684; the unrounded root times 1.2 would round to 7.299314975738525.
     AppendBox({0.0, 0.0, 0.0}, {1.0, 6.0, 0.0});
     ExpectSize(7.299315452575684F);
     ASSERT_NE(7.299315452575684F, static_cast<float>(std::sqrt(37.0) * 1.2));
@@ -212,7 +212,7 @@ TEST_F(ControlExtents, TheDiagonalIsRoundedToFloatBeforeItIsScaled)
 
 TEST_F(ControlExtents, TheCenterIsTakenInSinglePrecision)
 {
-    // 16777216 + 1 is 16777216 in float (its neighbours are 2 apart); half of it is 8388608. In double it
+    // 16777216 + 1 is 16777216 in float, whose neighbours are 2 apart; half of it is 8388608. In double it
     // would be 8388608.5.
     AppendBox({1.0, 0.0, 0.0}, {16777216.0, 1.0, 1.0});
     EXPECT_EQ(control_.centroid.x, 8388608.0F);
@@ -222,14 +222,14 @@ TEST_F(ControlExtents, TheCenterIsTakenInSinglePrecision)
 TEST_F(ControlExtents, AHugeSceneOverflowsItsCenterInFloatButNotItsSize)
 {
     AppendBox({3e38, 0.0, 0.0}, {3e38, 1.0, 0.0});
-    EXPECT_EQ(control_.centroid.x, kInfinity); // 6e38 is no float
+    EXPECT_EQ(control_.centroid.x, kInfinity); // 6e38 exceeds the range of floats
     ExpectSize(static_cast<float>(1.2));
 }
 
 TEST_F(ControlExtents, EveryCoordinateOfTheCenterIsHalfOfAFloatSum)
 {
     AppendBox({3e38, 3e38, 3e38}, {3e38, 3e38, 3e38});
-    // The sum is no float, though half of it would be one.
+    // The sum exceeds the range of floats, although half of it does not.
     EXPECT_EQ(control_.centroid.x, kInfinity);
     EXPECT_EQ(control_.centroid.y, kInfinity);
     EXPECT_EQ(control_.centroid.z, kInfinity);
@@ -271,15 +271,13 @@ TEST_F(ControlExtents, AnInfiniteCoordinateGivesAnInfiniteSize)
 
 TEST_F(ControlExtents, ASceneSeededAtInfinityStaysThere)
 {
-    // The seed is the far corner for both bounds. The tolerance of an infinite bound is infinite, and
-    // infinity less infinity is no number, so that nothing lies beyond it.
+    // The far corner seeds both bounds. The tolerance of an infinite bound is infinite, and infinity minus
+    // infinity is NaN, so nothing lies beyond it.
     AppendBox({0.0, 0.0, 0.0}, {std::numeric_limits<double>::infinity(), 1.0, 1.0});
     EXPECT_EQ(control_.extentsMin.x, kInfinity);
     EXPECT_EQ(control_.extentsMax.x, kInfinity);
     EXPECT_TRUE(std::isnan(control_.sceneSize));
 }
-
-// Switched off.
 
 TEST_F(ControlExtents, WithoutComputingAppendsLeaveSceneAndCamera)
 {
@@ -321,8 +319,6 @@ TEST_F(ControlExtents, SwitchingComputingKeepsThePresentBox)
     control_.ComputeExtents(true);
     ExpectBox({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
 }
-
-// Overridden.
 
 TEST_F(ControlExtents, AnOverrideReplacesTheBox)
 {
@@ -390,8 +386,6 @@ TEST_F(ControlExtents, AnOverrideWorksWithoutComputing)
     ExpectBox({0.0, 0.0, 0.0}, {3.0, 4.0, 0.0});
     ExpectSize(6.0F);
 }
-
-// Placed by the caller.
 
 TEST_F(ControlExtents, AfterSetCameraTheTargetStaysAndTheFarDistanceFollows)
 {

@@ -1,5 +1,5 @@
-// What frames and appends take of memory and copies, counted with an OpenGL that does nothing, so that every
-// count is the module's own and says more than a time would; and what is left where there is no memory.
+// The memory and the copies that frames and appends take, counted with an OpenGL that does nothing, so that
+// every count is the module's own; and the state that is left when memory runs out.
 #include "control/KARVOpenGLControl.h"
 #include "platform/tools/trace.h"
 #include "platform/winsys/backend.h"
@@ -23,7 +23,7 @@ using Faces = std::vector<KARVGLFace>;
 
 constexpr unsigned short kColor = 1;
 
-/// Counts the entities that are destroyed while it lives. Allocates nothing.
+/// Counts the entities that are destroyed during its life. Allocates nothing.
 class DestructionCount final : public TraceSink
 {
   public:
@@ -81,7 +81,7 @@ class FrameCost : public testing::Test
         control_.AppendGeometry(std::move(faces), static_cast<EntityType>(type), kColor, 1.0F);
     }
 
-    /// What it takes to append so many faces, which the caller hands over, in one entity.
+    /// The cost of appending `faces` faces in one entity; the caller hands them over.
     std::pair<std::size_t, std::size_t> AllocationsAndBytesOfAppend(std::size_t faces, std::size_t corners)
     {
         Faces source = MakeFaces(faces, corners);
@@ -98,7 +98,7 @@ class FrameCost : public testing::Test
 
 TEST_F(FrameCost, AnAppendToTheCacheIsCounted)
 {
-    // One entity of 4 corners in a cache without room: its place in the cache, at the least.
+    // One entity in a cache without room: at least its place in the cache is allocated.
     const AllocationCount count;
     Append({});
     EXPECT_GE(count.Allocations(), 1U);
@@ -116,7 +116,7 @@ TEST_F(FrameCost, FramesOfAThousandEntitiesAllocateNothing)
     const AllocationCount count;
     DrawFrames(kFrames);
     EXPECT_EQ(count.Allocations(), 0U);
-    // The frames were drawn: half the entities call 6 lists each, the others send 6 triangles.
+    // All frames were drawn: half the entities call 6 lists each, the others send 6 triangles.
     EXPECT_EQ(NullGl().lists_called, kFrames * kEntities / 2 * 6);
     EXPECT_EQ(NullGl().vertices, kFrames * kEntities / 2 * 6 * 3);
 }
@@ -151,7 +151,7 @@ TEST_F(FrameCost, FramesCopyNoEntity)
         Append(MakeFaces(6, 4));
     const DestructionCount count;
     DrawFrames(10);
-    EXPECT_EQ(count.Destroyed(), 0U); // a copy would have been destroyed again
+    EXPECT_EQ(count.Destroyed(), 0U); // a copy would be destroyed again
     EXPECT_EQ(count.Faults(), 0U);
     EXPECT_EQ(NullGl().lists_called, 10U * 100U * 6U);
 }
@@ -162,7 +162,7 @@ TEST_F(FrameCost, AnAppendDestroysTheThreeTemporariesOfItsSteps)
     {
         const DestructionCount count;
         Append(MakeFaces(2, 4));
-        // The one that was built, the one handed to the cache, the one asked for its box.
+        // The one that is built, the one passed to the cache, the one asked for its box.
         EXPECT_EQ(count.Destroyed(), 3U);
     }
     control_.ComputeExtents(false);
@@ -213,7 +213,7 @@ TEST_F(FrameCost, ANegativeReserveIsRefusedBeforeMemoryIsAskedFor)
     const AllocationCount count;
     control_.AllocateMemory(-1);
     EXPECT_EQ(faults.Faults(), 1U);
-    // The words of the container's exception alone.
+    // Only the message of the container's exception is allocated.
     EXPECT_LT(count.Bytes(), 100 * sizeof(KARVGraphicalEntity));
 }
 
@@ -223,7 +223,7 @@ TEST_F(FrameCost, EntitiesAppendedOneByOneAreMovedLinearlyOften)
     const DestructionCount count;
     for (std::size_t i = 0; i < kEntities; ++i)
         Append(MakeFaces(1, 3));
-    // Three for each append, and what growth by doubling (or by half) moves: 1 + 2 + 4 ... (or twice that).
+    // Three for each append, and those moved by growth, by doubling or by half: 1 + 2 + 4 ... or twice that.
     EXPECT_LE(count.Destroyed(), 3 * kEntities + 3 * kEntities);
     EXPECT_EQ(control_.GetFaceNumber(), static_cast<int>(kEntities));
 }

@@ -41,7 +41,7 @@ class ControlFrame : public ControlTest
         control_->AppendGeometry(TriangleInBox(a, b), TypeOf(type), 1, 1.0F);
     }
 
-    /// Draws a frame that takes this long.
+    /// Draws a frame that takes this many milliseconds.
     void FrameOf(std::clock_t ms)
     {
         const GlHook drawing("glClear", [&](int) { now_ += ms; });
@@ -76,7 +76,7 @@ TEST_F(ControlFrame, APaintIsAnsweredSoThatNoOtherWaits)
     EXPECT_FALSE(::PeekMessageW(&message, control_->m_hWnd, WM_PAINT, WM_PAINT, PM_NOREMOVE));
 }
 
-/// A control that tells whether its frames had been started when its base painted.
+/// A control that records whether its frames had been started when its base painted.
 class PaintedControl : public KARVOpenGLControl
 {
   public:
@@ -271,8 +271,6 @@ TEST_F(ControlFrame, TheFrameIsTraced)
                             "< KARVOpenGLControl::OnTimer"));
 }
 
-// The frame rate.
-
 TEST_F(ControlFrame, AFrameOfNoTimeGivesAThousandPerSecond)
 {
     control_->framesPerSecond = 1;
@@ -415,8 +413,6 @@ TEST_F(ControlFrame, WithoutUserControlAFastSceneKeepsItOff)
     FrameOf(0);
     EXPECT_FALSE(control_->multisampleOn);
 }
-
-// Faults.
 
 TEST_F(ControlFrame, AFaultInDrawingAnEntityGoesOnWithTheNext)
 {

@@ -1,4 +1,4 @@
-// What becomes of geometry that is appended: the cache, the face total, the switches of the categories.
+// The effect of appended geometry: the cache, the face total, the switches of the categories.
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -18,7 +18,7 @@ namespace
 
 constexpr int kRed = 1;
 
-/// The records of a trace but for those of the entity's own inner steps, which are its own matter.
+/// The lines of a trace without those of the entity's inner steps.
 std::vector<std::string> WithoutInnerSteps(const TraceRecording& trace)
 {
     std::vector<std::string> lines;
@@ -34,7 +34,7 @@ std::vector<std::string> WithoutInnerSteps(const TraceRecording& trace)
 const std::vector<std::string> kDestroyed = {"> KARVGraphicalEntity::~KARVGraphicalEntity",
                                              "< KARVGraphicalEntity::~KARVGraphicalEntity"};
 
-/// The entries of the common funnel, for an entity that grows the scene or not.
+/// The entries of the path that all appends share. With `computes_extents` the entity grows the scene.
 std::vector<std::string> FunnelEntries(bool computes_extents)
 {
     std::vector<std::string> lines = {"> KARVOpenGLControl::AddEntityToCache"};
@@ -163,7 +163,7 @@ TEST_F(ControlGeometryFeed, ANullHostEntityIsAnEmptyEntity)
     ASSERT_EQ(control_->entities.size(), 1U);
     EXPECT_TRUE(control_->entities[0].faces.empty());
     EXPECT_TRUE(control_->entities[0].lineVertices.empty());
-    EXPECT_NE(control_->entities[0].entityType, TypeOf(7)); // never given its category
+    EXPECT_NE(control_->entities[0].entityType, TypeOf(7)); // its category is never set
     EXPECT_THAT(trace.Faults(), IsEmpty());
 }
 
@@ -247,8 +247,6 @@ TEST_F(ControlGeometryFeed, GeometryAppendedBeforeTheWindowIsKeptAndDrawn)
     EXPECT_EQ(gl.Count("glVertex3f"), 3);
 }
 
-// The nesting of the entries tells the steps and the copies.
-
 TEST_F(ControlGeometryFeed, FacesAreTracedStepByStep)
 {
     const std::vector<KARVGLFace> faces = TriangleInBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0});
@@ -321,8 +319,8 @@ TEST_F(ControlGeometryFeed, TheCacheGrowsBetweenTheScenesBoxAndTheCount)
     ASSERT_EQ(control_->entities.capacity(), 1U);
     const TraceRecording trace;
     AppendUnitTriangle();
-    // Growing destroys the one entity in its old place; the copy asked for its box goes before, at the end of
-    // its step.
+    // Growing destroys the one entity in its old place. The copy asked for its box is destroyed before that,
+    // at the end of its step.
     const std::vector<std::string> calls = trace.Calls();
     const auto extents = std::ranges::find(calls, "KARVOpenGLControl::GLDetectExtents");
     const auto counted = std::ranges::find(calls, "KARVGraphicalEntity::GetFaceNumber");
@@ -341,10 +339,8 @@ TEST_F(ControlGeometryFeed, TheScenesBoxTakesTwoPointsOfAnEntity)
                             "KARVGraphicalEntity::DoesPointContainExtent",
                             "KARVOpenGLControl::GLComputeCentroid", "KARVGLCamera::SetTarget",
                             "KARVGLCamera::SetFarPlaneDistance",
-                            "KARVGraphicalEntity::~KARVGraphicalEntity")); // of the argument
+                            "KARVGraphicalEntity::~KARVGraphicalEntity")); // the argument's
 }
-
-// Clearing.
 
 class ControlClear : public ControlGeometryFeed, public testing::WithParamInterface<bool>
 {
@@ -428,8 +424,6 @@ TEST_P(ControlClear, LaterGeometryInsideTheOldBoxLeavesTheScene)
 
 INSTANTIATE_TEST_SUITE_P(BothArguments, ControlClear, testing::Bool());
 
-// Reserving.
-
 TEST_F(ControlGeometryFeed, MemoryIsReservedExactly)
 {
     AppendUnitTriangle();
@@ -485,8 +479,6 @@ TEST_F(ControlGeometryFeed, ReservedEntitiesStillDrawTheirLists)
     control_->OnTimer(1);
     EXPECT_EQ(gl.Call("glCallList").text, "glCallList(" + std::to_string(list) + ")");
 }
-
-// Switches.
 
 TEST_F(ControlGeometryFeed, ACategoryIsASwitchNotACounter)
 {

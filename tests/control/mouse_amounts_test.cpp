@@ -1,4 +1,4 @@
-// What the mouse's distances and the wheel's turns become: queued turns and pans, and factors of the zoom.
+// The amounts that mouse distances and wheel turns become: queued turns and pans, and zoom factors.
 #include "tests/control/mouse_test.h"
 
 #include <cmath>
@@ -11,8 +11,6 @@ namespace
 {
 
 using ControlMouseAmounts = ControlMouse;
-
-// The three queued amounts.
 
 TEST_F(ControlMouseAmounts, RotationIsHalfADegreePerPixel)
 {
@@ -79,17 +77,16 @@ TEST_F(ControlMouseAmounts, PanFactorsAreFloatsAndTheirProductIsDouble)
     control_->sceneSize = 154.5F;
     control_->zoomFactor = 5.25F;
     control_->GLMousePan(1370, -1370);
-    // 1.25 x 0.01 is 0.01249999925494194 in floats, 154.5 / 4.45 is 34.71910095214844; with 5.25 and 1370
-    // that is 3121.46398..., just below the middle of two floats. Floats all the way, a float k, doubles all
-    // the way, and a factor of its own taken in double each give the upper one, 0x1.862edap+11, or one beyond
-    // it.
+    // 1.25 x 0.01 is 0.01249999925494194 in float, 154.5 / 4.45 is 34.71910095214844; with 5.25 and 1370 that
+    // is 3121.46398..., just below the midpoint of two floats. All in float, with k in float, all in double,
+    // or with one factor in double the result would be the upper float, 0x1.862edap+11, or one above it.
     EXPECT_EQ(control_->pendingPanX, 0x1.862ed8p+11F);
     EXPECT_EQ(control_->pendingPanZ, -0x1.862ed8p+11F);
 }
 
 TEST_F(ControlMouseAmounts, ThePansShareOfTheSceneIsDividedByAFloat)
 {
-    control_->panScale = 100.0F; // times 0.01: 1, in floats
+    control_->panScale = 100.0F; // times 0.01 is 1 in float
     control_->sceneSize = 5.0F;
     control_->zoomFactor = 1.0F;
     ASSERT_NE(5.0F / 4.45F, static_cast<float>(5.0 / 4.45));
@@ -118,14 +115,14 @@ TEST_F(ControlMouseAmounts, ZoomChangesBothKindsTogether)
 {
     control_->fieldOfView = 30.0F;
     control_->zoomFactor = 2.0F;
-    control_->GLMouseZoom(50); // 1.5
+    control_->GLMouseZoom(50); // factor 1.5
     EXPECT_EQ(control_->fieldOfView, 45.0F);
     EXPECT_EQ(control_->zoomFactor, 3.0F);
 }
 
 TEST_F(ControlMouseAmounts, ZoomFactorIsFormedInFloats)
 {
-    // 33 x 0.01 rounds to a float before 1 is added. In doubles it would be 0x1.547ae2p+0.
+    // 33 x 0.01 is rounded to float before 1 is added. In double the result would be 0x1.547ae2p+0.
     control_->GLMouseZoom(33);
     EXPECT_EQ(control_->zoomFactor, 0x1.547aep+0F);
 }
@@ -144,7 +141,7 @@ TEST_F(ControlMouseAmounts, ZoomByAHundredPixelsUpIsZeroAndRecovers)
     Move(0, 0, 100);
     Move(MK_RBUTTON, 0, 0); // dy is -100: factor 0
     EXPECT_EQ(control_->fieldOfView, 0.01F);
-    EXPECT_EQ(control_->zoomFactor, 0.0F); // the perspective limits its own value only
+    EXPECT_EQ(control_->zoomFactor, 0.0F); // in perspective only the field of view is limited
     Move(MK_RBUTTON, 0, 100);              // factor 2
     EXPECT_EQ(control_->fieldOfView, 0.02F);
 }
@@ -165,8 +162,6 @@ TEST_F(ControlMouseAmounts, ZoomBelowZeroIsLimitedAtTheRedraw)
     Move(MK_RBUTTON, 0, 0); // factor -4
     EXPECT_EQ(control_->fieldOfView, 0.01F);
 }
-
-// The wheel.
 
 TEST_F(ControlMouseAmounts, WheelForwardZoomsInByTwelvePerCent)
 {

@@ -1,5 +1,5 @@
-// What moving the mouse and turning its wheel do to the control's camera and zoom, called directly and
-// through posted messages.
+// The effect of mouse moves and wheel turns on the control's camera and zoom, by direct calls and by posted
+// messages.
 #include "tests/control/mouse_test.h"
 
 #include <algorithm>
@@ -16,8 +16,6 @@ using testing::StartsWith;
 
 namespace
 {
-
-// Which button does what.
 
 TEST_F(ControlMouse, LeftButtonTurnsAtFirst)
 {
@@ -138,8 +136,6 @@ TEST_F(ControlMouse, ModifiersChangeNothing)
     ExpectOnlyZoomed();
 }
 
-// Following the pointer.
-
 TEST_F(ControlMouse, MoveWithoutButtonsIsRememberedAndRedraws)
 {
     const GlRecording gl;
@@ -182,7 +178,7 @@ TEST_F(ControlMouse, PlacesAndDistancesAreFloats)
     Move(0, 16'777'217, -16'777'217);
     EXPECT_EQ(control_->lastMousePoint.x, 16'777'216.0F);
     EXPECT_EQ(control_->lastMousePoint.y, -16'777'216.0F);
-    // 10 less 1e-9 is 10 in floats; in doubles it would be a little less and be cut to 9.
+    // 10 minus 1e-9 is 10 in float; in double it would be a little less and be truncated to 9.
     control_->lastMousePoint = {0.0F, 1e-9F};
     Move(MK_RBUTTON, 0, 10);
     EXPECT_EQ(control_->zoomFactor, 1.1F);
@@ -197,13 +193,11 @@ TEST_F(ControlMouse, NothingStaysQueuedAfterAMove)
                 Each(0.0F));
 }
 
-// No user control.
-
 TEST_F(ControlMouse, MovesChangeNoFieldWithoutUserControl)
 {
     Move(0, 7, 8);
     control_->KillUserControl();
-    control_->pendingRotateX = 1.0F; // anything that redraws would take this
+    control_->pendingRotateX = 1.0F; // any redraw would apply it
     const GlRecording gl;
     const TraceRecording trace;
     window_calls_.Clear();
@@ -254,8 +248,6 @@ TEST_F(ControlMouse, FastFramesDoNotBringMultisamplingBackWithoutUserControl)
     EXPECT_FALSE(control_->multisampleOn);
 }
 
-// Messages.
-
 TEST_F(ControlMouse, SixMessagesAreRoutedInOrder)
 {
     const TraceRecording trace;
@@ -263,7 +255,7 @@ TEST_F(ControlMouse, SixMessagesAreRoutedInOrder)
     for (const AFX_MSGMAP_ENTRY& entry : control_->GetMessageMap()->entries)
         messages.push_back(entry.message);
     EXPECT_THAT(messages, ElementsAre(WM_SIZE, WM_CREATE, WM_TIMER, WM_MOUSEMOVE, WM_MOUSEWHEEL, WM_PAINT));
-    EXPECT_THAT(trace.Calls(), IsEmpty()); // the table is no operation
+    EXPECT_THAT(trace.Calls(), IsEmpty()); // the message map is not traced
 }
 
 TEST_F(ControlMouse, MoveGoesOnToTheDefaultProcessingAfterTheRedraw)
@@ -284,7 +276,7 @@ TEST_F(ControlMouse, WheelGoesOnToTheDefaultProcessingAfterTheRedraw)
     EXPECT_THAT(window_calls_.DefaultedMessages(), Contains(UINT{WM_MOUSEWHEEL}));
 }
 
-/// A control whose default processing the test supplies.
+/// A control with a default processing that the test supplies.
 class DefaultingControl : public KARVOpenGLControl
 {
   public:
@@ -335,7 +327,7 @@ TEST_F(ControlMouseDefault, FaultInTheWheelsDefaultProcessingIsNotCaughtByTheCon
 TEST_F(ControlMouse, FaultInTheRedrawStaysThereAndTheMoveGoesOn)
 {
     const TraceRecording trace;
-    const GlHook fault = ThrowAt("glLoadIdentity", 1, 42); // OnDraw's own
+    const GlHook fault = ThrowAt("glLoadIdentity", 1, 42); // of OnDraw itself
     ::SendMessageW(control_->m_hWnd, WM_MOUSEMOVE, 0, MAKELPARAM(10, 20));
     EXPECT_THAT(trace.Faults(), ElementsAre(StartsWith(".\\KARVOpenGLControl.cpp:")));
     EXPECT_THAT(window_calls_.DefaultedMessages(), Contains(UINT{WM_MOUSEMOVE}));
@@ -356,8 +348,6 @@ TEST_F(ControlMouse, PostedWheelHasASignedDelta)
     EXPECT_FLOAT_EQ(control_->zoomFactor, 1.12F);
 }
 
-// How it feels.
-
 TEST_F(ControlMouse, DraggingDownLiftsTheEyeByHalfADegreePerPixel)
 {
     Post(WM_MOUSEMOVE, 0, 10, 10);
@@ -371,7 +361,7 @@ TEST_F(ControlMouse, DraggingRightOrbitsClockwiseSeenFromAbove)
     Post(WM_MOUSEMOVE, 0, 10, 10);
     Post(WM_MOUSEMOVE, MK_LBUTTON, 70, 10);
     PumpMouse();
-    // From the side of -Y clockwise leads to the side of -X.
+    // From the -Y side, clockwise leads to the -X side.
     ExpectEyeFromTarget(-6.0 * std::sin(Radians(30.0)), -6.0 * std::cos(Radians(30.0)), 0.0);
 }
 
@@ -389,7 +379,7 @@ TEST_F(ControlMouse, PanningMovesTheSceneWithThePointer)
     PumpMouse();
     const std::array<double, 3> down = Projected(point);
     EXPECT_NEAR(down[0], right[0], 1e-3);
-    EXPECT_LT(down[1], right[1] - 0.1); // counted from below
+    EXPECT_LT(down[1], right[1] - 0.1); // y counts from the bottom
 }
 
 TEST_F(ControlMouse, DraggingDownWithTheRightButtonZoomsOutByOnePerCentPerPixel)
@@ -416,13 +406,13 @@ TEST_F(ControlMouse, EveryMoveCountsWhileTheFrameTimerRuns)
     constexpr int kMoves = 180;
     for (int x = 1; x <= kMoves; ++x)
         Post(WM_MOUSEMOVE, MK_LBUTTON, x, 0);
-    // Frames are drawn all the while, and the timer fires faster than that.
+    // Frames are drawn between the moves, and the timer fires faster than frames finish.
     ASSERT_TRUE(PumpUntil([&] {
         return control_->lastMousePoint.x == static_cast<float>(kMoves) &&
                window_calls_.Count("SwapBuffers(dc of 3DView)") >= 5;
     }));
     ExpectEyeFromTarget(-6.0, 0.0, 0.0); // 180 times half a degree
-    // One redraw, hence one request for the focus, for each.
+    // Each move redraws once, and each redraw requests the focus once.
     EXPECT_GE(window_calls_.Count("SetFocus(3DView)"), kMoves);
 }
 

@@ -1,4 +1,4 @@
-// The fixture of the tests of the mouse: a control with a scene, what it was moved by, and posted messages.
+// The fixture of the mouse tests: a control with a scene, checks of its motion, and posted messages.
 #pragma once
 
 #include "platform/winsys/opengl.h"
@@ -19,7 +19,7 @@ inline double Radians(double degrees)
     return degrees * std::numbers::pi / 180.0;
 }
 
-/// A control with a scene of size 6 about (1.5, 2, 0), seen from the front; the pointer was last at (0, 0).
+/// A control with a scene of size 6 about (1.5, 2, 0), seen from the front. The pointer was last at (0, 0).
 class ControlMouse : public ControlTest
 {
   protected:
@@ -42,7 +42,7 @@ class ControlMouse : public ControlTest
     {
         ::PostMessageW(control_->m_hWnd, message, wparam, MAKELPARAM(x, y));
     }
-    /// Dispatches the mouse's messages that wait.
+    /// Dispatches the mouse messages in the queue.
     static void PumpMouse()
     {
         MSG message{};
@@ -95,7 +95,7 @@ class ControlMouse : public ControlTest
         EXPECT_FALSE(HasZoomed());
     }
 
-    /// Where the matrices now loaded put this point, in pixels from the lower left.
+    /// The window position of this point under the matrices now loaded, in pixels from the lower left.
     static std::array<double, 3> Projected(const AcGePoint3d& point)
     {
         std::array<double, 16> model{};

@@ -1,6 +1,5 @@
-// Navigation against a second statement of its rules: random sequences of moves, wheel turns, restrictions,
-// views, projections and boxes go to the control and to a model beside it, and all fields must agree after
-// every step.
+// Navigation compared with an independent model: random sequences of moves, wheel turns, restrictions, views,
+// projections and boxes go to the control and to the model, and all fields must agree after every step.
 #include "tests/support/control_test.h"
 
 #include <algorithm>
@@ -36,7 +35,7 @@ double Length(const Vec& a)
     return std::sqrt(Dot(a, a));
 }
 
-/// Vectors no longer than the host's tolerance stay as they are.
+/// Vectors no longer than the host's tolerance are not normalized.
 Vec Unit(const Vec& a)
 {
     const double length = Length(a);
@@ -53,7 +52,7 @@ Vec Turned(const Vec& v, const Vec& k, double angle)
 
 enum class Left { Rotate, Pan, Zoom };
 
-/// The rules once more, in polar terms where the control has matrices.
+/// The independent model. It uses polar coordinates where the control uses matrices.
 struct Model {
     Vec eye{};
     Vec target{};
@@ -68,7 +67,7 @@ struct Model {
     Left left = Left::Rotate;
     bool is_user_controlled = true;
     bool is_placed = false;
-    bool is_at_limit = false; ///< a tilt came within rounding of its limit: either outcome is right
+    bool is_at_limit = false; ///< a tilt ends within rounding of its limit: either outcome is right
 
     void Turn(const Vec& axis, double angle)
     {
@@ -219,7 +218,7 @@ class NavigationModel : public ControlTest, public testing::WithParamInterface<u
 
     int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
 
-    /// Mostly small, with the values at which something changes.
+    /// Mostly small, and the values at which the result changes.
     int Distance()
     {
         constexpr std::array<int, 12> kEdges{0, 1, -1, 180, -180, 720, -720, 721, -721, -100, 178, -178};
@@ -343,7 +342,8 @@ class NavigationModel : public ControlTest, public testing::WithParamInterface<u
         EXPECT_EQ(control_->pendingPanZ, 0.0F);
     }
 
-    /// Far from the target the line of sight is all rounding, and the two may part.
+    /// Whether the two can be compared: with a target far from the origin and close to the eye, the line of
+    /// sight is mostly rounding.
     [[nodiscard]] bool IsWellConditioned() const
     {
         const double distance = Length(Sum(model_.eye, model_.target, -1.0));
@@ -372,7 +372,7 @@ TEST_P(NavigationModel, AgreesWithTheControlAfterEveryStep)
             ASSERT_FALSE(HasFailure()) << "sequence " << sequence << ", step " << step;
         }
     }
-    EXPECT_GT(steps, kSequences * 25); // most sequences run far
+    EXPECT_GT(steps, kSequences * 25); // most sequences reach their end
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, NavigationModel, testing::Range(1U, 11U));

@@ -1,7 +1,7 @@
-// The whole road from geometry to pixels: real frames of real windows, by chosen pixels.
+// From geometry to pixels: real frames of real windows, checked by chosen pixels.
 //
-// Lighting: the light shines along the line of sight, so that a side seen face on has its full colour plus
-// the white highlight of 0.5. Red face on is (1, 0.5, 0.5).
+// Lighting: the light shines along the line of sight, so a side seen face on has its full colour plus the
+// white highlight of 0.5. Red face on is (1, 0.5, 0.5).
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -16,10 +16,10 @@ using namespace karv_test;
 namespace
 {
 
-constexpr int kSide = 96; // pixels of the square picture
+constexpr int kSide = 96; // width and height of the picture, in pixels
 constexpr int kMiddle = kSide / 2;
 
-// Colour indices; the bits of red, green and blue that each has are told by `HueOf`.
+/// Colour indices; the bits of red, green and blue of each, as in `HueOf`.
 constexpr int kRed = 1;
 constexpr int kYellow = 2;
 constexpr int kGreen = 3;
@@ -30,8 +30,8 @@ constexpr int kMagenta = 6;
 const Pixel kBlack{0, 0, 0};
 const Pixel kRedFaceOn{255, 128, 128};
 
-/// The colour index of a lit surface by the channels that stand out, 0 for the black background. A full
-/// channel is at least half again as bright as the highlight alone.
+/// The colour index of a lit surface by its brightest channels, 0 for the black background. A full channel is
+/// at least half again as bright as the highlight alone.
 int HueOf(const Pixel& pixel)
 {
     const int brightest = std::max({pixel.red, pixel.green, pixel.blue});
@@ -54,7 +54,7 @@ int CountHue(const Picture& picture, int hue)
     return count;
 }
 
-/// A rectangle in the plane y = `depth`, clockwise seen from the front (from -Y).
+/// A rectangle in the plane y = `depth`, clockwise seen from the front (-Y).
 KARVGLFace FrontRectangle(double left, double bottom, double right, double top, double depth)
 {
     return MakeFace({{left, depth, bottom}, {left, depth, top}, {right, depth, top}, {right, depth, bottom}},
@@ -78,11 +78,11 @@ class ControlPicture : public ControlTest
         ControlTest::TearDown();
     }
 
-    /// Makes a control on black whose scene is the cube from 0 to 0.2: centre 0.1, diagonal 0.34641, size
-    /// 0.41569. The eye of a standard view stands that far from the centre.
+    /// Makes a control with a black background and a scene from (0, 0, 0) to (0.2, 0.2, 0.2): centre 0.1,
+    /// diagonal 0.34641, size 0.41569. The eye of a standard view is that far from the centre.
     void Open(bool transparent)
     {
-        control_.reset(); // first, because a control that goes leaves no context current
+        control_.reset(); // first, because a control that is destroyed leaves no context current
         control_ = NewControl(transparent, kSide, kSide);
         control_->SetBgColor(0, 0, 0);
         control_->ComputeExtents(false);
@@ -104,7 +104,7 @@ class ControlPicture : public ControlTest
 
     Picture Front() { return View(&KARVOpenGLControl::CameraViewFront); }
 
-    /// The six sides of the cube from 0.05 to 0.15, each in its colour, clockwise seen from outside.
+    /// The cube from 0.05 to 0.15, each side in its own colour, clockwise seen from outside.
     void AppendColoredCube()
     {
         constexpr double a = 0.05;
@@ -167,7 +167,7 @@ TEST_F(ControlPicture, ACounterClockwiseFaceIsVisibleFromTheBackAlone)
 TEST_F(ControlPicture, TheNotchOfAnLShapeStaysEmpty)
 {
     // An L of three squares of 0.05, its notch at the upper right; corners clockwise from the upper left one.
-    // The fan from there would fill the notch's lower left half.
+    // A fan from there would fill the lower left half of the notch.
     const auto corner = [](double x, double z) {
         return KARVGLVertex(0.05 + 0.05 * x, 0.1, 0.05 + 0.05 * z);
     };
@@ -175,7 +175,7 @@ TEST_F(ControlPicture, TheNotchOfAnLShapeStaysEmpty)
                     {0.0, -1.0, 0.0}),
            kRed);
     const Picture picture = Front();
-    // A square is 15.9 pixels wide, the inner corner is the picture's middle.
+    // A square is 15.9 pixels wide; the inner corner is the middle of the picture.
     EXPECT_EQ(HueOf(picture.At(kMiddle + 3, kMiddle + 3)), 0);
     EXPECT_EQ(HueOf(picture.At(kMiddle + 10, kMiddle + 10)), 0);
     EXPECT_EQ(HueOf(picture.At(kMiddle - 8, kMiddle + 8)), kRed);
@@ -189,8 +189,6 @@ TEST_F(ControlPicture, NearerFacesHideFartherOnesInAnyOrder)
     Append(FrontRectangle(0.05, 0.05, 0.15, 0.15, 0.15), kRed);
     EXPECT_EQ(HueOf(Front().At(kMiddle, kMiddle)), kGreen);
 }
-
-// The ten standard views of a cube with six colours.
 
 struct SideView {
     const char* name;
@@ -212,7 +210,7 @@ TEST_P(ControlPictureOfSide, ShowsTheSideItNamesAndNoOther)
     AppendColoredCube();
     const Picture picture = View(GetParam().command);
     EXPECT_EQ(HueOf(picture.At(kMiddle, kMiddle)), GetParam().side);
-    // The side is 0.36569 from the eye, where half the height is 0.1331: 36 pixels square.
+    // The side is 0.36569 from the eye, where half the height is 0.1331: a square of 36 pixels.
     EXPECT_NEAR(CountHue(picture, GetParam().side), 36 * 36, 2 * 36);
     for (const int hue : {kRed, kYellow, kGreen, kCyan, kBlue, kMagenta})
         if (hue != GetParam().side)
@@ -231,7 +229,7 @@ INSTANTIATE_TEST_SUITE_P(Six, ControlPictureOfSide,
 struct CornerView {
     const char* name;
     void (KARVOpenGLControl::*command)();
-    int left_side; ///< colour index of the side that shows at the lower left
+    int left_side; ///< colour index of the side at the lower left
     int right_side;
 };
 
@@ -248,7 +246,7 @@ TEST_P(ControlPictureOfCorner, ShowsTheTopAndTheTwoSidesItNames)
 {
     AppendColoredCube();
     const Picture picture = View(GetParam().command);
-    // The nearest corner shows in the middle. The middle of the top is 0.05 above the cube's: seen at 35.264
+    // The nearest corner is in the middle. The middle of the top is 0.05 above that of the cube: at 35.264
     // degrees that is 0.05 x cos = 0.041 up the screen and 0.05 x sin = 0.029 nearer to the eye, so at 0.387,
     // where half the height is 0.1408: 14 pixels above the middle. The middles of the two sides are 0.05 x
     // cos 45 = 0.035 aside and 0.05 x sin 45 x sin 35.264 = 0.020 down: 12 pixels aside and 7 below.
@@ -257,8 +255,8 @@ TEST_P(ControlPictureOfCorner, ShowsTheTopAndTheTwoSidesItNames)
     EXPECT_EQ(HueOf(picture.At(kMiddle + 12, kMiddle - 7)), GetParam().right_side);
 }
 
-// For an eye to the south-east, the right of the screen is north-east: the front shows left and the right
-// side right; and so on around.
+/// From the south-east the right of the screen is north-east: the front is at the left, the right side at the
+/// right. The other corners follow in turn.
 INSTANTIATE_TEST_SUITE_P(Four, ControlPictureOfCorner,
                          testing::Values(CornerView{"SE", &KARVOpenGLControl::CameraViewSE, kGreen, kMagenta},
                                          CornerView{"SW", &KARVOpenGLControl::CameraViewSW, kBlue, kGreen},
@@ -266,19 +264,17 @@ INSTANTIATE_TEST_SUITE_P(Four, ControlPictureOfCorner,
                                          CornerView{"NW", &KARVOpenGLControl::CameraViewNW, kCyan, kBlue}),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-// Projections.
-
 class ControlPictureOfTwoSquares : public ControlPicture
 {
   protected:
-    /// Two squares of one size beside each other, the green one in front, the red one at the back.
+    /// Two squares of one size side by side: a green one in front, a red one at the back.
     ControlPictureOfTwoSquares()
     {
         Append(FrontRectangle(0.02, 0.07, 0.08, 0.13, 0.0), kGreen);
         Append(FrontRectangle(0.12, 0.07, 0.18, 0.13, 0.2), kRed);
     }
 
-    /// The square of this hue has sides of so many pixels, give or take those that an edge covers in part.
+    /// The square of this hue has a side of `side` pixels; partly covered edge pixels may count or not.
     static void ExpectSide(const Picture& picture, int hue, double side)
     {
         EXPECT_NEAR(CountHue(picture, hue), side * side, 4.0 * side);
@@ -287,7 +283,7 @@ class ControlPictureOfTwoSquares : public ControlPicture
 
 TEST_F(ControlPictureOfTwoSquares, InPerspectiveTheNearOneIsLarger)
 {
-    // The eye is 0.31569 from the near one and 0.51569 from the far one. At 48 pixels for tan 20 degrees
+    // The eye is 0.31569 from the near one and 0.51569 from the far one. With tan 20 degrees at 48 pixels
     // their sides of 0.06 are 25.1 and 15.3 pixels.
     const Picture picture = Front();
     ExpectSide(picture, kGreen, 25.1);
@@ -316,9 +312,9 @@ TEST_F(ControlPictureOfTwoSquares, BackInPerspectiveThePictureIsAsBefore)
 TEST_F(ControlPictureOfTwoSquares, AParallelPictureIsNotUpsideDown)
 {
     control_->SetToPerspective(false);
-    Append(FrontRectangle(0.02, 0.15, 0.08, 0.18, 0.0), kBlue); // above the near one
+    Append(FrontRectangle(0.02, 0.15, 0.08, 0.18, 0.0), kBlue); // above the near square
     const Picture picture = Front();
-    // 0.065 above the middle at 48 / 0.20785 pixels a unit: 15 pixels; 0.05 left of it: 11.5 pixels.
+    // 0.065 above the middle, at 48 / 0.20785 pixels a unit: 15 pixels; 0.05 left of it: 11.5 pixels.
     EXPECT_EQ(HueOf(picture.At(kMiddle - 12, kMiddle + 15)), kBlue);
     EXPECT_EQ(HueOf(picture.At(kMiddle - 12, kMiddle - 15)), 0);
 }
@@ -336,8 +332,6 @@ TEST_F(ControlPictureOfTwoSquares, ANarrowFieldOfViewEnlarges)
     control_->fieldOfView = 30.0F; // (tan 20 / tan 15) squared = 1.85
     EXPECT_NEAR(CountHue(Front(), kGreen), 1.85 * before, 0.15 * before);
 }
-
-// Switches and settings.
 
 TEST_F(ControlPicture, AHiddenCategoryIsGoneAndComesBack)
 {
@@ -365,7 +359,8 @@ TEST_F(ControlPicture, LineModeShowsLinesInTheirColorAndNoFaces)
     control_->SetRenderMode(KARVGLRenderModeLines);
     const Picture picture = Front();
     EXPECT_EQ(CountHue(picture, kRed), 0);
-    // In the plane of the target its half of 0.1 is 0.1 / 0.1513 x 48 = 31.7 pixels, on one or two rows.
+    // In the plane of the target half of its length, 0.1, is 0.1 / 0.1513 x 48 = 31.7 pixels, on one or two
+    // rows.
     EXPECT_TRUE(HueOf(picture.At(20, kMiddle)) == kGreen || HueOf(picture.At(20, kMiddle - 1)) == kGreen);
     EXPECT_EQ(HueOf(picture.At(20, kMiddle + 5)), 0);
     EXPECT_EQ(HueOf(picture.At(12, kMiddle)), 0);
@@ -387,7 +382,7 @@ TEST_F(ControlPicture, WithTheLightsOffAFaceHasItsPlainColor)
 {
     Append(FrontRectangle(0.05, 0.05, 0.15, 0.15, 0.1), kRed);
     control_->SetLightsOff(true);
-    EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {255, 0, 0})); // darker by the highlight
+    EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {255, 0, 0})); // without the highlight
     control_->SetLightsOff(false);
     EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), kRedFaceOn));
 }
@@ -398,8 +393,8 @@ TEST_F(ControlPicture, WithTheLightsOffAndALineOnlyAmbientLightIsLeft)
     AcDbLine line({0.0, 0.1, 0.19}, {0.2, 0.1, 0.19});
     control_->AppendGeometry(&line, TypeOf(0));
     control_->SetLightsOff(true);
-    EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {255, 0, 0})); // before the line was first drawn
-    EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {51, 0, 0}));  // the global ambient term is 0.2
+    EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {255, 0, 0})); // the line is drawn after the face
+    EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {51, 0, 0}));  // the global ambient light is 0.2
 }
 
 TEST_F(ControlPicture, ASlantedFaceIsDarker)
@@ -408,7 +403,7 @@ TEST_F(ControlPicture, ASlantedFaceIsDarker)
     const Pixel face_on = View(&KARVOpenGLControl::CameraViewTop).At(kMiddle, kMiddle);
     const Pixel slanted = View(&KARVOpenGLControl::CameraViewSE).At(kMiddle, kMiddle + 14);
     EXPECT_EQ(face_on.red, 255);
-    // The light falls at the cosine 0.577: 0.577 + 0.2 + 0.01 + 0.5 x 0.577^5 = 0.819.
+    // The light falls at a cosine of 0.577: 0.577 + 0.2 + 0.01 + 0.5 x 0.577^5 = 0.819.
     EXPECT_NEAR(slanted.red, 0.819 * 255.0, 4.0);
 }
 
@@ -420,14 +415,12 @@ TEST_F(ControlPicture, NormalsNeedNotHaveUnitLength)
     EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), kRedFaceOn));
 }
 
-// Transparency.
-
 TEST_F(ControlPicture, ATransparentControlBlendsByTheOpacity)
 {
     Open(true);
     Append(FrontRectangle(0.05, 0.05, 0.15, 0.15, 0.15), kRed);
     Append(FrontRectangle(0.05, 0.05, 0.15, 0.15, 0.05), kBlue, 0.5F);
-    // Half of (0.5, 0.5, 1) over half of (1, 0.5, 0.5).
+    // (0.5, 0.5, 1) at half opacity over (1, 0.5, 0.5) at half opacity.
     EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {191, 128, 191}, 3)) << Front().At(kMiddle, kMiddle);
 }
 
@@ -453,12 +446,10 @@ TEST_F(ControlPicture, AnOpaqueControlIgnoresTheOpacity)
     EXPECT_TRUE(IsNear(Front().At(kMiddle, kMiddle), {128, 128, 255})) << Front().At(kMiddle, kMiddle);
 }
 
-// Multisampling.
-
 class ControlPictureOfEdge : public ControlPicture
 {
   protected:
-    /// The pixels that are neither the background nor the face, of a face with a slanted edge.
+    /// The pixels that are neither background nor face, of a face with slanted edges.
     int BlendedPixels()
     {
         Append(FrontTriangle({0.05, 0.1, 0.05}, {0.08, 0.1, 0.15}, {0.15, 0.1, 0.06}), kRed);
@@ -476,7 +467,7 @@ class ControlPictureOfEdge : public ControlPicture
 
 TEST_F(ControlPictureOfEdge, MultisamplingBlendsEdges)
 {
-    // The edges cross some 80 rows and columns, with a partly covered pixel in most of them.
+    // The edges cross some 80 rows and columns, most with a partly covered pixel.
     EXPECT_GT(BlendedPixels(), 40);
 }
 

@@ -1,6 +1,5 @@
-// The probe for a multisampled pixel format: what it asks, what it takes as an answer, and what it remembers
-// for the controls that come later. Its two process-wide values show through the pixel format that a control
-// gets.
+// The probe for a multisampled pixel format: its queries, how it takes their results, and what it remembers
+// for later controls. Its two process-wide values show in the pixel format that a control gets.
 #include "tests/support/control_test.h"
 
 #include "platform/winsys/opengl.h"
@@ -16,17 +15,18 @@ using testing::IsEmpty;
 namespace
 {
 
-/// How a query for 4 samples and one for 2 go. A call may fail although it left a format and a count.
+/// The results of the queries for 4 and for 2 samples. A call may fail although it has written a format and a
+/// count.
 enum class Answer { kCallFails, kCallFailsWithAFormat, kNoFormat, kFound, kFoundMany };
 
 struct Query {
     HDC dc = nullptr;
-    std::vector<int> attributes; ///< up to and with the final pair of zeros
+    std::vector<int> attributes; ///< up to and including the final pair of zeros
     std::array<float, 2> float_attributes{};
     UINT max_formats = 0;
 };
 
-// What the scripted entry points answer and what they were asked: plain functions, as the system's are.
+/// The answers of the scripted entry points and the record of their calls. Plain functions need globals.
 const char* extensions = nullptr;
 Answer four_samples = Answer::kFound;
 Answer two_samples = Answer::kFound;
@@ -90,7 +90,7 @@ class ControlProbe : public ControlTest
         offered_format = plain_format_ == 1 ? 2 : 1;
     }
 
-    /// The format that is chosen without a probe, learnt from a control that gets none.
+    /// The format that is chosen without a probe, taken from a control made without one.
     int PlainFormat()
     {
         const EntryPointAnswer none("wglGetExtensionsStringARB", nullptr);
@@ -98,10 +98,10 @@ class ControlProbe : public ControlTest
         return NewControl(false, 0, 0)->pixelFormat;
     }
 
-    /// Whether a control made now takes the format of the probe.
+    /// Whether a control made now takes the probe's format.
     bool TakesOfferedFormat() { return NewControl(false, 0, 0)->pixelFormat == offered_format; }
 
-    /// The same of a control that lives to the end of the test, because one that goes forgets the format.
+    /// The same for a control that lives to the end of the test, because destroying one resets the format.
     bool TakesFormatAndStays()
     {
         kept_.push_back(NewControl(false, 0, 0));
@@ -120,7 +120,7 @@ class ControlProbe : public ControlTest
         return TakesOfferedFormat();
     }
 
-    /// The windows of the probe that still exist.
+    /// The number of windows of the probe that still exist.
     int LeftProbes() const
     {
         int left = 0;
@@ -164,7 +164,7 @@ TEST_F(ControlProbe, TheQueriesAndTheStringConcernTheProbeWindow)
     ASSERT_EQ(dummy.name, L"Dummy");
     const HDC dummy_dc = queries.at(0).dc;
     EXPECT_EQ(window_calls_.NameOf(dummy_dc), "dc of Dummy");
-    EXPECT_THAT(asked_dcs, Contains(dummy_dc)); // the current device context is the probe window's own one
+    EXPECT_THAT(asked_dcs, Contains(dummy_dc)); // the current device context is the probe window's
 }
 
 TEST_F(ControlProbe, OnlyTwoSamplesFoundWinWithTheSecondQuery)
@@ -266,7 +266,7 @@ TEST_F(ControlProbe, TheFallbackLeavesTheProbeWindowHiddenWithItsContext)
         EXPECT_FALSE(line.ends_with(", none)")) << line;
     }
     ASSERT_EQ(window_calls_.Contexts().size(), contexts_before + 2);
-    // The context is alive: it can be made current once more.
+    // The context still exists: it can be made current again.
     EXPECT_TRUE(::wglMakeCurrent(queries.at(0).dc, window_calls_.Contexts().at(contexts_before)));
 }
 
@@ -484,7 +484,7 @@ TEST_F(ControlProbe, ALaterSuccessReplacesTheRememberedFormat)
     EXPECT_EQ(second->pixelFormat, plain_format_);
 }
 
-/// The probe against a driver as it is, which refuses a number of samples or hides an entry point.
+/// The probe with the real driver, where a number of samples is refused or an entry point is hidden.
 class ControlProbeOfDriver : public ControlTest
 {
   protected:
@@ -513,7 +513,7 @@ TEST_F(ControlProbeOfDriver, AHiddenQueryEntryPointGivesAPlainContext)
 
 TEST_F(ControlProbeOfDriver, AHiddenStringEntryPointGivesAPlainContext)
 {
-    // The driver's own GL extensions do not name an extension of the window system.
+    // The GL extensions of the driver do not list extensions of the window system.
     const EntryPointAnswer none("wglGetExtensionsStringARB", nullptr);
     const auto control = NewControl();
     ASSERT_NE(control->hRC, nullptr);

@@ -1,4 +1,4 @@
-// The redraw that applies queued motion to the camera, and size messages.
+// The redraw, which applies queued motion to the camera, and size messages.
 #include "tests/support/control_test.h"
 
 #include "platform/winsys/opengl.h"
@@ -16,7 +16,7 @@ namespace
 
 constexpr double kRounding = 1e-6;
 
-/// A control whose camera stands 10 units in front of the origin.
+/// A control whose camera is 10 units in front of the origin.
 class ControlRedraw : public ControlTest
 {
   protected:
@@ -35,7 +35,7 @@ class ControlRedraw : public ControlTest
     void ExpectEye(double x, double y, double z) const { ExpectPoint(control_->camera.position, x, y, z); }
     void ExpectTarget(double x, double y, double z) const { ExpectPoint(control_->camera.target, x, y, z); }
 
-    /// Every bit of where the camera stands and looks.
+    /// The exact position and target of the camera.
     static std::array<double, 6> Bits(const KARVGLCamera& camera)
     {
         return {camera.position.x, camera.position.y, camera.position.z,
@@ -113,20 +113,20 @@ TEST_F(ControlRedraw, BothTurnsAreApplied)
 
 TEST_F(ControlRedraw, TheTiltComesBeforeTheOrbit)
 {
-    // Seen from straight above a tilt leads along world Y, whatever the orbit, and the orbit leaves the eye:
-    // only the tilt first gives the orbit something to turn.
+    // From straight above, a tilt lowers the eye along world Y whatever the orbit, and an orbit does not move
+    // the eye. Only a tilt first gives the orbit something to turn.
     control_->camera.SetPosition({0.0, 0.0, 10.0});
     control_->pendingRotateX = -30.0F;
     control_->pendingRotateZ = 90.0F;
     control_->OnDraw(nullptr);
     // The tilt puts the eye at (0, -10 sin 30, 10 cos 30), the orbit turns that by 90 degrees. In the other
-    // order it would stay there.
+    // order the eye would stay at the tilt's result.
     ExpectEye(5.0, 0.0, 10.0 * std::sqrt(0.75));
 }
 
 TEST_F(ControlRedraw, ThePanAcrossComesBeforeThePanUp)
 {
-    // Apart from rounding the two can be exchanged, so the last bits tell.
+    // The two commute except for rounding, so the last bits show their order.
     control_->camera.SetCamera({3.1, -7.3, 5.7}, {0.4, 1.9, -0.6}, AcGeVector3d::kZAxis);
     KARVGLCamera across_first(control_->camera);
     across_first.PanCamera(-1.7F, AcGeVector3d::kXAxis);
@@ -192,7 +192,7 @@ TEST_F(ControlRedraw, TurnsComeBeforePans)
     control_->pendingRotateZ = 90.0F;
     control_->pendingPanX = -2.0F;
     control_->OnDraw(nullptr);
-    // From +X the right is +Y. A pan first would have gone along +X.
+    // From +X the right is +Y. If the pan came first it would go along +X.
     ExpectEye(10.0, 2.0, 0.0);
     ExpectTarget(0.0, 2.0, 0.0);
 }
@@ -233,7 +233,7 @@ TEST_F(ControlRedraw, AFieldOfViewBeyondItsLimitIsWrittenBack)
     const GlRecording gl;
     control_->OnDraw(nullptr);
     EXPECT_EQ(control_->fieldOfView, 150.0F);
-    EXPECT_EQ(control_->zoomFactor, 12.0F); // of the parallel projection
+    EXPECT_EQ(control_->zoomFactor, 12.0F); // the parallel zoom
     EXPECT_EQ(gl.Call("gluPerspective").text, "gluPerspective(150, 2, 0.01, 1000)");
 }
 
@@ -290,7 +290,7 @@ class ControlSize : public ControlTest
         ControlTest::TearDown();
     }
 
-    /// Sends a size that is to be ignored.
+    /// Sends a size that must be ignored.
     void ExpectIgnored(UINT type, int cx, int cy)
     {
         const GlRecording gl;
@@ -301,7 +301,7 @@ class ControlSize : public ControlTest
         EXPECT_EQ(control_->aspectRatio, 2.0F);
     }
 
-    /// How many size messages reached the default procedure.
+    /// The number of size messages that reached the default procedure.
     [[nodiscard]] std::ptrdiff_t DefaultedSizes() const
     {
         return std::ranges::count(window_calls_.DefaultedMessages(), UINT{WM_SIZE});

@@ -1,4 +1,4 @@
-// The render settings: background, lights, metrics factor, and the diagnostic cube.
+// The render settings: background, lights, metrics factor and the debug cube.
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -37,7 +37,7 @@ TEST_F(ControlSettings, TheBackgroundIsAppliedAtOnce)
 TEST_F(ControlSettings, TheBackgroundIsCutToEightBits)
 {
     control_->SetBgColor(256, -1, 128);
-    // 256 leaves 0, -1 leaves 255, and 128 / 255 = 0.50196.
+    // 256 is cut to 0, -1 to 255, and 128 / 255 = 0.50196.
     EXPECT_EQ(control_->backgroundColor[0], 0.0F);
     EXPECT_EQ(control_->backgroundColor[1], 1.0F);
     EXPECT_EQ(control_->backgroundColor[2], static_cast<float>(128.0 * 0.00392156862745098));
@@ -121,7 +121,7 @@ TEST_F(ControlSettings, TheMetricsFactorIsKeptAndCallsNothing)
 TEST_F(ControlSettings, TheDebugCubeIsSixSidesFromAFixedTable)
 {
     const GlRecording gl;
-    control_->DrawDebugCubeAt({1.0, 2.0, 3.0}, 4.0F); // h = 2
+    control_->DrawDebugCubeAt({1.0, 2.0, 3.0}, 4.0F); // half the size is 2
     EXPECT_THAT(gl.Listing(), ElementsAreArray({"glPushMatrix()",        "glTranslatef(1, 2, 3)",
                                                 "glRotatef(0, 1, 0, 0)", "glRotatef(0, 0, 1, 0)",
                                                 "glRotatef(0, 0, 0, 1)", "glColor3f(0, 0, 1)",

@@ -1,4 +1,4 @@
-// Every operation of the control opens one entry under its name, and reports faults under the control's file.
+// Every operation of the control opens one entry under its name and reports faults under the control's file.
 #include "tests/support/control_test.h"
 
 #include <functional>
@@ -15,7 +15,7 @@ namespace
 struct Operation {
     const char* name;
     std::function<void(KARVOpenGLControl&)> call;
-    const char* label = nullptr; ///< tells overloads apart
+    const char* label = nullptr; ///< distinguishes overloads
 };
 
 void PrintTo(const Operation& operation, std::ostream* out)
@@ -35,13 +35,13 @@ TEST_P(ControlTrace, TheOperationOpensOneEntryUnderItsName)
     const std::vector<std::string> outermost = trace.OutermostCalls();
     ASSERT_FALSE(outermost.empty());
     EXPECT_EQ(outermost.front(), std::string("KARVOpenGLControl::") + GetParam().name);
-    // Behind it come only the destructors of arguments passed by value.
+    // Only the destructors of arguments passed by value follow.
     for (std::size_t i = 1; i < outermost.size(); ++i)
         EXPECT_EQ(outermost[i], "KARVGraphicalEntity::~KARVGraphicalEntity");
     EXPECT_THAT(trace.Faults(), IsEmpty());
 }
 
-// References to read the camera into.
+/// References to read the camera into.
 struct CameraData {
     AcGePoint3d position;
     AcGePoint3d target;
@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(All, ControlTrace, testing::ValuesIn(Operations()), [](
     return std::string(tested.param.label != nullptr ? tested.param.label : tested.param.name);
 });
 
-/// An operation of the control whose own step can be made to fail: the entry point that it calls itself.
+/// An operation of the control and an entry point that it calls itself, which is made to fail.
 struct FaultyOperation {
     const char* name;
     std::function<void(KARVOpenGLControl&)> call;
@@ -148,7 +148,7 @@ TEST_P(ControlFault, IsReportedOnceUnderTheControlsFileAndSwallowed)
 {
     const auto control = NewControl();
     const TraceRecording trace;
-    GlHook fault = ThrowAt(GetParam().entry_point, 1, 42); // of no exception type
+    GlHook fault = ThrowAt(GetParam().entry_point, 1, 42); // not an std::exception
     GetParam().call(*control);
     EXPECT_THAT(trace.Faults(), ElementsAre(StartsWith(".\\KARVOpenGLControl.cpp:")));
 }

@@ -1,4 +1,4 @@
-// Pixel formats, contexts and windows of the control on the system's own window system.
+// Pixel formats, contexts and windows of the control on the system's own windows.
 #include "tests/control/windows_control_test.h"
 
 #include "platform/winsys/opengl.h"
@@ -29,8 +29,8 @@ int Samples()
     return samples;
 }
 
-/// The format of 4 samples that the system itself names first for the viewport's needs; asked through a
-/// window of the test's own.
+/// The system's first format with 4 samples for the viewport's attributes, asked for through a window of the
+/// test.
 int AskForFourSamples()
 {
     const GlTestWindow window(10, 10);
@@ -76,7 +76,7 @@ void* Address(Function* function)
     return reinterpret_cast<void*>(function);
 }
 
-/// The hidden window that a failing probe leaves behind; null for none.
+/// The hidden window that a failing probe leaves; null for none.
 HWND FindDummy()
 {
     return FindWindowExW(nullptr, nullptr, nullptr, L"Dummy");
@@ -167,13 +167,13 @@ TEST_F(WindowsContext, OfTwoControlsTheCurrentOneDrawsItsScene)
     ShowQuad(*second, kGreenIndex);
     ASSERT_TRUE(RunFrames(20));
     EXPECT_EQ(wglGetCurrentContext(), second->hRC);
-    // Both draw to the second's context now; its own frame is the one drawn by its own timer.
+    // Both draw to the second's context, which is current. Its own timer draws its own frame.
     second->OnTimer(1);
     EXPECT_TRUE(IsGreenish(ReadLastFrame(second->m_hWnd).At(kWidth / 2, kHeight / 2)));
     EXPECT_THAT(trace_.Faults(), IsEmpty());
 }
 
-/// A control as a host of several makes it: whatever its messages do, they do to its own context.
+/// A control in a host with several: it makes its own context current before every message.
 class OwnContextControl : public KARVOpenGLControl
 {
   public:
@@ -203,7 +203,7 @@ TEST_F(WindowsContext, HostThatMakesContextsCurrentHasBothControls)
     EXPECT_THAT(trace_.Faults(), IsEmpty());
 }
 
-/// What the module and the framework have made and not ended, counted where they call the system.
+/// What the module and the framework create and destroy, counted at their calls to the system.
 struct Made {
     int windows = 0;
     int windows_ended = 0;

@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr std::chrono::seconds kLimit{20};
-/// What a highlight leaves between the channels of a bright colour, and more than chance does.
+/// Channels of a lit bright colour differ by more than this.
 constexpr int kApart = 60;
 
 BOOL CALLBACK NoteTitle(HWND window, LPARAM titles)
@@ -39,7 +39,7 @@ bool IsGreenish(const Pixel& pixel)
 void ShowQuad(KARVOpenGLControl& control, unsigned short color)
 {
     KARVGLFace quad;
-    // Clockwise, as the viewer in front sees it.
+    // Clockwise seen from the front.
     quad.vertices = {{0.0, 0.05, 0.0}, {0.0, 0.05, 0.1}, {0.1, 0.05, 0.1}, {0.1, 0.05, 0.0}};
     quad.normal = {0.0, -1.0, 0.0};
     control.SetBgColor(kBlue.red, kBlue.green, kBlue.blue);

@@ -22,7 +22,7 @@ inline constexpr Pixel kBlue{0, 0, 255};
 inline constexpr unsigned short kRedIndex = 1;
 inline constexpr unsigned short kGreenIndex = 3;
 
-/// Whether one channel stands out: red for a red face under whatever light, for example.
+/// Whether the red channel stands out, under any lighting.
 [[nodiscard]] bool IsReddish(const Pixel& pixel);
 [[nodiscard]] bool IsGreenish(const Pixel& pixel);
 
@@ -33,11 +33,11 @@ void ShowQuad(KARVOpenGLControl& control, unsigned short color);
 /// The titles of the thread's top-level windows, hidden ones included.
 [[nodiscard]] std::vector<std::wstring> TopLevelTitles();
 
-/// Reads what the window's last frame has left in the current context.
+/// Reads the window's last frame from the current context.
 [[nodiscard]] Picture ReadLastFrame(HWND window);
 
-/// Runs the message loop until the condition holds; false where it does not within a limit of some seconds.
-/// With a `dialog`, its keys are its own.
+/// Runs the message loop until the condition holds; false if it does not within some seconds. With a
+/// `dialog`, its keyboard messages are handled as a dialog's.
 bool RunUntil(const std::function<bool()>& condition, HWND dialog = nullptr);
 
 class WindowsControl : public testing::Test
@@ -51,9 +51,9 @@ class WindowsControl : public testing::Test
 
     /// A control at (0, 0) in the host.
     std::unique_ptr<KARVOpenGLControl> NewControl();
-    /// How often an operation was called since the recording began, by its name without the class.
+    /// How often an operation was called since the recording began. Its name is given without the class.
     [[nodiscard]] std::ptrdiff_t Calls(const std::string& operation) const;
-    /// Runs the loop until the control has drawn this many frames more.
+    /// Runs the loop until the control has drawn this many more frames.
     bool RunFrames(int frames);
 
     CWnd host_;

@@ -1,4 +1,4 @@
-// The control in a real dialog: made from a template, sized and ended with it, beside other controls.
+// The control in a real dialog: made from a template, sized and destroyed with it, beside other controls.
 #include "tests/control/windows_control_test.h"
 
 #include <cstddef>
@@ -14,7 +14,7 @@ namespace
 constexpr WORD kPlaceholder = 100;
 constexpr WORD kButton = 101;
 
-/// A dialog template in memory, as a resource compiler writes it: words, each item at a multiple of four
+/// A dialog template in memory, as a resource compiler writes it: 16-bit words, each item aligned to four
 /// bytes.
 class DialogTemplate
 {
@@ -30,7 +30,7 @@ class DialogTemplate
         dialog.cy = 150;
         Append(&dialog, sizeof dialog);
         AppendText({0}); // no menu
-        AppendText({0}); // the class of dialogs
+        AppendText({0}); // the default window class
         AppendText({'D', 'i', 'a', 'l', 'o', 'g', 0});
         constexpr WORD kStaticClass = 0x0082;
         constexpr WORD kButtonClass = 0x0080;
@@ -66,13 +66,13 @@ class DialogTemplate
         item.cy = height;
         item.id = id;
         Append(&item, sizeof item);
-        AppendText({0xFFFF, window_class, 0, 0}); // the class by its number, no title, no data of its own
+        AppendText({0xFFFF, window_class, 0, 0}); // the class by its number, no title, no creation data
     }
 
     std::vector<WORD> words_;
 };
 
-/// What the dialog's procedure works with.
+/// The state of the dialog's procedure.
 struct ViewportDialog {
     KARVOpenGLControl control;
     int presses = 0;

@@ -13,7 +13,7 @@ namespace karv_test
 namespace
 {
 
-/// Moves or turns the mouse, or changes a button, as its driver would.
+/// Moves the mouse, turns its wheel, or changes a button, as its driver does.
 void SendMouse(DWORD flags, POINT screen = {}, int wheel = 0)
 {
     INPUT input{};
@@ -21,7 +21,7 @@ void SendMouse(DWORD flags, POINT screen = {}, int wheel = 0)
     input.mi.dwFlags = flags;
     input.mi.mouseData = static_cast<DWORD>(wheel);
     if ((flags & MOUSEEVENTF_MOVE) != 0) {
-        // Absolute places count to 65536 over the screen; the middle of the pixel is meant.
+        // Absolute coordinates run to 65536 over the screen; the middle of the pixel is sent.
         input.mi.dx = static_cast<LONG>((screen.x * 65536 + 32768) / GetSystemMetrics(SM_CXSCREEN));
         input.mi.dy = static_cast<LONG>((screen.y * 65536 + 32768) / GetSystemMetrics(SM_CYSCREEN));
     }
@@ -125,7 +125,7 @@ TEST_F(WindowsControl, PostedWheelZooms)
     const float zoom = control->zoomFactor;
     PostMessageW(control->m_hWnd, WM_MOUSEWHEEL, MAKEWPARAM(0, 120), 0);
     ASSERT_TRUE(RunUntil([&] { return Calls("GLMouseZoom") == 1; }));
-    // One notch away from the user is a drag of twelve pixels upward.
+    // One notch away from the user equals a drag of twelve pixels upward.
     EXPECT_EQ(control->zoomFactor, zoom * (static_cast<float>(-12) * 0.01F + 1.0F));
 }
 
@@ -146,7 +146,7 @@ TEST_F(WindowsControl, MouseTurnsTheCameraWhileItsButtonIsDown)
         MovePointer(control->m_hWnd, x, 50);
     ASSERT_TRUE(RunUntil([&] { return control->lastMousePoint.x == 110.0F; }));
     SendMouse(MOUSEEVENTF_LEFTUP);
-    // Forty pixels at half a degree each, about the vertical through the target.
+    // Forty pixels at half a degree each, about the vertical axis through the target.
     const AcGeVector3d from = before.position - before.target;
     const AcGeVector3d to = control->camera.position - control->camera.target;
     EXPECT_NEAR(from.angleTo(to), 20.0 * 0.017453292519943295, 1e-3);

@@ -1,9 +1,9 @@
-// The viewport in a real window under a window manager, moved about by another program's pointer: what it
-// shows on the screen follows.
+// The viewport in a real window under a window manager, driven by another program's pointer and checked on
+// the screen.
 //
-// The scene is the cube from 0.05 to 0.15 in a box from 0 to 0.2, seen from the front: the eye stands at the
-// scene's size, 1.2 times the diagonal of 0.34641, 0.41569 from the centre. The viewport is 200 pixels high,
-// and half of that is 0.41569 x tan 20 degrees = 0.1513 at the centre's distance.
+// The scene is the cube from 0.05 to 0.15 in a box from 0 to 0.2, seen from the front. The eye is one scene
+// size, 1.2 times the diagonal of 0.34641, so 0.41569, from the centre. The viewport is 200 pixels high; half
+// of that is 0.41569 x tan 20 degrees = 0.1513 at the distance of the centre.
 #include "control/KARVOpenGLControl.h"
 #include "platform/winsys/backend.h"
 #include "tests/platform/x11_test.h"
@@ -22,7 +22,7 @@ constexpr int kHeight = 200;
 constexpr unsigned short kGreen = 3;
 constexpr unsigned short kBlue = 5;
 
-/// The pixels of one colour: how many, and their middle.
+/// The pixels of one colour: their number and their middle.
 struct Blob {
     int count = 0;
     double x = 0;
@@ -64,7 +64,7 @@ class X11Navigation : public X11ManagedTest
         control_.AppendGeometry({face}, static_cast<KARVGraphicalEntity::EntityType>(0), color, 1.0F);
     }
 
-    /// Dispatches everything, timers too, until the condition holds, which is asked after each frame.
+    /// Dispatches all messages, timers too, until the condition holds. It is checked after each frame.
     bool PumpFrames(const std::function<bool()>& condition)
     {
         constexpr unsigned long kLimit = 2000;
@@ -78,14 +78,14 @@ class X11Navigation : public X11ManagedTest
         return false;
     }
 
-    /// Two whole frames after everything that has arrived.
+    /// Waits for two whole frames after everything that has arrived.
     void Settle()
     {
         const unsigned long swaps = winsys::GetSwapCount(control_.m_hWnd);
         EXPECT_TRUE(PumpFrames([&] { return winsys::GetSwapCount(control_.m_hWnd) >= swaps + 2; }));
     }
 
-    /// Drags over the viewport by these many pixels, one at a time, from its middle.
+    /// Drags from the middle of the viewport by this many pixels, one at a time.
     void Drag(unsigned button, int dx, int dy)
     {
         const int x = origin_.first + kWidth / 2;
@@ -104,7 +104,7 @@ class X11Navigation : public X11ManagedTest
         Settle();
     }
 
-    /// The pixels on the screen, within the viewport, of which this channel stands out.
+    /// The pixels of the viewport on the screen where this channel stands out.
     Blob Find(unsigned channel)
     {
         const std::vector<unsigned> pixels = client_.Screen(origin_.first, origin_.second, kWidth, kHeight);
@@ -136,7 +136,7 @@ class X11Navigation : public X11ManagedTest
 
 TEST_F(X11Navigation, SceneIsOnTheScreen)
 {
-    // The front stands 0.05 before the centre: 0.1 / (0.36569 x tan 20 degrees) x 100 = 75.1 pixels a side.
+    // The front is 0.05 before the centre: 0.1 / (0.36569 x tan 20 degrees) x 100 = 75.1 pixels a side.
     EXPECT_NEAR(std::sqrt(first_.count), 75.1, 1.5);
     EXPECT_NEAR(first_.x, kWidth / 2.0, 1.0);
     EXPECT_NEAR(first_.y, kHeight / 2.0, 1.0);
@@ -161,7 +161,7 @@ TEST_F(X11Navigation, LeftDragTurnsTheScene)
 TEST_F(X11Navigation, LeftDragDownwardShowsTheSceneFromAbove)
 {
     Drag(1, 0, 60);
-    // The eye stands 30 degrees higher: the front is foreshortened to about cos 30 degrees of its height.
+    // The eye is 30 degrees higher, so the front has about cos 30 degrees of its height.
     const double share = static_cast<double>(Green().count) / first_.count;
     EXPECT_LT(share, 0.95);
     EXPECT_GT(share, 0.6);
@@ -169,7 +169,7 @@ TEST_F(X11Navigation, LeftDragDownwardShowsTheSceneFromAbove)
 
 TEST_F(X11Navigation, MiddleDragMovesTheSceneWithThePointer)
 {
-    // A pixel moves by 0.01 x 0.41569 / 4.45 = 0.000934, which is 0.702 pixels at the distance of the front:
+    // A pixel pans by 0.01 x 0.41569 / 4.45 = 0.000934, which is 0.702 pixels at the distance of the front:
     // 0.000934 / (0.36569 x tan 20 degrees) x 100.
     Drag(2, 40, 0);
     EXPECT_NEAR(Green().x - first_.x, 40 * 0.702, 2.0);
@@ -194,8 +194,8 @@ TEST_F(X11Navigation, RightDragZooms)
 TEST_F(X11Navigation, WheelForwardComesCloser)
 {
     client_.Click(4);
-    // A notch makes the field of view of 40 degrees 0.88 of that: the square grows by tan 20 / tan 17.6
-    // = 1.1474 a side.
+    // A notch multiplies the field of view of 40 degrees by 0.88: the square grows by tan 20 / tan 17.6 =
+    // 1.1474 a side.
     const double grown = first_.count * 1.1474 * 1.1474;
     EXPECT_TRUE(PumpFrames([&] { return std::abs(Green().count - grown) < 0.04 * grown; }));
     client_.Click(5);
@@ -205,7 +205,7 @@ TEST_F(X11Navigation, WheelForwardComesCloser)
 
 TEST_F(X11Navigation, EveryStepOfADragCounts)
 {
-    // The steps come faster than frames are drawn. Down and up again ends where it began, unless some are
+    // The steps come faster than frames are drawn. Down and up again ends where it began only if no step is
     // lost: each adds half a degree.
     Drag(1, 0, 80);
     const int tilted = Green().count;
@@ -232,7 +232,7 @@ TEST_F(X11Navigation, DragBegunOutsideLeavesTheSceneAlone)
 
 TEST_F(X11Navigation, ViewportOfANewSizeIsFilled)
 {
-    // Twice the side, the same field of view: four times the pixels.
+    // Twice the side at the same field of view: four times the pixels.
     MoveWindow(GetParent(control_.m_hWnd), 150, 100, 600, 400, TRUE);
     control_.MoveWindow(CRect(0, 0, 600, 400));
     EXPECT_TRUE(PumpFrames([&] {
@@ -250,7 +250,7 @@ TEST_F(X11Navigation, ControlDoesNotTakeTheFocusOfAnotherWindow)
     ASSERT_TRUE(PumpFrames([&] {
         return GetFocus() == front && client_.FindByName("front") == std::vector{client_.Focused()};
     }));
-    // Every move over the viewport redraws, and every redraw asks for the focus.
+    // Every move over the viewport redraws, and every redraw requests the focus.
     for (int i = 0; i < 20; ++i)
         client_.MovePointer(origin_.first + 50 + i, origin_.second + 50);
     Settle();

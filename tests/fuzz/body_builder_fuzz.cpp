@@ -1,7 +1,7 @@
-// Any bytes as the calls that make a body: it closes, or there is a reason why it does not.
+// Builds a body from any bytes: it closes, or there is a reason why it does not.
 //
-// The first byte chooses what becomes of concave faces. Every further one begins with what to do: add a
-// point, whose coordinates are the next bytes, begin a face or a loop, end one, or add a corner.
+// The first byte chooses how concave faces are treated. Each later command begins with a byte: add a point
+// with the coordinates in the next bytes, begin a face or a loop, end one, or add a corner.
 #include "platform/modeler/body_builder.h"
 
 #include <bit>
@@ -19,7 +19,7 @@ namespace
 using AModeler::BodyBuilder;
 using AModeler::FaceSplitting;
 
-/// Splitting a face takes the square of its corners, and more would only be slow.
+/// Splitting a face is quadratic in its corners; longer inputs would only be slow.
 constexpr std::size_t kMaxBytes = 4096;
 
 void Require(bool holds)
@@ -34,7 +34,7 @@ class Bytes
     explicit Bytes(std::span<const std::uint8_t> bytes) : left_(bytes) {}
 
     [[nodiscard]] bool IsAtEnd() const { return left_.empty(); }
-    /// 0 past the end.
+    /// The next byte; 0 past the end.
     std::uint8_t Next()
     {
         if (left_.empty())
@@ -43,7 +43,7 @@ class Bytes
         left_ = left_.subspan(1);
         return byte;
     }
-    /// Small numbers mostly, so that points meet and faces are flat; any number now and then.
+    /// Mostly small numbers, so that points coincide and faces are flat; sometimes any number.
     double NextCoordinate()
     {
         constexpr std::uint8_t kAnyNumber = 255;
@@ -93,13 +93,13 @@ void Fill(BodyBuilder& builder, Bytes& bytes)
             builder.BeginFace();
             break;
         default:
-            // Also ones that are not there.
+            // Indices of points that do not exist are included.
             builder.AddCorner(static_cast<std::int8_t>(bytes.Next()));
         }
     }
 }
 
-/// What everybody who gets a body relies on: loops close, and each edge has its partner.
+/// Checks what every user of a body relies on: loops close, and each edge has its partner.
 void CheckBody(AModeler::Body& body)
 {
     int faces = 0;

@@ -1,5 +1,5 @@
-// Writes what the fuzzers start from: streams of small models, and the calls that make a box, an L and a
-// square with a hole.
+// Writes the seeds of the fuzzers: streams of small models, and the bytes that build a box, an L and a square
+// with a hole.
 //
 //   make_seeds FOLDER      into FOLDER/model_stream and FOLDER/body_builder
 #include "tests/viewer/import/process/stream_fixture.h"
@@ -29,7 +29,7 @@ std::string FailureStream()
     return stream.Bytes();
 }
 
-/// The calls of a body, as body_builder_fuzz.cpp reads them.
+/// The bytes that build a body, as body_builder_fuzz.cpp reads them.
 class Calls
 {
   public:
@@ -49,7 +49,7 @@ class Calls
             bytes_ += static_cast<char>(corner);
         return *this;
     }
-    /// With a hole.
+    /// Adds a face with a hole.
     Calls& Face(std::initializer_list<int> outline, std::initializer_list<int> hole)
     {
         bytes_ += '\1';

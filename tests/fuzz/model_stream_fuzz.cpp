@@ -1,4 +1,5 @@
-// Any bytes as the stream between the two processes: they make a model that can be shown, or a reason.
+// Reads any bytes as the stream between the two processes: the result is a model that can be shown, or a
+// reason.
 #include "viewer/import/process/model_stream.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ void Require(bool holds)
         std::abort();
 }
 
-/// What everybody who gets a model relies on.
+/// Checks what every user of a model relies on.
 void CheckModel(const viewer::Model& model)
 {
     for (const viewer::Piece& piece : model.pieces) {
@@ -61,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const viewer::Model model = Read(std::span(reinterpret_cast<const char*>(data), size));
         CheckModel(model);
-        // What was read is written as a stream that is read as the same.
+        // A model that was read is written as a stream that reads back as the same model.
         const std::string written = StreamOf(model);
         Require(StreamOf(Read(written)) == written);
     } catch (const viewer::StreamError&) {

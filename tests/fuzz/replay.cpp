@@ -1,4 +1,4 @@
-// Stands in for the fuzzer where there is none: gives every file of the folders to the target, once.
+// Replaces the fuzzer in builds without one: passes every file of the folders to the target, once.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

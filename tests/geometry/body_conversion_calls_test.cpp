@@ -1,4 +1,4 @@
-// Solids as entities: the modeler's answers staged, and what is drawn.
+// Solids as entities: staged answers of the modeler, and the GL calls that draw them.
 #include "tests/geometry/solids.h"
 
 #include "platform/winsys/opengl.h"
@@ -39,7 +39,7 @@ constexpr const char* kConstructor = "KARVGraphicalEntity::KARVGraphicalEntity";
 constexpr const char* kCreateCache = "KARVGraphicalEntity::CreateGLCache";
 constexpr const char* kGrowBox = "KARVGraphicalEntity::DoesPointContainExtent";
 
-/// A prism whose ends are the L of area 3 and stay whole. Its two ends come first.
+/// A prism over an L of area 3, whose concave ends are not split. The two ends are the first faces.
 Body ConcavePrism()
 {
     return AModeler::MakePrism({{{2, 0, 0}, {2, 1, 0}, {1, 1, 0}, {1, 2, 0}, {0, 2, 0}, {0, 0, 0}}},
@@ -62,7 +62,7 @@ TEST(BodyConversion, BoxIsThatOfTheEdgesNotOfTheFaces)
 
 TEST(BodyConversion, BoxIsSeededWithTheEndOfTheFirstEdge)
 {
-    // Nothing is below or above what is not a number, so that the seed stays.
+    // NaN compares as neither below nor above, so the seed stays.
     Body cube = UnitCube();
     const EdgesHook hook([](bool, bool, EdgesHook::Edges& edges) {
         edges.resize(1);
@@ -82,7 +82,7 @@ TEST(BodyConversion, PlaneThatIsThereIsTakenAsItIs)
     face.is_plane_evaluated_ = true;
     PlaneHook hook([](int) {});
     const Entity entity = EntityOf(cube);
-    EXPECT_EQ(entity.faces[2].normal, KARVGLVertex(0.0, 3.0, -0.1)); // neither scaled nor turned
+    EXPECT_EQ(entity.faces[2].normal, KARVGLVertex(0.0, 3.0, -0.1)); // neither normalized nor transformed
     EXPECT_EQ(hook.Calls(), 5);
 }
 
@@ -221,7 +221,7 @@ TEST(BodyDrawing, ConcaveFaceIsAFanFromItsFirstCorner)
     entity.faces.resize(1); // the upper end
     const GlRecording recording;
     entity.DrawObjectQuads();
-    // Clockwise seen from above: the profile, which runs counter-clockwise, backwards.
+    // Clockwise seen from above: the profile, which runs counter-clockwise, in reverse.
     EXPECT_THAT(recording.Listing(),
                 ElementsAre("glColor4f(1, 0, 0, 1)", "glNormal3f(0, 0, 1)", "glBegin(GL_TRIANGLE_FAN)",
                             "glVertex3f(0, 0, 1)", "glVertex3f(0, 2, 1)", "glVertex3f(1, 2, 1)",
@@ -231,7 +231,7 @@ TEST(BodyDrawing, ConcaveFaceIsAFanFromItsFirstCorner)
 TEST(BodyDrawing, FacesOfThreeAndFourCornersArePrimitivesOfTheirOwn)
 {
     const karv_test::GlTestWindow window;
-    // A wedge: two triangles at its ends, three quadrilaterals between.
+    // A wedge: two triangular ends and three quadrilateral sides.
     Body wedge = AModeler::MakePrism({{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}}, {0, 0, 1});
     Entity entity = EntityOf(wedge);
     const GlRecording recording;

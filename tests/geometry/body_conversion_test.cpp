@@ -1,5 +1,5 @@
-// Solids of the modeler as entities: faces, edges, box, and what is kept where the modeler fails or a body is
-// broken.
+// Solids of the modeler as entities: faces, edges, box, and the parts that are kept of a broken body or after
+// a modeler's fault.
 #include "tests/geometry/solids.h"
 
 #include <gmock/gmock.h>
@@ -63,7 +63,7 @@ TEST(BodyConversion, NormalsAreThoseOfThePlanes)
     for (std::size_t i = 0; i < 6; ++i) {
         const KARVGLVertex& normal = entity.faces[i].normal;
         EXPECT_EQ(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z, 1.0F);
-        // Outwards: the face lies where the normal points, seen from the middle of the cube.
+        // Outwards: the corner lies on the side that the normal points to, seen from the middle of the cube.
         const KARVGLVertex& corner = entity.faces[i].vertices[0];
         EXPECT_EQ(normal.x * (corner.x - 0.5F) + normal.y * (corner.y - 0.5F) + normal.z * (corner.z - 0.5F),
                   0.5F);
@@ -132,7 +132,7 @@ TEST(BodyConversion, CoordinatesAreNarrowedToNearest)
     EXPECT_EQ(entity.minExtent.x, 0.1F);
     EXPECT_EQ(entity.minExtent.y, -0.2F);
     EXPECT_EQ(entity.minExtent.z, 0.3F);
-    EXPECT_EQ(entity.maxExtent.x, 16777216.0F); // halfway, to even
+    EXPECT_EQ(entity.maxExtent.x, 16777216.0F); // a tie, rounded to even
     EXPECT_EQ(entity.maxExtent.y, 0.0F);
     EXPECT_EQ(entity.maxExtent.z, 1e38F);
 }
@@ -153,7 +153,7 @@ TEST(BodyConversion, ColorIndexIsCutToEightBits)
     EXPECT_EQ(EntityOf(cube, 1).color, KARVGLVertex(1.0, 0.0, 0.0));
     EXPECT_EQ(EntityOf(cube, 257).color, KARVGLVertex(1.0, 0.0, 0.0));
     EXPECT_EQ(EntityOf(cube, 0xFF03).color, KARVGLVertex(0.0, 1.0, 0.0));
-    EXPECT_EQ(EntityOf(cube, 256).color, KARVGLVertex(1.0, 1.0, 1.0)); // index 0 takes the foreground
+    EXPECT_EQ(EntityOf(cube, 256).color, KARVGLVertex(1.0, 1.0, 1.0)); // index 0 is the foreground colour
 }
 
 TEST(BodyConversion, ColorChannelsAreDividedBy255)
@@ -189,7 +189,7 @@ TEST(BodyConversion, OnlyPhysicalEdgesBecomeSegments)
     Body prism =
         AModeler::MakePrism({{{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1, 0}, {1, 2, 0}, {0, 2, 0}}}, {0, 0, 1});
     Entity entity = EntityOf(prism);
-    EXPECT_EQ(entity.lineVertices.size(), 36U); // 6 + 6 + 6 edges
+    EXPECT_EQ(entity.lineVertices.size(), 36U); // 6 at each end, 6 between them
     EXPECT_GE(entity.GetFaceNumber(), 10);      // the L-shaped ends are split
 }
 
@@ -221,7 +221,7 @@ TEST(BodyConversion, EdgeCountLimitsTheCorners)
     FaceNumber(cube, 0).edge_count_ = 3;
     FaceNumber(cube, 1).edge_count_ = 0;
     FaceNumber(cube, 2).edge_count_ = -1;
-    FaceNumber(cube, 3).edge_count_ = 9; // goes around twice and once more
+    FaceNumber(cube, 3).edge_count_ = 9; // around the loop twice, and one corner more
     const Entity entity = EntityOf(cube);
     EXPECT_EQ(entity.faces[0].vertices.size(), 3U);
     EXPECT_EQ(entity.faces[1].vertices.size(), 0U);
@@ -248,7 +248,7 @@ TEST(BodyConversion, FaceListMayBeShorterThanTheCount)
     FaceNumber(cube, 1).next_ = nullptr;
     Entity entity = EntityOf(cube);
     EXPECT_EQ(entity.GetFaceNumber(), 2);
-    EXPECT_EQ(entity.faces.capacity(), 6U); // room for those counted
+    EXPECT_EQ(entity.faces.capacity(), 6U); // reserved for the counted faces
     EXPECT_EQ(entity.lineVertices.size(), 24U);
 }
 
@@ -269,7 +269,7 @@ TEST(BodyConversion, CoordinatesThatAreNotFiniteArePassedOn)
     int infinite = 0;
     for (const KARVGLVertex& vertex : entity.lineVertices)
         infinite += std::isinf(vertex.x) ? 1 : 0;
-    EXPECT_EQ(infinite, 3); // three edges meet in a corner
+    EXPECT_EQ(infinite, 3); // three edges meet at a corner
     EXPECT_EQ(entity.maxExtent.x, std::numeric_limits<float>::infinity());
 }
 

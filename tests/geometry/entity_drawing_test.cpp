@@ -29,7 +29,7 @@ using Entity = KARVGraphicalEntity;
 namespace
 {
 
-/// An entity of line ends alone, of colour (0.25, 0.5, 0.75) and opacity 0.5.
+/// An entity of line ends only, of colour (0.25, 0.5, 0.75) and opacity 0.5.
 Entity Lines(std::vector<KARVGLVertex> ends)
 {
     Entity entity;
@@ -39,7 +39,7 @@ Entity Lines(std::vector<KARVGLVertex> ends)
     return entity;
 }
 
-/// An entity of faces that were never tessellated, of the same colour and opacity.
+/// An entity of faces without display lists, of the same colour and opacity.
 Entity Faces(std::vector<KARVGLFace> faces)
 {
     Entity entity = Lines({});
@@ -47,7 +47,7 @@ Entity Faces(std::vector<KARVGLFace> faces)
     return entity;
 }
 
-/// A face in the plane z = 0 of corners (1, 0), (2, 0), ... and the normal (0.5, 0, 2).
+/// A face in the plane z = 0 with the corners (1, 0), (2, 0), ... and the normal (0.5, 0, 2).
 KARVGLFace Corners(int count)
 {
     KARVGLFace face;
@@ -324,7 +324,7 @@ TEST(DrawFaces, OperationsReportLinesOfTheirOwn)
     ASSERT_EQ(faults.size(), 3U);
     for (const std::string& fault : faults)
         EXPECT_EQ(std::count(faults.begin(), faults.end(), fault), 1) << fault;
-    // The class's own source reports lines below 1000, and that of the drawing counts on from there.
+    // The class's own source reports lines below 1000; lines of the drawing's source are offset by 1000.
     EXPECT_THAT(faults[0], testing::MatchesRegex(R"(.*:[1-9][0-9]?[0-9]?)"));
     EXPECT_THAT(faults[1], testing::MatchesRegex(R"(.*:1[0-9][0-9][0-9])"));
     EXPECT_THAT(faults[2], testing::MatchesRegex(R"(.*:1[0-9][0-9][0-9])"));
@@ -390,7 +390,7 @@ TEST_F(EntityPixels, OpacityBlendsWhereTheContextBlends)
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     entity.DrawObjectQuads();
-    // Half of red over black.
+    // Red at half opacity over black.
     EXPECT_TRUE(IsNear(window_.Read().At(32, 32), {128, 0, 0}));
 }
 

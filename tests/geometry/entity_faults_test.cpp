@@ -1,4 +1,4 @@
-// Faults on the way to an entity: what the entity keeps, and where each operation says that it stands.
+// Faults while an entity is built: the state that the entity keeps, and the line that each operation reports.
 #include "tests/geometry/shapes.h"
 
 #include "platform/host/db/entities.h"
@@ -46,7 +46,7 @@ TEST(EntityFaults, FaultedEntityCanBeCopiedAndAssignedOver)
     EXPECT_EQ(copy.entityType, Entity::EntityType7);
     const Entity triangle = EntityOf(karv_test::Triangle());
     entity = triangle;
-    // The box goes over too, with the mark that it is one: the corners are (0, 0, 0), (1, 0, 0), (0, 1, 0).
+    // The box and its flag are copied too: the corners are (0, 0, 0), (1, 0, 0), (0, 1, 0).
     EXPECT_TRUE(entity.extentsValid);
     EXPECT_EQ(entity.minExtent, KARVGLVertex());
     EXPECT_EQ(entity.maxExtent, KARVGLVertex(1.0, 1.0, 0.0));

@@ -1,4 +1,4 @@
-// Entities and OpenGL: what they never call, and the faults that only a watched library stages.
+// Entities and OpenGL: the calls that they never make, and the faults that need a recorded library.
 #include "tests/geometry/shapes.h"
 
 #include "geometry/KARVGraphicalEntity.h"
@@ -100,7 +100,7 @@ TEST(EntityFaults, EveryOperationThatCanFailReportsALineOfItsOwn)
     const std::vector<std::string> faults = trace.Faults();
     ASSERT_THAT(faults, SizeIs(5));
     EXPECT_THAT(std::set<std::string>(faults.begin(), faults.end()), SizeIs(5));
-    // Solids have a source of their own, whose lines are counted on from 3000.
+    // Solids have a source of their own, whose lines are offset by 3000.
     EXPECT_THAT(faults[2], testing::MatchesRegex(R"(.*:3[0-9][0-9][0-9])"));
 }
 

@@ -1,4 +1,4 @@
-// What entities draw, seen in the pixels.
+// Entities drawn into a real context, checked by pixels.
 #include "tests/geometry/shapes.h"
 
 #include "platform/host/db/entities.h"
@@ -32,7 +32,7 @@ namespace
 constexpr Pixel kBlack{0, 0, 0};
 constexpr Pixel kRedPixel{255, 0, 0};
 
-/// An entity of line ends alone, of colour (0.25, 0.5, 0.75) and opacity 0.5.
+/// An entity of line ends only, of colour (0.25, 0.5, 0.75) and opacity 0.5.
 Entity Lines(std::vector<KARVGLVertex> ends)
 {
     Entity entity;
@@ -74,7 +74,7 @@ TEST_F(EntityShown, ConcaveFaceIsDrawnRightThroughItsList)
 
 TEST_F(EntityShown, ConcaveFaceWithoutAListFillsItsNotch)
 {
-    // What the list is for: the same face as a fan.
+    // The counterpart of the list: the same face drawn as a fan.
     Entity entity = EntityOf(LShape());
     entity.faces.at(0).displayList = 0;
     window_.BeginPicture(2.0, 2.0);
@@ -140,7 +140,7 @@ TEST_F(EntityShown, LineEntityDrawsItsColorThroughTheFallback)
     window_.BeginPicture(2.0, 2.0);
     entity.DrawObjectQuads();
     const Picture picture = window_.Read();
-    // The line runs along the middle, y = 1, on the edge between rows 31 and 32.
+    // The line lies at the middle, y = 1, on the boundary between rows 31 and 32.
     const bool lower = IsNear(picture.At(20, 31), {255, 0, 0});
     const bool upper = IsNear(picture.At(20, 32), {255, 0, 0});
     EXPECT_TRUE(lower || upper);
@@ -149,7 +149,7 @@ TEST_F(EntityShown, LineEntityDrawsItsColorThroughTheFallback)
 
 TEST_F(EntityShown, FacesOfThreeFourAndFiveCornersFillTheirArea)
 {
-    // Side by side in a 3 x 1 strip, the last two without their lists.
+    // Side by side in a 3 x 1 strip, the last two without display lists.
     Entity entity(
         {Face({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}}),
          Face({{1.0, 0.0, 0.0}, {2.0, 0.0, 0.0}, {2.0, 1.0, 0.0}, {1.0, 1.0, 0.0}}),

@@ -27,7 +27,7 @@ namespace
 const KARVGLVertex kWhite(1.0, 1.0, 1.0);
 const KARVGLVertex kRedColor(1.0, 0.0, 0.0);
 
-/// A line of a class that derives from the host's.
+/// A line of a class derived from the host's.
 class DerivedLine : public AcDbLine
 {
   public:
@@ -49,7 +49,7 @@ void ExpectEmpty(Entity& entity)
     EXPECT_FALSE(entity.extentsValid);
 }
 
-/// Red, green and blue of a packed colour, each divided by 255 in 64 bits and narrowed.
+/// The channels of a packed colour, each divided by 255 in 64 bits and narrowed.
 KARVGLVertex Divided(Adesk::UInt32 rgb)
 {
     const auto channel = [&](int shift) {
@@ -235,7 +235,7 @@ TEST(Entity, HundredThousandTrianglesAreTaken)
 
 TEST(Entity, ColorComesFromThePaletteByIndex)
 {
-    // From the palette: 12 is 165, 0, 0 and 13 is 165, 82, 82; 250 is the grey 51.
+    // Of the palette: 12 is (165, 0, 0), 13 is (165, 82, 82), 250 is the grey (51, 51, 51).
     EXPECT_EQ(FromFaces({}, 12).color, KARVGLVertex(165.0 / 255.0, 0.0, 0.0));
     EXPECT_EQ(FromFaces({}, 13).color, KARVGLVertex(165.0 / 255.0, 82.0 / 255.0, 82.0 / 255.0));
     EXPECT_EQ(FromFaces({}, 250).color, KARVGLVertex(0.2, 0.2, 0.2));
@@ -266,8 +266,7 @@ TEST(Entity, IndexIsCutToEightBitsAtConstruction)
 
 TEST(Entity, SetColorPassesTheFullIndexToThePalette)
 {
-    // 257 is no colour of the palette: it stays at its first colour, white, where the low 8 bits would be
-    // red.
+    // 257 is not in the palette, which answers its first colour, white; the low 8 bits alone would give red.
     Entity entity;
     entity.SetColor(257);
     EXPECT_EQ(entity.color, kWhite);

@@ -56,7 +56,7 @@ Box LineBox(const AcGePoint3d& start, const AcGePoint3d& end)
     return BoxOf(Entity(&line, Entity::EntityType0));
 }
 
-/// The box on the x axis from `low` to `high`, grown by `p`.
+/// The box on the x axis from `low` to `high`, grown by the point `p`.
 Box Grown(float p, float low, float high)
 {
     Box box{Vertex(low), Vertex(high)};
@@ -145,7 +145,7 @@ TEST(Extents, LineOfNoLengthIsAPointAndTheOrigin)
 
 TEST(Extents, LineSeedsItsNearCornerWithItsEnd)
 {
-    // The other point then lies beyond it, but within the tolerance: the seed stays.
+    // The other point is then beyond the seed, but within the tolerance: the seed stays.
     ASSERT_LT(static_cast<double>(1e-20F), 1e-20);
     EXPECT_EQ(LineBox({0.0, 0.0, 0.0}, {1e-20, 0.0, 0.0}).min.x, 1e-20F);
     EXPECT_EQ(LineBox({1e-20, 0.0, 0.0}, {0.0, 0.0, 0.0}).min.x, 0.0F);
@@ -236,7 +236,7 @@ TEST(ExtentsGrowth, NextFloatBeyondALargerBoundMovesIt)
 
 TEST(ExtentsGrowth, InvertedBoxIsNotRepairedButGrown)
 {
-    // From 5 down to -5: the point lies below the low side and above the high one.
+    // The box is inverted, from 5 to -5: the point is below the low side and above the high side.
     EXPECT_EQ(Grown(0.0F, 5.0F, -5.0F), (Box{Vertex(0.0F), Vertex(0.0F)}));
 }
 
@@ -260,7 +260,7 @@ TEST(ExtentsGrowth, InfinitePointsGrowTheBox)
 
 TEST(ExtentsGrowth, InvertedInfiniteBoxStays)
 {
-    // Its tolerance is infinite too, and the difference of infinities compares as false.
+    // The tolerance is infinite too, and infinity minus infinity is NaN, which compares as false.
     EXPECT_EQ(Grown(3.0F, kInfinity, -kInfinity), (Box{Vertex(kInfinity), Vertex(-kInfinity)}));
 }
 

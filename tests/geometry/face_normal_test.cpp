@@ -31,7 +31,7 @@ TEST(FaceNormal, ClockwiseCornersPointAway)
 
 TEST(FaceNormal, LengthIsTwiceTheArea)
 {
-    // Half of 2 times 2 is 2.
+    // The area is half of 2 times 2, and the normal is twice as long.
     EXPECT_EQ(Normal({{0.0, 0.0, 0.0}, {2.0, 0.0, 0.0}, {0.0, 2.0, 0.0}}), KARVGLVertex(0.0, 0.0, 4.0));
 }
 
@@ -74,7 +74,7 @@ TEST(FaceNormal, CoincidentCornersGiveZero)
 TEST(FaceNormal, IsComputedIn64Bits)
 {
     // a = (4097, 4096, 0), b = (4098, 4097, 0): the products 4098 * 4096 = 16785408 and 4097 * 4097 =
-    // 16785409 are one and the same float, so their difference of -1 shows in 64 bits alone.
+    // 16785409 round to the same float, so their difference of -1 shows only in 64 bits.
     ASSERT_EQ(4098.0F * 4096.0F, 4097.0F * 4097.0F);
     EXPECT_EQ(Normal({{4097.0, 4096.0, 0.0}, {0.0, 0.0, 0.0}, {4098.0, 4097.0, 0.0}}),
               KARVGLVertex(0.0, 0.0, -1.0));
@@ -82,7 +82,7 @@ TEST(FaceNormal, IsComputedIn64Bits)
 
 TEST(FaceNormal, EdgesAreTakenIn64Bits)
 {
-    // a = (16777215.25, 1, 0) and b = (16777217.25, 1, 0), so z of b x a is their difference in x, 2; as
+    // a = (16777215.25, 1, 0) and b = (16777217.25, 1, 0), so z of b x a is their difference in x, 2. As
     // floats the edges would be 16777215 and 16777218 long.
     ASSERT_EQ(16777216.0F - 0.75F, 16777215.0F);
     ASSERT_EQ(16777218.0F - 0.75F, 16777218.0F);

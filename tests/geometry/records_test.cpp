@@ -80,7 +80,7 @@ TEST(Vertex, ArraysAreWalkedInStridesOfThreeFloats)
 
 TEST(Vertex, ProductWith255thIsNotTakenIn32Bits)
 {
-    // 1/255 as a float is too large by 1.8e-8 of itself, which shows in some channel.
+    // 1/255 as a float has a relative error of 1.8e-8, which shows in at least one channel.
     int different = 0;
     for (int value = 0; value < 256; ++value) {
         const auto channel = static_cast<unsigned char>(value);

@@ -1,4 +1,4 @@
-// Faces that the geometry's tests share.
+// Faces shared by the tests of the geometry.
 #pragma once
 
 #include "geometry/KARVGraphicalEntity.h"
@@ -35,8 +35,7 @@ inline KARVGLFace Square(double side = 1.0)
     return Face({{0.0, 0.0, 0.0}, {side, 0.0, 0.0}, {side, side, 0.0}, {0.0, side, 0.0}});
 }
 
-/// An L whose notch is the square from (1, 1) to (2, 2). It starts where a fan from the first corner covers
-/// the notch.
+/// An L whose notch is the square from (1, 1) to (2, 2). From its first corner a fan covers the notch.
 inline KARVGLFace LShape()
 {
     return Face({{2.0, 0.0, 0.0},
@@ -59,7 +58,7 @@ inline KARVGraphicalEntity FromFaces(std::vector<KARVGLFace> faces, unsigned sho
     return {std::move(faces), KARVGraphicalEntity::EntityType3, color};
 }
 
-/// A line of the host's that cannot tell its class.
+/// A host line whose `isA` throws.
 class BrokenLine : public AcDbLine
 {
   public:

@@ -1,4 +1,4 @@
-// Solids that the tests of their conversion share.
+// Solids shared by the tests of their conversion.
 #pragma once
 
 #include "platform/modeler/ready_bodies.h"

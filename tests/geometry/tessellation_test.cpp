@@ -42,7 +42,7 @@ constexpr Pixel kRedPixel{255, 0, 0};
 
 using Point = std::array<double, 2>;
 
-/// The triangles that a recording's primitives make, in the plane z = 0.
+/// The triangles of a recording's primitives, in the plane z = 0.
 std::vector<std::array<Point, 3>> Triangles(const GlRecording& recording)
 {
     std::vector<std::array<Point, 3>> triangles;
@@ -102,7 +102,7 @@ TEST_F(Tessellation, SquareGoesThroughTheTessellatorCallByCall)
                     "gluTessEndContour(ptr)", "gluTessEndPolygon(ptr)"));
     EXPECT_THAT(std::vector<std::string>(calls.end() - 2, calls.end()),
                 ElementsAre("glEndList()", "gluDeleteTess(ptr)"));
-    // In between the tessellator's own primitives, and nothing else.
+    // Only the tessellator's own primitives lie between.
     for (auto call = end_polygon + 1; call != calls.end() - 2; ++call)
         EXPECT_THAT(*call, testing::MatchesRegex(R"(glBegin\(GL_TRIANGLE.*|glVertex3dv\(.*|glEnd\(\))"));
 }
@@ -248,7 +248,7 @@ TEST_F(Tessellation, OutlineThatCrossesItselfIsSilent)
 {
     const TraceRecording trace;
     const GlRecording recording;
-    // A bow tie: its diagonals meet where there is no corner.
+    // A bow tie: its diagonals cross where it has no corner.
     Entity entity = EntityOf(Face({{0.0, 0.0, 0.0}, {1.0, 1.0, 0.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}}));
     EXPECT_THAT(recording.Listing(), Contains("gluErrorString(GLU_TESS_NEED_COMBINE_CALLBACK)"));
     EXPECT_EQ(recording.Calls().at(recording.Calls().size() - 2).text, "glEndList()");
@@ -288,7 +288,7 @@ TEST_F(Tessellation, CornerTwiceInARowDoesNotMatter)
 
 TEST_F(Tessellation, HugeCoordinatesAreSilent)
 {
-    // Beyond what the tessellator takes (1e150) a float cannot go but as infinity.
+    // The tessellator's limit is 1e150, which no finite float exceeds.
     const TraceRecording trace;
     const float huge = std::numeric_limits<float>::infinity();
     KARVGLFace face = Square();
@@ -311,7 +311,7 @@ TEST_F(Tessellation, ThousandCornersAreOneList)
     const GlRecording recording;
     const Entity entity = EntityOf(disc);
     EXPECT_EQ(recording.Count("glGenLists"), 1);
-    // A polygon of n corners is n - 2 triangles; its area is n / 2 times the sine of its step.
+    // A polygon of n corners makes n - 2 triangles; its area is n / 2 times the sine of its step.
     EXPECT_EQ(Triangles(recording).size(), static_cast<std::size_t>(kCorners - 2));
     EXPECT_NEAR(Area(Triangles(recording)), kCorners / 2.0 * std::sin(2.0 * 3.141592653589793 / kCorners),
                 1e-5);
@@ -333,7 +333,7 @@ TEST_F(Tessellation, FaultInALaterFaceLeavesWhatTheEntityHadByThen)
 {
     const auto hook = ThrowAt("glGenLists", 2, 42);
     Entity entity({Square(), Square()}, Entity::EntityType5, kRed);
-    // Faces, category, colour and box come after the tessellation of them all.
+    // The faces, the category, the colour and the box are set after all faces are tessellated.
     EXPECT_EQ(entity.GetFaceNumber(), 0);
     EXPECT_EQ(entity.entityType, Entity::EntityType0);
     EXPECT_EQ(entity.color, KARVGLVertex());
@@ -378,7 +378,7 @@ TEST_F(Tessellation, FaultAtTheEndOfTheTessellatorIsReportedByTheConstructor)
 
 TEST_F(Tessellation, DirectCallOnFewCornersStillMakesAList)
 {
-    // The limit of four corners is the caller's: here the list is just empty.
+    // The limit of four corners is kept by the caller; here the list is just empty.
     KARVGLFace face = Face({});
     Entity entity;
     entity.TesselateFace(face);

@@ -1,5 +1,5 @@
-// The module's entry points and its process notifications, compiled into this program so that it can call
-// those that the module keeps to itself.
+// The module's entry points and process notifications, compiled into this program so that it can call those
+// that the module does not export.
 #include "module/extension_module.h"
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
@@ -37,7 +37,7 @@ struct Registration {
     bool operator==(const Registration&) const = default;
 };
 
-/// A linker that notes what is registered, and may answer no or leave its place to another one.
+/// A linker that records registrations and can refuse them or replace itself.
 class RecordingLinker : public AcRxDynamicLinker
 {
   public:
@@ -65,7 +65,7 @@ class RecordingLinker : public AcRxDynamicLinker
     }
 };
 
-/// A linker of the host's with a run-time class of its own.
+/// A host linker with its own run-time class.
 class DerivedLinker : public RecordingLinker
 {
   public:
@@ -79,7 +79,7 @@ class DerivedLinker : public RecordingLinker
 class EntryPoint : public testing::Test
 {
   protected:
-    /// An application handle; what it points to is the host's own business.
+    /// An application handle; it is never dereferenced.
     void* application_ = reinterpret_cast<void*>(std::uintptr_t{0x1234});
     RecordingLinker linker_;
     ScopedDynamicLinker registered_{&linker_};
@@ -125,7 +125,7 @@ TEST_F(EntryPoint, NullHandleIsPassedOn)
 
 TEST_F(EntryPoint, EveryOtherMessageDoesNothing)
 {
-    // Where a message did look for the linker, it would call on a null pointer.
+    // A message that looked up the linker would call through a null pointer.
     const ScopedDynamicLinker none(nullptr);
     std::vector<std::int32_t> messages = {-1, std::numeric_limits<std::int32_t>::min(),
                                           std::numeric_limits<std::int32_t>::max(), 0x10001};
@@ -181,7 +181,7 @@ class ModuleNotifications : public testing::Test
     {
         EXPECT_THAT(Chain(), IsEmpty());
         EXPECT_EQ(Record().attached, 0);
-        // What an earlier attachment found is kept after its end.
+        // The record keeps what an earlier attachment found, after its end too.
         Record().default_resources = nullptr;
         Record().module_resources = nullptr;
     }
@@ -297,7 +297,7 @@ TEST_F(ModuleNotifications, DetachTwiceTerminatesOnce)
 {
     DllMain(kOwn, kAttach, nullptr);
     DllMain(kOwn, kDetach, nullptr);
-    // A second termination would end this state, which has the same address.
+    // A second termination would end this state, because it has the same address.
     AfxInitExtensionModule(Record().state, kOwn);
     DllMain(kOwn, kDetach, nullptr);
     EXPECT_EQ(Record().state.bInitialized, TRUE);
@@ -362,7 +362,7 @@ TEST(ExtensionModuleRecord, EndOfADetachedRecordTerminatesNothing)
     AfxInitExtensionModule(other, Instance(0x40000));
     const auto library = std::make_unique<CDynLinkLibrary>(other);
     {
-        // The same module, so that a second termination would free the place above.
+        // The same module, so a second termination would remove the entry above.
         ExtensionModule record;
         record.state = other;
     }

@@ -1,4 +1,4 @@
-// What the built module offers and what it asks for, read from its file.
+// The exports and imports of the built module, read from its file.
 #include "tests/geometry/shapes.h"
 
 #include "camera/KARVGLCamera.h"
@@ -46,8 +46,8 @@ std::string Output(const std::string& command)
     return text;
 }
 
-/// The dynamic symbols of the module. A line reads "address type name", the address missing for undefined
-/// ones.
+/// The dynamic symbols of the module. A line of nm is "address type name", without the address for undefined
+/// symbols.
 std::vector<Symbol> Symbols(const std::string& option, bool demangle = true)
 {
     std::istringstream lines(Output(std::string("'") + KARV_NM + "' -D " + (demangle ? "-C " : "") + option +
@@ -64,7 +64,7 @@ std::vector<Symbol> Symbols(const std::string& option, bool demangle = true)
     return symbols;
 }
 
-/// The undefined symbols that are named like OpenGL's or GLU's.
+/// The undefined symbols with names like those of OpenGL or GLU.
 std::vector<std::string> GlNames()
 {
     std::vector<std::string> names;
@@ -74,7 +74,7 @@ std::vector<std::string> GlNames()
     return names;
 }
 
-/// Whether the build adds code of its own to the module, which counts what runs or switches it.
+/// Whether the build adds code of its own to the module: coverage counters or the switch of mutants.
 bool IsInstrumented()
 {
     const std::string symbols = Output("'" KARV_NM "' -C '" KARV_MODULE_FILE "'");
@@ -101,7 +101,7 @@ TEST(Exports, NothingButTheBoundary)
 
 TEST(Exports, NothingOfTheStandardLibrary)
 {
-    // Parameters of boundary operations may be of its types; functions and objects may not.
+    // Its types may be parameters of boundary operations; its functions and objects may not be exported.
     for (const Symbol& symbol : Symbols("--defined-only"))
         EXPECT_EQ(symbol.name.substr(0, symbol.name.find('(')).find("std::"), std::string::npos)
             << symbol.name;

@@ -1,5 +1,5 @@
-// An object under the dynamic linker's name that is none, in a process of its own: the module calls on the
-// null pointer that it makes of it, and the process ends there.
+// An object of another class under the dynamic linker's name, in a process of its own: the cast gives the
+// module a null pointer, it calls through it, and the process ends.
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
 #include "tests/support/host_registry.h"
@@ -11,7 +11,7 @@ extern "C" host::Answer acrxEntryPoint(host::Message message, void* application)
 namespace
 {
 
-/// Could take registrations, but is of another run-time class.
+/// Has the linker's operations, but another run-time class.
 class ForeignLinker : public AcRxDynamicLinker
 {
   public:

@@ -114,7 +114,7 @@ TEST(Guard, ThrownTypeWithoutExceptionBaseIsCaught)
 TEST(Guard, ThrownPointerIsCaught)
 {
     const TraceRecording trace;
-    // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): a pointer is what must be caught
+    // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the test is about a pointer
     EXPECT_NO_THROW(Guarded(L"Thing::Do", kFile, [] { throw static_cast<const char*>("fault"); }));
     EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
 }

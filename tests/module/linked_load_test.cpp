@@ -1,4 +1,4 @@
-// The module registered with the host by a program that is linked to it and uses it meanwhile.
+// The module loaded by the host in a program that is linked to it and uses it at the same time.
 #include "control/KARVOpenGLControl.h"
 #include "platform/framework/extension_module.h"
 #include "platform/host/rx/module_loader.h"

@@ -30,7 +30,7 @@ bool IsModuleMapped()
     return IsMapped(KARV_MODULE_FILE);
 }
 
-/// What a load must not leave behind.
+/// The state that a load must restore.
 struct Footprint {
     int chain = ChainLength();
     std::size_t names = acrxSysRegistry()->size();
@@ -40,16 +40,16 @@ struct Footprint {
     bool operator==(const Footprint&) const = default;
 };
 
-/// What a load leaves behind of which the module knows nothing, in bytes.
+/// The heap growth, in bytes, that loads cause without the module's doing.
 ///
-/// NOTE: for each static object with a destructor, AddressSanitizer adds an entry of its own to the list of
-/// what is to be done at the end of the process, and never takes it out, so that the entry before it is not
-/// used again either. Entries have 32 bytes and come in blocks of 32 entries and 16 bytes.
+/// NOTE: AddressSanitizer adds an entry of its own to the list of exit handlers for each static object with a
+/// destructor and never removes it, so the entry before it is not reused either. Entries have 32 bytes and
+/// are allocated in blocks of 32 entries and 16 bytes.
 std::size_t GrowthOfTheSanitizer(std::size_t loads)
 {
     if (!karv_test::IsHeapSanitized())
         return 0;
-    constexpr std::size_t kStaticObjects = 2; ///< of the module: its record, and what notifies it
+    constexpr std::size_t kStaticObjects = 2; ///< of the module: its record, and the object that notifies it
     constexpr std::size_t kEntries = 32;
     constexpr std::size_t kBlock = kEntries * 32 + 16;
     return (loads * kStaticObjects * 2 / kEntries + 1) * kBlock;
@@ -60,7 +60,7 @@ void LoadAndUnload()
     ProcessModuleLoader().Unload(ProcessModuleLoader().Load(KARV_MODULE_FILE));
 }
 
-/// Each test begins and ends without the module.
+/// Each test begins and ends with the module unloaded.
 class ModuleLoad : public testing::Test
 {
   protected:
@@ -116,7 +116,7 @@ TEST_F(ModuleLoad, ModuleIsFoundByItsNameWhileItIsLoaded)
 TEST_F(ModuleLoad, ThousandLoadsLeaveNothingBehind)
 {
     constexpr std::size_t kLoads = 1000;
-    // The first ones fill what the system's loader keeps for good.
+    // The first loads fill caches that the system's loader keeps.
     for (int i = 0; i < 10; ++i)
         LoadAndUnload();
     const Footprint before;
@@ -126,11 +126,11 @@ TEST_F(ModuleLoad, ThousandLoadsLeaveNothingBehind)
         ASSERT_FALSE(IsModuleMapped()) << i;
         ASSERT_EQ(Footprint(), before) << i;
     }
-    // Not one byte for each load: the least that a load could leave is one block.
+    // Less than one byte per load: the smallest leak would be one block per load.
     EXPECT_LT(HeapInUse(), heap_before + GrowthOfTheSanitizer(kLoads) + kLoads);
 }
 
-/// A client module with a viewport: it needs the module, which comes and goes with it.
+/// A client module with a viewport. It is linked to the module, which is loaded and unloaded with it.
 class ModuleClient : public ModuleLoad
 {
   protected:
@@ -149,7 +149,7 @@ class ModuleClient : public ModuleLoad
 
 TEST_F(ModuleClient, ViewportIsShownAgainAfterTheModuleWasUnloaded)
 {
-    // It takes the same window class each time, which outlives the module.
+    // Every load uses the same window class, which outlives the module.
     for (int i = 0; i < 5; ++i)
         Run();
 }
@@ -160,7 +160,7 @@ TEST_F(ModuleClient, MessagesAfterTheModuleWasUnloadedReachNoneOfIt)
     MSG message{};
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE)
         DispatchMessageW(&message);
-    // The classes that the module registered are still whole: windows of theirs are made and go.
+    // The window classes that the module registered remain usable.
     const HBRUSH black = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
     CWnd window;
     EXPECT_TRUE(window.CreateEx(0, AfxRegisterWndClass(CS_HREDRAW | CS_VREDRAW | CS_OWNDC, nullptr, black),

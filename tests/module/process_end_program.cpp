@@ -1,8 +1,9 @@
 // A program that has the module in its chain, in one of several ways, and ends. It writes a line for each
-// step, those of the very end too.
+// step, including those after main.
 //
-//   process_end_program           ends as it is
+//   process_end_program           ends at once
 //   process_end_program load      loads the module first
+//   process_end_program unload    loads and unloads the module first
 //   process_end_program unload    loads and unloads the module first
 #include "platform/host/rx/module_loader.h"
 #include "tests/module/process_end_steps.h"

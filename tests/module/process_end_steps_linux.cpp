@@ -1,4 +1,4 @@
-// The framework's functions stand here before the platform's.
+// The program's definitions of the framework's functions pre-empt the platform's.
 #include "tests/module/process_end_steps.h"
 
 #include <dlfcn.h>

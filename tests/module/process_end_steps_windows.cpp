@@ -1,5 +1,4 @@
-// The loaded module's import of the framework's function is replaced by one of our own; its attachment is
-// over by then.
+// The loaded module's import of the framework's function is replaced. By then the module is already attached.
 #include "tests/module/process_end_steps.h"
 
 #include "tests/support/import_patch.h"
@@ -35,7 +34,7 @@ void WatchModule()
     static bool is_watched = false;
     if (is_watched || GetModuleHandleW(kModule) == nullptr)
         return;
-    // Never undone: the module, and with it the place of the address, may be gone by then.
+    // Never undone: the module, and with it the patched address, may be unloaded by then.
     static_cast<void>(std::make_unique<ImportPatch>(kModule,
                                                     "_Z22AfxTermExtensionModuleR20AFX_EXTENSION_MODULEi",
                                                     reinterpret_cast<void*>(&TermAndWrite))

@@ -1,4 +1,4 @@
-// The module at the end of a process, seen in programs that end.
+// The module at the end of a process, observed in programs that end.
 #include "tests/support/program_output.h"
 
 #include <gmock/gmock.h>
@@ -11,8 +11,8 @@ using karv_test::OutputOf;
 namespace
 {
 
-// The step of the attachment can be watched where a program's own functions stand before a library's;
-// elsewhere it is known by the chain alone.
+/// The attachment is written only where a program's own functions pre-empt a library's; elsewhere only the
+/// chain shows it.
 const std::string kAttached = KARV_ATTACHED_STEP[0] == '\0' ? "" : KARV_ATTACHED_STEP "\n";
 
 std::string RunLinked(const std::string& order)

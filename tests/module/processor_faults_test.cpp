@@ -41,7 +41,7 @@ const void* ModuleAddress()
     return reinterpret_cast<const void*>(&acrxEntryPoint);
 }
 
-/// A pointer that the compiler knows nothing about.
+/// A pointer whose value is hidden from the compiler.
 template <typename Type>
 Type* Pointer(std::uintptr_t address)
 {
@@ -50,12 +50,12 @@ Type* Pointer(std::uintptr_t address)
 }
 
 constexpr std::uintptr_t kNull = 0;
-/// In the part of the address space that systems keep empty to find null pointers.
-constexpr std::uintptr_t kNothingThere = 0x5000;
-/// No address at all: the upper bits are neither all set nor all clear.
-constexpr std::uintptr_t kNoAddress = 0x4141'4141'4141'4140;
+/// In the part of the address space that systems leave unmapped to catch null pointers.
+constexpr std::uintptr_t kUnmapped = 0x5000;
+/// Not a valid address: the upper bits are neither all set nor all clear.
+constexpr std::uintptr_t kNonCanonical = 0x4141'4141'4141'4140;
 
-/// Catches the module's faults for its life.
+/// Switches the catching of the module's faults on during its life.
 class ProcessorFaults : public testing::Test
 {
   protected:
@@ -63,8 +63,8 @@ class ProcessorFaults : public testing::Test
     ~ProcessorFaults() override { LetProcessorFaultsPass(); }
 };
 
-/// A host that catches the module's faults and has a handler of its own besides: an earlier one or a later
-/// one. Which of the two is asked first depends on the system.
+/// A host that catches the module's faults and has a handler of its own, installed earlier or later. Which of
+/// the two is asked first depends on the system.
 class PassedOnFaults : public testing::TestWithParam<bool>
 {
   protected:
@@ -78,13 +78,13 @@ class PassedOnFaults : public testing::TestWithParam<bool>
     }
     ~PassedOnFaults() override
     {
-        // In the order in which handlers must be taken out where each keeps the one before it.
+        // Handlers must be removed in reverse order where each keeps the one before it.
         if (!GetParam())
             foreign_.reset();
         LetProcessorFaultsPass();
     }
 
-    /// Whether a fault of `act` comes to the host's handler.
+    /// Whether a fault of `act` reaches the host's handler.
     bool Run(const std::function<void()>& act) { return foreign_->Run(act); }
 
   private:
@@ -94,7 +94,7 @@ class PassedOnFaults : public testing::TestWithParam<bool>
 INSTANTIATE_TEST_SUITE_P(EarlierHandler, PassedOnFaults, testing::Values(true));
 INSTANTIATE_TEST_SUITE_P(LaterHandler, PassedOnFaults, testing::Values(false));
 
-/// How many calls are open at the end of the records.
+/// How many calls are open at the end of the recording.
 int OpenCalls(const TraceRecording& trace)
 {
     int open = 0;
@@ -105,7 +105,7 @@ int OpenCalls(const TraceRecording& trace)
     return open;
 }
 
-/// The last of the lines before the fault's.
+/// The last line before that of the fault.
 std::string LineBeforeFault(const TraceRecording& trace)
 {
     std::string last;
@@ -117,7 +117,7 @@ std::string LineBeforeFault(const TraceRecording& trace)
     return {};
 }
 
-/// A function of karv_platform that faults, with no guard of its own.
+/// A function of karv_platform that faults and has no guard.
 void FaultInPlatform()
 {
     std::vector<AModeler::Edge*> edges;
@@ -125,7 +125,7 @@ void FaultInPlatform()
     Pointer<AModeler::Body>(kNull)->getPhysicalEdgesAndVertices(true, true, edges, vertices);
 }
 
-/// Calls back into the host in the middle of an operation, which asks for its class.
+/// Calls back into the host from an operation that asks for the object's class.
 template <typename Entity>
 class Calling : public Entity
 {
@@ -150,8 +150,8 @@ using CallingLine = Calling<AcDbLine>;
         throw 1;
 }
 
-/// Would end the process if anything were thrown out of it.
-// NOLINTNEXTLINE(bugprone-exception-escape): what must not get out is what it is for
+/// Ends the process if an exception leaves it.
+// NOLINTNEXTLINE(bugprone-exception-escape): tests that no exception leaves it
 [[gnu::noinline]] void WriteWithoutThrowing(int* place) noexcept
 {
     WriteTo(place);
@@ -184,7 +184,7 @@ TEST_F(ProcessorFaults, OuterOperationRunsToItsEnd)
 
 TEST_F(ProcessorFaults, WildBodyIsOneReport)
 {
-    for (const std::uintptr_t address : {kNothingThere, kNoAddress}) {
+    for (const std::uintptr_t address : {kUnmapped, kNonCanonical}) {
         KARVOpenGLControl control;
         const TraceRecording trace;
         control.AppendGeometry(Pointer<AModeler::Body>(address), kType, 1, 1.0F);
@@ -196,7 +196,7 @@ TEST_F(ProcessorFaults, WildBodyIsOneReport)
 TEST_F(ProcessorFaults, WildPointerInsideABodyIsOneReport)
 {
     AModeler::Body box = AModeler::MakeBox({0.0, 0.0, 0.0}, {1.0, 1.0, 1.0});
-    box.edges_.at(5).vertex_ = Pointer<AModeler::Vertex>(kNothingThere);
+    box.edges_.at(5).vertex_ = Pointer<AModeler::Vertex>(kUnmapped);
     const TraceRecording trace;
     const KARVGraphicalEntity entity(&box, kType, 1);
     EXPECT_THAT(trace.Faults(), SizeIs(1));
@@ -208,7 +208,7 @@ TEST_F(ProcessorFaults, FaultInPlatformCodeIsCaughtByTheModulesGuard)
     KARVGraphicalEntity entity;
     const TraceRecording trace;
     box.faces_.clear();
-    box.edges_.at(5).next_ = Pointer<AModeler::Edge>(kNothingThere);
+    box.edges_.at(5).next_ = Pointer<AModeler::Edge>(kUnmapped);
     entity.CreateGLCache(&box);
     EXPECT_THAT(trace.Listing(),
                 ElementsAre("> KARVGraphicalEntity::CreateGLCache", "< KARVGraphicalEntity::CreateGLCache",
@@ -219,7 +219,7 @@ TEST_F(ProcessorFaults, WildEntityIsOneReport)
 {
     KARVOpenGLControl control;
     const TraceRecording trace;
-    control.AppendGeometry(Pointer<AcDbEntity>(kNothingThere), kType);
+    control.AppendGeometry(Pointer<AcDbEntity>(kUnmapped), kType);
     EXPECT_THAT(trace.Faults(), SizeIs(1));
     EXPECT_EQ(OpenCalls(trace), 0);
 }
@@ -236,14 +236,14 @@ TEST_F(ProcessorFaults, FaultingGetterIsZero)
 {
     const TraceRecording trace;
     EXPECT_EQ(Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(), 0);
-    EXPECT_EQ(Pointer<KARVGraphicalEntity>(kNoAddress)->GetFaceNumber(), 0);
+    EXPECT_EQ(Pointer<KARVGraphicalEntity>(kNonCanonical)->GetFaceNumber(), 0);
     EXPECT_THAT(trace.Faults(), SizeIs(2));
 }
 
 TEST_F(ProcessorFaults, WriteIsCaughtToo)
 {
     const TraceRecording trace;
-    Pointer<KARVGraphicalEntity>(kNothingThere)->SetAlpha(0.5F);
+    Pointer<KARVGraphicalEntity>(kUnmapped)->SetAlpha(0.5F);
     EXPECT_THAT(trace.Faults(), SizeIs(1));
 }
 
@@ -265,7 +265,7 @@ TEST_F(ProcessorFaults, GuardOfAnotherRegisteredImageCatchesToo)
 {
     const TraceRecording trace;
     ASSERT_TRUE(CatchProcessorFaults(reinterpret_cast<const void*>(&GuardedWrite)));
-    GuardedWrite(Pointer<int>(kNothingThere));
+    GuardedWrite(Pointer<int>(kUnmapped));
     EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Write", "< Thing::Write", R"(! .\Thing.cpp)"));
 }
 
@@ -279,7 +279,7 @@ TEST_F(ProcessorFaults, ObjectsOfCallersAreDestroyed)
     bool is_gone = false;
     karv::Guarded(L"Thing::Do", L".\\Thing.cpp", [&] {
         const Witness witness{is_gone};
-        WriteTo(Pointer<int>(kNothingThere));
+        WriteTo(Pointer<int>(kUnmapped));
     });
     EXPECT_TRUE(is_gone);
 }
@@ -288,7 +288,7 @@ TEST_F(ProcessorFaults, NoexceptFunctionsAreLeftToo)
 {
     ASSERT_TRUE(CatchProcessorFaults(reinterpret_cast<const void*>(&GuardedWrite)));
     const TraceRecording trace;
-    karv::Guarded(L"Thing::Do", L".\\Thing.cpp", [] { WriteWithoutThrowing(Pointer<int>(kNothingThere)); });
+    karv::Guarded(L"Thing::Do", L".\\Thing.cpp", [] { WriteWithoutThrowing(Pointer<int>(kUnmapped)); });
     EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Do", "< Thing::Do", R"(! .\Thing.cpp)"));
 }
 
@@ -372,7 +372,7 @@ TEST_P(PassedOnFaults, OutsideAnyGuardOfThisThread)
 
 TEST_P(PassedOnFaults, InACallbackOfTheHost)
 {
-    CallingEntity entity([] { WriteTo(Pointer<int>(kNothingThere)); });
+    CallingEntity entity([] { WriteTo(Pointer<int>(kUnmapped)); });
     const TraceRecording trace;
     EXPECT_TRUE(Run([&] { const KARVGraphicalEntity built(&entity, kType); }));
     EXPECT_THAT(trace.Faults(), IsEmpty());
@@ -383,7 +383,7 @@ TEST_P(PassedOnFaults, InAFunctionOfTheHostThatIsCalledByOurs)
     class FaultingEntity : public AcDbEntity
     {
       public:
-        [[nodiscard]] AcRxClass* isA() const override { return *Pointer<AcRxClass*>(kNothingThere); }
+        [[nodiscard]] AcRxClass* isA() const override { return *Pointer<AcRxClass*>(kUnmapped); }
     };
     FaultingEntity entity;
     const TraceRecording trace;
@@ -399,7 +399,7 @@ TEST_P(PassedOnFaults, InFunctionsOfCaughtImagesWithoutAGuard)
 
 TEST_P(PassedOnFaults, BelowAGuardOfAnUnregisteredImage)
 {
-    EXPECT_TRUE(Run([] { GuardedWrite(Pointer<int>(kNothingThere)); }));
+    EXPECT_TRUE(Run([] { GuardedWrite(Pointer<int>(kUnmapped)); }));
 }
 
 TEST_P(PassedOnFaults, BelowAFunctionOfTheHost)
@@ -412,8 +412,9 @@ TEST_P(PassedOnFaults, BelowAFunctionOfTheHost)
 
 TEST_P(PassedOnFaults, BelowANoexceptFunction)
 {
-    // The next entry in the operation goes to a sink that is none, and announces itself without throwing.
-    CallingLine line([] { InstallTraceSink(Pointer<TraceSink>(kNothingThere)); });
+    // The next entry of the operation goes to an invalid sink; the function that notifies the sink is
+    // noexcept.
+    CallingLine line([] { InstallTraceSink(Pointer<TraceSink>(kUnmapped)); });
     EXPECT_TRUE(Run([&] { const KARVGraphicalEntity built(&line, kType); }));
     InstallTraceSink(nullptr);
 }
@@ -457,9 +458,9 @@ TEST(ProcessorFaultsSwitch, EarlierHandlerGetsOtherFaults)
         EXPECT_THAT(trace.Faults(), SizeIs(1));
     }
     EXPECT_TRUE(foreign.Run([] { FaultInPlatform(); }));
-    EXPECT_TRUE(foreign.Run([] { WriteTo(Pointer<int>(kNothingThere)); }));
+    EXPECT_TRUE(foreign.Run([] { WriteTo(Pointer<int>(kUnmapped)); }));
     LetProcessorFaultsPass();
-    EXPECT_TRUE(foreign.Run([] { WriteTo(Pointer<int>(kNothingThere)); }));
+    EXPECT_TRUE(foreign.Run([] { WriteTo(Pointer<int>(kUnmapped)); }));
 }
 
 TEST(ProcessorFaultsSwitch, NothingIsCaughtBeforeItIsAskedFor)
@@ -539,8 +540,8 @@ TEST(ProcessorFaultsDeathTest, StackOverflowInAnOperationEndsTheProcess)
         }
         std::_Exit(kWentOn);
     };
-    // Each from another distance, so that the stack ends in each of the functions that call one another. Not
-    // every system has a stack left for the host's handler then.
+    // Each starts at another depth, so that the stack ends in each of the functions of the recursion. Not
+    // every system leaves the host's handler a stack to run on.
     for (std::size_t i = 0; i < 16; ++i) {
         EXPECT_EXIT(
             overflow(i * kStep), [](int status) { return !testing::ExitedWithCode(kWentOn)(status); }, "");

@@ -1,6 +1,6 @@
-// A module of another maker that embeds the control, as the control's real clients do: the host's
-// initialisation makes a window with a viewport, feeds it and draws it; the unload message takes it down.
-// Its answers tell the step that failed.
+// A module that embeds the control, as the control's real clients do: the host's initialisation makes a
+// window with a viewport, feeds it and draws it; the unload message destroys it. Its answer names the step
+// that failed.
 #include "control/KARVOpenGLControl.h"
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
@@ -27,7 +27,7 @@ struct Client {
 
 std::unique_ptr<Client> client;
 
-/// A square, which goes through the tessellator.
+/// A square, which is tessellated.
 std::vector<KARVGLFace> Square()
 {
     KARVGLFace face;

@@ -1,4 +1,4 @@
-// What the built libraries offer and what they ask for on Windows, read from their files.
+// The exports and imports of the libraries built for Windows, read from their files.
 #include "platform/winsys/winsys.h"
 #include "tests/support/boundary_names.h"
 #include "tests/support/gl_names.h"
@@ -33,7 +33,7 @@ std::string Demangled(const std::string& name)
     return text != nullptr ? std::string(text.get()) : name;
 }
 
-/// The module's exports as they are written in sources.
+/// The module's exports, demangled.
 std::vector<std::string> DemangledExports()
 {
     std::vector<std::string> names;
@@ -49,7 +49,7 @@ bool Exports(const std::string& name)
     });
 }
 
-/// What comes with every Windows, in lower case.
+/// Whether the library is part of every Windows; its name in lower case.
 bool IsOfTheSystem(const std::string& library)
 {
     constexpr std::array kLibraries = {"gdi32.dll",  "glu32.dll",    "kernel32.dll",
@@ -57,7 +57,7 @@ bool IsOfTheSystem(const std::string& library)
     return std::ranges::find(kLibraries, library) != kLibraries.end();
 }
 
-/// The version resource of a file, as the system reads it.
+/// The version resource of a file, read through the system.
 class Version
 {
   public:
@@ -71,7 +71,7 @@ class Version
             data_.clear();
     }
 
-    /// The four numbers; empty where there is none.
+    /// The four numbers, separated by dots; empty if the file has none.
     [[nodiscard]] std::string Numbers()
     {
         VS_FIXEDFILEINFO* info = nullptr;
@@ -85,7 +85,7 @@ class Version
                std::to_string(LOWORD(info->dwFileVersionLS));
     }
 
-    /// A text of it in the language that it has; empty where there is none.
+    /// A string of it, in English; empty if there is none.
     [[nodiscard]] std::string Text(const std::wstring& name)
     {
         wchar_t* text = nullptr;
@@ -151,7 +151,7 @@ TEST(WindowsImports, GlFunctionsAreOfOpenGl11OrGlu)
     std::size_t count = 0;
     for (const char* library : {"opengl32.dll", "glu32.dll"}) {
         for (const std::string& name : libraries[library]) {
-            // What binds contexts to windows is of the window system.
+            // The functions that bind contexts to windows belong to the window system.
             EXPECT_TRUE(known.contains(name) || name.starts_with("wgl")) << name;
             count += known.contains(name) ? 1 : 0;
         }

@@ -1,12 +1,12 @@
-"""Draws the pictures of control_pictures by several ways and compares every one of them with every other.
+"""Draws the pictures of control_pictures in several ways and compares each way with every other.
 
     compare.py FOLDER NATIVE WAY... [-- COMMAND...]
 
-A way is the name of a window system that the program NATIVE is told to use (headless, x11), or "windows": then COMMAND,
-which starts the program that was built for Windows, is run. The pictures are left in FOLDER, below the way's name.
+A way is the name of a window system that the program NATIVE must use (headless, x11), or "windows". For "windows" COMMAND
+is run, which starts the program that was built for Windows. The pictures stay in FOLDER, below the way's name.
 
-Ends with 1 where two pictures differ in size, where more than 0.5 % of their pixels differ by more than 8 of 255, where
-one is empty, where one is missing, or where one that is multisampled is the same as the one that is not.
+Ends with status 1 if two pictures differ in size, if more than 0.5 % of their pixels differ by more than 8 of 255, if a
+picture is empty or missing, or if a multisampled picture equals the one without multisampling.
 """
 
 import itertools
@@ -21,7 +21,7 @@ MAX_DIFFERENT = 0.005  # of the pixels
 
 
 class Mismatch(Exception):
-    """What is wrong with a picture, or with two of them."""
+    """A picture is unusable, or two pictures differ too much."""
 
 
 def read(path):
@@ -40,7 +40,7 @@ def colors(pixels):
 
 
 def share_of_differences(a, b):
-    """Which part of the pixels of two files differs, and by how much the worst channel does."""
+    """The share of the pixels of two files that differ, and the largest difference of a channel."""
     (*size_a, pixels_a), (*size_b, pixels_b) = read(a), read(b)
     if size_a != size_b:
         raise Mismatch(f"{a} and {b}: {size_a} and {size_b} pixels")
@@ -52,7 +52,7 @@ def share_of_differences(a, b):
 
 
 def compare(a, b):
-    """The line that tells how two files differ; raises Mismatch where that is too much."""
+    """A line that describes how two files differ; raises Mismatch if they differ too much."""
     share, worst = share_of_differences(a, b)
     line = f"{a.name}, {a.parent.name} and {b.parent.name}: {share:.3%} of the pixels differ, the worst by {worst}"
     if share > MAX_DIFFERENT:
@@ -61,7 +61,7 @@ def compare(a, b):
 
 
 def compare_folders(folders, names):
-    """Compares every picture of every two folders; how many comparisons failed."""
+    """Compares every picture of every two folders; returns the number of failed comparisons."""
     failures = 0
     for name in sorted(names):
         for a, b in itertools.combinations(folders, 2):
@@ -74,7 +74,7 @@ def compare_folders(folders, names):
 
 
 def check_sampling(folder):
-    """How many multisampled pictures of a folder are those that are not: nothing would have been compared twice."""
+    """Returns the number of multisampled pictures of a folder that equal the ones without multisampling."""
     failures = 0
     for path in sorted(folder.glob("*-multisampled.ppm")):
         plain = path.with_name(path.name.replace("-multisampled", "-plain"))
@@ -85,7 +85,7 @@ def check_sampling(folder):
 
 
 def draw(folder, way, native, windows):
-    """Has one way's pictures drawn into its folder, from nothing."""
+    """Empties the folder and draws the pictures of one way into it."""
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     suppressions = pathlib.Path(__file__).resolve().parent.parent / "leak_suppressions.txt"

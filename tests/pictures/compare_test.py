@@ -1,4 +1,4 @@
-"""The comparison of pictures hears what it should: pictures made for it differ by so much and no more."""
+"""Tests of the comparison of pictures, with generated pictures that differ by known amounts."""
 
 import pathlib
 import sys
@@ -18,7 +18,8 @@ class Comparison(unittest.TestCase):
         self.folders = [pathlib.Path(folder.name) / name for name in ("one", "other")]
         for place in self.folders:
             place.mkdir()
-        # Two colours, so that it is not empty; the first byte is white space to a careless reader.
+        # Two colours, because a picture of one colour counts as empty. The first byte is white space, which the reader
+        # must not skip.
         self.pixels = bytearray(b"\n\x20\x30" + b"\x64\x64\x64" * (SIDE * SIDE - 1))
 
     def write(self, index, pixels, width=SIDE, height=SIDE):

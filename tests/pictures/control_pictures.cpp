@@ -1,10 +1,10 @@
-// Draws each scene with the control, as a host shows it, and writes what its window showed: the same program
-// on every system, so that the files can be compared.
+// Draws each scene with the control, as a host shows it, and writes the frames to files. It is the same
+// program on every system, so the files can be compared.
 //
 //   control_pictures FOLDER
 //
-// The folder must exist. Files are named SCENE-VIEW-MODE-SAMPLING.ppm. Ends with 1 and a line on the standard
-// error stream where a picture cannot be had.
+// The folder must exist. Files are named SCENE-VIEW-MODE-SAMPLING.ppm. Ends with status 1 and a line on
+// standard error if a picture cannot be made.
 #include "platform/winsys/frame_clock.h"
 #include "platform/winsys/opengl.h"
 #include "tests/pictures/scenes.h"
@@ -56,7 +56,7 @@ void Write(const ShownFrame& frame, const std::filesystem::path& path)
         throw std::runtime_error("cannot be written: " + path.string());
 }
 
-/// Shows a scene as the view says, in every mode, with and without multisampling.
+/// Shows a scene in this view, in every mode, with and without multisampling.
 void Draw(const Scene& scene, const View& view, CWnd& host, const std::filesystem::path& folder)
 {
     KARVOpenGLControl control;
@@ -64,7 +64,7 @@ void Draw(const Scene& scene, const View& view, CWnd& host, const std::filesyste
     control.SetBgColor(20, 30, 60);
     control.ComputeExtents(false);
     scene.feed(control);
-    // At the size of its own box a cube overflows the view by a quarter; a larger one is told.
+    // With a box of its own size a cube overflows the view by a quarter, so a larger box is set.
     control.OverrideExtents({-0.03, -0.03, -0.03}, {0.23, 0.23, 0.23});
     control.SetToPerspective(view.perspective);
     (control.*view.command)();
@@ -86,7 +86,7 @@ void Draw(const Scene& scene, const View& view, CWnd& host, const std::filesyste
 void DrawAll(const std::filesystem::path& folder)
 {
     karv_test::UseTestWindows();
-    // However slow the machine is, no frame counts as slow: that would switch multisampling off.
+    // The clock does not advance, so that no frame counts as slow, which would switch multisampling off.
     winsys::SetFrameClock([] { return std::clock_t{0}; });
     CWnd host;
     if (!host.CreateEx(0, AfxRegisterWndClass(0), L"pictures", WS_POPUP | WS_VISIBLE,

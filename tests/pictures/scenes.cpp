@@ -27,7 +27,7 @@ void Append(KARVOpenGLControl& control, AModeler::Body body, unsigned short colo
     control.AppendGeometry(&body, kCategory, color, alpha);
 }
 
-/// A polygon, clockwise seen from where its normal points to.
+/// A polygon. Corners run clockwise seen from the side that the normal points to.
 void Append(KARVOpenGLControl& control, std::vector<KARVGLVertex> corners, const KARVGLVertex& normal,
             unsigned short color, float alpha = 1.0F)
 {
@@ -63,7 +63,7 @@ void FeedBodies(KARVOpenGLControl& control)
     Append(control, AModeler::MakePrism(ring, {0.0, 0.0, 0.12}), kBlue);
 }
 
-/// An L, which is concave, on the ground, and walls in several colours on two sides of it.
+/// An L, which is concave, on the ground, and walls in several colours on two of its sides.
 void FeedFaces(KARVOpenGLControl& control)
 {
     Append(control,
@@ -81,10 +81,10 @@ void FeedFaces(KARVOpenGLControl& control)
         Append(control, {{left, 0.15, 0.05}, {left, 0.15, 0.2}, {right, 0.15, 0.2}, {right, 0.15, 0.05}},
                {0.0, -1.0, 0.0}, kColors[i]);
     }
-    // What line mode shows.
+    // A line, for line mode.
     Append(control, {0.0, 0.0, 0.0}, {0.2, 0.2, 0.2}, kRed);
     Append(control, {0.2, 0.0, 0.1}, {0.0, 0.2, 0.1}, kGreen);
-    // A slanted triangle; its normal need not have unit length.
+    // A slanted triangle, whose normal is not of unit length.
     Append(control, {{0.1, 0.02, 0.03}, {0.12, 0.12, 0.12}, {0.2, 0.1, 0.03}}, {0.9, -2.0, 2.0}, 4);
 }
 

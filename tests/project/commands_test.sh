@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# ./run, ./test and tools/build against build programs of our own: what they start, where, and how they end.
+# ./run, ./test and the tools that they use, with stubs of the build programs: which programs they start, in which folder,
+# and their exit status.
 #
 #   commands_test.sh ROOT
 set -euo pipefail
@@ -9,7 +10,7 @@ work=$(readlink -f "$(mktemp -d)")
 trap 'rm -rf "$work"' EXIT
 failures=0
 
-# A project with our commands, whose packages, build and viewer are stand-ins.
+# A project with the real commands and stubs for packages, build and viewer.
 mkdir -p "$work/tools" "$work/bin" "$work/elsewhere/deep" "$work/build/"{linux,linux-bench,linux-coverage,linux-fuzz}
 cp "$root/run" "$root/test" "$work"
 cp "$root/tools/build" "$root/tools/coverage" "$root/tools/fuzz" "$root/tools/mutate" "$work/tools"
@@ -21,7 +22,7 @@ make_stub()
     printf '#!/usr/bin/env bash\n%s\n' "$2" >"$work/$1"
     chmod +x "$work/$1"
 }
-# shellcheck disable=SC2016  # the stand-ins expand it
+# shellcheck disable=SC2016  # the stubs expand it
 {
     make_stub tools/setup 'echo "setup $*" >>"$WORK/calls"; exit "${SETUP_STATUS:-0}"'
     make_stub tools/wine-session 'echo session >>"$WORK/calls"; "$@"'
@@ -43,7 +44,8 @@ make_stub()
     make_stub build/linux/karv-view 'printf "[%s]" "$PWD" "$@"; exit "${VIEWER_STATUS:-0}"'
 }
 
-# call FOLDER COMMAND ARGUMENT...: `status`, `said`, `complained` and `calls` take what came of it.
+# call FOLDER COMMAND ARGUMENT...: sets `status` (exit status), `said` (standard output), `complained` (standard error) and
+# `calls` (the stubs' record).
 call()
 {
     : >"$work/calls"
@@ -53,10 +55,10 @@ call()
     calls=$(<"$work/calls")
 }
 
-# expect CASE ACTUAL PATTERN
+# expect CASE ACTUAL PATTERN: fails unless ACTUAL matches PATTERN.
 expect()
 {
-    # shellcheck disable=SC2053  # a pattern is meant
+    # shellcheck disable=SC2053  # the pattern is not quoted on purpose
     if [[ $2 != $3 ]]; then
         printf '%s: "%s", not "%s"\n' "$1" "$2" "$3"
         failures=$((failures + 1))

@@ -1,5 +1,5 @@
-# Fails when a document has rotted: each C++ block of README.md must stand word for word in a source of examples/, and
-# each link of a document to a file of the project must lead to one.
+# Fails when a document is out of date: each C++ block of README.md must be quoted exactly from a source of examples/, and
+# each link of a document to a file of the project must lead to an existing one.
 #
 #   cmake -D ROOT=<tree> -P documents.cmake
 cmake_minimum_required(VERSION 3.25)
@@ -17,7 +17,7 @@ foreach(source IN LISTS sources)
   string(APPEND examples "${text}")
 endforeach()
 
-# C++ blocks are cut out by position, because a list would break at their semicolons.
+# C++ blocks are cut out by position, because a CMake list would split them at semicolons.
 file(READ "${ROOT}/README.md" rest)
 set(blocks 0)
 while(TRUE)

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The check of the documents hears each kind of mistake, and lets sound documents pass.
+# The check of the documents reports every kind of mistake and accepts correct documents.
 #
 #   documents_test.sh CMAKE DOCUMENTS_SCRIPT
-# shellcheck disable=SC2016  # back quotes are meant as they stand
+# shellcheck disable=SC2016  # back quotes are literal
 set -euo pipefail
 
 readonly cmake=$1 script=$2

@@ -1,4 +1,4 @@
-"""What tools/mutation/schemata.py writes and chooses; the parser and the builds are left out.
+"""Tests of tools/mutation/schemata.py: rewriting and sampling. The parser and the builds are not tested.
 
     mutation_test.py ROOT
 """
@@ -17,7 +17,7 @@ def mutant(start, end, kind, mutated, second=()):
 
 
 def switched(text, number):
-    """The rewritten text as a compiler sees it with that mutant on: True or False in place of the switch."""
+    """The rewritten text with this mutant on: each switch is replaced by True or False."""
     for other in range(1, 20):
         text = text.replace(f"{schemata.SWITCH}({other})", str(other == number))
     return text

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# tools/setup against package programs of our own: what it asks them for, what it says, and how it ends.
+# tools/setup with stubs of the package programs: the requests to them, the output, and the exit status.
 #
 #   setup_test.sh ROOT
 set -euo pipefail
@@ -21,7 +21,7 @@ beta        # why
 gamma
 LIST
 
-# The stand-ins note each call in $work/calls and answer from the files that a case has written.
+# The stubs record each call in $work/calls and answer from the files that a case has written.
 cat >"$work/bin/dpkg-query" <<'STUB'
 #!/usr/bin/env bash
 echo "dpkg-query ${*:3}" >>"$WORK/calls"
@@ -55,7 +55,7 @@ exec "${@:2}"
 STUB
 chmod +x "$work"/bin/*
 
-# begin NAME: a fresh machine, where nothing is installed and the caller is root.
+# begin NAME: begins a case on a machine where nothing is installed and the caller is root.
 begin()
 {
     name=$1
@@ -65,7 +65,7 @@ begin()
     echo 0 >"$work/uid"
 }
 
-# setup SECTION...: runs it; `status`, `said` and `calls` take what came of it.
+# setup SECTION...: runs tools/setup and sets `status` (exit status), `said` (its output) and `calls` (the stubs' record).
 setup()
 {
     status=0
@@ -73,10 +73,10 @@ setup()
     calls=$(<"$work/calls")
 }
 
-# expect WHAT ACTUAL PATTERN
+# expect WHAT ACTUAL PATTERN: fails unless ACTUAL matches PATTERN.
 expect()
 {
-    # shellcheck disable=SC2053  # a pattern is meant
+    # shellcheck disable=SC2053  # the pattern is not quoted on purpose
     if [[ $2 != $3 ]]; then
         printf '%s: %s is "%s", not "%s"\n' "$name" "$1" "$2" "$3"
         failures=$((failures + 1))

@@ -15,8 +15,8 @@ thread_local std::size_t refused_from = kNone;
 
 } // namespace
 
-// All forms but the aligned ones stand here: a sanitizer's own would not know the blocks of ours.
-
+/// Every form except the aligned ones is defined here, because a sanitizer's own operators cannot free blocks
+/// from these.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
 {
     if (counting) {

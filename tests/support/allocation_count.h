@@ -1,5 +1,6 @@
-// Counts, or refuses, what the calling thread allocates with operator new while an object lives, in libraries
-// too: the program's operators stand before the standard library's. What C libraries take is not counted.
+// Counts, or refuses, the allocations of the calling thread through operator new while an object lives, in
+// libraries too: the program's operators pre-empt the standard library's. Allocations of C libraries are not
+// counted.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +8,7 @@
 namespace karv_test
 {
 
-/// One at a time.
+/// Counts the allocations made during its life. Only one may exist at a time.
 class AllocationCount
 {
   public:
@@ -17,11 +18,11 @@ class AllocationCount
     ~AllocationCount();
 
     [[nodiscard]] std::size_t Allocations() const;
-    /// As asked for, with what was given back since.
+    /// The bytes asked for; what was freed since is included.
     [[nodiscard]] std::size_t Bytes() const;
 };
 
-/// Makes allocations of this many bytes or more fail. One at a time.
+/// Makes allocations of this many bytes or more fail during its life. Only one may exist at a time.
 class AllocationRefusal
 {
   public:

@@ -17,10 +17,10 @@ namespace karv_test
 namespace
 {
 
-// Does not return. Everything it needs was made before the fork.
+/// Does not return. Allocates nothing: everything it needs is made before the fork.
 [[noreturn]] void RunChild(char* const* arguments, int announcements)
 {
-    // A test that is stopped has no time to end what it started.
+    // A test that is killed cannot end its children.
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     fcntl(announcements, F_SETFD, 0);
     const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -77,7 +77,7 @@ std::string ChildProcess::ReadLine() const
 void ChildProcess::Pause() const
 {
     kill(id_, SIGSTOP);
-    // Until it has in fact stopped.
+    // Returns only when the process has stopped.
     waitpid(id_, nullptr, WUNTRACED);
 }
 
@@ -95,7 +95,7 @@ void ChildProcess::End(int signal)
 {
     if (id_ > 0) {
         kill(id_, signal);
-        // One that is paused would not notice.
+        // A stopped process does not handle the signal.
         kill(id_, SIGCONT);
         waitpid(id_, nullptr, 0);
         id_ = 0;

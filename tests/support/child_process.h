@@ -1,5 +1,5 @@
-// A program that a test starts beside itself. It ends with the object, by its own id, and with the test
-// program however that ends.
+// A program that a test starts and that runs in parallel. It is ended with the object, by its process id, and
+// with the test program in whatever way that ends.
 #pragma once
 
 #include <string>
@@ -13,21 +13,21 @@ namespace karv_test
 class ChildProcess
 {
   public:
-    /// Starts the program, found by PATH, with these arguments. It is asked to announce itself on the
-    /// descriptor whose number replaces "%fd" in the arguments, if any has it. Throws std::runtime_error
-    /// where it cannot be started.
+    /// Starts the program, found by PATH, with these arguments. "%fd" in an argument is replaced by the
+    /// number of a descriptor on which the program is to announce itself. Throws std::runtime_error if the
+    /// program cannot be started.
     explicit ChildProcess(const std::vector<std::string>& command);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
-    /// Asks the process to end and waits until it has.
+    /// Terminates the process and waits for its end.
     ~ChildProcess();
 
-    /// The first line that it announces; empty where it ends without one.
+    /// The first line that the program announces; empty if it ends without one.
     [[nodiscard]] std::string ReadLine() const;
-    /// Stops it from doing anything until it is resumed.
+    /// Stops the process until it is resumed.
     void Pause() const;
     void Resume() const;
-    /// Ends it at once, without its doing anything more.
+    /// Kills the process at once.
     void Kill();
 
   private:

@@ -23,7 +23,7 @@ namespace karv_test
 
 using EntityType = KARVGraphicalEntity::EntityType;
 
-/// A category by its number, any 32-bit value.
+/// A category by its number; any 32-bit value is allowed.
 [[nodiscard]] constexpr EntityType TypeOf(int value)
 {
     return static_cast<EntityType>(value);
@@ -40,26 +40,26 @@ class ControlTest : public testing::Test
     static constexpr int kWidth = 64;
     static constexpr int kHeight = 32;
 
-    /// Opens the host window, which is larger than any control in it. The frame clock stands still.
+    /// Opens the host window, which is larger than any control in it. The frame clock does not advance.
     ControlTest();
     ~ControlTest() override;
-    /// Keeps the last picture in the test's temporary folder where the test failed, and destroys the windows
-    /// and contexts that the test or the control left over.
+    /// Writes the last picture to the test's temporary folder if the test failed, and destroys the windows
+    /// and contexts that the test or the control left.
     void TearDown() override;
 
-    /// A control at (0, 0) in the host, of kWidth x kHeight unless given.
+    /// A control at (0, 0) in the host, of kWidth x kHeight by default.
     std::unique_ptr<KARVOpenGLControl> NewControl(bool transparent = false, int width = kWidth,
                                                   int height = kHeight);
-    /// Draws one frame of the control and reads it before the swap.
+    /// Draws one frame of the control and reads it before the buffer swap.
     Picture Frame(KARVOpenGLControl& control);
-    /// Dispatches messages until the condition holds; false where it does not within a limit.
+    /// Dispatches messages until the condition holds; false if it does not within a limit.
     static bool PumpUntil(const std::function<bool()>& condition);
-    /// Dispatches what waits, but no timer messages.
+    /// Dispatches the messages in the queue, except timer messages.
     static void PumpPending();
 
     CWnd host_;
     WindowCalls window_calls_;
-    std::clock_t now_ = 0; ///< what the frame clock tells, in ms
+    std::clock_t now_ = 0; ///< the time of the frame clock, in ms
 
   private:
     std::optional<Picture> last_picture_;

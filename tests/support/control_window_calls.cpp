@@ -12,7 +12,7 @@ namespace
 {
 
 struct CallState {
-    WindowCalls* recording = nullptr; ///< the innermost
+    WindowCalls* recording = nullptr; ///< the innermost recording
     std::vector<WindowRefusal*> refusals;
     std::vector<EntryPointAnswer*> answers;
 };
@@ -31,7 +31,7 @@ std::string Narrow(std::wstring_view text)
     return narrow;
 }
 
-/// The layer's own definition. Its functions have C++ linkage, so that the name is the mangled one.
+/// The layer's definition. Its functions have C++ linkage, so the name is mangled.
 template <typename Entry>
 Entry FindInLayer(const char* mangled)
 {
@@ -56,7 +56,7 @@ bool IsRefused(std::string_view name)
     return refused;
 }
 
-/// Notes a call with its arguments as texts.
+/// Records a call with its arguments as texts.
 void Note(const std::string& name, const std::vector<std::string>& arguments)
 {
     if (State().recording == nullptr)

@@ -1,8 +1,8 @@
-// The recorder of window-system calls stands before the calls that the module and the framework make: the
-// test program's own definitions pre-empt the layer's, note each call and pass it on. Refusals and answers
-// stage what no system does on demand.
+// Records the window-system calls of the module and of the framework: the test program's own definitions
+// pre-empt the layer's, record each call and pass it on. Refusals and answers stage results that no system
+// gives on demand.
 //
-// It knows nothing of the control. One thread. The program must be linked with its symbols exported.
+// It knows nothing of the control. For one thread. The program must be linked with its symbols exported.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -15,7 +15,7 @@
 namespace karv_test
 {
 
-/// One creation of a window, with its class as it was registered then.
+/// One creation of a window, with its class as registered at that time.
 struct WindowCreation {
     DWORD ex_style = 0;
     std::wstring name;
@@ -26,11 +26,12 @@ struct WindowCreation {
     HINSTANCE instance = nullptr;
     LPVOID param = nullptr;
     WNDCLASSW window_class{};
-    HWND window = nullptr; ///< null until the creation returns, and where it was refused
+    HWND window = nullptr; ///< null until the creation returns, and if it was refused
 };
 
-/// Hears the calls made during its life, the innermost of several. Handles read as names: "SetFocus(3DView)",
-/// "SwapBuffers(dc of 3DView)", contexts as "context 1", "context 2" in the order of their creation.
+/// Records the calls made during its life; of nested recordings only the innermost records. Handles are shown
+/// as names: "SetFocus(3DView)", "SwapBuffers(dc of 3DView)", contexts as "context 1", "context 2" in the
+/// order of their creation.
 class WindowCalls
 {
   public:
@@ -46,22 +47,22 @@ class WindowCalls
         listing_.clear();
         defaulted_messages_.clear();
     }
-    /// Adds a line of the test's own, to place other events among the calls.
+    /// Adds a line of the test's own, to order other events with the calls.
     void Mark(std::string text) { listing_.push_back(std::move(text)); }
 
     [[nodiscard]] const std::vector<WindowCreation>& Creations() const { return creations_; }
-    /// The creation of the window of this name. Throws std::out_of_range where there was none.
+    /// The creation of the window of this name. Throws std::out_of_range if there was none.
     [[nodiscard]] const WindowCreation& Creation(std::wstring_view name) const;
-    /// The descriptors given to ChoosePixelFormat and SetPixelFormat, in order.
+    /// The descriptors passed to ChoosePixelFormat and SetPixelFormat, in order.
     [[nodiscard]] const std::vector<PIXELFORMATDESCRIPTOR>& Descriptors() const { return descriptors_; }
-    /// The device contexts that GetDC answered, in order.
+    /// The device contexts that GetDC returned, in order.
     [[nodiscard]] const std::vector<HDC>& DeviceContexts() const { return device_contexts_; }
     /// The contexts created, in order.
     [[nodiscard]] const std::vector<HGLRC>& Contexts() const { return contexts_; }
-    /// The messages given to DefWindowProcW, in order; the listing leaves them out.
+    /// The messages passed to DefWindowProcW, in order; the listing leaves them out.
     [[nodiscard]] const std::vector<UINT>& DefaultedMessages() const { return defaulted_messages_; }
 
-    // For the entry points.
+    /// The operations from here on are for the pre-empting definitions.
     [[nodiscard]] std::string NameOf(HWND window);
     [[nodiscard]] std::string NameOf(HDC dc);
     [[nodiscard]] std::string NameOf(HGLRC context) const;
@@ -84,8 +85,8 @@ class WindowCalls
     WindowCalls* outer_;
 };
 
-/// Answers an entry point with 0, null or FALSE in place of the system: its call number `nth` since the
-/// refusal was made, from 1, or every one for 0.
+/// Makes an entry point return 0, null or FALSE without calling the system: at its call number `nth`, counted
+/// from 1 since the refusal was made, or at every call if `nth` is 0.
 class WindowRefusal
 {
   public:
@@ -94,7 +95,7 @@ class WindowRefusal
     WindowRefusal& operator=(const WindowRefusal&) = delete;
     ~WindowRefusal();
 
-    /// For the entry points.
+    /// For the pre-empting definitions.
     [[nodiscard]] bool Refuses(std::string_view name);
 
   private:
@@ -103,8 +104,8 @@ class WindowRefusal
     int calls_ = 0;
 };
 
-/// Makes `wglGetProcAddress` answer an extension's entry point with this one; null for a missing one. Of
-/// several answers for one name the newest counts.
+/// Makes `wglGetProcAddress` return this address for an extension's entry point; null for a missing one. Of
+/// several for one name the newest counts.
 class EntryPointAnswer
 {
   public:
@@ -113,7 +114,7 @@ class EntryPointAnswer
     EntryPointAnswer& operator=(const EntryPointAnswer&) = delete;
     ~EntryPointAnswer();
 
-    // For the entry points.
+    /// The operations from here on are for the pre-empting definitions.
     [[nodiscard]] const std::string& EntryPoint() const { return entry_point_; }
     [[nodiscard]] PROC Result() const { return result_; }
 

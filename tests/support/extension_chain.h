@@ -1,4 +1,4 @@
-// The framework's chain of extension modules, as tests look at it.
+// Reads the framework's chain of extension modules.
 #pragma once
 
 #include "platform/framework/extension_module.h"
@@ -18,7 +18,7 @@ namespace karv_test
     return modules;
 }
 
-/// How many modules the chain has.
+/// The number of modules in the chain.
 [[nodiscard]] inline int ChainLength()
 {
     return static_cast<int>(Chain().size());

@@ -1,4 +1,5 @@
-// The entry points themselves: each definition names its parameters' meaning and forwards to the library.
+// The pre-empting entry points. Each definition calls the library. The types of its arguments state the
+// meaning of those whose C type does not, and convert to the library's types.
 #include "tests/support/gl_enums.h"
 #include "tests/support/gl_recorder_state.h"
 
@@ -17,8 +18,6 @@ namespace karv_test
 {
 namespace
 {
-
-// The parameters' meanings, where their C types do not tell: each converts to what the library takes.
 
 struct Enum {
     GLenum value;
@@ -62,7 +61,7 @@ struct Opaque {
     operator Target*() const { return pointer; }
 };
 
-/// A pointer that may be another argument's.
+/// A pointer that may equal another argument.
 struct VertexData {
     void* pointer;
     const double* location;
@@ -140,7 +139,7 @@ void Describe(GlCall& call, Array<Number> array)
 template <typename Target>
 void Describe(GlCall& call, Opaque<Target> opaque)
 {
-    // A user-space address has fewer bits than a double's mantissa, so it is kept exactly.
+    // A user-space address has fewer bits than a double's mantissa, so it is exact.
     Append(call, static_cast<double>(reinterpret_cast<std::uintptr_t>(opaque.pointer)),
            opaque.pointer != nullptr ? "ptr" : "null");
 }
@@ -152,8 +151,8 @@ void Describe(GlCall& call, VertexData data)
            same ? "same" : (data.pointer != nullptr ? "ptr" : "null"));
 }
 
-/// Whether the entry point's own GL calls go unheard. The tessellator's are heard: it makes them through the
-/// module's callbacks alone.
+/// Whether the GL calls inside the entry point are not recorded. The tessellator's are recorded: it makes
+/// them only through the module's callbacks.
 bool IsOpaque(std::string_view name)
 {
     return name.starts_with("glu") && !name.starts_with("gluTess");
@@ -189,7 +188,7 @@ Result ToResult(std::uintptr_t answer)
         return static_cast<Result>(answer);
 }
 
-/// Notes the call, runs the hooks, and looks for an answer that replaces it.
+/// Records the call, runs the hooks, and returns the answer that replaces it, if any.
 template <typename... Arguments>
 std::optional<std::uintptr_t> Hear(const char* name, Arguments... arguments)
 {
@@ -249,8 +248,6 @@ constexpr std::size_t LightParameters(GLenum name)
 } // namespace karv_test
 
 using namespace karv_test;
-
-// Matrices and the viewport.
 
 void glMatrixMode(GLenum mode)
 {
@@ -339,8 +336,6 @@ void glViewport(GLint x, GLint y, GLsizei width, GLsizei height)
     Forward<glViewport>(__func__, x, y, width, height);
 }
 
-// Primitives.
-
 void glBegin(GLenum mode)
 {
     Forward<glBegin>(__func__, Primitive{mode});
@@ -401,8 +396,6 @@ void glColor4fv(const GLfloat* color)
     Forward<glColor4fv>(__func__, Array<const GLfloat>{color, 4});
 }
 
-// Display lists.
-
 GLuint glGenLists(GLsizei range)
 {
     return Forward<glGenLists>(__func__, range);
@@ -427,8 +420,6 @@ void glDeleteLists(GLuint list, GLsizei range)
 {
     Forward<glDeleteLists>(__func__, list, range);
 }
-
-// State.
 
 void glEnable(GLenum capability)
 {
@@ -561,8 +552,6 @@ void glFinish()
 {
     Forward<glFinish>(__func__);
 }
-
-// GLU.
 
 void gluPerspective(GLdouble field_of_view, GLdouble aspect, GLdouble near_value, GLdouble far_value)
 {

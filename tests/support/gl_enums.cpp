@@ -17,8 +17,8 @@ struct NamedEnum {
     const char* name;
 };
 
-// Sorted by value. Values below 0x100 (primitives, blend factors, booleans) mean different things to
-// different calls and are named by those calls.
+/// Sorted by value. Values below 0x100 (primitives, blend factors, booleans) have different meanings in
+/// different calls and are named at those calls.
 constexpr NamedEnum kOpenGl11[] = {
     {GL_ACCUM, "GL_ACCUM"},
     {GL_LOAD, "GL_LOAD"},

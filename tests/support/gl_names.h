@@ -1,4 +1,4 @@
-// The names of the functions of OpenGL 1.1 and of GLU, which is all that the module may ask for.
+// The names of the functions of OpenGL 1.1 and of GLU, which are all that the module may import.
 #pragma once
 
 #include <set>
@@ -8,10 +8,10 @@
 namespace karv_test
 {
 
-/// The words of a text, without what stands between them.
+/// The words of a text, without the separators.
 [[nodiscard]] std::set<std::string> Words(std::string_view text);
 
-/// The functions of both.
+/// The functions of OpenGL 1.1 and of GLU.
 [[nodiscard]] std::set<std::string> NamesOfGl11AndGlu();
 
 } // namespace karv_test

@@ -1,11 +1,11 @@
-// The recorder stands before the OpenGL and GLU entry points that the module calls: the test program's own
-// definitions pre-empt the libraries', note each call with its arguments and pass it on. Calls that GLU makes
-// inside itself are passed on unheard; the module's tessellator callbacks are heard. Hooks and answers stage
-// failures that no driver offers on demand.
+// Records the OpenGL and GLU calls of the module: the test program's own definitions pre-empt the libraries',
+// record each call with its arguments and pass it on. Calls that GLU makes inside itself are passed on
+// unrecorded; those of the module's tessellator callbacks are recorded. Hooks and answers stage failures that
+// no driver offers on demand.
 //
-// It knows nothing of the module. One thread. Calls that a test itself makes while it records are heard too,
-// but for those that the module never uses (glReadPixels, glIsEnabled, glGetFloatv, ...). The program must be
-// linked with its symbols exported.
+// It knows nothing of the module. For one thread. A test's own calls are recorded too, except those that the
+// module never uses (glReadPixels, glIsEnabled, glGetFloatv, ...). The program must be linked with its
+// symbols exported.
 #pragma once
 
 #include <cstdint>
@@ -22,12 +22,12 @@ namespace karv_test
 /// One call of an entry point.
 struct GlCall {
     std::string name; ///< "glOrtho"
-    std::string text; ///< "glOrtho(-5, 5, 5, -5, -1000, 1000)", numbers to six digits, tiny ones as 0
+    std::string text; ///< "glOrtho(-5, 5, 5, -5, -1000, 1000)", numbers with six digits, tiny ones as 0
     std::vector<double>
         values; ///< every argument exactly as passed: enums and pointers by value, arrays element by element
 };
 
-/// Hears the calls made during its life. Of several at once the innermost hears.
+/// Records the calls made during its life. Of nested recordings only the innermost records.
 class GlRecording
 {
   public:
@@ -41,9 +41,9 @@ class GlRecording
     [[nodiscard]] std::vector<std::string> Listing() const;
     /// The number of calls of one entry point.
     [[nodiscard]] int Count(std::string_view name) const;
-    /// The call number `index`, from 0, of one entry point. Throws std::out_of_range where there is none.
+    /// The call number `index`, from 0, of one entry point. Throws std::out_of_range if there is none.
     [[nodiscard]] const GlCall& Call(std::string_view name, int index = 0) const;
-    /// The names of the enums heard that neither OpenGL 1.1 nor GLU know; they outlive `Clear`.
+    /// The names of the recorded enums that are of neither OpenGL 1.1 nor GLU; `Clear` keeps them.
     [[nodiscard]] const std::set<std::string>& EnumsBeyond11() const { return beyond_11_; }
     void Clear() { calls_.clear(); }
 
@@ -56,9 +56,9 @@ class GlRecording
     GlRecording* outer_;
 };
 
-/// Runs `action` at every call of an entry point, after it was noted and before it is passed on, with the
-/// number of the call since the hook was made, from 1. An exception that it throws leaves the entry point in
-/// place of the call.
+/// Runs `action` at every call of an entry point, after the call is recorded and before it is passed on.
+/// `action` gets the number of the call, counted from 1 since the hook was made. If it throws, the exception
+/// leaves the entry point and the call is not passed on.
 class GlHook
 {
   public:
@@ -76,7 +76,7 @@ class GlHook
     int calls_ = 0;
 };
 
-/// A hook that throws `fault`, of whatever type, from the call number `nth`, from 1.
+/// A hook that throws `fault`, of any type, at the call number `nth`, from 1.
 template <typename Fault>
 [[nodiscard]] GlHook ThrowAt(std::string name, int nth, Fault fault)
 {
@@ -86,8 +86,9 @@ template <typename Fault>
     });
 }
 
-/// Answers an entry point with `result` (an integer, or a pointer's bits; 0 for null) in place of the
-/// library, where given only for calls with that first argument: GlAnswer("glGetString", 0, GL_EXTENSIONS).
+/// Makes an entry point return `result` (an integer, or a pointer's bits; 0 for null) without calling the
+/// library. With a first argument given, only calls with that argument are answered: GlAnswer("glGetString",
+/// 0, GL_EXTENSIONS).
 class GlAnswer
 {
   public:
@@ -96,7 +97,7 @@ class GlAnswer
     GlAnswer& operator=(const GlAnswer&) = delete;
     ~GlAnswer();
 
-    /// For the entry points: the result where this call is answered.
+    /// For the entry points: the result, if this call is answered.
     [[nodiscard]] std::optional<std::uintptr_t> For(const GlCall& call) const;
 
   private:
@@ -105,7 +106,7 @@ class GlAnswer
     std::optional<double> first_argument_;
 };
 
-/// Makes `glEnable` and `glDisable` refuse a capability as a driver does that does not know it: the call
+/// Makes `glEnable` and `glDisable` refuse a capability, as a driver does that does not support it: the call
 /// raises GL_INVALID_ENUM and changes nothing.
 class GlRefusal
 {

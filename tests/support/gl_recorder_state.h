@@ -1,4 +1,4 @@
-// What the recorder's objects and its entry points share. For those two sources alone.
+// State shared by the recorder's objects and its entry points. Only for those two sources.
 #pragma once
 
 #include "tests/support/gl_recorder.h"
@@ -9,11 +9,11 @@ namespace karv_test
 {
 
 struct RecorderState {
-    GlRecording* recording = nullptr; ///< the innermost
+    GlRecording* recording = nullptr; ///< the innermost recording
     std::vector<GlHook*> hooks;
     std::vector<GlAnswer*> answers;
     std::vector<GlRefusal*> refusals;
-    int inside_glu = 0; ///< calls under way whose own GL calls are not the module's
+    int inside_glu = 0; ///< the number of open calls whose own GL calls are not the module's
 };
 
 RecorderState& State();

@@ -1,4 +1,4 @@
-// The recorder proves itself: that it hears the module, and what its hooks and answers do.
+// Tests of the recorder: that it records the module's calls, and the effect of hooks and answers.
 #include "tests/support/gl_recorder.h"
 
 #include "camera/KARVGLCamera.h"
@@ -74,7 +74,7 @@ TEST(GlRecorder, ListsEnumsBeyondOpenGl11)
     const GlRecording recording;
     glEnable(GL_LIGHTING);
     glEnable(GL_MULTISAMPLE);
-    glEnable(0x8513); // cube maps, of a later version
+    glEnable(0x8513); // cube maps, of a later version of OpenGL
     EXPECT_THAT(recording.EnumsBeyond11(), ElementsAre("0x8513", "GL_MULTISAMPLE"));
 }
 

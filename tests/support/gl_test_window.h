@@ -1,4 +1,4 @@
-// A small window with a real GL context that is current while it lives, for tests that draw without a
+// A small window with a real GL context that is current during its life, for tests that draw without a
 // control, and the reading of its pixels.
 #pragma once
 
@@ -14,7 +14,7 @@
 namespace karv_test
 {
 
-/// A pixel's colour in bytes.
+/// The colour of a pixel, 8 bits a channel.
 struct Pixel {
     int red = 0;
     int green = 0;
@@ -37,7 +37,7 @@ class Picture
 
     /// `x` from the left, `y` from the bottom, as GL counts. Throws std::out_of_range outside.
     [[nodiscard]] Pixel At(int x, int y) const;
-    /// The number of pixels that differ from `background`.
+    /// The number of pixels that are not `background`.
     [[nodiscard]] int CountOtherThan(const Pixel& background) const;
     /// Writes a PPM file, top row first.
     void Write(const std::string& path) const;
@@ -48,8 +48,8 @@ class Picture
     std::vector<std::uint8_t> bytes_;
 };
 
-/// Serves the process from off-screen buffers from now on, where it does not already; on an X server of its
-/// own where the variable KARV_TEST_BACKEND is "x11". No window may exist.
+/// Makes the process use off-screen buffers if it does not already; an X server of its own if the variable
+/// KARV_TEST_BACKEND is "x11". No window may exist.
 void UseTestWindows();
 
 /// The window. Its viewport covers it, and all other GL state is the default: no lighting, no culling, no
@@ -74,7 +74,7 @@ class GlTestWindow
     HGLRC context_;
 };
 
-/// A fixture with such a window. Where a test fails, its picture is kept in the test's temporary folder.
+/// A fixture with such a window. If a test fails, its picture is written to the test's temporary folder.
 class GlTest : public testing::Test
 {
   protected:

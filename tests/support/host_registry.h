@@ -7,7 +7,7 @@
 namespace karv_test
 {
 
-/// Another object in place of the process's dynamic linker, while this one lives.
+/// Replaces the process's dynamic linker in the registry during its life; null removes it.
 class ScopedDynamicLinker
 {
   public:

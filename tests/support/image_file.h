@@ -1,4 +1,4 @@
-// The tables of a library's file on Windows, read from the file itself and not from what a loader made of it.
+// The tables of a Windows library's file, read from the file itself and not as a loader maps it.
 #pragma once
 
 #include <cstdint>
@@ -13,19 +13,19 @@ namespace karv_test
 class ImageFile
 {
   public:
-    /// Reads the file. Throws std::runtime_error where it is no image for this machine.
+    /// Reads the file. Throws std::runtime_error if it is not an image for this machine.
     explicit ImageFile(const std::string& path);
 
-    /// The names that it exports, as they stand there.
+    /// The names of its exports, as written in the file.
     [[nodiscard]] std::set<std::string> Exports() const;
-    /// How many of its exports have no name.
+    /// The number of exports without a name.
     [[nodiscard]] std::size_t NamelessExports() const;
-    /// The functions that it imports by name, of each library; libraries by their names in lower case.
+    /// The functions that it imports by name from each library; library names are in lower case.
     [[nodiscard]] std::map<std::string, std::set<std::string>> Imports() const;
 
   private:
-    /// The records at an address of the loaded image, as many as its section holds from there. Throws
-    /// std::runtime_error where no section does.
+    /// The records at an address of the loaded image, up to the end of their section. Throws
+    /// std::runtime_error if no section contains the address.
     template <typename Record>
     [[nodiscard]] const Record* At(std::uintptr_t address) const;
     [[nodiscard]] const char* Text(std::uintptr_t address) const { return At<char>(address); }

@@ -24,7 +24,7 @@ const IMAGE_IMPORT_DESCRIPTOR* Imports(HMODULE library)
         library, headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
 }
 
-/// The slot of a function that is imported by its name; null where there is none.
+/// The slot of a function that is imported by name; null if there is none.
 void** FindSlot(HMODULE library, std::string_view function)
 {
     for (const auto* from = Imports(library); from->Name != 0; ++from) {

@@ -1,4 +1,4 @@
-// A test's own function in the place of one that a loaded library imports from another.
+// Replaces a function that a loaded library imports from another by a test's own.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -6,8 +6,8 @@
 namespace karv_test
 {
 
-/// Makes the calls of one library to `function` of another go to `replacement` while it lives. Throws
-/// std::runtime_error where the library is not loaded or does not import such a function. One thread.
+/// Redirects the calls of one library to `function` of another to `replacement` during its life. Throws
+/// std::runtime_error if the library is not loaded or does not import that function. For one thread.
 class ImportPatch
 {
   public:
@@ -17,7 +17,7 @@ class ImportPatch
     ~ImportPatch();
 
   private:
-    /// Where the library keeps the address of the function.
+    /// The place of the function's address in the library.
     void** slot_;
     void* original_;
 };

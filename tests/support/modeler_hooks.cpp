@@ -12,7 +12,7 @@ namespace
 karv_test::PlaneHook* plane_hook = nullptr;
 karv_test::EdgesHook* edges_hook = nullptr;
 
-/// The library's own definition behind the program's.
+/// The library's definition, which the program's pre-empts.
 template <typename Function>
 Function Next(const char* mangled_name)
 {

@@ -1,8 +1,7 @@
-// Hooks stand before the modeler's operations that the module calls: the test program's own definitions
-// pre-empt the library's and pass the calls on. They stage what a sound body never does: faults, and edges
-// that are not there.
+// Hooks at the modeler's operations that the module calls: the test program's own definitions pre-empt the
+// library's and pass the calls on. They stage results that a sound body never gives: faults, and null edges.
 //
-// One thread. The program must be linked with its symbols exported.
+// For one thread. The program must be linked with its symbols exported.
 #pragma once
 
 #include "platform/modeler/body.h"
@@ -13,9 +12,9 @@
 namespace karv_test
 {
 
-/// Runs `action` at every evaluation of a plane, before it is passed on, with the number of the evaluation
-/// since the hook was made, from 1. An exception that it throws leaves the operation in place of the call.
-/// One at a time.
+/// Runs `action` at every evaluation of a plane, before it is passed on, with the number of the evaluation,
+/// counted from 1 since the hook was made. If it throws, the exception leaves the operation. Only one may
+/// exist at a time.
 class PlaneHook
 {
   public:
@@ -24,9 +23,9 @@ class PlaneHook
     PlaneHook& operator=(const PlaneHook&) = delete;
     ~PlaneHook();
 
-    /// The evaluations so far.
+    /// The number of evaluations so far.
     [[nodiscard]] int Calls() const { return calls_; }
-    /// For the entry point.
+    /// For the pre-empting definition.
     void Run() { action_(++calls_); }
 
   private:
@@ -34,8 +33,8 @@ class PlaneHook
     int calls_ = 0;
 };
 
-/// Runs `action` at every listing of physical edges, after it was answered, with the two flags and the list,
-/// which it may change. An exception that it throws leaves the operation. One at a time.
+/// Runs `action` after every listing of physical edges, with the two flags and the list, which it may change.
+/// If it throws, the exception leaves the operation. Only one may exist at a time.
 class EdgesHook
 {
   public:
@@ -46,7 +45,7 @@ class EdgesHook
     EdgesHook& operator=(const EdgesHook&) = delete;
     ~EdgesHook();
 
-    /// For the entry point.
+    /// For the pre-empting definition.
     void Run(bool with_edges, bool with_vertices, Edges& edges) { action_(with_edges, with_vertices, edges); }
 
   private:

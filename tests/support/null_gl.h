@@ -1,6 +1,5 @@
-// An OpenGL that does nothing: the program's entry points stand before the libraries' for the module, so that
-// what a frame or an append takes is the module's own. Some calls are counted, to show that there was
-// something to do.
+// An OpenGL that does nothing: the program's entry points pre-empt the libraries' for the module, so that the
+// cost of a frame or an append is the module's own. Some calls are counted, to show that frames were drawn.
 #pragma once
 
 #include <cstddef>

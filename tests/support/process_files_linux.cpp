@@ -6,7 +6,7 @@
 
 #include <malloc.h>
 
-// The allocator of a sanitizer, which knows nothing of mallinfo2; null without one.
+/// A sanitizer's allocator, which mallinfo2 does not report; null without a sanitizer.
 extern "C" __attribute__((weak)) std::size_t __sanitizer_get_current_allocated_bytes();
 
 namespace karv_test
@@ -14,7 +14,7 @@ namespace karv_test
 
 std::uintptr_t LoadAddress(const std::string& path_end)
 {
-    // Lines come by address, which stands first.
+    // Lines are in order of their address, which comes first.
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);)
         if (line.ends_with(path_end))

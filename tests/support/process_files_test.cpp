@@ -1,4 +1,4 @@
-// What tells of leaks hears them.
+// Tests that the leak checks notice leaks.
 #include "tests/support/process_files.h"
 
 #include <gtest/gtest.h>

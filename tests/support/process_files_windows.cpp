@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
-// Takes the basic types from the header above.
+// Needs the basic types of the header above.
 #include <psapi.h>
 
 namespace karv_test
@@ -24,7 +24,7 @@ std::string Normal(std::string path)
     return path;
 }
 
-/// The libraries of the process, and the program.
+/// The modules of the process: its libraries and the program.
 std::vector<HMODULE> Modules()
 {
     std::vector<HMODULE> modules(64);
@@ -68,8 +68,8 @@ std::uintptr_t LoadAddress(const std::string& path_end)
 
 std::ptrdiff_t OpenDescriptors()
 {
-    // NOTE: each is tried, as GetProcessHandleCount answers nothing under Wine. Values are multiples of four,
-    // and the lowest free one is taken next.
+    // NOTE: GetProcessHandleCount reports nothing under Wine, so each possible handle is tried. Handles are
+    // multiples of four, and the lowest free one is used next.
     constexpr std::uintptr_t kStep = 4;
     constexpr std::uintptr_t kLimit = 512 * kStep;
     std::ptrdiff_t count = 0;
@@ -84,7 +84,8 @@ std::ptrdiff_t OpenDescriptors()
 
 std::size_t HeapInUse()
 {
-    // The C library has one of its own. Room for many, so that no allocation comes between count and walk.
+    // The C library has a heap of its own. The array is large so that nothing is allocated between the count
+    // and the walk.
     std::array<HANDLE, 256> heaps{};
     const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
     std::size_t bytes = 0;

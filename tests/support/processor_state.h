@@ -1,5 +1,5 @@
-// What tests of processor faults need of the system: another handler of faults in the same process, and how
-// much memory the process holds.
+// System functions for the tests of processor faults: another handler of faults in the same process, and the
+// memory that the process holds.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,9 @@
 namespace karv_test
 {
 
-/// A handler of access violations as a host may have one, for its life. It takes only faults inside its own
-/// `Run` on the thread that runs it, and leaves others to whoever stood before it.
+/// A handler of access violations as a host may have one, installed for its life. It handles only faults
+/// inside its own `Run` on the thread that runs it, and passes others to the handler that was installed
+/// before it.
 class ForeignFaultHandler
 {
   public:
@@ -18,18 +19,17 @@ class ForeignFaultHandler
     ForeignFaultHandler& operator=(const ForeignFaultHandler&) = delete;
     ~ForeignFaultHandler();
 
-    /// Runs `act` and returns whether it faulted and the fault came to this handler, which ended it there.
-    /// Nothing on the way is destroyed.
+    /// Runs `act` and returns whether it faulted and the fault reached this handler, which then left `act`.
+    /// Objects on the way are not destroyed.
     bool Run(const std::function<void()>& act);
 };
 
 constexpr int kEndedByHost = 42;
 
-/// From now on the process ends with status `kEndedByHost` at a fault that nobody handles, stack overflow
-/// included.
+/// From now on the process ends with status `kEndedByHost` at an unhandled fault, stack overflow included.
 void EndAtUnhandledFaults();
 
-/// Bytes that the process has from the system's memory managers and has not given back.
+/// The bytes that the process has allocated and not freed.
 std::size_t MemoryInUse();
 
 } // namespace karv_test

@@ -12,7 +12,7 @@ namespace
 
 PVOID handler = nullptr;
 
-/// The registers to go on with, and whether the thread has been there.
+/// The registers to resume with, and whether the thread was resumed there.
 struct WayOut {
     CONTEXT registers{};
     volatile bool is_taken = false;

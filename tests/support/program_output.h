@@ -1,4 +1,4 @@
-// Another program, run to its end.
+// Runs another program to its end.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 namespace karv_test
 {
 
-/// What a run of the program with one argument, which may be empty, writes to its standard output, with
-/// single line breaks; and after it its status where that is not 0. "cannot be started" where it cannot be.
+/// The standard output of the program, run with one argument, which may be empty. Line breaks are single
+/// characters. A status other than 0 is appended. "cannot be started" if the program cannot be started.
 [[nodiscard]] std::string OutputOf(const std::string& program, const std::string& argument);
 
 } // namespace karv_test

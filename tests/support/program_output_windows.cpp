@@ -9,7 +9,7 @@ namespace karv_test
 namespace
 {
 
-/// Reads until nobody can write any more.
+/// Reads until every writer has closed the pipe.
 std::string ReadAll(HANDLE pipe)
 {
     std::string text;

@@ -1,5 +1,5 @@
-// How a test scripts an application module: the module asks an object of the test, which it finds in the
-// system registry, what to do. Shared by the tests and the modules made for them.
+// Lets a test script an application module: the module looks up an object of the test in the system registry
+// and asks it what to do. Shared by the tests and the modules made for them.
 #pragma once
 
 #include "platform/host/rx/entry_points.h"
@@ -16,7 +16,7 @@ namespace karv_test
 
 inline constexpr const wchar_t* kPuppeteerKey = L"Puppeteer";
 
-/// Stands in the registry while it lives. One at a time.
+/// Registered during its life. Only one may exist at a time.
 class Puppeteer : public AcRxObject
 {
   public:
@@ -25,31 +25,31 @@ class Puppeteer : public AcRxObject
     Puppeteer& operator=(const Puppeteer&) = delete;
     ~Puppeteer() override { acrxSysRegistry()->put(kPuppeteerKey, nullptr); }
 
-    /// What the module answers to a message.
+    /// Returns the module's answer to a message.
     virtual host::Answer Take(host::Message message, void* application)
     {
         messages.push_back(message);
         applications.push_back(application);
         return script ? script(message, application) : host::Answer::Ok;
     }
-    /// What happens to the module beyond messages.
+    /// Records an event of the module other than a message.
     virtual void Note(const std::string& event, HINSTANCE instance)
     {
         events.push_back(event);
         instances.push_back(instance);
     }
 
-    /// The one that lives; null for none.
+    /// The one that is registered; null for none.
     [[nodiscard]] static Puppeteer* Current()
     {
         return static_cast<Puppeteer*>(acrxSysRegistry()->at(kPuppeteerKey));
     }
 
-    std::function<host::Answer(host::Message, void* application)> script; ///< empty: all is well
+    std::function<host::Answer(host::Message, void* application)> script; ///< empty: always succeeds
     std::vector<host::Message> messages;
-    std::vector<void*> applications; ///< of each message
+    std::vector<void*> applications; ///< one for each message
     std::vector<std::string> events;
-    std::vector<HINSTANCE> instances; ///< of each event; null where it has none
+    std::vector<HINSTANCE> instances; ///< one for each event; null if it has none
 };
 
 } // namespace karv_test

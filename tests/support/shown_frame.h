@@ -1,6 +1,6 @@
-// The next frame that a viewport draws by its timer, read back: where the layer provides the windows, before
-// its swap; where the system does, right after its timer message. It knows windows and OpenGL, and no test
-// framework.
+// Reads back the next frame that a viewport draws by its timer: before the buffer swap where the layer
+// provides the windows, right after the timer message where the system does. It knows windows and OpenGL, and
+// no test framework.
 //
 // For the thread that owns the windows.
 #pragma once
@@ -21,17 +21,17 @@ struct ShownFrame {
     std::vector<std::uint8_t> rgb;
 };
 
-/// Dispatches messages until the window has drawn a frame, and returns it; nothing where it has not after
-/// very many. The window's context must be current.
+/// Dispatches messages until the window has drawn a frame, and returns it; nothing if there is none within
+/// `kMessagesForAFrame` messages. The window's context must be current.
 [[nodiscard]] std::optional<ShownFrame> NextFrame(HWND window);
 
-/// What the current context's read buffer holds, from its lower left corner on.
+/// The lower left `width` x `height` pixels of the current context's read buffer.
 [[nodiscard]] ShownFrame ReadShownFrame(int width, int height);
 
-/// Dispatches the next message and returns it. Waits for one, which a running timer makes sure of.
+/// Dispatches the next message and returns it. Waits for one, so a timer must be running.
 MSG DispatchNextMessage();
 
-/// How many messages may come without a frame.
+/// The number of messages that may come without a frame.
 inline constexpr int kMessagesForAFrame = 10000;
 
 } // namespace karv_test

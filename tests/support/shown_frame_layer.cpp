@@ -1,4 +1,4 @@
-// Frames of the windows that the layer provides.
+// Frames of windows that the layer provides.
 #include "platform/winsys/provider.h"
 #include "tests/support/shown_frame.h"
 

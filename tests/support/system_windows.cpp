@@ -1,4 +1,4 @@
-// Test programs on a system that has its own windows have nothing to choose.
+// On a system with its own windows test programs have no backend to choose.
 #include "tests/support/gl_test_window.h"
 
 namespace karv_test

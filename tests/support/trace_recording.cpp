@@ -5,7 +5,7 @@ namespace karv_test
 namespace
 {
 
-/// Trace names and source files are plain ASCII; anything else shows as a question mark.
+/// Trace names and source files are ASCII; other characters become question marks.
 std::string Narrow(const std::wstring& text)
 {
     std::string narrow;

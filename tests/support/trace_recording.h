@@ -1,4 +1,4 @@
-// Records what the module traces while an object lives, as short listings.
+// Records the module's trace while an object lives, as short listings.
 #pragma once
 
 #include "platform/tools/memory_trace_sink.h"
@@ -10,8 +10,7 @@
 namespace karv_test
 {
 
-/// Installs a sink of its own for its life and puts the one before it back. No call may be under way when it
-/// goes.
+/// Installs a sink for its life and restores the previous one. No call may be open when it is destroyed.
 class TraceRecording
 {
   public:
@@ -20,13 +19,13 @@ class TraceRecording
     TraceRecording& operator=(const TraceRecording&) = delete;
     ~TraceRecording();
 
-    /// "> name" where a call begins, "< name" where it ends, "! file" where a fault was reported.
+    /// "> name" where a call begins, "< name" where it ends, "! file" where a fault is reported.
     [[nodiscard]] std::vector<std::string> Listing() const;
-    /// The faults alone, as "file:line".
+    /// Only the faults, as "file:line".
     [[nodiscard]] std::vector<std::string> Faults() const;
     /// The names of the calls begun, in order.
     [[nodiscard]] std::vector<std::string> Calls() const;
-    /// The calls begun while no other was under way, in order.
+    /// The calls begun while no other was open, in order.
     [[nodiscard]] std::vector<std::string> OutermostCalls() const;
     [[nodiscard]] std::vector<TraceRecord> Records() const { return sink_.Records(); }
     void Clear() { sink_.Clear(); }

@@ -1,4 +1,4 @@
-"""Finds the mutants of C++ sources, by what the compiler's own parser sees in them."""
+"""Finds the mutants of C++ sources with the compiler's own parser."""
 
 import os
 import re
@@ -22,7 +22,7 @@ def extent(cursor):
 
 
 def bare(cursor):
-    """The cursor under those that only convert it."""
+    """The cursor without the cursors around it that only convert it."""
     while cursor.kind == CursorKind.UNEXPOSED_EXPR:
         children = list(cursor.get_children())
         if len(children) != 1:
@@ -32,8 +32,8 @@ def bare(cursor):
 
 
 class Finder:
-    """The mutants found so far, of all sources that it was shown: those that can be switched at run time, and the
-    number of those that cannot, by reason."""
+    """The mutants found so far in all visited sources: those that can be switched at run time, and the number of
+    those that cannot, by reason."""
 
     def __init__(self, root, folders):
         self.root = root
@@ -76,7 +76,7 @@ class Finder:
 
 
 class _Walk:
-    """One walk down a declaration. `reason` says why nothing under a cursor can be switched at run time, if so."""
+    """One walk through a declaration. `reason` is why nothing under a cursor can be switched at run time, if so."""
 
     def __init__(self, finder, file):
         self.finder = finder
@@ -103,7 +103,7 @@ class _Walk:
             self.visit(child, reason or self.why_not_child(cursor, child, position))
 
     def head(self, cursor):
-        """What stands before the name, or before the body."""
+        """The text before the name, or before the body."""
         start = cursor.extent.start.offset
         return self.text[start:max(start, cursor.location.offset)]
 
@@ -170,7 +170,7 @@ class _Walk:
         if operator is None:
             return
         is_pointer = cursor.type.get_canonical().kind == TypeKind.POINTER
-        # Parentheses around an operand belong to it, so that only the operator stands between.
+        # Parentheses around an operand belong to it, so that only the operator is between the operands.
         at = left_end + self.text[left_end:right_start].index(operator)
         for kind, other in schemata.operator_changes(operator, is_pointer):
             mutated = f"{self.raw(start, at)} {other} {self.raw(at + len(operator), end)}"
@@ -189,7 +189,7 @@ class _Walk:
             self.add((start, end), "condition", f"!!({text[1:]})", reason)
 
     def find_overloaded(self, cursor, reason):
-        """Signs of vectors and points, whose operators are functions."""
+        """Sign changes of vectors and points, whose operators are functions."""
         if cursor.spelling != "operator-":
             return
         start, end = extent(cursor)
@@ -218,12 +218,12 @@ class _Walk:
             why = reason or self.why_not_child(cursor, children[0], 0)
             place = extent(children[0])
             text = self.raw(*place)
-            # An equality alone has its negation among the comparisons already.
+            # The negation of a single equality is already among the comparisons.
             if not re.fullmatch(r"[^=!<>&|?]*[=!]=[^=!<>&|?]*", text):
                 self.add(place, "condition", f"!({text})", why)
 
     def find_statements(self, children, reason):
-        """Removals of statements, and swaps of each call with the call that follows it."""
+        """Removals of statements, and swaps of two calls in a row."""
         previous = None
         for child in children:
             place = self.statement_place(child)
@@ -240,7 +240,7 @@ class _Walk:
             previous = place
 
     def statement_place(self, cursor):
-        """Where a statement stands that may be left out, with its semicolon."""
+        """The extent of a statement that may be removed, with its semicolon."""
         is_jump = cursor.kind in (CursorKind.RETURN_STMT, CursorKind.CONTINUE_STMT) and not list(cursor.get_children())
         if not is_jump and not cursor.kind.is_expression():
             return None
@@ -250,7 +250,7 @@ class _Walk:
 
 
 def compile_arguments(database_folder, path):
-    """What the parser needs of the command that compiles the source."""
+    """The arguments of the source's compile command that the parser needs."""
     command = CompilationDatabase.fromDirectory(database_folder).getCompileCommands(path)[0]
     kept, takes_value = [], False
     for argument in list(command.arguments)[1:]:

@@ -1,4 +1,4 @@
-"""Builds the module once with all its mutants, then switches a sample of them on, one at a time, before its tests."""
+"""Builds the module once with all its mutants, then runs its tests with a sample of the mutants, one at a time."""
 
 import argparse
 import concurrent.futures
@@ -42,7 +42,7 @@ inline const int active = [] {{
 #define {schemata.SWITCH}(number) (karv_mutation::active == (number))
 """
 
-# The tests of each source, beyond the folder of the same name; a source that is not here has that whole folder.
+# The tests of each source. For a source that is not listed these are the tests of the folder of the same name.
 CONTROL = "tests/control/"
 MODULE = ["tests/module/" + name + "_test.cpp" for name in ("entry", "linked_load", "module_load", "process_end")]
 SUBJECTS = {
@@ -70,7 +70,7 @@ SUBJECTS = {
     ],
 }
 
-# A mutant that tests surely notice: it proves that the switch reaches the module.
+# A mutant that the tests certainly notice. It proves that the switch reaches the module.
 KNOWN = ("camera/KARVGLCamera.cpp", "statement removed", 'Guarded(L"KARVGLCamera::SetTarget"')
 
 
@@ -90,7 +90,7 @@ def call(*command, **options):
 
 
 def lay_out_tree():
-    """A copy of the project, so that what is edited while the mutants run does not reach them."""
+    """Copies the project, so that edits during the run do not affect the mutants."""
     shutil.rmtree(TREE, ignore_errors=True)
     shutil.copytree(ROOT, TREE, symlinks=True, ignore=lambda folder, names: [
         name for name in names if folder == ROOT and (name == "build" or name.startswith("."))])
@@ -132,7 +132,7 @@ def write_sources(finder, numbered):
 
 
 def build(finder, numbered):
-    """Leaves out of `numbered` what does not compile, and returns how many that were."""
+    """Removes the mutants that do not compile from `numbered` and returns their number."""
     refused = 0
     for _ in range(20):
         write_sources(finder, numbered)
@@ -157,7 +157,7 @@ def limit_child():
 
 
 def run_tests(number, program, tests, time_limit):
-    """What became of the tests with this mutant on: "passed", "failed", "crashed" or "timed out"."""
+    """The outcome of the tests with this mutant on: "passed", "failed", "crashed" or "timed out"."""
     environment = dict(os.environ, KARV_MUTANT=str(number), GTEST_FILTER=tests,
                        TEST_TMPDIR=os.path.join(BUILD, "temporary") + "/")
     with subprocess.Popen([os.path.join(OBJECTS, program), "--gtest_fail_fast", "--gtest_brief=1"], env=environment,
@@ -179,7 +179,7 @@ def list_tests(program):
 
 
 class Tests:
-    """The tests that belong to each source, by program, and how long they may take."""
+    """The tests of each source, by program, and their time limits."""
 
     def __init__(self, files):
         listings = {program: list_tests(program) for program in PROGRAMS}
@@ -206,7 +206,7 @@ class Tests:
         return self.first_of(number, self.runs[file])
 
     def first_of(self, number, runs):
-        """What became of the first program that did not pass."""
+        """The outcome of the first program that does not pass, else "passed"."""
         for run in runs:
             outcome = run_tests(number, *run, self.limits[run])
             if outcome != "passed":
@@ -221,7 +221,7 @@ class Tests:
 
 
 def check_switch(tests, numbered):
-    """A number that no mutant has changes nothing; a mutant that tests surely notice is noticed."""
+    """Checks that an unused number changes nothing and that the known mutant is noticed."""
     file, kind, start = KNOWN
     known = [number for number, mutant in numbered.items()
              if (mutant.file, mutant.kind) == (file, kind) and mutant.original.startswith(start)]
@@ -235,7 +235,7 @@ def check_switch(tests, numbered):
 
 
 def run_sample(tests, numbered, chosen, options):
-    """{number: outcome} of those that were run within the time."""
+    """{number: outcome} of the mutants that were run within the time."""
     end = time.monotonic() + 60 * options.minutes
     outcomes = {}
 

@@ -1,14 +1,14 @@
-"""What mutants are, and how a source that holds them all is written: text only, no parser and no build.
+"""Mutants, and the writing of a source that contains them all: text only, without parser and build.
 
-A mutant is a small change of a source that its tests should notice. The rewritten source holds every mutant beside the
-original and asks at run time which one is on, so that one build serves them all.
+A mutant is a small change of a source that its tests should notice. The rewritten source contains every mutant next to the
+original code and selects one at run time, so that one build is enough.
 """
 
 import dataclasses
 import random
 import re
 
-# Asked in the rewritten sources, with a mutant's number.
+# Called in the rewritten sources with a mutant's number; true while that mutant is on.
 SWITCH = "KARV_MUTANT_ON"
 
 COMPARISONS = {"<": ["<=", ">="], "<=": ["<", ">"], ">": [">=", "<"], ">=": [">", "<"], "==": ["!="], "!=": ["=="]}
@@ -24,8 +24,8 @@ KINDS = ("comparison", "constant", "sign", "condition", "order of calls", "state
 class Mutant:
     """A change of source[start:end], whose text is `original`; `line` and `column` count from 1.
 
-    A removed statement has no `mutated` text. In a swap the place is the first statement's, `mutated` is the second
-    one's text, and `second` its place.
+    A removed statement has an empty `mutated`. In a swap `start` and `end` are those of the first statement, `mutated` is
+    the text of the second one, and `second` its (start, end).
     """
 
     file: str
@@ -44,20 +44,20 @@ class Mutant:
 
 
 def one_line(text):
-    """The text without comments and line breaks, so that it can stand beside the original on the original's line."""
+    """The text without comments and line breaks, so that it fits on the line of the original."""
     parts = re.findall(r'"(?:\\.|[^"\\])*"|//[^\n]*|/\*.*?\*/|[^"/]+|.', text, re.DOTALL)
     kept = (" " if part.startswith(("//", "/*")) else part for part in parts)
     return re.sub(r"\s+", " ", "".join(kept)).strip()
 
 
 def operator_between(text):
-    """The operator in what stands between two operands, or None where more than an operator does."""
+    """The operator in the text between two operands, or None if that is more than an operator."""
     text = one_line(text).replace("(", "").replace(")", "").strip()
     return text if re.fullmatch(r"[-+*/%<>=!&|^]+", text) else None
 
 
 def operator_changes(operator, is_pointer=False):
-    """(kind, operator) for each operator that a mutant puts in place of this one."""
+    """(kind, operator) for each operator that replaces this one in a mutant."""
     changes = []
     for kind, table in (("comparison", COMPARISONS), ("sign", SIGNS), ("sign", COMPOUND), ("condition", LOGIC)):
         changes += [(kind, other) for other in table.get(operator, [])]
@@ -65,7 +65,7 @@ def operator_changes(operator, is_pointer=False):
 
 
 def literal_changes(literal):
-    """The literals, or expressions of the same type, that mutants put in place of this one."""
+    """The literals, or expressions of the same type, that replace this one in mutants."""
     if literal in ("true", "false"):
         return ["false" if literal == "true" else "true"]
     if re.fullmatch(r"[A-Za-z_]\w*", literal):
@@ -80,14 +80,14 @@ def literal_changes(literal):
 
 
 def constant_changes(name, is_floating):
-    """The same for a named constant of the project, whose value is not known here."""
+    """The same for a named constant of the project, whose value is unknown."""
     kept = f"static_cast<std::remove_cvref_t<decltype({name})>>"
     return [f"{kept}({name} * 2)", f"{kept}({name} + 1)"] if is_floating else [f"{kept}({name} + 1)"]
 
 
 @dataclasses.dataclass(frozen=True)
 class Edit:
-    """What stands in place of source[start:end], original included. Numbers are those of mutants."""
+    """The replacement of source[start:end], which includes the original. Numbers are those of mutants."""
 
     start: int
     end: int
@@ -107,7 +107,7 @@ class Edit:
 
 
 def edits_of(numbered):
-    """The edits that hold these mutants of one source, given as (number, mutant)."""
+    """The edits for these mutants of one source, given as (number, mutant)."""
     choices, before, unless = {}, {}, {}
     for number, mutant in numbered:
         place = (mutant.start, mutant.end)
@@ -126,7 +126,7 @@ def edits_of(numbered):
 
 
 def rewrite(source, edits):
-    """The source with its edits, which nest. No line of it moves."""
+    """The source with its edits applied, which may be nested. Line numbers are kept."""
     ordered = sorted(edits, key=lambda edit: (edit.start, -edit.end, not edit.is_statement))
 
     def text_of(start, end, index):
@@ -149,8 +149,8 @@ def lines_with_errors(output):
 
 
 def sample(mutants, count, seed):
-    """The numbers of `count` mutants of {number: mutant}, in order: the same ones for the same seed, spread over the
-    files in proportion, with at least one of each."""
+    """The numbers of `count` mutants of {number: mutant}, in order: the same ones for the same seed, in proportion to
+    the mutants of each file, with at least one of each file."""
     chooser = random.Random(seed)
     by_file = {}
     for number, mutant in sorted(mutants.items()):
@@ -167,8 +167,8 @@ def sample(mutants, count, seed):
 
 
 def test_filter(listing, patterns):
-    """The GoogleTest filter of all tests that stand in files whose path ends with one of the patterns (a pattern that
-    ends with / names a folder), from GoogleTest's listing in JSON."""
+    """The GoogleTest filter of all tests in files whose path ends with one of the patterns, from GoogleTest's listing in
+    JSON. A pattern that ends with / names a folder."""
     names = []
     for suite in listing["testsuites"]:
         for case in suite["testsuite"]:

@@ -31,7 +31,7 @@ std::string Differs(const std::string& what, double value, double expected)
 template <typename Pointer>
 double AddressOf(Pointer pointer)
 {
-    // A user-space address has fewer bits than a double's mantissa, so it is kept exactly.
+    // A user-space address has fewer bits than a double's mantissa, so it is exact.
     return static_cast<double>(std::bit_cast<std::uintptr_t>(pointer));
 }
 
@@ -285,7 +285,7 @@ struct KnownArguments {
     std::size_t count;
 };
 
-// Of these the rest are pointers.
+/// The calls with pointer arguments, and the range of their other arguments.
 constexpr std::array<KnownArguments, 12> kWithPointers = {{{"gluProject", 0, 3},
                                                            {"glGetDoublev", 0, 1},
                                                            {"glGetIntegerv", 0, 1},
@@ -310,7 +310,7 @@ std::vector<double> WithoutPointers(const karv_test::GlCall& call)
     return call.values;
 }
 
-/// The module's own calls: without those that the tessellator makes while a polygon ends.
+/// The module's own calls, without those that the tessellator makes when a polygon ends.
 std::vector<const karv_test::GlCall*> OwnCalls(const std::vector<karv_test::GlCall>& calls)
 {
     std::vector<const karv_test::GlCall*> own;
@@ -390,7 +390,7 @@ std::optional<std::string> GlDifference(const std::vector<karv_test::GlCall>& ca
 std::optional<std::string> WindowDifference(const karv_test::WindowCalls& calls, const ModelControl& model)
 {
     std::vector<std::string> heard = calls.Listing();
-    // The framework's default painting takes and gives back a device context of its own.
+    // The framework's default painting gets and releases a device context of its own.
     std::erase_if(heard, [](const std::string& call) {
         return call.starts_with("GetDC") || call.starts_with("ReleaseDC");
     });

@@ -48,7 +48,7 @@ AcGeVector3d ViewDirection(const ModelCamera& camera)
     return camera.target - camera.position;
 }
 
-/// The camera's right: world X when it looks along the vertical.
+/// The camera's right direction; world X when it looks along the vertical.
 AcGeVector3d Right(const AcGeVector3d& view)
 {
     if (view.isParallelTo(AcGeVector3d::kZAxis, AcGeContext::gTol)) {

@@ -1,6 +1,6 @@
-// The camera's rules once more, written out plainly, as the judge of the real one: every step in the order
-// and in the precision that is fixed for it. It borrows the host's geometry library, as the real camera does,
-// and nothing of the real camera.
+// An independent model of the camera, compared with the real one: every step in the order and precision that
+// the rules fix. Like the real camera it uses the host's geometry library; it uses nothing of the real
+// camera.
 #pragma once
 
 #include "platform/host/ge/geometry.h"
@@ -23,22 +23,19 @@ struct ModelCamera {
     double field_of_view = 40.0;
     double ortho_zoom = 1.0;
 
-    // State.
     void SetFarPlaneDistance(double distance);
     void SetCamera(const AcGePoint3d& eye, const AcGePoint3d& at, const AcGeVector3d& up);
     void ResetAngle();
 
-    // Matrices.
     void UpdateCamera(GlStream& gl) const;
     void RefreshCameraView(GlStream& gl, double fov, double distance, float new_aspect);
     void SetPerspectiveOn(GlStream& gl, bool on);
     void ZoomAt(GlStream& gl, float& zoom_factor, float& fov) const;
 
-    // Standard views: the front, and the others by one or two turns from there; a second turn of 0 is none.
     void SetViewFront(GlStream& gl);
+    /// The other standard views: one or two turns from the front view; `about_x` of 0 is no second turn.
     void SetViewByTurns(GlStream& gl, float about_z, float about_x);
 
-    // Motion.
     void RotateCamera(float angle, const AcGeVector3d& axis);
     void PanCamera(float amount, const AcGeVector3d& axis);
     void ZoomCamera(float amount);

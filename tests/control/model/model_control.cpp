@@ -204,7 +204,7 @@ void ModelControl::DrawFrame()
 
 bool ModelControl::IsLeftOfAndBelow(const Triple& corner)
 {
-    // A corner that the projection refuses (it lies in the eye's plane) stays where the variables start.
+    // A corner that the projection refuses (it lies in the eye's plane) keeps the initial values.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
@@ -344,7 +344,7 @@ void ModelControl::OnMouseWheel(int delta, bool is_message)
 {
     MouseZoom(delta / -10);
     OnDraw();
-    // The default handling of the wheel hands it to the parent, which leaves it to the default handling, too.
+    // The default handling passes the wheel to the parent, which passes it to its default handling too.
     if (is_message)
         defaulted_messages.insert(defaulted_messages.end(), {WM_MOUSEWHEEL, WM_MOUSEWHEEL});
 }

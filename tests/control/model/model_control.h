@@ -1,7 +1,7 @@
-// The control's rules once more, written out plainly, as the judge of the real one: frames and their
-// throttle, culling, category switches, extents, navigation with the mouse, camera commands, and creation as
-// far as it issues GL calls. It knows nothing of the real control; what only the outside can tell (list
-// names, matrices, handles) is handed in before each step.
+// An independent model of the control, compared with the real one: frames and their throttle, culling,
+// category switches, extents, navigation with the mouse, camera commands, and the GL calls of the creation.
+// It uses nothing of the real control; values that it cannot compute (list names, matrices, handles) are
+// passed in before each step.
 #pragma once
 
 #include "tests/control/model/model_camera.h"
@@ -15,7 +15,7 @@
 namespace karv_model
 {
 
-/// What the outside tells for one step.
+/// Values of one step that come from the driver and the window system.
 struct Outside {
     ListNames lists;
     double model_view[16] = {};
@@ -23,7 +23,7 @@ struct Outside {
     int viewport[4] = {};
     int client_width = 0;
     int client_height = 0;
-    // After creation: the handles and the format that the window system gave.
+    /// After creation: the handles and the format that the window system gave.
     double device_context = 0.0;
     double rendering_context = 0.0;
     double pixel_format = 0.0;
@@ -39,7 +39,7 @@ struct Rect {
 struct ModelControl {
     explicit ModelControl(unsigned host_red, unsigned host_green, unsigned host_blue);
 
-    // What one step brings, emptied before the next.
+    /// The input and output of one step, emptied before the next.
     Outside outside;
     GlStream gl;
     std::vector<std::string> window_calls;
@@ -87,26 +87,23 @@ struct ModelControl {
     std::vector<ModelEntity> entities;
     std::map<std::int32_t, bool> disabled_types;
 
-    // Creation.
     void CreateCtrl(const Rect& rect, bool transparent);
 
-    // Frames and rendering.
     void OnDraw();
     void ForceRenderStart();
     void OnPaint();
     void OnSize(unsigned type, int cx, int cy);
-    /// One frame that the clock measures from `t0` to `t1`, in ms.
+    /// One frame that lasts from `t0` to `t1`, in ms.
     void OnTimer(std::int64_t t0, std::int64_t t1);
     void SetBgColor(int r, int g, int b);
     void SetLightsOff(bool off);
     void DrawDebugCubeAt(const Triple& position, float size);
 
-    // Geometry and extents.
     void AddEntityToCache(const ModelEntity& entity);
     void OverrideExtents(const WideTriple& low, const WideTriple& high);
 
-    // Navigation. `is_message` tells a window message from a call of the handler alone, for which there is no
-    // default handling.
+    /// With `is_message` the call is a window message; otherwise the handler is called alone and there is no
+    /// default handling.
     void OnMouseMove(unsigned flags, int x, int y, bool is_message);
     void OnMouseWheel(int delta, bool is_message);
     void MouseRotate(int dx, int dy);
@@ -114,7 +111,6 @@ struct ModelControl {
     void MouseZoom(int d);
     void Restrict(bool to_rotate, bool to_pan, bool to_zoom);
 
-    // Camera.
     void SetCamera(const AcGePoint3d& eye, const AcGePoint3d& at, const AcGeVector3d& up);
     void SetCameraData(const AcGePoint3d& eye, const AcGePoint3d& at, const AcGeVector3d& up);
 

@@ -46,8 +46,8 @@ Triple PaletteColor(unsigned short index)
     return {Channel(rgb, 16), Channel(rgb, 8), Channel(rgb, 0)};
 }
 
-/// The calls that compile a polygon, and the list's name. What the tessellator sends into the list is its
-/// own.
+/// Adds the calls that compile a polygon and returns the list's name. The calls that the tessellator compiles
+/// into the list are left out.
 std::uint32_t CompiledPolygon(GlStream& gl, ListNames& lists, const ModelFace& face)
 {
     Expect(gl, "glGenLists", {1.0});
@@ -128,7 +128,7 @@ ModelEntity ModelEntity::FromLine(const WideTriple& start, const WideTriple& end
     const Triple a = Narrowed(start);
     const Triple b = Narrowed(end);
     entity.line_vertices = {a, b};
-    // The far corner is not seeded: it stays at the origin or grows beyond it.
+    // The far corner is not seeded: it stays at the origin or grows from there.
     entity.low = b;
     entity.box_valid = true;
     GrowBox(a, entity.low, entity.high);

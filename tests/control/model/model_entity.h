@@ -1,6 +1,6 @@
-// The rules of entities and boxes once more, written out plainly: construction from faces, solids and host
-// lines, growth of boxes, drawing. It borrows the host's palette; tessellation itself is GLU's, only the
-// calls around it are foretold.
+// An independent model of entities and boxes: construction from faces, solids and host lines, growth of
+// boxes, drawing. It uses the host's palette. Tessellation itself is GLU's; only the calls around it are
+// modelled.
 #pragma once
 
 #include "platform/modeler/body.h"
@@ -28,7 +28,7 @@ struct WideTriple {
 };
 
 [[nodiscard]] Triple Narrowed(const WideTriple& wide);
-/// Grows the box to take the point in.
+/// Grows the box to include the point.
 void GrowBox(const Triple& point, Triple& low, Triple& high);
 
 struct ModelFace {
@@ -37,8 +37,7 @@ struct ModelFace {
     std::uint32_t list = 0;
 };
 
-/// What the operations take from outside: names that the driver gave to new display lists, in order. Empty
-/// where no context was current, so that none could be had.
+/// The names that the driver gave to new display lists, in order. Empty where no context was current.
 using ListNames = std::deque<std::uint32_t>;
 
 struct ModelEntity {
@@ -58,7 +57,7 @@ struct ModelEntity {
     /// From a solid, read through the modeler.
     [[nodiscard]] static ModelEntity FromBody(AModeler::Body& body, std::int32_t type,
                                               unsigned short color_index);
-    /// From a host entity that is no line.
+    /// From a host entity that is not a line.
     [[nodiscard]] static ModelEntity FromOther(std::int32_t type, unsigned short color_index);
     void SetColor(unsigned short color_index);
 

@@ -1,5 +1,5 @@
-// What the model expects of OpenGL and of the window system: calls by name with the arguments that can be
-// foretold, and a tally of the rules that the sequences have met. It knows neither camera nor control.
+// The calls of OpenGL and of the window system that the model expects, by name with the arguments that it can
+// compute, and a count of the rules that the sequences have met. It knows neither camera nor control.
 #pragma once
 
 #include <initializer_list>
@@ -11,7 +11,7 @@
 namespace karv_model
 {
 
-/// A call with its arguments, pointers left out, every number widened to double.
+/// A call with its arguments, without pointers, every number widened to double.
 struct ExpectedCall {
     std::string_view name;
     std::vector<double> values;
@@ -24,8 +24,7 @@ inline void Expect(GlStream& gl, std::string_view name, std::initializer_list<do
     gl.push_back({name, values});
 }
 
-/// How often each rule of the model decided something, over the life of the process: a rule that no sequence
-/// meets is not tested.
+/// How often each rule of the model was applied in this process. A rule that no sequence meets is not tested.
 [[nodiscard]] inline std::map<std::string_view, long>& RulesMet()
 {
     static std::map<std::string_view, long> tally;

@@ -67,7 +67,7 @@ Operation DrawCreation(Random& random)
     return operation;
 }
 
-/// The rectangle of creation, of which panning reads the width, for a control whose window stands already.
+/// Sets the rectangle of the creation, whose width panning reads, for a control that already has its window.
 Operation DrawWidth(Random& random)
 {
     const Rect rect{random.Between(-20, 40), 0, random.Between(41, 200), 50};
@@ -166,7 +166,7 @@ Sequence DrawSequence(std::uint64_t seed)
     for (int i = 0; i < length; ++i) {
         if (i == creation)
             sequence.operations.push_back(sequence.creates_window ? DrawCreation(random) : DrawWidth(random));
-        // Without a context, appends are what differs.
+        // Without a context only appends take a different path.
         const std::vector<Kind>& kinds =
             i < creation && random.Chance(50) ? GeometryKinds() : DrawSubject(random);
         sequence.operations.push_back(DrawKind(random, kinds).draw(random));

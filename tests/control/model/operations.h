@@ -1,5 +1,5 @@
 // Random operations, each in two forms: one for the control and one for the model. An operation holds all its
-// arguments, so that a sequence can be replayed, printed and shortened. It judges nothing.
+// arguments, so that a sequence can be replayed, printed and shortened. It compares nothing.
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
@@ -16,29 +16,29 @@
 namespace karv_model
 {
 
-/// What the control's form of an operation works on.
+/// The state that the control's form of an operation works on.
 struct Bench {
     KARVOpenGLControl& control;
     CWnd* host = nullptr;
-    /// What the frame clock tells, call by call.
+    /// The values that the frame clock returns, call by call.
     std::deque<std::clock_t> ticks = {};
 };
 
-/// What an operation gave back, widened to double.
+/// The results of an operation, widened to double.
 using Results = std::vector<double>;
 
 struct Operation {
     std::string text;
     std::function<Results(Bench&)> on_control;
     std::function<Results(ModelControl&)> on_model;
-    /// It draws a frame: the matrices before it decide what is culled.
+    /// Whether it draws a frame. Then the matrices before it decide what is culled.
     bool draws_frame = false;
-    /// Of its calls of the window system only GL and fields are foretold.
+    /// Whether it creates the window. Then fields and GL calls are compared, but not window-system calls.
     bool creates_window = false;
 };
 
-/// The source of the arguments: mostly values of a scene's size, and edges in the share that the sequence
-/// asks for.
+/// The source of the arguments: mostly values of a scene's size, and extreme ones in the share that the
+/// sequence asks for.
 class Random
 {
   public:
@@ -63,11 +63,11 @@ class Random
     [[nodiscard]] double Number();
     [[nodiscard]] float Single() { return static_cast<float>(Number()); }
     [[nodiscard]] WideTriple Point() { return {Number(), Number(), Number()}; }
-    /// Any 32-bit value, edges and neighbours of zero first.
+    /// Any 32-bit value; extreme values and neighbours of zero are frequent.
     [[nodiscard]] int Integer();
-    /// Of the known categories mostly.
+    /// Mostly one of the known categories.
     [[nodiscard]] std::int32_t Category();
-    /// Pixels that steps of a mouse lead to: small ones, and those that make bounds exactly.
+    /// Pixels of mouse steps: small ones, and those that hit bounds exactly.
     [[nodiscard]] int Pixel();
 
   private:
@@ -76,16 +76,16 @@ class Random
 };
 
 struct Sequence {
-    /// The sequence creates its control's window itself, at some step; it costs a GL context. The others
-    /// share a window, and begin as right after construction but for that.
+    /// Whether the sequence creates its control's window itself, at some step, which costs a GL context. The
+    /// other sequences share one window.
     bool creates_window = false;
     std::vector<Operation> operations;
 };
 
-/// Drawn from a seed alone.
+/// A sequence that depends on the seed alone.
 [[nodiscard]] Sequence DrawSequence(std::uint64_t seed);
 
-// The kinds of operations by subject; each table's entries are drawn by weight.
+/// A kind of operation, drawn with a probability in proportion to `weight`.
 struct Kind {
     int weight;
     Operation (*draw)(Random&);
@@ -95,12 +95,10 @@ struct Kind {
 [[nodiscard]] const std::vector<Kind>& MessageKinds();
 [[nodiscard]] const std::vector<Kind>& GeometryKinds();
 
-// For the tables.
-
-/// "name(1, 2.5)", numbers exact.
+/// "name(1, 2.5)", with numbers printed exactly.
 [[nodiscard]] std::string CallText(const std::string& name, std::initializer_list<double> arguments = {});
 
-/// Wraps what returns nothing.
+/// Makes an operation of two functions; one that returns nothing has no results.
 template <typename OnControl, typename OnModel>
 [[nodiscard]] Operation MakeOperation(std::string text, OnControl on_control, OnModel on_model)
 {

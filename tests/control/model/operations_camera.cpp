@@ -88,7 +88,8 @@ Operation DrawRotate(Random& random)
         [=](ModelControl& model) { model.camera.RotateCamera(angle, ToVector(axis)); });
 }
 
-/// A tilt to within a tenth of a degree of its limit, where from the front it is 89 degrees away, either way.
+/// A tilt to within a tenth of a degree of its limit, which from the front view is 89 degrees away, up or
+/// down.
 Operation DrawTiltToLimit(Random& random)
 {
     const float steps[] = {89.0F, std::nextafter(89.0F, 90.0F), std::nextafter(89.0F, 88.0F),
@@ -173,7 +174,7 @@ Operation DrawZoomAt(Random& random)
 Operation DrawRefresh(Random& random)
 {
     const double fov = random.Number();
-    // The first fits a float only when halved.
+    // The first exceeds the range of floats unless it is halved.
     constexpr double kDistances[] = {5e38, 0.0, -1.0, 1e-46};
     const double distance = random.Chance(15) ? random.Of(kDistances) : random.Number();
     const float aspect = random.Single();

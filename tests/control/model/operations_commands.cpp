@@ -106,7 +106,7 @@ Operation DrawKillUserControl(Random&)
         [](ModelControl& model) { model.user_control_enabled = false; });
 }
 
-/// Settings that no operation reaches, as a build with other defaults has them.
+/// Changes settings that no operation reaches, as a build with other defaults would.
 Operation DrawOtherDefaults(Random& random)
 {
     const bool invert = random.Chance(50);
@@ -166,7 +166,7 @@ Operation DrawComputeExtents(Random& random)
 
 Operation DrawOverrideExtents(Random& random)
 {
-    // Of these the sums leave the range of floats, and their halves do not.
+    // The sums of these exceed the range of floats, half of a sum does not.
     constexpr double kHuge[] = {3.4028234663852886e38, 3e38, -3e38, 1e38};
     const bool is_huge = random.Chance(6);
     const WideTriple low =

@@ -1,4 +1,4 @@
-// Geometry handed to the control in its several forms.
+// Geometry passed to the control in its several forms.
 #include "tests/control/model/operations.h"
 
 #include "platform/host/db/entities.h"
@@ -15,14 +15,14 @@ namespace
 
 Triple DrawPlace(Random& random)
 {
-    // Far to the left and below, as most standard views see it, so that frames have something to skip.
+    // Far to the left and below in most standard views, so that frames skip some entities.
     if (random.Chance(30))
         return Narrowed(
             {random.Uniform(-400.0, -20.0), random.Uniform(-400.0, 100.0), random.Uniform(-400.0, -20.0)});
     return Narrowed({random.Uniform(-5.0, 5.0), random.Uniform(-5.0, 5.0), random.Uniform(-5.0, 5.0)});
 }
 
-/// Polygons for the tessellator are finite and of moderate size: what it makes of others is its own affair.
+/// Polygons for the tessellator are finite and of moderate size; its result for others is not specified.
 std::vector<Triple> DrawPolygon(Random& random, int count)
 {
     const Triple center = DrawPlace(random);
@@ -61,7 +61,7 @@ std::vector<ModelFace> DrawFaces(Random& random)
     for (ModelFace& face : faces) {
         face.corners = DrawCorners(random);
         face.normal = Narrowed(random.Point());
-        // What a client leaves there is overwritten.
+        // A list name that a client sets is overwritten.
         face.list = random.Chance(10) ? 77U : 0U;
     }
     return faces;
@@ -170,7 +170,7 @@ Operation DrawAppendOther(Random& random)
         });
 }
 
-/// A box, or a prism over an L, whose caps are drawn as fans or split. Solids are finite and enclose a
+/// A box, or a prism over an L, whose concave caps are fans or are split. Solids are finite and have a
 /// volume.
 struct SolidShape {
     AcGePoint3d corner;
@@ -198,7 +198,7 @@ Operation DrawAppendBody(Random& random)
     const SolidShape shape{{place.x, place.y, place.z},
                            {random.Uniform(0.1, 3.0), random.Uniform(0.1, 3.0), random.Uniform(0.1, 3.0)},
                            random.Below(3)};
-    // Made once, before the operation, because the modeler splits faces with GLU, too.
+    // Made before the operation, because the modeler splits faces with GLU, too.
     const auto body = std::make_shared<AModeler::Body>(shape.Make());
     const std::int32_t type = random.Category();
     const unsigned short color = DrawColorIndex(random);
@@ -215,7 +215,7 @@ Operation DrawAppendBody(Random& random)
         });
 }
 
-/// What a client may change of an entity that it made itself.
+/// The changes that a client may make to an entity of its own.
 struct Changes {
     bool color_set = false;
     unsigned short color = 0;
@@ -287,7 +287,7 @@ Operation DrawAllocateMemory(Random& random)
             return Results{after == std::max(before, wanted) ? 1.0 : 0.0};
         },
         [=](ModelControl& model) {
-            // The container refuses a negative count, and the refusal is reported.
+            // The container refuses a negative count, which is reported as a fault.
             model.faults += count < 0 ? 1 : 0;
             return Results{1.0};
         });

@@ -1,4 +1,4 @@
-// Window messages and the handlers called alone, with values that no message can carry.
+// Window messages, and the handlers called alone, with values that no message can carry.
 #include "tests/control/model/operations.h"
 
 #include "platform/winsys/winsys.h"
@@ -44,7 +44,7 @@ Operation DrawMouseMoveMessage(Random& random)
 
 Operation DrawMouseMoveCall(Random& random)
 {
-    // Beyond these the difference of two points would not fit an int.
+    // With larger values the difference of two points would overflow int.
     constexpr int kFar = (1 << 30) - 64;
     constexpr int kPoints[] = {kFar, -kFar, 16777217, -16777217, 0, 99999, 720, -721};
     const unsigned flags = DrawFlags(random);
