@@ -300,7 +300,8 @@ TEST(CameraZoom, ParallelExtentsAreTakenIn32Bits)
     float fov = 25.0F;
     const GlRecording recording;
     camera.ZoomAt(factor, fov);
-    // Computed in 32 bits, like the fields. A factor of 1 gives the extents that the switch to parallel loads.
+    // Computed in 32 bits, like the fields. A factor of 1 gives the extents that the switch to parallel
+    // loads.
     const float s = 333.0F / 100.0F * 0.5F;
     const float h = 1.3F * s;
     const float v = 1.3F * s / 0.7F;

@@ -164,8 +164,8 @@ class Replay
     Replay& operator=(const Replay&) = delete;
     ~Replay() { winsys::SetFrameClock({}); }
 
-    /// Runs the sequence and returns the first difference from the model; nothing if there is none. The control
-    /// must be in its initial state.
+    /// Runs the sequence and returns the first difference from the model; nothing if there is none. The
+    /// control must be in its initial state.
     std::optional<Failure> Run(const std::vector<Operation>& sequence)
     {
         if (auto difference = StateDifference(bench_.control, model_))
