@@ -22,7 +22,7 @@ Triple DrawPlace(Random& random)
     return Narrowed({random.Uniform(-5.0, 5.0), random.Uniform(-5.0, 5.0), random.Uniform(-5.0, 5.0)});
 }
 
-/// Polygons for the tessellator are finite and of moderate size; its result for others is not specified.
+/// Polygons for the tessellator are finite and of moderate size; its result for others is not compared.
 std::vector<Triple> DrawPolygon(Random& random, int count)
 {
     const Triple center = DrawPlace(random);
