@@ -23,7 +23,7 @@ constexpr int kCalls = 100'000;
 
 [[gnu::noinline]] void CallGuarded()
 {
-    karv::Guarded(L"CallGuarded", L".\\trace_bench.cpp", [] { benchmark::ClobberMemory(); });
+    karv::Guarded<L"TraceBench::CallGuarded">([] { benchmark::ClobberMemory(); });
 }
 
 /// The time of the calls when nothing disturbs them.

@@ -1,13 +1,11 @@
 #include "camera/KARVGLCamera.h"
 
-#include "camera/camera_source.h"
 #include "module/guard.h"
 #include "platform/winsys/opengl.h"
 
 #include <cmath>
 
 using karv::Guarded;
-using karv::kCameraSource;
 
 namespace
 {
@@ -22,10 +20,10 @@ constexpr double kRefreshNear = 0.10000000149011612;
 /// Degrees of field of view per unit of parallel zoom: the float 16.66 widened.
 constexpr double kDegreesPerOrthoZoom = 16.65999984741211;
 
-constexpr float kFieldOfViewMin = 0.01F;
-constexpr float kFieldOfViewMax = 150.0F;
-constexpr float kOrthoZoomMin = 0.01F;
-constexpr float kOrthoZoomMax = 9.0F;
+constexpr float kMinFieldOfView = 0.01F;
+constexpr float kMaxFieldOfView = 150.0F;
+constexpr float kMinOrthoZoom = 0.01F;
+constexpr float kMaxOrthoZoom = 9.0F;
 
 /// How near to a bound counts as having reached it, absolute and relative.
 double BoundTolerance(float bound)
@@ -81,28 +79,28 @@ KARVGLCamera::~KARVGLCamera() = default;
 
 void KARVGLCamera::SetPosition(AcGePoint3d point)
 {
-    Guarded(L"KARVGLCamera::SetPosition", kCameraSource, [&] { position = point; });
+    Guarded<L"KARVGLCamera::SetPosition">([&] { position = point; });
 }
 
 void KARVGLCamera::SetTarget(AcGePoint3d point)
 {
-    Guarded(L"KARVGLCamera::SetTarget", kCameraSource, [&] { target = point; });
+    Guarded<L"KARVGLCamera::SetTarget">([&] { target = point; });
 }
 
 void KARVGLCamera::SetUpVector(AcGeVector3d vector)
 {
-    Guarded(L"KARVGLCamera::SetUpVector", kCameraSource, [&] { upVector = vector; });
+    Guarded<L"KARVGLCamera::SetUpVector">([&] { upVector = vector; });
 }
 
 void KARVGLCamera::SetFarPlaneDistance(double d)
 {
-    Guarded(L"KARVGLCamera::SetFarPlaneDistance", kCameraSource,
-            [&] { farPlane = static_cast<float>(d * kFarPerSceneDistance); });
+    Guarded<L"KARVGLCamera::SetFarPlaneDistance">(
+        [&] { farPlane = static_cast<float>(d * kFarPerSceneDistance); });
 }
 
 void KARVGLCamera::SetCamera(AcGePoint3d position_in, AcGePoint3d target_in, AcGeVector3d up)
 {
-    Guarded(L"KARVGLCamera::SetCamera", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::SetCamera">([&] {
         upVector = up;
         position = position_in;
         target = target_in;
@@ -111,7 +109,7 @@ void KARVGLCamera::SetCamera(AcGePoint3d position_in, AcGePoint3d target_in, AcG
 
 void KARVGLCamera::GetCamera(AcGePoint3d& position_out, AcGePoint3d& target_out, AcGeVector3d& up)
 {
-    Guarded(L"KARVGLCamera::GetCamera", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::GetCamera">([&] {
         up = upVector;
         position_out = position;
         target_out = target;
@@ -120,7 +118,7 @@ void KARVGLCamera::GetCamera(AcGePoint3d& position_out, AcGePoint3d& target_out,
 
 void KARVGLCamera::GetLocalAxes(AcGeVector3d& x, AcGeVector3d& y, AcGeVector3d& z)
 {
-    Guarded(L"KARVGLCamera::GetLocalAxes", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::GetLocalAxes">([&] {
         x = xAxis;
         y = yAxis;
         z = zAxis;
@@ -129,7 +127,7 @@ void KARVGLCamera::GetLocalAxes(AcGeVector3d& x, AcGeVector3d& y, AcGeVector3d& 
 
 void KARVGLCamera::ResetAngle()
 {
-    Guarded(L"KARVGLCamera::ResetAngle", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::ResetAngle">([&] {
         angle = 0.0;
         xAxis = AcGeVector3d::kXAxis;
         yAxis = AcGeVector3d::kYAxis;
@@ -139,7 +137,7 @@ void KARVGLCamera::ResetAngle()
 
 void KARVGLCamera::UpdateCamera()
 {
-    Guarded(L"KARVGLCamera::UpdateCamera", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::UpdateCamera">([&] {
         glMatrixMode(GL_MODELVIEW);
         glLoadIdentity();
         gluLookAt(position.x, position.y, position.z, target.x, target.y, target.z, zAxis.x, zAxis.y,
@@ -149,7 +147,7 @@ void KARVGLCamera::UpdateCamera()
 
 void KARVGLCamera::RefreshCameraView(double fov, double distance, float aspect_in)
 {
-    Guarded(L"KARVGLCamera::RefreshCameraView", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::RefreshCameraView">([&] {
         const double far_distance = distance * kFarPerSceneDistance;
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
@@ -170,7 +168,7 @@ void KARVGLCamera::RefreshCameraView(double fov, double distance, float aspect_i
 
 void KARVGLCamera::SetPerspectiveOn(bool on)
 {
-    Guarded(L"KARVGLCamera::SetPerspectiveOn", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::SetPerspectiveOn">([&] {
         if (!on && !perspectiveOn)
             return;
         glMatrixMode(GL_PROJECTION);
@@ -198,14 +196,14 @@ void KARVGLCamera::SetPerspectiveOn(bool on)
 
 void KARVGLCamera::ZoomAt(float& orthoZoomFactor, float& fov)
 {
-    Guarded(L"KARVGLCamera::ZoomAt", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::ZoomAt">([&] {
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
         if (perspectiveOn) {
-            ClampZoom(fov, kFieldOfViewMin, kFieldOfViewMax);
+            ClampZoom(fov, kMinFieldOfView, kMaxFieldOfView);
             gluPerspective(fov, aspect, nearPlane, farPlane);
         } else {
-            ClampZoom(orthoZoomFactor, kOrthoZoomMin, kOrthoZoomMax);
+            ClampZoom(orthoZoomFactor, kMinOrthoZoom, kMaxOrthoZoom);
             const float half_scene = farPlane / 100.0F * 0.5F;
             const float half_width = orthoZoomFactor * half_scene;
             const float half_height = orthoZoomFactor * half_scene / aspect;
@@ -217,7 +215,7 @@ void KARVGLCamera::ZoomAt(float& orthoZoomFactor, float& fov)
 
 void KARVGLCamera::SetViewFront()
 {
-    Guarded(L"KARVGLCamera::SetViewFront", kCameraSource, [&] {
+    Guarded<L"KARVGLCamera::SetViewFront">([&] {
         position = target;
         position.y -= static_cast<double>(farPlane / 100.0F);
         ResetAngle();
@@ -228,45 +226,45 @@ void KARVGLCamera::SetViewFront()
 
 void KARVGLCamera::SetViewBack()
 {
-    Guarded(L"KARVGLCamera::SetViewBack", kCameraSource, [&] { TurnFromFront(*this, 180.0F, 0.0F); });
+    Guarded<L"KARVGLCamera::SetViewBack">([&] { TurnFromFront(*this, 180.0F, 0.0F); });
 }
 
 void KARVGLCamera::SetViewLeft()
 {
-    Guarded(L"KARVGLCamera::SetViewLeft", kCameraSource, [&] { TurnFromFront(*this, -90.0F, 0.0F); });
+    Guarded<L"KARVGLCamera::SetViewLeft">([&] { TurnFromFront(*this, -90.0F, 0.0F); });
 }
 
 void KARVGLCamera::SetViewRight()
 {
-    Guarded(L"KARVGLCamera::SetViewRight", kCameraSource, [&] { TurnFromFront(*this, 90.0F, 0.0F); });
+    Guarded<L"KARVGLCamera::SetViewRight">([&] { TurnFromFront(*this, 90.0F, 0.0F); });
 }
 
 void KARVGLCamera::SetViewTop()
 {
-    Guarded(L"KARVGLCamera::SetViewTop", kCameraSource, [&] { TurnFromFront(*this, 0.0F, 90.0F); });
+    Guarded<L"KARVGLCamera::SetViewTop">([&] { TurnFromFront(*this, 0.0F, 90.0F); });
 }
 
 void KARVGLCamera::SetViewBottom()
 {
-    Guarded(L"KARVGLCamera::SetViewBottom", kCameraSource, [&] { TurnFromFront(*this, 0.0F, -90.0F); });
+    Guarded<L"KARVGLCamera::SetViewBottom">([&] { TurnFromFront(*this, 0.0F, -90.0F); });
 }
 
 void KARVGLCamera::SetViewSE()
 {
-    Guarded(L"KARVGLCamera::SetViewSE", kCameraSource, [&] { TurnFromFront(*this, 45.0F, kIsometricTilt); });
+    Guarded<L"KARVGLCamera::SetViewSE">([&] { TurnFromFront(*this, 45.0F, kIsometricTilt); });
 }
 
 void KARVGLCamera::SetViewSW()
 {
-    Guarded(L"KARVGLCamera::SetViewSW", kCameraSource, [&] { TurnFromFront(*this, 315.0F, kIsometricTilt); });
+    Guarded<L"KARVGLCamera::SetViewSW">([&] { TurnFromFront(*this, 315.0F, kIsometricTilt); });
 }
 
 void KARVGLCamera::SetViewNE()
 {
-    Guarded(L"KARVGLCamera::SetViewNE", kCameraSource, [&] { TurnFromFront(*this, 135.0F, kIsometricTilt); });
+    Guarded<L"KARVGLCamera::SetViewNE">([&] { TurnFromFront(*this, 135.0F, kIsometricTilt); });
 }
 
 void KARVGLCamera::SetViewNW()
 {
-    Guarded(L"KARVGLCamera::SetViewNW", kCameraSource, [&] { TurnFromFront(*this, 225.0F, kIsometricTilt); });
+    Guarded<L"KARVGLCamera::SetViewNW">([&] { TurnFromFront(*this, 225.0F, kIsometricTilt); });
 }

@@ -1,13 +1,11 @@
 // The motion of KARVGLCamera: orbit and tilt, pan, dolly. Fields only; no GL call.
 #include "camera/KARVGLCamera.h"
 
-#include "camera/camera_source.h"
 #include "module/guard.h"
 
 #include <cmath>
 
 using karv::Guarded;
-using karv::kCameraMotionSource;
 
 namespace
 {
@@ -19,8 +17,8 @@ constexpr double kQuarterTurn = 1.5707963267948966;
 constexpr double kZeroSquare = 1e-20;
 
 // The line of sight stays this far from the vertical, measured from world +Z: 1 degree and 179 degrees.
-constexpr double kTiltMin = 0.017453292519943295;
-constexpr double kTiltMax = 3.12413936106985;
+constexpr double kMinTilt = 0.017453292519943295;
+constexpr double kMaxTilt = 3.12413936106985;
 
 double BoundTolerance(double bound)
 {
@@ -36,7 +34,7 @@ bool IsTiltAllowed(double tilt, double turn)
     if (off_quarter * off_quarter <= kZeroSquare)
         return true;
     const double tilted = tilt + turn;
-    return tilted >= kTiltMin - BoundTolerance(kTiltMin) && tilted <= kTiltMax + BoundTolerance(kTiltMax);
+    return tilted >= kMinTilt - BoundTolerance(kMinTilt) && tilted <= kMaxTilt + BoundTolerance(kMaxTilt);
 }
 
 /// The direction to the right of a line of sight, not of unit length; world X where it is vertical.
@@ -51,7 +49,7 @@ AcGeVector3d RightOf(const AcGeVector3d& view_direction)
 
 void KARVGLCamera::RotateCamera(float angle_degrees, AcGeVector3d axis)
 {
-    Guarded(L"KARVGLCamera::RotateCamera", kCameraMotionSource, [&] {
+    Guarded<L"KARVGLCamera::RotateCamera">([&] {
         const double turn = static_cast<double>(angle_degrees) * kRadiansPerDegree;
         const float square = angle_degrees * angle_degrees;
         if (static_cast<double>(square) <= kZeroSquare)
@@ -77,7 +75,7 @@ void KARVGLCamera::RotateCamera(float angle_degrees, AcGeVector3d axis)
 
 void KARVGLCamera::PanCamera(float amount, AcGeVector3d axis)
 {
-    Guarded(L"KARVGLCamera::PanCamera", kCameraMotionSource, [&] {
+    Guarded<L"KARVGLCamera::PanCamera">([&] {
         const AcGeVector3d view_direction = target - position;
         const AcGeVector3d right = RightOf(view_direction);
         AcGeVector3d offset;
@@ -100,7 +98,7 @@ void KARVGLCamera::PanCamera(float amount, AcGeVector3d axis)
 
 void KARVGLCamera::ZoomCamera(float amount)
 {
-    Guarded(L"KARVGLCamera::ZoomCamera", kCameraMotionSource, [&] {
+    Guarded<L"KARVGLCamera::ZoomCamera">([&] {
         AcGeMatrix3d matrix =
             AcGeMatrix3d::alignCoordSys(target, AcGeVector3d::kXAxis, AcGeVector3d::kYAxis,
                                         AcGeVector3d::kZAxis, position, xAxis, yAxis, zAxis);

@@ -1,6 +1,5 @@
 #include "control/KARVOpenGLControl.h"
 
-#include "control/control_source.h"
 #include "control/pixel_format_probe.h"
 #include "control/window_class.h"
 #include "module/guard.h"
@@ -10,7 +9,6 @@
 #include <array>
 
 using karv::Guarded;
-using karv::kControlSource;
 using karv::kWindowClassStyle;
 
 namespace
@@ -23,7 +21,7 @@ constexpr int kLastKnownCategory = 10;
 
 KARVOpenGLControl::KARVOpenGLControl()
 {
-    Guarded(L"KARVOpenGLControl::KARVOpenGLControl", kControlSource, [&] {
+    Guarded<L"KARVOpenGLControl::KARVOpenGLControl">([&] {
         for (int category = 0; category <= kLastKnownCategory; ++category)
             disabledTypes.emplace(static_cast<KARVGraphicalEntity::EntityType>(category), false);
         const AcGsColor host = acgsGetGsManager(nullptr)->displayDevice()->backgroundColor();
@@ -36,7 +34,7 @@ KARVOpenGLControl::KARVOpenGLControl()
 
 KARVOpenGLControl::~KARVOpenGLControl()
 {
-    Guarded(L"KARVOpenGLControl::~KARVOpenGLControl", kControlSource, [&] {
+    Guarded<L"KARVOpenGLControl::~KARVOpenGLControl">([&] {
         wglMakeCurrent(hDC, nullptr);
         wglDeleteContext(hRC);
         hRC = nullptr;
@@ -50,7 +48,7 @@ KARVOpenGLControl::~KARVOpenGLControl()
 
 void KARVOpenGLControl::CreateCtrl(CRect rect, CWnd* parent, bool transparent)
 {
-    Guarded(L"KARVOpenGLControl::CreateCtrl", kControlSource, [&] {
+    Guarded<L"KARVOpenGLControl::CreateCtrl">([&] {
         const LPCWSTR window_class = AfxRegisterWndClass(
             kWindowClassStyle, nullptr, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)), nullptr);
         // WM_CREATE arrives during this call, so the GL context exists when it returns.
@@ -84,7 +82,7 @@ const AFX_MSGMAP* KARVOpenGLControl::GetMessageMap() const
 
 int KARVOpenGLControl::OnCreate(CREATESTRUCT* create)
 {
-    return Guarded(L"KARVOpenGLControl::OnCreate", kControlSource, [&] {
+    return Guarded<L"KARVOpenGLControl::OnCreate">([&] {
         if (CWnd::OnCreate(create) == -1)
             return -1;
         GLInitializeCtrl();

@@ -2,11 +2,9 @@
 // fields.
 #include "control/KARVOpenGLControl.h"
 
-#include "control/control_source.h"
 #include "module/guard.h"
 
 using karv::Guarded;
-using karv::kCameraCommandsSource;
 
 namespace
 {
@@ -22,57 +20,57 @@ constexpr float kDefaultFieldOfView = 40.0F;
 
 void KARVOpenGLControl::CameraViewTop()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewTop", kCameraCommandsSource, [&] { camera.SetViewTop(); });
+    Guarded<L"KARVOpenGLControl::CameraViewTop">([&] { camera.SetViewTop(); });
 }
 
 void KARVOpenGLControl::CameraViewBottom()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewBottom", kCameraCommandsSource, [&] { camera.SetViewBottom(); });
+    Guarded<L"KARVOpenGLControl::CameraViewBottom">([&] { camera.SetViewBottom(); });
 }
 
 void KARVOpenGLControl::CameraViewFront()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewFront", kCameraCommandsSource, [&] { camera.SetViewFront(); });
+    Guarded<L"KARVOpenGLControl::CameraViewFront">([&] { camera.SetViewFront(); });
 }
 
 void KARVOpenGLControl::CameraViewBack()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewBack", kCameraCommandsSource, [&] { camera.SetViewBack(); });
+    Guarded<L"KARVOpenGLControl::CameraViewBack">([&] { camera.SetViewBack(); });
 }
 
 void KARVOpenGLControl::CameraViewLeft()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewLeft", kCameraCommandsSource, [&] { camera.SetViewLeft(); });
+    Guarded<L"KARVOpenGLControl::CameraViewLeft">([&] { camera.SetViewLeft(); });
 }
 
 void KARVOpenGLControl::CameraViewRight()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewRight", kCameraCommandsSource, [&] { camera.SetViewRight(); });
+    Guarded<L"KARVOpenGLControl::CameraViewRight">([&] { camera.SetViewRight(); });
 }
 
 void KARVOpenGLControl::CameraViewNE()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewNE", kCameraCommandsSource, [&] { camera.SetViewNE(); });
+    Guarded<L"KARVOpenGLControl::CameraViewNE">([&] { camera.SetViewNE(); });
 }
 
 void KARVOpenGLControl::CameraViewNW()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewNW", kCameraCommandsSource, [&] { camera.SetViewNW(); });
+    Guarded<L"KARVOpenGLControl::CameraViewNW">([&] { camera.SetViewNW(); });
 }
 
 void KARVOpenGLControl::CameraViewSE()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewSE", kCameraCommandsSource, [&] { camera.SetViewSE(); });
+    Guarded<L"KARVOpenGLControl::CameraViewSE">([&] { camera.SetViewSE(); });
 }
 
 void KARVOpenGLControl::CameraViewSW()
 {
-    Guarded(L"KARVOpenGLControl::CameraViewSW", kCameraCommandsSource, [&] { camera.SetViewSW(); });
+    Guarded<L"KARVOpenGLControl::CameraViewSW">([&] { camera.SetViewSW(); });
 }
 
 void KARVOpenGLControl::SetCamera(AcGePoint3d position, AcGePoint3d target, AcGeVector3d up)
 {
-    Guarded(L"KARVOpenGLControl::SetCamera", kCameraCommandsSource, [&] {
+    Guarded<L"KARVOpenGLControl::SetCamera">([&] {
         camera.SetCamera(position, target, up);
         zoomFactor = kPlacedZoomFactor;
         fieldOfView = kPlacedFieldOfView;
@@ -82,7 +80,7 @@ void KARVOpenGLControl::SetCamera(AcGePoint3d position, AcGePoint3d target, AcGe
 
 void KARVOpenGLControl::SetCameraData(AcGePoint3d position, AcGePoint3d target, AcGeVector3d up)
 {
-    Guarded(L"KARVOpenGLControl::SetCameraData", kCameraCommandsSource, [&] {
+    Guarded<L"KARVOpenGLControl::SetCameraData">([&] {
         camera.SetCamera(position, target, up);
         camera.UpdateCamera();
         cameraSetByCaller = true;
@@ -91,25 +89,22 @@ void KARVOpenGLControl::SetCameraData(AcGePoint3d position, AcGePoint3d target, 
 
 void KARVOpenGLControl::GetCameraData(AcGePoint3d& position, AcGePoint3d& target, AcGeVector3d& up)
 {
-    Guarded(L"KARVOpenGLControl::GetCameraData", kCameraCommandsSource,
-            [&] { camera.GetCamera(position, target, up); });
+    Guarded<L"KARVOpenGLControl::GetCameraData">([&] { camera.GetCamera(position, target, up); });
 }
 
 void KARVOpenGLControl::GetCameraAxes(AcGeVector3d& x, AcGeVector3d& y, AcGeVector3d& z)
 {
-    Guarded(L"KARVOpenGLControl::GetCameraAxes", kCameraCommandsSource,
-            [&] { camera.GetLocalAxes(x, y, z); });
+    Guarded<L"KARVOpenGLControl::GetCameraAxes">([&] { camera.GetLocalAxes(x, y, z); });
 }
 
 void KARVOpenGLControl::SetToPerspective(bool on)
 {
-    Guarded(L"KARVOpenGLControl::SetToPerspective", kCameraCommandsSource,
-            [&] { camera.SetPerspectiveOn(on); });
+    Guarded<L"KARVOpenGLControl::SetToPerspective">([&] { camera.SetPerspectiveOn(on); });
 }
 
 void KARVOpenGLControl::ResetCameraZoom()
 {
-    Guarded(L"KARVOpenGLControl::ResetCameraZoom", kCameraCommandsSource, [&] {
+    Guarded<L"KARVOpenGLControl::ResetCameraZoom">([&] {
         zoomFactor = kDefaultZoomFactor;
         fieldOfView = kDefaultFieldOfView;
     });

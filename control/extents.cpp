@@ -1,11 +1,9 @@
 // The scene's box in KARVOpenGLControl, its centre, and what follows for the camera.
 #include "control/KARVOpenGLControl.h"
 
-#include "control/control_source.h"
 #include "module/guard.h"
 
 using karv::Guarded;
-using karv::kExtentsSource;
 
 namespace
 {
@@ -22,12 +20,12 @@ AcGePoint3d Widened(const KARVGLVertex& vertex)
 
 void KARVOpenGLControl::ComputeExtents(bool compute)
 {
-    Guarded(L"KARVOpenGLControl::ComputeExtents", kExtentsSource, [&] { computeExtentsOnAppend = compute; });
+    Guarded<L"KARVOpenGLControl::ComputeExtents">([&] { computeExtentsOnAppend = compute; });
 }
 
 void KARVOpenGLControl::OverrideExtents(AcGePoint3d min_corner, AcGePoint3d max_corner)
 {
-    Guarded(L"KARVOpenGLControl::OverrideExtents", kExtentsSource, [&] {
+    Guarded<L"KARVOpenGLControl::OverrideExtents">([&] {
         extentsMin = KARVGLVertex(min_corner.x, min_corner.y, min_corner.z);
         extentsMax = KARVGLVertex(max_corner.x, max_corner.y, max_corner.z);
         GLComputeCentroid();
@@ -36,7 +34,7 @@ void KARVOpenGLControl::OverrideExtents(AcGePoint3d min_corner, AcGePoint3d max_
 
 void KARVOpenGLControl::GLDetectExtents(KARVGraphicalEntity entity)
 {
-    Guarded(L"KARVOpenGLControl::GLDetectExtents", kExtentsSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLDetectExtents">([&] {
         KARVGLVertex min;
         KARVGLVertex max;
         entity.GetExtents(min, max);
@@ -54,7 +52,7 @@ void KARVOpenGLControl::GLDetectExtents(KARVGraphicalEntity entity)
 
 void KARVOpenGLControl::GLComputeCentroid()
 {
-    Guarded(L"KARVOpenGLControl::GLComputeCentroid", kExtentsSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLComputeCentroid">([&] {
         centroid.x = (extentsMax.x + extentsMin.x) * 0.5F;
         centroid.y = (extentsMax.y + extentsMin.y) * 0.5F;
         centroid.z = (extentsMax.z + extentsMin.z) * 0.5F;

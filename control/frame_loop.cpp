@@ -2,7 +2,6 @@
 // slow scenes, the redraw that applies queued camera motion, and the small settings of rendering.
 #include "control/KARVOpenGLControl.h"
 
-#include "control/control_source.h"
 #include "module/guard.h"
 #include "platform/winsys/frame_clock.h"
 #include "platform/winsys/opengl.h"
@@ -11,7 +10,6 @@
 #include <ctime>
 
 using karv::Guarded;
-using karv::kFrameLoopSource;
 
 namespace
 {
@@ -82,7 +80,7 @@ constexpr std::array<CubeSide, 6> kCubeSides = {{
 
 void KARVOpenGLControl::OnPaint()
 {
-    Guarded(L"KARVOpenGLControl::OnPaint", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::OnPaint">([&] {
         CWnd::OnPaint();
         if (!renderStarted) {
             timerId = SetTimer(m_hWnd, kFrameTimerId, kFrameTimerPeriodMs, nullptr);
@@ -93,7 +91,7 @@ void KARVOpenGLControl::OnPaint()
 
 void KARVOpenGLControl::ForceRenderStart()
 {
-    Guarded(L"KARVOpenGLControl::ForceRenderStart", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::ForceRenderStart">([&] {
         timerId = SetTimer(m_hWnd, kFrameTimerId, kFrameTimerPeriodMs, nullptr);
         OnDraw(nullptr);
         renderStarted = true;
@@ -102,7 +100,7 @@ void KARVOpenGLControl::ForceRenderStart()
 
 void KARVOpenGLControl::OnTimer(UINT_PTR /*id*/)
 {
-    Guarded(L"KARVOpenGLControl::OnTimer", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::OnTimer">([&] {
         const std::clock_t begin = winsys::FrameClock();
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         GLDrawFrame();
@@ -114,7 +112,7 @@ void KARVOpenGLControl::OnTimer(UINT_PTR /*id*/)
 
 void KARVOpenGLControl::GLDrawFrame()
 {
-    Guarded(L"KARVOpenGLControl::GLDrawFrame", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLDrawFrame">([&] {
         if (framesPerSecond < kThrottleBelow && multisampleOn && userControlEnabled) {
             glDisable(GL_MULTISAMPLE);
             multisampleOn = false;
@@ -148,7 +146,7 @@ void KARVOpenGLControl::GLDrawFrame()
 
 void KARVOpenGLControl::OnDraw(CDC* /*dc*/)
 {
-    Guarded(L"KARVOpenGLControl::OnDraw", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::OnDraw">([&] {
         glLoadIdentity();
         camera.RotateCamera(pendingRotateX, AcGeVector3d::kXAxis);
         camera.RotateCamera(pendingRotateZ, AcGeVector3d::kZAxis);
@@ -168,7 +166,7 @@ void KARVOpenGLControl::OnDraw(CDC* /*dc*/)
 
 void KARVOpenGLControl::OnSize(UINT type, int cx, int cy)
 {
-    Guarded(L"KARVOpenGLControl::OnSize", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::OnSize">([&] {
         CWnd::OnSize(type, cx, cy);
         if (cx <= 0 || cy <= 0 || type == SIZE_MINIMIZED)
             return;
@@ -186,7 +184,7 @@ void KARVOpenGLControl::OnSize(UINT type, int cx, int cy)
 
 void KARVOpenGLControl::SetBgColor(int r, int g, int b)
 {
-    Guarded(L"KARVOpenGLControl::SetBgColor", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::SetBgColor">([&] {
         const KARVGLVertex background(static_cast<unsigned char>(r), static_cast<unsigned char>(g),
                                       static_cast<unsigned char>(b));
         backgroundColor[0] = background.x;
@@ -199,12 +197,12 @@ void KARVOpenGLControl::SetBgColor(int r, int g, int b)
 
 void KARVOpenGLControl::SetRenderMode(KARVGLRenderMode mode)
 {
-    Guarded(L"KARVOpenGLControl::SetRenderMode", kFrameLoopSource, [&] { renderMode = mode; });
+    Guarded<L"KARVOpenGLControl::SetRenderMode">([&] { renderMode = mode; });
 }
 
 void KARVOpenGLControl::SetLightsOff(bool off)
 {
-    Guarded(L"KARVOpenGLControl::SetLightsOff", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::SetLightsOff">([&] {
         if (off) {
             glDisable(GL_LIGHT0);
             glDisable(GL_LIGHTING);
@@ -217,12 +215,12 @@ void KARVOpenGLControl::SetLightsOff(bool off)
 
 void KARVOpenGLControl::SetMetricsFactor(double factor)
 {
-    Guarded(L"KARVOpenGLControl::SetMetricsFactor", kFrameLoopSource, [&] { metricsFactor = factor; });
+    Guarded<L"KARVOpenGLControl::SetMetricsFactor">([&] { metricsFactor = factor; });
 }
 
 void KARVOpenGLControl::DrawDebugCubeAt(KARVGLVertex position, float size)
 {
-    Guarded(L"KARVOpenGLControl::DrawDebugCubeAt", kFrameLoopSource, [&] {
+    Guarded<L"KARVOpenGLControl::DrawDebugCubeAt">([&] {
         const float half = size * 0.5F;
         const auto along = [half](int sign) {
             // A zero component stays a plain zero, whatever the size.

@@ -1,19 +1,17 @@
 // The door through which geometry enters KARVOpenGLControl, and the switches of its categories.
 #include "control/KARVOpenGLControl.h"
 
-#include "control/control_source.h"
 #include "module/guard.h"
 
 #include <cstdint>
 #include <utility>
 
 using karv::Guarded;
-using karv::kGeometryFeedSource;
 
 void KARVOpenGLControl::AppendGeometry(AModeler::Body* body, KARVGraphicalEntity::EntityType type,
                                        unsigned short color, float alpha)
 {
-    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource, [&] {
+    Guarded<L"KARVOpenGLControl::AppendGeometry">([&] {
         KARVGraphicalEntity built(body, type, color);
         built.SetAlpha(alpha);
         AddEntityToCache(std::move(built));
@@ -22,7 +20,7 @@ void KARVOpenGLControl::AppendGeometry(AModeler::Body* body, KARVGraphicalEntity
 
 void KARVOpenGLControl::AppendGeometry(AcDbEntity* entity, KARVGraphicalEntity::EntityType type)
 {
-    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource, [&] {
+    Guarded<L"KARVOpenGLControl::AppendGeometry">([&] {
         KARVGraphicalEntity built(entity, type);
         AddEntityToCache(std::move(built));
     });
@@ -30,14 +28,13 @@ void KARVOpenGLControl::AppendGeometry(AcDbEntity* entity, KARVGraphicalEntity::
 
 void KARVOpenGLControl::AppendGeometry(KARVGraphicalEntity entity)
 {
-    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource,
-            [&] { AddEntityToCache(std::move(entity)); });
+    Guarded<L"KARVOpenGLControl::AppendGeometry">([&] { AddEntityToCache(std::move(entity)); });
 }
 
 void KARVOpenGLControl::AppendGeometry(std::vector<KARVGLFace> faces, KARVGraphicalEntity::EntityType type,
                                        unsigned short color, float alpha)
 {
-    Guarded(L"KARVOpenGLControl::AppendGeometry", kGeometryFeedSource, [&] {
+    Guarded<L"KARVOpenGLControl::AppendGeometry">([&] {
         KARVGraphicalEntity built(std::move(faces), type, color);
         built.SetAlpha(alpha);
         AddEntityToCache(std::move(built));
@@ -46,7 +43,7 @@ void KARVOpenGLControl::AppendGeometry(std::vector<KARVGLFace> faces, KARVGraphi
 
 void KARVOpenGLControl::AddEntityToCache(KARVGraphicalEntity entity)
 {
-    Guarded(L"KARVOpenGLControl::AddEntityToCache", kGeometryFeedSource, [&] {
+    Guarded<L"KARVOpenGLControl::AddEntityToCache">([&] {
         if (computeExtentsOnAppend)
             GLDetectExtents(KARVGraphicalEntity(entity, KARVGraphicalEntity::BoxOnly{}));
         entities.push_back(std::move(entity));
@@ -57,27 +54,27 @@ void KARVOpenGLControl::AddEntityToCache(KARVGraphicalEntity entity)
 void KARVOpenGLControl::AllocateMemory(int count)
 {
     // A negative count becomes a huge size, which the vector refuses; the guard swallows that.
-    Guarded(L"KARVOpenGLControl::AllocateMemory", kGeometryFeedSource,
-            [&] { entities.reserve(static_cast<std::size_t>(static_cast<std::int64_t>(count))); });
+    Guarded<L"KARVOpenGLControl::AllocateMemory">(
+        [&] { entities.reserve(static_cast<std::size_t>(static_cast<std::int64_t>(count))); });
 }
 
 void KARVOpenGLControl::ClearGeometry(bool /*unused*/)
 {
     // Face total, extents and switches stay on purpose: what comes next extends the old scene.
-    Guarded(L"KARVOpenGLControl::ClearGeometry", kGeometryFeedSource, [&] { entities.clear(); });
+    Guarded<L"KARVOpenGLControl::ClearGeometry">([&] { entities.clear(); });
 }
 
 void KARVOpenGLControl::EnableObject(KARVGraphicalEntity::EntityType type)
 {
-    Guarded(L"KARVOpenGLControl::EnableObject", kGeometryFeedSource, [&] { disabledTypes[type] = false; });
+    Guarded<L"KARVOpenGLControl::EnableObject">([&] { disabledTypes[type] = false; });
 }
 
 void KARVOpenGLControl::DisableObject(KARVGraphicalEntity::EntityType type)
 {
-    Guarded(L"KARVOpenGLControl::DisableObject", kGeometryFeedSource, [&] { disabledTypes[type] = true; });
+    Guarded<L"KARVOpenGLControl::DisableObject">([&] { disabledTypes[type] = true; });
 }
 
 int KARVOpenGLControl::GetFaceNumber()
 {
-    return Guarded(L"KARVOpenGLControl::GetFaceNumber", kGeometryFeedSource, [&] { return faceCount; });
+    return Guarded<L"KARVOpenGLControl::GetFaceNumber">([&] { return faceCount; });
 }

@@ -1,7 +1,6 @@
 // The GL context of KARVOpenGLControl: its pixel format, its creation, and the state that is set once.
 #include "control/KARVOpenGLControl.h"
 
-#include "control/control_source.h"
 #include "control/pixel_format_probe.h"
 #include "control/window_class.h"
 #include "module/guard.h"
@@ -10,7 +9,6 @@
 #include <array>
 
 using karv::Guarded;
-using karv::kGlContextSource;
 using karv::kWindowClassStyle;
 
 namespace
@@ -57,7 +55,7 @@ void FindPixelFormat(HWND control_window, int& pixel_format)
 
 void KARVOpenGLControl::GLInitializeCtrl()
 {
-    Guarded(L"KARVOpenGLControl::GLInitializeCtrl", kGlContextSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLInitializeCtrl">([&] {
         FindPixelFormat(m_hWnd, pixelFormat);
         hDC = ::GetDC(m_hWnd);
         SetPixelFormat(hDC, pixelFormat, &kPixelFormatDescriptor);
@@ -90,7 +88,7 @@ void KARVOpenGLControl::GLInitializeCtrl()
 
 void KARVOpenGLControl::GLInitializeLight()
 {
-    Guarded(L"KARVOpenGLControl::GLInitializeLight", kGlContextSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLInitializeLight">([&] {
         constexpr std::array<GLfloat, 4> kAmbient = {0.01F, 0.01F, 0.01F, 1.0F};
         constexpr std::array<GLfloat, 4> kDiffuse = {1.0F, 1.0F, 1.0F, 1.0F};
         constexpr std::array<GLfloat, 4> kSpecular = {1.0F, 1.0F, 1.0F, 1.0F};
@@ -103,7 +101,7 @@ void KARVOpenGLControl::GLInitializeLight()
 
 void KARVOpenGLControl::GLInitializeMaterials()
 {
-    Guarded(L"KARVOpenGLControl::GLInitializeMaterials", kGlContextSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLInitializeMaterials">([&] {
         constexpr std::array<GLfloat, 4> kAmbient = {1.0F, 1.0F, 1.0F, 1.0F};
         constexpr std::array<GLfloat, 4> kDiffuse = {1.0F, 1.0F, 1.0F, 1.0F};
         constexpr std::array<GLfloat, 4> kSpecular = {0.5F, 0.5F, 0.5F, 0.5F};

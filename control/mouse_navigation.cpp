@@ -2,20 +2,18 @@
 // zoom, and ask for a redraw, which applies them.
 #include "control/KARVOpenGLControl.h"
 
-#include "control/control_source.h"
 #include "module/guard.h"
 
 #include <cstdint>
 
 using karv::Guarded;
-using karv::kMouseNavigationSource;
 
 namespace
 {
 
 constexpr float kDegreesPerPixel = 0.5F;
 /// A turn beyond this, from a jump of the pointer, is dropped.
-constexpr float kLargestTurn = 360.0F;
+constexpr float kMaxTurnDegrees = 360.0F;
 constexpr float kZoomPerPixel = 0.01F;
 /// Wheel units per pixel of an equivalent drag; negative, because a turn forward zooms in, as a drag upward
 /// does.
@@ -32,14 +30,14 @@ int Truncated(float value)
 
 float TurnWithinLimit(float degrees)
 {
-    return degrees > kLargestTurn || degrees < -kLargestTurn ? 0.0F : degrees;
+    return degrees > kMaxTurnDegrees || degrees < -kMaxTurnDegrees ? 0.0F : degrees;
 }
 
 } // namespace
 
 void KARVOpenGLControl::OnMouseMove(UINT nFlags, CPoint point)
 {
-    Guarded(L"KARVOpenGLControl::OnMouseMove", kMouseNavigationSource, [&] {
+    Guarded<L"KARVOpenGLControl::OnMouseMove">([&] {
         if (!userControlEnabled)
             return;
         const auto x = static_cast<float>(point.x);
@@ -75,7 +73,7 @@ BOOL KARVOpenGLControl::OnMouseWheel(UINT /*nFlags*/, short zDelta, CPoint /*poi
 
 void KARVOpenGLControl::GLMouseRotate(int dx, int dy)
 {
-    Guarded(L"KARVOpenGLControl::GLMouseRotate", kMouseNavigationSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLMouseRotate">([&] {
         pendingRotateX = TurnWithinLimit(static_cast<float>(dy) * kDegreesPerPixel);
         const float turn = static_cast<float>(dx) * kDegreesPerPixel;
         pendingRotateZ = TurnWithinLimit(static_cast<float>(static_cast<double>(turn) * -1.0));
@@ -84,7 +82,7 @@ void KARVOpenGLControl::GLMouseRotate(int dx, int dy)
 
 void KARVOpenGLControl::GLMousePan(int dx, int dy)
 {
-    Guarded(L"KARVOpenGLControl::GLMousePan", kMouseNavigationSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLMousePan">([&] {
         // Each factor in 32 bits, their products in 64.
         const float of_width = panScale * kPanPerPixel;
         const float of_scene = sceneSize / kScenePanDivisor;
@@ -97,7 +95,7 @@ void KARVOpenGLControl::GLMousePan(int dx, int dy)
 
 void KARVOpenGLControl::GLMouseZoom(int d)
 {
-    Guarded(L"KARVOpenGLControl::GLMouseZoom", kMouseNavigationSource, [&] {
+    Guarded<L"KARVOpenGLControl::GLMouseZoom">([&] {
         const float factor = static_cast<float>(d) * kZoomPerPixel + 1.0F;
         // Both, so that the zoom survives a switch of the projection.
         fieldOfView = fieldOfView * factor;
@@ -107,7 +105,7 @@ void KARVOpenGLControl::GLMouseZoom(int d)
 
 void KARVOpenGLControl::RestrictToRotate()
 {
-    Guarded(L"KARVOpenGLControl::RestrictToRotate", kMouseNavigationSource, [&] {
+    Guarded<L"KARVOpenGLControl::RestrictToRotate">([&] {
         mouseRotates = true;
         mouseZooms = false;
         mousePans = false;
@@ -116,7 +114,7 @@ void KARVOpenGLControl::RestrictToRotate()
 
 void KARVOpenGLControl::RestrictToPan()
 {
-    Guarded(L"KARVOpenGLControl::RestrictToPan", kMouseNavigationSource, [&] {
+    Guarded<L"KARVOpenGLControl::RestrictToPan">([&] {
         mousePans = true;
         mouseZooms = false;
         mouseRotates = false;
@@ -125,7 +123,7 @@ void KARVOpenGLControl::RestrictToPan()
 
 void KARVOpenGLControl::RestrictToZoom()
 {
-    Guarded(L"KARVOpenGLControl::RestrictToZoom", kMouseNavigationSource, [&] {
+    Guarded<L"KARVOpenGLControl::RestrictToZoom">([&] {
         mouseZooms = true;
         mousePans = false;
         mouseRotates = false;
@@ -134,6 +132,5 @@ void KARVOpenGLControl::RestrictToZoom()
 
 void KARVOpenGLControl::KillUserControl()
 {
-    Guarded(L"KARVOpenGLControl::KillUserControl", kMouseNavigationSource,
-            [&] { userControlEnabled = false; });
+    Guarded<L"KARVOpenGLControl::KillUserControl">([&] { userControlEnabled = false; });
 }

@@ -1,6 +1,5 @@
 #include "geometry/KARVGraphicalEntity.h"
 
-#include "geometry/entity_source.h"
 #include "module/guard.h"
 #include "platform/host/cm/color.h"
 #include "platform/host/db/entities.h"
@@ -9,7 +8,6 @@
 #include <utility>
 
 using karv::Guarded;
-using karv::kEntitySource;
 
 namespace
 {
@@ -70,7 +68,7 @@ KARVGraphicalEntity& KARVGraphicalEntity::operator=(KARVGraphicalEntity&& source
 
 KARVGraphicalEntity::KARVGraphicalEntity(AcDbEntity* entity, EntityType type)
 {
-    Guarded(L"KARVGraphicalEntity::KARVGraphicalEntity", kEntitySource, [&] {
+    Guarded<L"KARVGraphicalEntity::KARVGraphicalEntity">([&] {
         InitParameters();
         if (entity == nullptr)
             return;
@@ -82,7 +80,7 @@ KARVGraphicalEntity::KARVGraphicalEntity(AcDbEntity* entity, EntityType type)
 
 KARVGraphicalEntity::KARVGraphicalEntity(AModeler::Body* body, EntityType type, unsigned short color_index)
 {
-    Guarded(L"KARVGraphicalEntity::KARVGraphicalEntity", kEntitySource, [&] {
+    Guarded<L"KARVGraphicalEntity::KARVGraphicalEntity">([&] {
         InitParameters();
         entityType = type;
         color = LookUpColor(color_index);
@@ -93,7 +91,7 @@ KARVGraphicalEntity::KARVGraphicalEntity(AModeler::Body* body, EntityType type, 
 KARVGraphicalEntity::KARVGraphicalEntity(std::vector<KARVGLFace> source, EntityType type,
                                          unsigned short color_index)
 {
-    Guarded(L"KARVGraphicalEntity::KARVGraphicalEntity", kEntitySource, [&] {
+    Guarded<L"KARVGraphicalEntity::KARVGraphicalEntity">([&] {
         InitParameters();
         for (KARVGLFace& face : source)
             if (face.vertices.size() >= 4)
@@ -118,7 +116,7 @@ KARVGraphicalEntity::KARVGraphicalEntity(std::vector<KARVGLFace> source, EntityT
 
 KARVGraphicalEntity::~KARVGraphicalEntity()
 {
-    Guarded(L"KARVGraphicalEntity::~KARVGraphicalEntity", kEntitySource, [&] {
+    Guarded<L"KARVGraphicalEntity::~KARVGraphicalEntity">([&] {
         // Faces first. Their display lists stay: copies may still draw them, and they die with the GL
         // context.
         std::vector<KARVGLFace>().swap(faces);
@@ -128,17 +126,17 @@ KARVGraphicalEntity::~KARVGraphicalEntity()
 
 KARVGraphicalEntity::EntityType KARVGraphicalEntity::GetEntityType()
 {
-    return Guarded(L"KARVGraphicalEntity::GetEntityType", kEntitySource, [&] { return entityType; });
+    return Guarded<L"KARVGraphicalEntity::GetEntityType">([&] { return entityType; });
 }
 
 void KARVGraphicalEntity::SetEntityType(EntityType type)
 {
-    Guarded(L"KARVGraphicalEntity::SetEntityType", kEntitySource, [&] { entityType = type; });
+    Guarded<L"KARVGraphicalEntity::SetEntityType">([&] { entityType = type; });
 }
 
 void KARVGraphicalEntity::SetColor(unsigned short color_index)
 {
-    Guarded(L"KARVGraphicalEntity::SetColor", kEntitySource, [&] {
+    Guarded<L"KARVGraphicalEntity::SetColor">([&] {
         AcCmColor palette_color;
         palette_color.setColorIndex(color_index);
         const unsigned char blue = palette_color.blue();
@@ -150,12 +148,12 @@ void KARVGraphicalEntity::SetColor(unsigned short color_index)
 
 void KARVGraphicalEntity::SetAlpha(float opacity)
 {
-    Guarded(L"KARVGraphicalEntity::SetAlpha", kEntitySource, [&] { alpha = opacity; });
+    Guarded<L"KARVGraphicalEntity::SetAlpha">([&] { alpha = opacity; });
 }
 
 void KARVGraphicalEntity::GetExtents(KARVGLVertex& min, KARVGLVertex& max)
 {
-    Guarded(L"KARVGraphicalEntity::GetExtents", kEntitySource, [&] {
+    Guarded<L"KARVGraphicalEntity::GetExtents">([&] {
         min = minExtent;
         max = maxExtent;
     });
@@ -163,14 +161,13 @@ void KARVGraphicalEntity::GetExtents(KARVGLVertex& min, KARVGLVertex& max)
 
 int KARVGraphicalEntity::GetFaceNumber()
 {
-    return Guarded(L"KARVGraphicalEntity::GetFaceNumber", kEntitySource,
-                   [&] { return static_cast<int>(faces.size()); });
+    return Guarded<L"KARVGraphicalEntity::GetFaceNumber">([&] { return static_cast<int>(faces.size()); });
 }
 
 void KARVGraphicalEntity::DoesPointContainExtent(KARVGLVertex point, KARVGLVertex& min, KARVGLVertex& max)
 {
     // For every corner of a scene: the point by value, so that it can stay in registers.
-    Guarded(L"KARVGraphicalEntity::DoesPointContainExtent", kEntitySource, [point, &min, &max] {
+    Guarded<L"KARVGraphicalEntity::DoesPointContainExtent">([point, &min, &max] {
         LowerTo(point.x, min.x);
         LowerTo(point.y, min.y);
         LowerTo(point.z, min.z);
@@ -190,7 +187,7 @@ void KARVGraphicalEntity::InitParameters()
 
 void KARVGraphicalEntity::CreateGLCache(AcDbEntity* entity)
 {
-    Guarded(L"KARVGraphicalEntity::CreateGLCache", kEntitySource, [&] {
+    Guarded<L"KARVGraphicalEntity::CreateGLCache">([&] {
         if (!entity->isKindOf(AcDbLine::desc()))
             return;
         const auto* line = static_cast<const AcDbLine*>(entity);

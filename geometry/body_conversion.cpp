@@ -1,14 +1,12 @@
 // Solids of the modeler as faces and line segments.
 #include "geometry/KARVGraphicalEntity.h"
 
-#include "geometry/entity_source.h"
 #include "module/guard.h"
 #include "platform/modeler/body.h"
 
 #include <vector>
 
 using karv::Guarded;
-using karv::kEntityBodySource;
 
 namespace
 {
@@ -34,7 +32,7 @@ KARVGLFace ToFace(AModeler::Face& source)
 
 void KARVGraphicalEntity::CreateGLCache(AModeler::Body* body)
 {
-    Guarded(L"KARVGraphicalEntity::CreateGLCache", kEntityBodySource, [&] {
+    Guarded<L"KARVGraphicalEntity::CreateGLCache">([&] {
         faces.reserve(static_cast<std::size_t>(body->faceCount()));
         // Faces of bodies are never tessellated: a concave one is drawn as a fan.
         for (AModeler::Face* face = body->faceList(); face != nullptr; face = face->next())

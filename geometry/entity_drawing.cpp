@@ -1,12 +1,10 @@
 // Immediate-mode drawing of an entity, issued anew in every frame.
 #include "geometry/KARVGraphicalEntity.h"
 
-#include "geometry/entity_source.h"
 #include "module/guard.h"
 #include "platform/winsys/opengl.h"
 
 using karv::Guarded;
-using karv::kEntityDrawingSource;
 
 namespace
 {
@@ -52,7 +50,7 @@ void DrawFace(const KARVGLFace& face)
 
 void KARVGraphicalEntity::DrawObjectQuads()
 {
-    Guarded(L"KARVGraphicalEntity::DrawObjectQuads", kEntityDrawingSource, [&] {
+    Guarded<L"KARVGraphicalEntity::DrawObjectQuads">([&] {
         if (faces.empty())
             DrawObjectLines();
         glColor4f(color.x, color.y, color.z, alpha);
@@ -63,7 +61,7 @@ void KARVGraphicalEntity::DrawObjectQuads()
 
 void KARVGraphicalEntity::DrawObjectLines()
 {
-    Guarded(L"KARVGraphicalEntity::DrawObjectLines", kEntityDrawingSource, [&] {
+    Guarded<L"KARVGraphicalEntity::DrawObjectLines">([&] {
         const std::size_t count = lineVertices.size();
         if (count < 2)
             return;

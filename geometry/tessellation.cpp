@@ -1,7 +1,6 @@
 // Face normals, and polygons turned into compiled display lists by the GLU tessellator.
 #include "geometry/KARVGraphicalEntity.h"
 
-#include "geometry/entity_source.h"
 #include "module/guard.h"
 #include "platform/host/ge/geometry.h"
 #include "platform/winsys/opengl.h"
@@ -10,7 +9,6 @@
 #include <memory>
 
 using karv::Guarded;
-using karv::kEntityTessellationSource;
 
 namespace
 {
@@ -86,7 +84,7 @@ void KARVGraphicalEntity::TesselateFace(KARVGLFace& face)
 
 KARVGLVertex KARVGraphicalEntity::FindFaceNormal(std::vector<KARVGLVertex> corners)
 {
-    return Guarded(L"KARVGraphicalEntity::FindFaceNormal", kEntityTessellationSource, [&] {
+    return Guarded<L"KARVGraphicalEntity::FindFaceNormal">([&] {
         if (corners.size() < 3)
             return KARVGLVertex();
         const AcGePoint3d middle = Widened(corners.at(1));

@@ -4,9 +4,13 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cstdint>
+#include <limits>
+#include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -17,8 +21,6 @@ using testing::IsEmpty;
 
 namespace
 {
-
-constexpr const wchar_t* kFile = L".\\Source.cpp";
 
 struct NoException {
     int payload = 0;
@@ -31,13 +33,25 @@ struct Record {
 
 enum class Kind { None = 0, Some = 7 };
 
+/// As short, as long and as alike as names may be.
+constexpr std::array<std::wstring_view, 6> kNames = {
+    L"A::B",         L"A::C",
+    L"Thing::Do",    L"Thing::~Thing",
+    L"Thing::Thing", L"AClassWithAVeryLongName::AndOneOfItsOperationsThatHasAnEvenLongerOne"};
+
+/// How a fault is listed that the operation `name` reports from this line of its source.
+std::string Place(const std::string& file, std::wstring_view name, int line)
+{
+    return file + ":" + std::to_string(karv::FirstFaultLine(name) + line);
+}
+
 } // namespace
 
 TEST(Guard, NormalCompletionOpensAndClosesOneEntry)
 {
     const TraceRecording trace;
     bool ran = false;
-    Guarded(L"Thing::Do", kFile, [&] { ran = true; });
+    Guarded<L"Thing::Do">([&] { ran = true; });
     EXPECT_TRUE(ran);
     EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Do", "< Thing::Do"));
 }
@@ -46,39 +60,60 @@ TEST(Guard, EntryIsOpenWhileTheBodyRuns)
 {
     const TraceRecording trace;
     std::vector<std::string> seen;
-    Guarded(L"Thing::Do", kFile, [&] { seen = trace.Listing(); });
+    Guarded<L"Thing::Do">([&] { seen = trace.Listing(); });
     EXPECT_THAT(seen, ElementsAre("> Thing::Do"));
 }
 
 TEST(Guard, FaultClosesTheEntryBeforeItIsReported)
 {
     const TraceRecording trace;
-    Guarded(L"Thing::Do", kFile, [] { throw std::runtime_error("fault"); });
-    EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Do", "< Thing::Do", R"(! .\Source.cpp)"));
+    Guarded<L"Thing::Do">([] { throw std::runtime_error("fault"); });
+    EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Do", "< Thing::Do", R"(! .\Thing.cpp)"));
 }
 
-TEST(Guard, FaultCarriesTheLineOfTheGuardedCall)
+TEST(Guard, FaultNamesTheFileOfTheClassAndTheLineOfTheCall)
 {
     const TraceRecording trace;
     const int before = __LINE__;
-    Guarded(L"Thing::Do", kFile, [] { throw std::runtime_error("fault"); });
-    EXPECT_THAT(trace.Faults(), ElementsAre(R"(.\Source.cpp:)" + std::to_string(before + 1)));
+    Guarded<L"Thing::Do">([] { throw std::runtime_error("fault"); });
+    EXPECT_THAT(trace.Faults(), ElementsAre(Place(".\\Thing.cpp", L"Thing::Do", before + 1)));
+}
+
+TEST(Guard, FaultOfACallOfSeveralLinesNamesItsFirst)
+{
+    const TraceRecording trace;
+    int runs = 0;
+    const int before = __LINE__;
+    Guarded<L"Thing::~Thing">([&] {
+        ++runs;
+        throw 1;
+    });
+    EXPECT_THAT(trace.Faults(), ElementsAre(Place(".\\Thing.cpp", L"Thing::~Thing", before + 1)));
 }
 
 TEST(Guard, GivenLineIsReported)
 {
     const TraceRecording trace;
-    Guarded(
-        L"Thing::Do", kFile, [] { throw 1; }, 4711);
-    EXPECT_THAT(trace.Faults(), ElementsAre(R"(.\Source.cpp:4711)"));
+    Guarded<L"Thing::Do">([] { throw 1; }, 4711);
+    EXPECT_THAT(trace.Faults(), ElementsAre(Place(".\\Thing.cpp", L"Thing::Do", 4711)));
 }
 
-TEST(Guard, LinesAreAddedToThePlacesFirstLine)
+TEST(Guard, LastFourDigitsOfAFaultsLineAreThoseOfTheSource)
 {
-    const TraceRecording trace;
-    Guarded(
-        L"Thing::Do", karv::FaultPlace(kFile, 2000), [] { throw 1; }, 47);
-    EXPECT_THAT(trace.Faults(), ElementsAre(R"(.\Source.cpp:2047)"));
+    for (const std::wstring_view name : kNames) {
+        const int first = karv::FirstFaultLine(name);
+        EXPECT_GE(first, 0);
+        EXPECT_LE(first, std::numeric_limits<int>::max() - 9999);
+        EXPECT_EQ(first % 10'000, 0);
+    }
+}
+
+TEST(Guard, OperationsOnTheSameLineOfTwoSourcesReportDifferentLines)
+{
+    std::set<int> lines;
+    for (const std::wstring_view name : kNames)
+        lines.insert(karv::FirstFaultLine(name) + 47);
+    EXPECT_EQ(lines.size(), kNames.size());
 }
 
 TEST(Guard, LocalsOfTheBodyAreUnwoundBeforeTheEntryCloses)
@@ -90,7 +125,7 @@ TEST(Guard, LocalsOfTheBodyAreUnwoundBeforeTheEntryCloses)
     };
     const TraceRecording trace;
     std::vector<std::string> seen;
-    Guarded(L"Thing::Do", kFile, [&] {
+    Guarded<L"Thing::Do">([&] {
         const Witness witness{trace, seen};
         throw 1;
     });
@@ -100,22 +135,22 @@ TEST(Guard, LocalsOfTheBodyAreUnwoundBeforeTheEntryCloses)
 TEST(Guard, ThrownIntIsCaught)
 {
     const TraceRecording trace;
-    EXPECT_NO_THROW(Guarded(L"Thing::Do", kFile, [] { throw 42; }));
-    EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Do", "< Thing::Do", R"(! .\Source.cpp)"));
+    EXPECT_NO_THROW(Guarded<L"Thing::Do">([] { throw 42; }));
+    EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Do", "< Thing::Do", R"(! .\Thing.cpp)"));
 }
 
 TEST(Guard, ThrownTypeWithoutExceptionBaseIsCaught)
 {
     const TraceRecording trace;
-    EXPECT_NO_THROW(Guarded(L"Thing::Do", kFile, [] { throw NoException{.payload = 1}; }));
+    EXPECT_NO_THROW(Guarded<L"Thing::Do">([] { throw NoException{.payload = 1}; }));
     EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
 }
 
 TEST(Guard, ThrownPointerIsCaught)
 {
     const TraceRecording trace;
-    // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the test is about a pointer
-    EXPECT_NO_THROW(Guarded(L"Thing::Do", kFile, [] { throw static_cast<const char*>("fault"); }));
+    // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): a pointer is what must be caught
+    EXPECT_NO_THROW(Guarded<L"Thing::Do">([] { throw static_cast<const char*>("fault"); }));
     EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
 }
 
@@ -124,40 +159,39 @@ TEST(Guard, InnerFaultIsReportedOnceAndTheOuterRunsToItsEnd)
     const TraceRecording trace;
     bool finished = false;
     const int before = __LINE__;
-    Guarded(L"Thing::Outer", kFile, [&] {
-        Guarded(L"Other::Inner", L".\\Other.cpp", [] { throw 1; });
+    Guarded<L"Thing::Outer">([&] {
+        Guarded<L"Other::Inner">([] { throw 1; });
         finished = true;
     });
     EXPECT_TRUE(finished);
     EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Outer", "> Other::Inner", "< Other::Inner",
                                              R"(! .\Other.cpp)", "< Thing::Outer"));
-    EXPECT_THAT(trace.Faults(), ElementsAre(R"(.\Other.cpp:)" + std::to_string(before + 2)));
+    EXPECT_THAT(trace.Faults(), ElementsAre(Place(".\\Other.cpp", L"Other::Inner", before + 2)));
 }
 
 TEST(Guard, OuterSeesTheZeroOfAnInnerFault)
 {
     int seen = 99;
-    Guarded(L"Thing::Outer", kFile,
-            [&] { seen = Guarded(L"Thing::Inner", kFile, []() -> int { throw 1; }); });
+    Guarded<L"Thing::Outer">([&] { seen = Guarded<L"Thing::Inner">([]() -> int { throw 1; }); });
     EXPECT_EQ(seen, 0);
 }
 
 TEST(Guard, FaultAfterAnInnerFaultIsReportedToo)
 {
     const TraceRecording trace;
-    Guarded(L"Thing::Outer", kFile, [] {
-        Guarded(L"Thing::Inner", kFile, [] { throw 1; });
+    Guarded<L"Thing::Outer">([] {
+        Guarded<L"Thing::Inner">([] { throw 1; });
         throw 2;
     });
     EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Outer", "> Thing::Inner", "< Thing::Inner",
-                                             R"(! .\Source.cpp)", "< Thing::Outer", R"(! .\Source.cpp)"));
+                                             R"(! .\Thing.cpp)", "< Thing::Outer", R"(! .\Thing.cpp)"));
 }
 
 TEST(Guard, StateWrittenBeforeTheFaultStays)
 {
     int first = 0;
     int second = 0;
-    Guarded(L"Thing::Do", kFile, [&] {
+    Guarded<L"Thing::Do">([&] {
         first = 1;
         throw 1;
         second = 1;
@@ -168,40 +202,40 @@ TEST(Guard, StateWrittenBeforeTheFaultStays)
 
 TEST(Guard, ResultOfTheBodyIsReturned)
 {
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, [] { return 7; }), 7);
-    EXPECT_TRUE(Guarded(L"Thing::Get", kFile, [] { return true; }));
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, [] { return Kind::Some; }), Kind::Some);
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, [] { return Record{2.0F, 3.0F}; }).y, 3.0F);
+    EXPECT_EQ(Guarded<L"Thing::Get">([] { return 7; }), 7);
+    EXPECT_TRUE(Guarded<L"Thing::Get">([] { return true; }));
+    EXPECT_EQ(Guarded<L"Thing::Get">([] { return Kind::Some; }), Kind::Some);
+    EXPECT_EQ(Guarded<L"Thing::Get">([] { return Record{2.0F, 3.0F}; }).y, 3.0F);
 }
 
 TEST(Guard, FaultingIntIsZero)
 {
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, []() -> int { throw 1; }), 0);
+    EXPECT_EQ(Guarded<L"Thing::Get">([]() -> int { throw 1; }), 0);
 }
 
 TEST(Guard, FaultingBoolIsFalse)
 {
-    EXPECT_FALSE(Guarded(L"Thing::Get", kFile, []() -> bool { throw 1; }));
+    EXPECT_FALSE(Guarded<L"Thing::Get">([]() -> bool { throw 1; }));
 }
 
 TEST(Guard, FaultingFloatIsZero)
 {
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, []() -> float { throw 1; }), 0.0F);
+    EXPECT_EQ(Guarded<L"Thing::Get">([]() -> float { throw 1; }), 0.0F);
 }
 
 TEST(Guard, FaultingPointerIsNull)
 {
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, []() -> int* { throw 1; }), nullptr);
+    EXPECT_EQ(Guarded<L"Thing::Get">([]() -> int* { throw 1; }), nullptr);
 }
 
 TEST(Guard, FaultingEnumIsItsZero)
 {
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, []() -> Kind { throw 1; }), Kind::None);
+    EXPECT_EQ(Guarded<L"Thing::Get">([]() -> Kind { throw 1; }), Kind::None);
 }
 
 TEST(Guard, FaultingRecordIsZero)
 {
-    const Record record = Guarded(L"Thing::Get", kFile, []() -> Record { throw 1; });
+    const Record record = Guarded<L"Thing::Get">([]() -> Record { throw 1; });
     EXPECT_EQ(record.x, 0.0F);
     EXPECT_EQ(record.y, 0.0F);
 }
@@ -210,8 +244,8 @@ TEST(Guard, WithoutASinkNothingIsRecordedAndFaultsAreStillSwallowed)
 {
     const TraceRecording trace;
     TraceSink* sink = InstallTraceSink(nullptr);
-    EXPECT_NO_THROW(Guarded(L"Thing::Do", kFile, [] { throw 1; }));
-    EXPECT_EQ(Guarded(L"Thing::Get", kFile, []() -> int { throw 1; }), 0);
+    EXPECT_NO_THROW(Guarded<L"Thing::Do">([] { throw 1; }));
+    EXPECT_EQ(Guarded<L"Thing::Get">([]() -> int { throw 1; }), 0);
     InstallTraceSink(sink);
     EXPECT_THAT(trace.Listing(), IsEmpty());
 }
@@ -220,7 +254,7 @@ TEST(Guard, HundredFaultsInARowAreHundredReports)
 {
     const TraceRecording trace;
     for (int i = 0; i < 100; ++i)
-        Guarded(L"Thing::Do", kFile, [i] { throw int{i}; });
+        Guarded<L"Thing::Do">([i] { throw int{i}; });
     EXPECT_THAT(trace.Faults(), testing::SizeIs(100));
     EXPECT_THAT(trace.Calls(), testing::SizeIs(100));
 }

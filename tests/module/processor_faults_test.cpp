@@ -160,7 +160,7 @@ using CallingLine = Calling<AcDbLine>;
 
 void GuardedWrite(int* place)
 {
-    karv::Guarded(L"Thing::Write", L".\\Thing.cpp", [&] { WriteTo(place); });
+    karv::Guarded<L"Thing::Write">([&] { WriteTo(place); });
 }
 
 } // namespace
@@ -277,7 +277,7 @@ TEST_F(ProcessorFaults, ObjectsOfCallersAreDestroyed)
     };
     ASSERT_TRUE(CatchProcessorFaults(reinterpret_cast<const void*>(&GuardedWrite)));
     bool is_gone = false;
-    karv::Guarded(L"Thing::Do", L".\\Thing.cpp", [&] {
+    karv::Guarded<L"Thing::Do">([&] {
         const Witness witness{is_gone};
         WriteTo(Pointer<int>(kUnmapped));
     });
@@ -288,7 +288,7 @@ TEST_F(ProcessorFaults, NoexceptFunctionsAreLeftToo)
 {
     ASSERT_TRUE(CatchProcessorFaults(reinterpret_cast<const void*>(&GuardedWrite)));
     const TraceRecording trace;
-    karv::Guarded(L"Thing::Do", L".\\Thing.cpp", [] { WriteWithoutThrowing(Pointer<int>(kUnmapped)); });
+    karv::Guarded<L"Thing::Do">([] { WriteWithoutThrowing(Pointer<int>(kUnmapped)); });
     EXPECT_THAT(trace.Listing(), ElementsAre("> Thing::Do", "< Thing::Do", R"(! .\Thing.cpp)"));
 }
 

@@ -50,7 +50,8 @@ SUBJECTS = {
     "module/entry_point.cpp": MODULE,
     "module/extension_module.cpp": MODULE,
     "module/guard.h": [
-        "tests/module/guard_test.cpp", "tests/module/processor_faults_test.cpp", CONTROL + "trace_test.cpp"
+        "tests/module/guard_test.cpp", "tests/module/fault_lines_test.cpp",
+        "tests/module/processor_faults_test.cpp", CONTROL + "trace_test.cpp"
     ],
     "control/KARVOpenGLControl.cpp": [
         CONTROL + name + "_test.cpp" for name in ("creation", "creation_failure", "defaults", "trace", "probe")
@@ -70,8 +71,8 @@ SUBJECTS = {
     ],
 }
 
-# A mutant that the tests certainly notice. It proves that the switch reaches the module.
-KNOWN = ("camera/KARVGLCamera.cpp", "statement removed", 'Guarded(L"KARVGLCamera::SetTarget"')
+# A mutant that tests surely notice: it proves that the switch reaches the module.
+KNOWN = ("camera/KARVGLCamera.cpp", "statement removed", 'Guarded<L"KARVGLCamera::SetTarget">')
 
 
 SURVIVED = "survived"
