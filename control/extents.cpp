@@ -1,20 +1,17 @@
 // The scene's box in KARVOpenGLControl, its centre, and what follows for the camera.
 #include "control/KARVOpenGLControl.h"
 
+#include "geometry/widening.h"
 #include "module/guard.h"
 
 using karv::Guarded;
+using karv::Widened;
 
 namespace
 {
 
 /// Scene size per diagonal of the scene's box.
 constexpr double kSceneSizePerDiagonal = 1.2;
-
-AcGePoint3d Widened(const KARVGLVertex& vertex)
-{
-    return {static_cast<double>(vertex.x), static_cast<double>(vertex.y), static_cast<double>(vertex.z)};
-}
 
 } // namespace
 

@@ -1,14 +1,15 @@
 // Face normals, and polygons turned into compiled display lists by the GLU tessellator.
 #include "geometry/KARVGraphicalEntity.h"
 
+#include "geometry/widening.h"
 #include "module/guard.h"
-#include "platform/host/ge/geometry.h"
 #include "platform/winsys/opengl.h"
 
 #include <array>
 #include <memory>
 
 using karv::Guarded;
+using karv::Widened;
 
 namespace
 {
@@ -38,11 +39,6 @@ void CALLBACK SendVertex(void* coordinates)
 struct TessellatorDeleter {
     void operator()(GLUtesselator* tessellator) const { gluDeleteTess(tessellator); }
 };
-
-AcGePoint3d Widened(const KARVGLVertex& vertex)
-{
-    return {static_cast<double>(vertex.x), static_cast<double>(vertex.y), static_cast<double>(vertex.z)};
-}
 
 } // namespace
 
