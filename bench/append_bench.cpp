@@ -1,6 +1,6 @@
 // The time and memory of an append: the control beside a program that builds the same face vector, compiles
 // the same lists by the same GLU calls, and keeps both.
-#include "bench/pairs.h"
+#include "bench/append_bench.h"
 
 #include "bench/allocation_meter.h"
 #include "bench/bare_tessellation.h"

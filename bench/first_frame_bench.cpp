@@ -1,6 +1,6 @@
 // The time from the start of a process to its first frame: a program that embeds the control beside a bare
 // one.
-#include "bench/pairs.h"
+#include "bench/first_frame_bench.h"
 
 #include <chrono>
 #include <stdexcept>

@@ -1,5 +1,5 @@
 // The time of a frame: the control's timer message beside a bare program's frame of the same OpenGL calls.
-#include "bench/pairs.h"
+#include "bench/frame_bench.h"
 
 #include "bench/bare_viewport.h"
 #include "bench/bench_window.h"

@@ -7,9 +7,13 @@
 // machines do not compare. --quick measures a fifth of the rounds. --thread-time counts the processor time of
 // the measuring thread in place of wall time, for a machine that has other work. Further options are those of
 // the benchmark library.
+#include "bench/append_bench.h"
 #include "bench/bench_window.h"
+#include "bench/first_frame_bench.h"
+#include "bench/frame_bench.h"
 #include "bench/pairs.h"
 #include "bench/table.h"
+#include "bench/trace_bench.h"
 
 #include <algorithm>
 #include <cstring>

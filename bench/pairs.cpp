@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 #include <exception>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -99,14 +100,14 @@ double SecondsOf(const std::function<void()>& action)
 int Effort::Rounds(int rounds) const
 {
     constexpr int kQuickShare = 5;
-    constexpr int kFewest = 3;
-    return quick ? std::max(rounds / kQuickShare, std::min(rounds, kFewest)) : rounds;
+    constexpr int kMinRounds = 3;
+    return quick ? std::max(rounds / kQuickShare, std::min(rounds, kMinRounds)) : rounds;
 }
 
 int Effort::Setups(int setups) const
 {
-    constexpr int kFewest = 2;
-    return quick ? kFewest : setups;
+    constexpr int kMinSetups = 2;
+    return quick ? kMinSetups : setups;
 }
 
 } // namespace karv_bench

@@ -47,10 +47,4 @@ struct Effort {
     [[nodiscard]] int Setups(int setups) const;
 };
 
-void RegisterFrames(const Effort& effort);
-void RegisterAppends(const Effort& effort);
-void RegisterTraceEntries(const Effort& effort);
-/// `folder` holds the two programs whose start is timed.
-void RegisterFirstFrames(const Effort& effort, const std::string& folder);
-
 } // namespace karv_bench

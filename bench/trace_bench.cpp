@@ -1,5 +1,5 @@
 // What the wrapper around every operation costs while no sink is installed.
-#include "bench/pairs.h"
+#include "bench/trace_bench.h"
 
 #include "module/guard.h"
 
