@@ -10,14 +10,15 @@ using karv::Guarded;
 namespace
 {
 
-/// The far distance is this many scene distances away.
+/// The far distance in scene distances.
 constexpr double kFarPerSceneDistance = 100.0;
 
-/// The near distance of `RefreshCameraView`: the float 0.1 widened. It differs from the camera's own near
-/// distance on purpose: the zoom, which uses that one, replaces this projection at the next redraw.
+/// The near distance of `RefreshCameraView`: the float 0.1 converted to double. It differs from the camera's
+/// own near distance on purpose: the next redraw replaces this projection by that of `ZoomAt`, which uses the
+/// camera's own.
 constexpr double kRefreshNear = 0.10000000149011612;
 
-/// Degrees of field of view per unit of parallel zoom: the float 16.66 widened.
+/// Degrees of field of view per unit of parallel zoom: the float 16.66 converted to double.
 constexpr double kDegreesPerOrthoZoom = 16.65999984741211;
 
 constexpr float kMinFieldOfView = 0.01F;
@@ -25,14 +26,14 @@ constexpr float kMaxFieldOfView = 150.0F;
 constexpr float kMinOrthoZoom = 0.01F;
 constexpr float kMaxOrthoZoom = 9.0F;
 
-/// How near to a bound counts as having reached it, absolute and relative.
+/// A value this close to a bound has reached it.
 double BoundTolerance(float bound)
 {
     constexpr double kTolerance = 1e-20;
     return kTolerance * std::fabs(static_cast<double>(bound)) + kTolerance;
 }
 
-/// Limits the value in place; NaN passes, for it reaches neither bound.
+/// Limits the value in place. NaN reaches neither bound and stays.
 void ClampZoom(float& value, float low, float high)
 {
     if (static_cast<double>(value) <= static_cast<double>(low) + BoundTolerance(low))
@@ -41,16 +42,15 @@ void ClampZoom(float& value, float low, float high)
         value = high;
 }
 
-/// Multiplies a parallel projection of these half extents onto the current matrix. The vertical axis is
-/// flipped twice, by the swapped bottom and top and by the scaling, so that the picture stands upright.
+/// Multiplies the current matrix by a parallel projection with these half extents. Bottom and top are swapped
+/// and the scaling swaps them back, so the picture is upright.
 void MultiplyFlippedOrtho(float half_width, float half_height, double near_distance, double far_distance)
 {
     glOrtho(-half_width, half_width, half_height, -half_height, near_distance, far_distance);
     glScalef(1.0F, -1.0F, 1.0F);
 }
 
-/// Takes the camera from the front view to another: an orbit about the vertical, then a tilt, each where not
-/// 0.
+/// Sets the front view and turns it: an orbit about world Z, then a tilt. An angle of 0 makes no rotation.
 void TurnFromFront(KARVGLCamera& camera, float orbit_degrees, float tilt_degrees)
 {
     camera.SetViewFront();
@@ -62,7 +62,7 @@ void TurnFromFront(KARVGLCamera& camera, float orbit_degrees, float tilt_degrees
     camera.UpdateCamera();
 }
 
-/// The tilt of the isometric views: the angle between a cube's space diagonal and its base, in degrees.
+/// The tilt of the isometric views in degrees: the angle between a cube's space diagonal and its base.
 constexpr float kIsometricTilt = 35.264F;
 
 } // namespace
@@ -184,8 +184,8 @@ void KARVGLCamera::SetPerspectiveOn(bool on)
             glPopMatrix();
             glLoadIdentity();
             fieldOfView = orthoZoom * kDegreesPerOrthoZoom;
-            // The negative near distance stands only until the next redraw, which loads the zoomed
-            // projection.
+            // The negative near distance is kept on purpose; the next redraw loads the projection of
+            // `ZoomAt`.
             gluPerspective(fieldOfView, aspect, -farPlane, farPlane);
             perspectiveOn = true;
         }

@@ -1,4 +1,4 @@
-// The motion of KARVGLCamera: orbit and tilt, pan, dolly. Fields only; no GL call.
+// The motion of KARVGLCamera: orbit, tilt, pan and dolly. It changes fields and makes no GL call.
 #include "camera/KARVGLCamera.h"
 
 #include "module/guard.h"
@@ -13,21 +13,23 @@ namespace
 constexpr double kRadiansPerDegree = 0.017453292519943295;
 constexpr double kQuarterTurn = 1.5707963267948966;
 
-/// Squares up to this count as zero.
+/// A square up to this value counts as zero.
 constexpr double kZeroSquare = 1e-20;
 
-// The line of sight stays this far from the vertical, measured from world +Z: 1 degree and 179 degrees.
+// The limits of the angle between the line of sight and world +Z in radians: 1 degree and 179 degrees.
 constexpr double kMinTilt = 0.017453292519943295;
 constexpr double kMaxTilt = 3.12413936106985;
 
+/// A value this close to a bound has reached it.
 double BoundTolerance(double bound)
 {
     constexpr double kTolerance = 1e-20;
     return kTolerance * std::fabs(bound) + kTolerance;
 }
 
-/// Whether a tilt by `turn` radians may be made from `tilt` radians off world +Z. A turn of exactly 90
-/// degrees always may: the views from above and below depend on it. NaN may not.
+/// Whether a tilt by `turn` is allowed while the line of sight is `tilt` away from world +Z; both in radians.
+/// A turn of exactly 90 degrees is always allowed: the views from above and below depend on it. NaN is not
+/// allowed.
 bool IsTiltAllowed(double tilt, double turn)
 {
     const double off_quarter = std::fabs(turn) - kQuarterTurn;
@@ -37,7 +39,7 @@ bool IsTiltAllowed(double tilt, double turn)
     return tilted >= kMinTilt - BoundTolerance(kMinTilt) && tilted <= kMaxTilt + BoundTolerance(kMaxTilt);
 }
 
-/// The direction to the right of a line of sight, not of unit length; world X where it is vertical.
+/// The direction to the right of a line of sight, not normalized. World X if the line of sight is vertical.
 AcGeVector3d RightOf(const AcGeVector3d& view_direction)
 {
     if (view_direction.isParallelTo(AcGeVector3d::kZAxis))
@@ -61,7 +63,7 @@ void KARVGLCamera::RotateCamera(float angle_degrees, AcGeVector3d axis)
             const AcGeVector3d view_direction = target - position;
             if (!IsTiltAllowed(view_direction.angleTo(AcGeVector3d::kZAxis), turn))
                 return;
-            // About the camera's left, so that a positive angle lifts the eye.
+            // A turn about the camera's left direction, so that a positive angle raises the eye.
             AcGeVector3d left = RightOf(view_direction);
             left.negate();
             rotation.setToRotation(turn, left, target);
@@ -82,7 +84,7 @@ void KARVGLCamera::PanCamera(float amount, AcGeVector3d axis)
         if (axis.isEqualTo(AcGeVector3d::kXAxis)) {
             offset = right.normal() * static_cast<double>(amount);
         } else {
-            // Forward x right points down the screen, so the step is against it.
+            // Forward x right points down the screen; the step goes the other way.
             const AcGeVector3d down = view_direction.crossProduct(right).normal();
             offset = -(down * static_cast<double>(amount));
         }

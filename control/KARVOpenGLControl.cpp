@@ -14,7 +14,7 @@ using karv::kWindowClassStyle;
 namespace
 {
 
-/// The categories that every control knows from its construction: 0 to this one.
+/// Every control knows the categories from 0 to this one from its construction.
 constexpr int kLastKnownCategory = 10;
 
 } // namespace
@@ -38,7 +38,7 @@ KARVOpenGLControl::~KARVOpenGLControl()
         wglMakeCurrent(hDC, nullptr);
         wglDeleteContext(hRC);
         hRC = nullptr;
-        // The window class has its own device context, which goes with the window: hDC needs no release.
+        // The window's own device context is freed with the window, so hDC is not released.
         const HDC own = ::GetDC(m_hWnd);
         ::ReleaseDC(m_hWnd, own);
         CWnd::DestroyWindow();
@@ -51,7 +51,7 @@ void KARVOpenGLControl::CreateCtrl(CRect rect, CWnd* parent, bool transparent)
     Guarded<L"KARVOpenGLControl::CreateCtrl">([&] {
         const LPCWSTR window_class = AfxRegisterWndClass(
             kWindowClassStyle, nullptr, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)), nullptr);
-        // WM_CREATE arrives during this call, so the GL context exists when it returns.
+        // WM_CREATE arrives during this call and creates the GL context.
         CreateEx(0, window_class, L"3DView", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, rect,
                  parent, 0, nullptr);
         createRect = rect;

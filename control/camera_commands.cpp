@@ -1,5 +1,4 @@
-// The camera commands that KARVOpenGLControl offers to hosts: they forward to its camera and keep the zoom's
-// fields.
+// The camera commands of KARVOpenGLControl. They forward to its camera and set its zoom fields.
 #include "control/KARVOpenGLControl.h"
 
 #include "module/guard.h"
@@ -9,7 +8,7 @@ using karv::Guarded;
 namespace
 {
 
-// The zoom that goes with a camera placed by `SetCamera`: the closest.
+// The zoom that `SetCamera` sets.
 constexpr float kPlacedZoomFactor = 0.01F;
 constexpr float kPlacedFieldOfView = 0.1F;
 

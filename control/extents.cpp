@@ -1,4 +1,5 @@
-// The scene's box in KARVOpenGLControl, its centre, and what follows for the camera.
+// The extents of KARVOpenGLControl: the scene's box, its centre, and the camera's target and far distance
+// that follow from them.
 #include "control/KARVOpenGLControl.h"
 
 #include "geometry/widening.h"
@@ -10,7 +11,7 @@ using karv::Widened;
 namespace
 {
 
-/// Scene size per diagonal of the scene's box.
+/// The scene size in diagonals of the scene's box.
 constexpr double kSceneSizePerDiagonal = 1.2;
 
 } // namespace
@@ -36,7 +37,7 @@ void KARVOpenGLControl::GLDetectExtents(KARVGraphicalEntity entity)
         KARVGLVertex max;
         entity.GetExtents(min, max);
         if (!extentsSeeded) {
-            // Both corners start at the far one; the growth below pulls the near one down.
+            // Both corners start at the far corner. The growth below lowers the near one.
             extentsMax = max;
             extentsMin = max;
             extentsSeeded = true;
@@ -53,7 +54,7 @@ void KARVOpenGLControl::GLComputeCentroid()
         centroid.x = (extentsMax.x + extentsMin.x) * 0.5F;
         centroid.y = (extentsMax.y + extentsMin.y) * 0.5F;
         centroid.z = (extentsMax.z + extentsMin.z) * 0.5F;
-        // Rounded to float before and after the product.
+        // The diagonal and the product are each rounded to float.
         const auto diagonal = static_cast<float>(Widened(extentsMax).distanceTo(Widened(extentsMin)));
         sceneSize = static_cast<float>(static_cast<double>(diagonal) * kSceneSizePerDiagonal);
         if (!cameraSetByCaller)

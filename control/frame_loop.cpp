@@ -1,5 +1,5 @@
-// The frame loop of KARVOpenGLControl: the timer that draws frames, the throttle that drops multisampling in
-// slow scenes, the redraw that applies queued camera motion, and the small settings of rendering.
+// The frame loop of KARVOpenGLControl: the timer that draws frames, the throttle that turns multisampling off
+// while frames are slow, the redraw that applies queued camera motion, and the render settings.
 #include "control/KARVOpenGLControl.h"
 
 #include "module/guard.h"
@@ -18,9 +18,9 @@ constexpr UINT_PTR kFrameTimerId = 1;
 constexpr UINT kFrameTimerPeriodMs = 1;
 
 constexpr double kTicksPerSecond = 1000.0;
-/// What a frame that took no measurable time counts as.
+/// The frame rate of a frame that took no measurable time.
 constexpr int kUnmeasuredFramesPerSecond = 1000;
-/// Multisampling goes off below the first rate and comes back at the second.
+/// In frames per second: multisampling is turned off below the first rate and on again at the second.
 constexpr int kThrottleBelow = 5;
 constexpr int kRecoverAt = 10;
 
@@ -34,7 +34,7 @@ int FramesPerSecond(std::clock_t begin, std::clock_t end)
     return static_cast<int>(1.0 / seconds);
 }
 
-/// The matrices and the viewport that a frame projects boxes with.
+/// The matrices and the viewport with which a frame projects boxes.
 struct WindowProjection {
     std::array<GLdouble, 16> model_view{};
     std::array<GLdouble, 16> projection{};
@@ -49,7 +49,7 @@ struct WindowProjection {
         return current;
     }
 
-    /// Whether the point lies left of and below the viewport's origin.
+    /// Whether the point is projected to the left of and below the window's origin.
     [[nodiscard]] bool IsLeftAndBelow(const KARVGLVertex& point) const
     {
         GLdouble x = 0.0;
@@ -61,7 +61,7 @@ struct WindowProjection {
     }
 };
 
-/// A quadrilateral of the diagnostic cube: axis signs of the normal and of the four corners.
+/// A side of the debug cube: the axis signs of its normal and of its four corners.
 struct CubeSide {
     std::array<int, 3> normal;
     std::array<std::array<int, 3>, 4> corners;
@@ -132,7 +132,7 @@ void KARVOpenGLControl::GLDrawFrame()
             entity.GetExtents(min, max);
             const bool min_is_outside = projection.IsLeftAndBelow(min);
             const bool max_is_outside = projection.IsLeftAndBelow(max);
-            // The only culling there is: boxes past the right or top edge are still drawn, as they always
+            // This is the only culling. Boxes past the right or top edge are drawn on purpose, as they always
             // were.
             if (min_is_outside && max_is_outside)
                 continue;
@@ -223,7 +223,7 @@ void KARVOpenGLControl::DrawDebugCubeAt(KARVGLVertex position, float size)
     Guarded<L"KARVOpenGLControl::DrawDebugCubeAt">([&] {
         const float half = size * 0.5F;
         const auto along = [half](int sign) {
-            // A zero component stays a plain zero, whatever the size.
+            // A zero component is +0 for every size, infinity and NaN included.
             return sign == 0 ? 0.0F : static_cast<float>(sign) * half;
         };
         const auto turn = static_cast<float>(debugCubeAngle);
@@ -235,7 +235,7 @@ void KARVOpenGLControl::DrawDebugCubeAt(KARVGLVertex position, float size)
         glColor3f(0.0F, 0.0F, 1.0F);
         glBegin(GL_QUADS);
         for (const CubeSide& side : kCubeSides) {
-            // Normals are as long as half the cube: they rely on GL_NORMALIZE.
+            // The normals have the length of half an edge and rely on GL_NORMALIZE.
             glNormal3f(along(side.normal[0]), along(side.normal[1]), along(side.normal[2]));
             for (const std::array<int, 3>& corner : side.corners)
                 glVertex3f(along(corner[0]), along(corner[1]), along(corner[2]));

@@ -1,4 +1,4 @@
-// The door through which geometry enters KARVOpenGLControl, and the switches of its categories.
+// Appends geometry to KARVOpenGLControl, and shows and hides categories.
 #include "control/KARVOpenGLControl.h"
 
 #include "module/guard.h"
@@ -53,14 +53,14 @@ void KARVOpenGLControl::AddEntityToCache(KARVGraphicalEntity entity)
 
 void KARVOpenGLControl::AllocateMemory(int count)
 {
-    // A negative count becomes a huge size, which the vector refuses; the guard swallows that.
+    // A negative count becomes a huge size. The vector throws, and the guard catches that.
     Guarded<L"KARVOpenGLControl::AllocateMemory">(
         [&] { entities.reserve(static_cast<std::size_t>(static_cast<std::int64_t>(count))); });
 }
 
 void KARVOpenGLControl::ClearGeometry(bool /*unused*/)
 {
-    // Face total, extents and switches stay on purpose: what comes next extends the old scene.
+    // Face total, extents and switches stay on purpose: geometry appended later extends the old scene.
     Guarded<L"KARVOpenGLControl::ClearGeometry">([&] { entities.clear(); });
 }
 

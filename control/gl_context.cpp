@@ -1,4 +1,4 @@
-// The GL context of KARVOpenGLControl: its pixel format, its creation, and the state that is set once.
+// The GL context of KARVOpenGLControl: its pixel format, its creation, and the GL state that is set once.
 #include "control/KARVOpenGLControl.h"
 
 #include "control/pixel_format_probe.h"
@@ -23,8 +23,9 @@ HWND CreateDummyWindow()
                            nullptr, GetModuleHandleW(nullptr), nullptr);
 }
 
-/// Finds the pixel format for the control's window. Extensions can be looked up only through a current
-/// context, and a window's pixel format can be set only once, so a hidden window serves for the look-up.
+/// Finds the pixel format for the control's window. Extensions can only be looked up through a current
+/// context, and a window's pixel format can be set only once, so a hidden dummy window is used for the
+/// look-up.
 void FindPixelFormat(HWND control_window, int& pixel_format)
 {
     const HWND dummy = CreateDummyWindow();
@@ -39,8 +40,8 @@ void FindPixelFormat(HWND control_window, int& pixel_format)
     const HGLRC dummy_context = wglCreateContext(dummy_dc);
     wglMakeCurrent(dummy_dc, dummy_context);
     if (!ChooseMultisamplePixelFormat(dummy, kPixelFormatDescriptor)) {
-        // The dummy window and its context stay on this path: the control's own format is the one chosen for
-        // them, and hosts count on nothing being torn down between.
+        // On this path the dummy window and its context are kept on purpose: the control uses the format that
+        // was chosen for them, and hosts rely on nothing being destroyed in between.
         return;
     }
     wglMakeCurrent(dummy_dc, nullptr);
@@ -65,7 +66,7 @@ void KARVOpenGLControl::GLInitializeCtrl()
         glClearColor(backgroundColor[0], backgroundColor[1], backgroundColor[2], 1.0F);
         glClearDepth(1.0);
         glEnable(GL_CULL_FACE);
-        // Clockwise corners face the viewer: clients list them so.
+        // Clients list the corners of a face clockwise, seen from its visible side.
         glFrontFace(GL_CW);
         glCullFace(GL_BACK);
         glEnable(GL_DEPTH_TEST);
@@ -92,7 +93,7 @@ void KARVOpenGLControl::GLInitializeLight()
         constexpr std::array<GLfloat, 4> kAmbient = {0.01F, 0.01F, 0.01F, 1.0F};
         constexpr std::array<GLfloat, 4> kDiffuse = {1.0F, 1.0F, 1.0F, 1.0F};
         constexpr std::array<GLfloat, 4> kSpecular = {1.0F, 1.0F, 1.0F, 1.0F};
-        // No position is set: the light stays a directional one along the viewer's axis.
+        // No position is set: GL's default is a directional light along the view axis.
         glLightfv(GL_LIGHT0, GL_AMBIENT, kAmbient.data());
         glLightfv(GL_LIGHT0, GL_DIFFUSE, kDiffuse.data());
         glLightfv(GL_LIGHT0, GL_SPECULAR, kSpecular.data());

@@ -1,5 +1,5 @@
-// Mouse navigation of KARVOpenGLControl. Handlers never touch the camera: they queue amounts, or scale the
-// zoom, and ask for a redraw, which applies them.
+// Mouse navigation of KARVOpenGLControl. Handlers do not change the camera. They queue amounts or scale the
+// zoom and then redraw, which applies them.
 #include "control/KARVOpenGLControl.h"
 
 #include "module/guard.h"
@@ -12,17 +12,18 @@ namespace
 {
 
 constexpr float kDegreesPerPixel = 0.5F;
-/// A turn beyond this, from a jump of the pointer, is dropped.
+/// A larger turn comes from a jump of the pointer and is ignored.
 constexpr float kMaxTurnDegrees = 360.0F;
 constexpr float kZoomPerPixel = 0.01F;
-/// Wheel units per pixel of an equivalent drag; negative, because a turn forward zooms in, as a drag upward
-/// does.
+/// Wheel units per pixel of an equivalent drag. Negative, because turning the wheel forward zooms in like an
+/// upward drag.
 constexpr int kWheelUnitsPerPixel = -10;
-// Panning by one pixel moves by this share of the scene.
+// A pan by one pixel moves the camera by `kPanPerPixel` / `kScenePanDivisor` of the scene size, times
+// `panScale` and the zoom.
 constexpr float kPanPerPixel = 0.01F;
 constexpr float kScenePanDivisor = 4.45F;
 
-/// Truncates towards zero, and wraps around where 32 bits do not hold the value.
+/// Truncates towards zero. A value that does not fit 32 bits wraps around.
 int Truncated(float value)
 {
     return static_cast<int>(static_cast<std::int64_t>(value));
@@ -64,8 +65,8 @@ void KARVOpenGLControl::OnMouseMove(UINT nFlags, CPoint point)
 
 BOOL KARVOpenGLControl::OnMouseWheel(UINT /*nFlags*/, short zDelta, CPoint /*point*/)
 {
-    // Outside the guard, and open even after the mouse was switched off: hosts rely on the wheel alone
-    // staying.
+    // Not guarded, and active even after `KillUserControl`: hosts rely on the wheel as the only navigation
+    // left.
     GLMouseZoom(zDelta / kWheelUnitsPerPixel);
     OnDraw(nullptr);
     return static_cast<BOOL>(Default());
@@ -83,7 +84,7 @@ void KARVOpenGLControl::GLMouseRotate(int dx, int dy)
 void KARVOpenGLControl::GLMousePan(int dx, int dy)
 {
     Guarded<L"KARVOpenGLControl::GLMousePan">([&] {
-        // Each factor in 32 bits, their products in 64.
+        // The factors are computed in single precision, their products in double.
         const float of_width = panScale * kPanPerPixel;
         const float of_scene = sceneSize / kScenePanDivisor;
         const double per_pixel =
@@ -97,7 +98,7 @@ void KARVOpenGLControl::GLMouseZoom(int d)
 {
     Guarded<L"KARVOpenGLControl::GLMouseZoom">([&] {
         const float factor = static_cast<float>(d) * kZoomPerPixel + 1.0F;
-        // Both, so that the zoom survives a switch of the projection.
+        // Both are scaled, so that a switch of the projection keeps the zoom.
         fieldOfView = fieldOfView * factor;
         zoomFactor = zoomFactor * factor;
     });

@@ -45,11 +45,11 @@ namespace
 template <typename Function>
 Function FindExtensionFunction(const char* name)
 {
-    // By way of the type that compilers take for "any function".
+    // Compilers accept a cast from `void (*)()` to every function type without a warning.
     return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(wglGetProcAddress(name)));
 }
 
-/// The window system's extensions, or else those of OpenGL; null where neither tells.
+/// The window system's extensions if it lists them, otherwise those of OpenGL. Null if neither lists them.
 const char* ExtensionString()
 {
     const auto extensions_of =
@@ -62,7 +62,7 @@ const char* ExtensionString()
     return extensions;
 }
 
-/// Whether the name stands in the space-separated list as a whole word.
+/// Whether the space-separated list contains the name as a whole word.
 bool HasWord(const char* list, const char* name)
 {
     const std::size_t length = std::strlen(name);
@@ -75,7 +75,7 @@ bool HasWord(const char* list, const char* name)
     return false;
 }
 
-/// Asks for a format with this many samples; false where the query fails or finds none.
+/// Asks for a format with this many samples. Returns false if the query fails or finds none.
 bool QueryFormat(PFNWGLCHOOSEPIXELFORMATARBPROC choose, HDC dc, int samples, int& format)
 {
     const std::array<float, 2> float_attributes = {0.0F, 0.0F};

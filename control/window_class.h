@@ -1,4 +1,4 @@
-// The style that the window classes of the viewport share.
+// The style of the viewport's window classes.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -6,7 +6,8 @@
 namespace karv
 {
 
-/// Redrawn whole on every change of size, with a device context of its own that lives as long as the window.
+/// Windows are redrawn completely on every change of size and have a device context of their own, which lives
+/// as long as the window.
 inline constexpr UINT kWindowClassStyle = CS_VREDRAW | CS_HREDRAW | CS_OWNDC;
 
 } // namespace karv

@@ -1,6 +1,6 @@
-// The polygon record that clients build and the viewport draws: corners, a normal and the name of a display
-// list. It draws nothing itself, tessellates nothing and checks nothing: not that the polygon is planar, nor
-// that its normal is that of its corners.
+// The polygon record: corners, a normal and the name of a display list. Clients build it and the viewport
+// draws it. It does not draw, tessellate or check: neither that the polygon is planar, nor that the normal
+// fits its corners.
 #pragma once
 
 #include "geometry/KARVGLVertex.h"
@@ -10,19 +10,20 @@
 
 /// One planar polygon of a surface.
 ///
-/// The viewport takes clockwise corner order, as the viewer sees it, as the front and culls the back, so
-/// corners run clockwise seen from the side that is to be visible. Copies copy the corners and share the
-/// display list, which belongs to the GL context it was compiled in: nothing here creates or deletes one.
+/// The corners run clockwise seen from the visible side. The viewport culls the other side. A copy has
+/// corners of its own and shares the display list, which belongs to the GL context that compiled it. Nothing
+/// here creates or deletes a list.
 class KARV_MODULE_API KARVGLFace
 {
   public:
-    /// The corners in order around the boundary: one contour, no holes, the first not repeated at the end.
-    /// Read and written by index with `at`, so that an index out of range is a fault and not a wild access.
+    /// The corners in order around the boundary: one contour without holes, the first corner not repeated at
+    /// the end. Access by index uses `at`, so that an index out of range is a fault and not an invalid
+    /// access.
     std::vector<KARVGLVertex> vertices;
-    /// Sent once before the face is drawn; need not have unit length.
+    /// The normal of the whole face. It need not have unit length.
     KARVGLVertex normal;
-    /// The display list that draws the tessellated polygon. With 0, for none, the corners are drawn: 3 as a
-    /// triangle, 4 as a quadrilateral, any other number as a fan from the first. Clients leave it 0: the
-    /// entity that takes the face over overwrites it.
+    /// The display list that draws the tessellated polygon, or 0 for none. Without a list the corners are
+    /// drawn: 3 as a triangle, 4 as a quadrilateral, any other number as a fan from the first corner. Clients
+    /// leave it 0; an entity built from the face overwrites it.
     std::uint32_t displayList = 0;
 };

@@ -3,7 +3,7 @@
 namespace
 {
 
-/// 1/255, as the product of colour channels is taken.
+/// 1/255. Channels are multiplied by it, not divided by 255.
 constexpr double kPerChannelStep = 0.00392156862745098;
 
 float FromChannel(unsigned char channel)

@@ -1,12 +1,12 @@
-// The point record that carries all geometry between clients, entities and the viewport, in single precision:
-// whatever arrives in double is narrowed when it is stored here. It knows neither what its components mean
-// nor the graphics library.
+// The point record that carries geometry between clients, entities and the viewport. It stores single
+// precision; doubles are narrowed when they are stored. It knows neither the meaning of its components nor
+// the graphics library.
 #pragma once
 
 #include "platform/winsys/export.h"
 
-/// A point, a direction or a colour triple: exactly three floats with nothing between them, so that
-/// arrays of records can be walked with a stride of three floats.
+/// A point, a direction or a colour: exactly three floats without padding, so that an array of records has a
+/// stride of three floats.
 class KARV_MODULE_API KARVGLVertex
 {
   public:
@@ -16,9 +16,9 @@ class KARV_MODULE_API KARVGLVertex
 
     /// (0, 0, 0).
     constexpr KARVGLVertex() = default;
-    /// Model units; each component is narrowed to float, to nearest.
+    /// Model units. Each component is rounded to the nearest float.
     KARVGLVertex(double x_in, double y_in, double z_in);
-    /// Colour channels 0 to 255, mapped to 0..1: the product with 1/255 is taken in double, then narrowed.
+    /// Colour channels 0 to 255, mapped to 0..1: multiplied by 1/255 in double precision, then narrowed.
     KARVGLVertex(unsigned char red, unsigned char green, unsigned char blue);
 
     bool operator==(const KARVGLVertex&) const = default;

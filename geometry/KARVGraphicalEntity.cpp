@@ -18,8 +18,8 @@ float FromPaletteChannel(Adesk::UInt32 channel)
     return static_cast<float>(static_cast<double>(value) / 255.0);
 }
 
-/// The palette's colour of the index's low 8 bits. `SetColor` deliberately takes another route: the full 16
-/// bits, and a product with 1/255 in place of the division.
+/// The palette's colour for the low 8 bits of the index. `SetColor` differs on purpose: it uses all 16 bits
+/// and multiplies by 1/255 instead of dividing.
 KARVGLVertex LookUpColor(unsigned short color_index)
 {
     const Adesk::UInt32 rgb = AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(color_index & 255U));
@@ -30,8 +30,8 @@ KARVGLVertex LookUpColor(unsigned short color_index)
     return color;
 }
 
-/// How far outside a coordinate may lie and still count as inside: the magnitude is rounded to float on its
-/// way.
+/// How far outside of a bound a coordinate may be and still count as inside. The magnitude is rounded to
+/// float.
 double BoundTolerance(float coordinate)
 {
     constexpr double kTolerance = 1e-20;
@@ -39,8 +39,8 @@ double BoundTolerance(float coordinate)
     return static_cast<double>(magnitude) * kTolerance + kTolerance;
 }
 
-// The tolerance is never negative, so that the plain comparison in front changes nothing; it spares nearly
-// every corner of a large face list the arithmetic.
+// The plain comparison comes first because it saves the arithmetic for nearly every corner of a large face
+// list. It does not change the result, because the tolerance is never negative.
 
 void LowerTo(float point, float& low)
 {
@@ -117,8 +117,7 @@ KARVGraphicalEntity::KARVGraphicalEntity(std::vector<KARVGLFace> source, EntityT
 KARVGraphicalEntity::~KARVGraphicalEntity()
 {
     Guarded<L"KARVGraphicalEntity::~KARVGraphicalEntity">([&] {
-        // Faces first. Their display lists stay: copies may still draw them, and they die with the GL
-        // context.
+        // The display lists are not deleted: copies may still draw them. They are freed with the GL context.
         std::vector<KARVGLFace>().swap(faces);
         std::vector<KARVGLVertex>().swap(lineVertices);
     });
@@ -166,7 +165,7 @@ int KARVGraphicalEntity::GetFaceNumber()
 
 void KARVGraphicalEntity::DoesPointContainExtent(KARVGLVertex point, KARVGLVertex& min, KARVGLVertex& max)
 {
-    // For every corner of a scene: the point by value, so that it can stay in registers.
+    // Called for every corner of a scene: the point is captured by value, so that it can stay in registers.
     Guarded<L"KARVGraphicalEntity::DoesPointContainExtent">([point, &min, &max] {
         LowerTo(point.x, min.x);
         LowerTo(point.y, min.y);
@@ -204,7 +203,7 @@ void KARVGraphicalEntity::AppendSegment(const AcGePoint3d& start_point, const Ac
     lineVertices.push_back(start);
     lineVertices.push_back(end);
     if (!extentsValid) {
-        // The maximum corner keeps the origin: clients size their margins by boxes that reach it.
+        // The maximum corner starts at the origin on purpose: clients size their margins by such boxes.
         minExtent = end;
         extentsValid = true;
     }

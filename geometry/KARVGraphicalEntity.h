@@ -1,5 +1,5 @@
-// One renderable object of the viewport: faces, line segments or both, with one colour, one opacity, a
-// category and a bounding box. It knows nothing of cameras, windows or the scene it stands in.
+// One renderable object of the viewport: faces, line segments or both, with one colour, one opacity, one
+// category and a bounding box. It does not know cameras, windows or the scene.
 #pragma once
 
 #include "geometry/KARVGLFace.h"
@@ -15,18 +15,17 @@ namespace AModeler
 class Body;
 } // namespace AModeler
 
-/// A renderable object, a value: copies are deep but for the display lists of tessellated faces, which they
-/// share and which nothing ever deletes (they live as long as the GL context that compiled them).
+/// A renderable object. A value: copies are deep, except that they share the display lists of tessellated
+/// faces. These lists are never deleted; they live as long as the GL context that compiled them.
 ///
-/// No operation throws, and no argument is checked: a fault inside one is reported through the tools
-/// library and leaves the entity with what it had by then. To be built and drawn on the thread that owns
-/// the viewport; where a GL context is needed, the operation says so.
+/// Arguments are not checked. No operation throws: a fault is reported through the tools library, and changes
+/// made before it stay. Entities are built and drawn on the thread that owns the viewport. An operation that
+/// needs a GL context says so.
 class KARV_MODULE_API KARVGraphicalEntity
 {
   public:
-    /// A category, chosen by the client for each piece of geometry and switched on and off as a whole. The
-    /// values 0 to 10 are known to every viewport from its creation; any other value is accepted and kept as
-    /// it is.
+    /// A category. The client chooses one for each piece of geometry and shows or hides it as a whole. Every
+    /// viewport knows the values 0 to 10 from its creation; any other value is accepted and kept.
     enum EntityType : std::int32_t {
         EntityType0 = 0,
         EntityType1,
@@ -41,25 +40,25 @@ class KARV_MODULE_API KARVGraphicalEntity
         EntityType10,
     };
 
-    /// Empty, category 0, black, opaque, box (0, 0, 0) to (0, 0, 0).
+    /// An entity without geometry: category 0, black, opaque, box (0, 0, 0) to (0, 0, 0).
     KARVGraphicalEntity();
     KARVGraphicalEntity(const KARVGraphicalEntity& source);
     KARVGraphicalEntity(KARVGraphicalEntity&& source) noexcept;
-    /// From a host entity, which is only read: a line gives one segment in the line's colour (the low 8 bits
-    /// of its index); any other kind, and null, gives an entity without geometry.
+    /// Converts a host entity. A line becomes one segment in the line's colour, of whose index only the low 8
+    /// bits count. Any other kind, or null, gives an entity without geometry. The host entity is only read.
     ///
-    /// The box of a line keeps its far corner at the origin or beyond, never below: clients size their
-    /// margins by it.
+    /// No component of the far corner of a line's box is below 0: clients size their margins by it.
     KARVGraphicalEntity(AcDbEntity* entity, EntityType type);
-    /// From a solid, which is only read and must not be null: a face for each of its faces, with the normal
-    /// of the face's plane (evaluated where it is not yet) and no display list, so that concave faces are
-    /// drawn as fans; and a segment for each physical edge. `color_index` is cut to its low 8 bits.
+    /// Converts a solid, which must not be null. Each of its faces becomes a face and each physical edge a
+    /// segment. A face takes the normal of its plane, which is evaluated if it is not yet, and gets no
+    /// display list, so concave faces are drawn as fans. Only the low 8 bits of `color_index` count. The
+    /// solid is otherwise only read.
     ///
-    /// The box is that of the edges, with its far corner kept as for a line.
+    /// The box is that of the edges. No component of its far corner is below 0, as for a line.
     KARVGraphicalEntity(AModeler::Body* body, EntityType type, unsigned short color_index);
-    /// From polygons, whose normals are taken as they are. Faces of four or more corners are tessellated into
-    /// display lists, so the viewport's GL context must be current; where no list can be had, a face is drawn
-    /// directly from its corners. `color_index` is cut to its low 8 bits.
+    /// Takes polygons with their normals. Faces with four or more corners are tessellated into display lists,
+    /// so the viewport's GL context must be current. A face without a list is drawn from its corners. Only
+    /// the low 8 bits of `color_index` count.
     KARVGraphicalEntity(std::vector<KARVGLFace> source, EntityType type, unsigned short color_index);
     ~KARVGraphicalEntity();
 
@@ -68,18 +67,18 @@ class KARV_MODULE_API KARVGraphicalEntity
 
     EntityType GetEntityType();
     void SetEntityType(EntityType type);
-    /// Sets the colour to that of a colour index, by the host's full 16-bit route.
+    /// Sets the colour from a colour index of the host. All 16 bits of the index count.
     void SetColor(unsigned short color_index);
-    /// Sets the opacity of the faces, 1 for opaque; kept as given, with no limits. Lines ignore it.
+    /// Sets the opacity of the faces; 1 is opaque. The value is not limited. Lines ignore it.
     void SetAlpha(float opacity);
-    /// Copies the box's corners, in model units; (0, 0, 0) twice for an entity without geometry.
+    /// Copies the corners of the box, in model units. Both are (0, 0, 0) for an entity without geometry.
     void GetExtents(KARVGLVertex& min, KARVGLVertex& max);
-    /// The number of faces; lines do not count.
+    /// Returns the number of faces. Lines do not count.
     int GetFaceNumber();
 
-    /// Grows the box to take the point in, axis by axis. A point outside by no more than a tolerance of
-    /// 1e-20, absolute and relative, leaves it as it is. The first point of a box must be seeded by the
-    /// caller.
+    /// Grows the box, axis by axis, until it contains the point. A point that lies outside by no more than a
+    /// tolerance of 1e-20 (absolute plus relative) does not change it. The caller sets both corners of a new
+    /// box to its first point.
     static void DoesPointContainExtent(KARVGLVertex point, KARVGLVertex& min, KARVGLVertex& max);
 
   private:
@@ -87,7 +86,7 @@ class KARV_MODULE_API KARVGraphicalEntity
 
     struct BoxOnly {
     };
-    /// Takes the box of the source and leaves its geometry: a copy for whoever only asks for the extents.
+    /// Copies the box of the source without its geometry, for callers that only read the extents.
     KARVGraphicalEntity(const KARVGraphicalEntity& source, BoxOnly /*tag*/) noexcept
         : minExtent(source.minExtent), maxExtent(source.maxExtent), extentsValid(source.extentsValid)
     {
@@ -96,17 +95,17 @@ class KARV_MODULE_API KARVGraphicalEntity
     void InitParameters();
     void CreateGLCache(AcDbEntity* entity);
     void CreateGLCache(AModeler::Body* body);
-    /// Appends a line segment and takes its ends into the box.
+    /// Appends a line segment and grows the box to contain it.
     void AppendSegment(const AcGePoint3d& start_point, const AcGePoint3d& end_point);
 
-    /// Compiles the polygon's triangles into a new display list and stores its name in the face, 0 where no
-    /// list or no tessellator can be had. Needs the viewport's GL context.
+    /// Tessellates the polygon into a new display list and stores the list's name in the face; 0 if there is
+    /// no list or no tessellator. Needs the viewport's GL context.
     void TesselateFace(KARVGLFace& face);
-    /// The cross product over the first three corners: not of unit length, and (0, 0, 0) for fewer corners or
-    /// corners in one line. Points to the viewer who sees the corners run counter-clockwise.
+    /// Returns the cross product at the first three corners, not normalized: (0, 0, 0) for fewer corners or
+    /// corners on one line. It points to the side from which the corners run counter-clockwise.
     KARVGLVertex FindFaceNormal(std::vector<KARVGLVertex> corners);
 
-    /// Draws the faces, or the lines where there is no face. Needs the viewport's GL context.
+    /// Draws the faces, or the lines if there are no faces. Needs the viewport's GL context.
     void DrawObjectQuads();
     /// Draws the line segments, unlit and opaque. Needs the viewport's GL context.
     void DrawObjectLines();
@@ -118,5 +117,5 @@ class KARV_MODULE_API KARVGraphicalEntity
     float alpha = 1.0F;
     KARVGLVertex minExtent;
     KARVGLVertex maxExtent;
-    bool extentsValid = false; ///< the box has been seeded with a first point
+    bool extentsValid = false; ///< whether the box contains a first point
 };

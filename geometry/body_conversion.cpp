@@ -1,4 +1,4 @@
-// Solids of the modeler as faces and line segments.
+// Converts solids of the modeler to faces and line segments.
 #include "geometry/KARVGraphicalEntity.h"
 
 #include "module/guard.h"
@@ -11,7 +11,8 @@ using karv::Guarded;
 namespace
 {
 
-/// The start points of the loop's edges, at most as many as the face counts: a loop may end early.
+/// Converts a face. Its corners are the start points of the loop's edges, at most as many as the face counts,
+/// because a loop may end early.
 KARVGLFace ToFace(AModeler::Face& source)
 {
     KARVGLFace face;
@@ -34,7 +35,7 @@ void KARVGraphicalEntity::CreateGLCache(AModeler::Body* body)
 {
     Guarded<L"KARVGraphicalEntity::CreateGLCache">([&] {
         faces.reserve(static_cast<std::size_t>(body->faceCount()));
-        // Faces of bodies are never tessellated: a concave one is drawn as a fan.
+        // Faces of solids are not tessellated: concave ones are drawn as fans.
         for (AModeler::Face* face = body->faceList(); face != nullptr; face = face->next())
             faces.push_back(ToFace(*face));
 

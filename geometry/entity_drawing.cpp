@@ -1,4 +1,4 @@
-// Immediate-mode drawing of an entity, issued anew in every frame.
+// Draws an entity in immediate mode, in every frame.
 #include "geometry/KARVGraphicalEntity.h"
 
 #include "module/guard.h"
@@ -39,7 +39,7 @@ void DrawFace(const KARVGLFace& face)
     glNormal3f(face.normal.x, face.normal.y, face.normal.z);
     if (face.displayList != 0) {
         glCallList(face.displayList);
-        // Clears an error that the list may have raised; nobody reports it.
+        // Clears an error that the list may have raised. It is not reported.
         static_cast<void>(glGetError());
     } else {
         DrawCorners(face.vertices);

@@ -1,4 +1,4 @@
-// Face normals, and polygons turned into compiled display lists by the GLU tessellator.
+// Computes face normals and compiles polygons into display lists with the GLU tessellator.
 #include "geometry/KARVGraphicalEntity.h"
 
 #include "geometry/widening.h"
@@ -24,8 +24,8 @@ void CALLBACK EndPrimitive()
     glEnd();
 }
 
-/// Tessellation errors are silent: a face with a crossing outline draws what came before the error, or
-/// nothing.
+/// Tessellation errors are not reported. The list of a face whose outline crosses itself holds the primitives
+/// before the error, or nothing.
 void CALLBACK IgnoreTessellationError(GLenum code)
 {
     static_cast<void>(gluErrorString(code));
@@ -60,7 +60,7 @@ void KARVGraphicalEntity::TesselateFace(KARVGLFace& face)
     gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<GluTessCallback>(IgnoreTessellationError));
     gluTessCallback(tess, GLU_TESS_VERTEX, reinterpret_cast<GluTessCallback>(SendVertex));
 
-    // The tessellator keeps pointers to the coordinates and reads them only when the polygon ends.
+    // The tessellator keeps pointers to the coordinates and reads them when the polygon ends.
     std::vector<std::array<GLdouble, 3>> coordinates(face.vertices.size());
     glNewList(list, GL_COMPILE);
     gluTessBeginPolygon(tess, nullptr);

@@ -1,4 +1,4 @@
-// Single-precision records as points of the host's geometry, for calculations in double precision.
+// Converts point records to points of the host's geometry library, for calculations in double precision.
 #pragma once
 
 #include "geometry/KARVGLVertex.h"
@@ -7,7 +7,7 @@
 namespace karv
 {
 
-/// The same point in double precision; the conversion is exact.
+/// The same point in double precision. The conversion is exact.
 inline AcGePoint3d Widened(const KARVGLVertex& vertex)
 {
     return {static_cast<double>(vertex.x), static_cast<double>(vertex.y), static_cast<double>(vertex.z)};

@@ -1,4 +1,4 @@
-// The notifications of the process to the module.
+// Handles the process notifications of the module.
 #include "module/extension_module.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/)
@@ -9,6 +9,6 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
     } else if (reason == DLL_PROCESS_DETACH) {
         karv::extension_module.Detach();
     }
-    // Outside the framework's chain the module serves all the same, so that nothing here refuses the load.
+    // The module also works outside the framework's chain, so a failed attachment does not refuse the load.
     return TRUE;
 }

@@ -1,4 +1,4 @@
-// The host's entry point. The module registers no commands and holds nothing that an unload would release.
+// The entry point for the host. The module registers no commands, and an unload has nothing to release.
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
 #include "platform/host/rx/system_registry.h"
@@ -6,7 +6,7 @@
 namespace
 {
 
-/// The host always has one; what is no dynamic linker is null.
+/// Returns the host's dynamic linker, which always exists. An object of another class gives null.
 AcRxDynamicLinker* FindDynamicLinker()
 {
     return AcRxDynamicLinker::cast(acrxSysRegistry()->at(kDynamicLinkerKey));
@@ -18,7 +18,7 @@ extern "C" KARV_EXPORT host::Answer acrxEntryPoint(host::Message message, void* 
 {
     if (message == host::Message::Initialise) {
         FindDynamicLinker()->allowUnload(application);
-        // The first registration may have changed who is registered.
+        // The lookup is repeated because the first call may have changed the registered linker.
         FindDynamicLinker()->allowManyDocuments(application);
     }
     return host::Answer::Ok;

@@ -3,7 +3,7 @@
 namespace karv
 {
 
-// Built before anything runs: the attach notification comes while other static objects are being built.
+// Initialized at compile time, because the attach notification arrives while static objects are constructed.
 constinit ExtensionModule extension_module;
 constinit HINSTANCE module_instance = nullptr;
 
@@ -19,7 +19,7 @@ void ExtensionModule::Attach(HINSTANCE instance)
     default_resources = AfxGetResourceHandle();
     module_resources = instance;
     attached = 1;
-    // The framework frees it when the module leaves the chain.
+    // Owned by the framework, which frees it when the module leaves the chain.
     new CDynLinkLibrary(state, FALSE);
 }
 

@@ -1,5 +1,5 @@
-// The module's place in the host's window framework: attached once when the process begins to use the module,
-// detached once when it ends. Nothing else of the module depends on it.
+// Attaches the module to the host's window framework when the process begins to use the module, and detaches
+// it when that ends. Nothing else in the module depends on it.
 #pragma once
 
 #include "platform/framework/extension_module.h"
@@ -9,28 +9,28 @@
 namespace karv
 {
 
-/// The record of the module's attachment. Its fields are zero until then.
+/// The module's attachment to the framework. All fields are zero until it is attached.
 struct ExtensionModule {
     std::int32_t attached = 0;
-    HINSTANCE default_resources = nullptr; ///< the framework's default resources at the time of attachment
+    HINSTANCE default_resources = nullptr; ///< the framework's default resources when it was attached
     HINSTANCE module_resources = nullptr;  ///< the module itself
     AFX_EXTENSION_MODULE state;
 
     constexpr ExtensionModule() = default;
     ExtensionModule(const ExtensionModule&) = delete;
     ExtensionModule& operator=(const ExtensionModule&) = delete;
-    /// Detaches, unless that was done: not every end of a process notifies the module.
+    /// Detaches if still attached: a process may end without notifying the module.
     ~ExtensionModule();
 
-    /// Joins the framework's chain; does nothing when attached, and stays detached where the framework
-    /// refuses.
+    /// Joins the framework's chain. Does nothing if attached; stays detached if the framework refuses.
     void Attach(HINSTANCE instance);
-    /// Leaves the chain and clears the flag; does nothing when not attached.
+    /// Leaves the chain and clears the flag. Does nothing if not attached.
     void Detach();
 };
 
-/// The one of this process, and the module's handle as the attach notification gave it.
+/// The attachment of this process.
 extern ExtensionModule extension_module;
+/// The module's handle from the attach notification.
 extern HINSTANCE module_instance;
 
 } // namespace karv

@@ -29,8 +29,8 @@ struct FixedText {
 template <FixedText Name>
 consteval auto ClassOf()
 {
-    // NOTE: gcc 12 with sanitizers takes no comparison of pointers into a template argument as constant, which
-    // the searches of the standard library make.
+    // NOTE: gcc 12 with sanitizers takes no comparison of pointers into a template argument as constant,
+    // which the searches of the standard library make.
     constexpr std::size_t kLength = [] {
         std::size_t length = 0;
         while (Name.text[length] != L':' || Name.text[length + 1] != L':')
