@@ -20,7 +20,7 @@ void NoteAllocation(void* block)
     const auto size = static_cast<std::int64_t>(malloc_usable_size(block));
     const std::int64_t live = live_bytes.fetch_add(size, std::memory_order_relaxed) + size;
     allocations.fetch_add(1, std::memory_order_relaxed);
-    // Other threads allocate next to nothing, so a peak lost between these two does not matter.
+    // Not atomic as a whole. Other threads hardly allocate, so a lost peak does not matter.
     if (live > peak_bytes.load(std::memory_order_relaxed))
         peak_bytes.store(live, std::memory_order_relaxed);
 }

@@ -1,6 +1,6 @@
-// Counts what C++ code allocates, in the module too: the program's operators new and delete stand before the
-// standard library's. Memory that C libraries take is the same with and without the component and is not
-// counted here.
+// Counts the allocations of C++ code, the module's included: the program's operators new and delete replace
+// the standard library's. Memory of C libraries is the same with and without the component and is not
+// counted.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 namespace karv_bench
 {
 
-/// Counts while it lives; one at a time.
+/// Counts allocations during its lifetime. Only one may exist at a time.
 class AllocationMeter
 {
   public:
@@ -18,12 +18,13 @@ class AllocationMeter
     AllocationMeter& operator=(const AllocationMeter&) = delete;
     ~AllocationMeter();
 
-    /// The most bytes that were allocated at once, above those at its beginning.
+    /// The maximum number of allocated bytes, counted from the construction.
     [[nodiscard]] std::int64_t PeakBytes() const;
+    /// The number of allocations.
     [[nodiscard]] std::int64_t Allocations() const;
 };
 
-/// The bytes that the whole process holds in its heap, C libraries included.
+/// The bytes that the whole process, including C libraries, has allocated on its heap.
 [[nodiscard]] double HeapBytes();
 
 } // namespace karv_bench

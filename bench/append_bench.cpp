@@ -1,5 +1,5 @@
-// The time and memory of an append: the control beside a program that builds the same face vector, compiles
-// the same lists by the same GLU calls, and keeps both.
+// Measures the time and memory of an append. The bare program builds the same face vector, compiles the same
+// lists with the same GLU calls, and keeps both.
 #include "bench/append_bench.h"
 
 #include "bench/allocation_meter.h"
@@ -25,13 +25,14 @@ struct AppendCase {
     std::size_t count = 0;
     int rounds = 0;
     enum class Kind {
-        /// GLU compiles a list for each face: what time is judged by.
+        /// GLU compiles a list for each face. Time and memory have limits.
         kLists,
-        /// No GLU work, so that the bare program does next to nothing and only memory is judged.
+        /// No GLU work, so the bare program does almost nothing. Only the memory has a limit.
         kNoLists,
-        /// No context is current, so that there are no lists and the driver has no part in the time.
+        /// No context is current, so there are no lists and the driver takes no time. Only the memory has a
+        /// limit.
         kNoContext,
-        /// The client keeps its face vector and hands over a copy; not judged.
+        /// The client keeps its face vector and passes a copy. There is no limit.
         kClientKeepsFaces,
     } kind = Kind::kLists;
 
@@ -43,7 +44,7 @@ struct AppendCase {
     }
 };
 
-/// How an append is measured: called with the work, which keeps what it made until the meter has read it.
+/// Measures an append: runs the work and returns a figure. The work's results live until the meter returns.
 using Meter = double (*)(const std::function<void()>& work);
 
 double PeakBytes(const std::function<void()>& work)
@@ -60,7 +61,7 @@ double HeldBytes(const std::function<void()>& work)
     return HeapBytes() - before;
 }
 
-/// In a new control each time: display lists live as long as their context.
+/// Makes a new control for each measurement, because display lists live as long as their context.
 double MeasureControl(HostWindow& host, const AppendCase& test, Meter meter)
 {
     MeasuredControl measured(host, kSide);

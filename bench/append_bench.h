@@ -1,4 +1,4 @@
-// Measures the time and the memory of appends.
+// The benchmarks of appends.
 #pragma once
 
 #include "bench/pairs.h"
@@ -6,7 +6,7 @@
 namespace karv_bench
 {
 
-/// Registers the benchmarks of appends.
+/// Registers the time, the peak memory and the held memory of appends.
 void RegisterAppends(const Effort& effort);
 
 } // namespace karv_bench

@@ -1,5 +1,5 @@
-// The tessellation of a polygon as a program without the component does it: the same GLU and OpenGL calls, in
-// the same order, and nothing around them.
+// Tessellates a polygon without the component: the same GLU and OpenGL calls in the same order, and nothing
+// else.
 #pragma once
 
 #include "geometry/KARVGLVertex.h"
@@ -15,8 +15,8 @@ namespace karv_bench
 class BareTessellation
 {
   public:
-    /// Compiles the polygon into a new display list of the current context and returns its name; 0 where none
-    /// is current.
+    /// Compiles the polygon into a new display list of the current context and returns the list's name, or 0
+    /// if no context is current.
     GLuint Compile(std::span<const KARVGLVertex> corners);
 
   private:

@@ -36,7 +36,7 @@ void RegisterClassOnce()
     window_class.lpfnWndProc = &DefWindowProcW;
     window_class.hInstance = GetModuleHandleW(nullptr);
     window_class.lpszClassName = kClassName;
-    RegisterClassW(&window_class); // refused where it is registered already
+    RegisterClassW(&window_class); // fails if it is already registered
 }
 
 HWND CreateBareWindow(DWORD style, int side, HWND parent)
@@ -52,7 +52,7 @@ HGLRC CreateContext(HDC dc, int pixel_format)
     return wglCreateContext(dc);
 }
 
-/// The state that the control sets once.
+/// Sets the state that the control sets once.
 void SetFixedState()
 {
     constexpr std::array<GLfloat, 4> kAmbientLight = {0.01F, 0.01F, 0.01F, 1.0F};
@@ -83,7 +83,7 @@ void SetFixedState()
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
 }
 
-/// The format of 4 samples, through the context that is current.
+/// Returns the format with 4 samples, looked up through the current context, or 0.
 int QueryFormat(HDC dc)
 {
     const auto choose = reinterpret_cast<PFNWGLCHOOSEPIXELFORMATARBPROC>(
@@ -115,7 +115,7 @@ void GrowBox(const KARVGLVertex& point, KARVGLVertex& min, KARVGLVertex& max)
     max.z = std::max(max.z, point.z);
 }
 
-/// What a frame projects boxes with.
+/// The matrices and the viewport with which a frame projects boxes.
 struct Projection {
     ViewMatrices matrices = ViewMatrices::Current();
     std::array<GLint, 4> viewport{};

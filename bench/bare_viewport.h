@@ -1,6 +1,6 @@
-// The program that the control is measured against: a window of the same window layer with a context of the
-// same pixel format and state, plain arrays, and a frame of exactly the OpenGL and GLU calls that the
-// control's frame issues. It knows nothing of the component.
+// The bare program that the control is compared with: a window of the same window layer, a context with the
+// same pixel format and state, and plain arrays. Its frame makes exactly the OpenGL and GLU calls of the
+// control's frame. It does not use the component.
 #pragma once
 
 #include "bench/bare_tessellation.h"
@@ -15,22 +15,24 @@
 namespace karv_bench
 {
 
-/// The matrices that the control leaves for its frames.
+/// The matrices that a frame is drawn with.
 struct ViewMatrices {
     std::array<GLdouble, 16> model_view{};
     std::array<GLdouble, 16> projection{};
 
-    /// Those of the current context.
+    /// Reads the matrices of the current context.
     [[nodiscard]] static ViewMatrices Current();
 };
 
+/// A viewport without the component.
 class BareViewport
 {
   public:
-    /// Finds a multisampled format as the control does, through a hidden window; 0 where there is none.
+    /// Finds a multisampled format through a hidden window, as the control does. Returns 0 if there is none.
     [[nodiscard]] static int FindPixelFormat();
 
-    /// A square child window with a context of this pixel format, which becomes current.
+    /// Creates a child window of `side` by `side` pixels and a context with this pixel format, which becomes
+    /// current.
     BareViewport(HWND parent, int side, int pixel_format);
     BareViewport(const BareViewport&) = delete;
     BareViewport& operator=(const BareViewport&) = delete;
@@ -38,9 +40,9 @@ class BareViewport
 
     void MakeCurrent() const;
     void LoadMatrices(const ViewMatrices& matrices) const;
-    /// Takes a piece in, drawn with this colour; compiles the lists of its faces.
+    /// Adds a copy of a piece, to be drawn in this colour, and compiles the lists of its faces.
     void Add(const Piece& piece, const KARVGLVertex& color);
-    /// Clears, draws, swaps.
+    /// Clears, draws and swaps.
     void DrawFrame() const;
 
   private:

@@ -32,7 +32,7 @@ KARVGLVertex PaletteColor()
 namespace
 {
 
-/// Creates the window and returns its context, null for none.
+/// Creates the window and returns its context, or null if there is none.
 HGLRC Create(KARVOpenGLControl& control, HostWindow& host, int side)
 {
     control.CreateCtrl(CRect(0, 0, side, side), &host, false);
@@ -55,7 +55,7 @@ int MeasuredControl::PixelFormat() const
 
 void MeasuredControl::MakeCurrent() const
 {
-    // The window's class has one device context of its own.
+    // The window has a device context of its own, so GetDC always returns the same one.
     wglMakeCurrent(::GetDC(control_.m_hWnd), context_);
 }
 

@@ -1,4 +1,4 @@
-// The host's side of the measured control: its parent window, and what a host does to show a scene.
+// The host of the measured control: the parent window, and the calls that show a scene.
 #pragma once
 
 #include "bench/scenes.h"
@@ -9,7 +9,8 @@
 namespace karv_bench
 {
 
-/// Frames are drawn and swapped, but shown nowhere: a display would pace them. Before the first window.
+/// Makes windows off-screen: frames are drawn and swapped but not displayed, because a display would limit
+/// their rate. To be called before the first window is created.
 void UseOffscreenWindows();
 
 /// A hidden top-level window.
@@ -19,23 +20,24 @@ class HostWindow : public CWnd
     HostWindow();
 };
 
-/// The colour that everything is drawn in, as an index and as the palette gives it.
+/// The colour index of everything that is drawn.
 inline constexpr unsigned short kColorIndex = 4;
+/// The palette's colour for that index.
 [[nodiscard]] KARVGLVertex PaletteColor();
 
-/// A control with its context, which can be made current again.
+/// A control and its context.
 class MeasuredControl
 {
   public:
-    /// A square control; its context is current afterwards.
+    /// Creates a control of `side` by `side` pixels. Its context is current afterwards.
     MeasuredControl(HostWindow& host, int side);
 
     [[nodiscard]] KARVOpenGLControl& Control() { return control_; }
     [[nodiscard]] int PixelFormat() const;
     void MakeCurrent() const;
-    /// Shows the cube that scenes fill from a corner.
+    /// Points the camera at the cube that every scene fills, looking at one of its corners.
     void ShowScene();
-    /// One frame, as the window's timer brings it: drawn and swapped.
+    /// Draws and swaps one frame by sending the window a timer message.
     void DrawFrame() const;
 
   private:

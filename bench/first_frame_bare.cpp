@@ -1,4 +1,4 @@
-// Shows one frame of a box without the component, says so with a byte on its output, and ends.
+// Draws one frame of a box without the component, writes a byte to its output, and ends.
 #include "bench/bare_viewport.h"
 #include "bench/bench_window.h"
 
@@ -17,7 +17,7 @@ int main()
         karv_bench::BareViewport viewport(host.m_hWnd, kSide, format);
         for (const karv_bench::Piece& piece : karv_bench::MakeBoxes(1))
             viewport.Add(piece, karv_bench::PaletteColor());
-        // The camera that shows the box: looking down at it, in parallel projection.
+        // Shows the box from above in parallel projection.
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
         glOrtho(-karv_bench::kSceneEdge, karv_bench::kSceneEdge, -karv_bench::kSceneEdge,

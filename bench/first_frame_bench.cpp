@@ -1,5 +1,5 @@
-// The time from the start of a process to its first frame: a program that embeds the control beside a bare
-// one.
+// Measures the time from the start of a process to its first frame, for a program that embeds the control and
+// for a bare one.
 #include "bench/first_frame_bench.h"
 
 #include <chrono>
@@ -16,7 +16,7 @@ namespace karv_bench
 namespace
 {
 
-/// A pipe whose both ends close with it.
+/// A pipe that closes both ends when it is destroyed.
 class Pipe
 {
   public:
@@ -63,7 +63,7 @@ pid_t Start(const std::string& program, Pipe& output)
     return process;
 }
 
-/// The seconds until the program says, with a byte on its output, that its first frame is there.
+/// The seconds until the program writes a byte to its output, which it does after its first frame.
 double SecondsToFirstFrame(const std::string& program)
 {
     Pipe output;

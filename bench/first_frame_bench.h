@@ -1,4 +1,4 @@
-// Measures the time from the start of a process to its first frame.
+// The benchmark of a process's start.
 #pragma once
 
 #include "bench/pairs.h"
@@ -8,7 +8,7 @@
 namespace karv_bench
 {
 
-/// Registers the benchmark. `folder` holds the two programs whose start is timed.
+/// Registers the time from the start of a process to its first frame. `folder` contains the two programs.
 void RegisterFirstFrames(const Effort& effort, const std::string& folder);
 
 } // namespace karv_bench

@@ -1,4 +1,4 @@
-// Shows one frame of a box in the control, says so with a byte on its output, and ends.
+// Draws one frame of a box in the control, writes a byte to its output, and ends.
 #include "bench/bench_window.h"
 
 #include "platform/winsys/opengl.h"

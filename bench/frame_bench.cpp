@@ -1,4 +1,4 @@
-// The time of a frame: the control's timer message beside a bare program's frame of the same OpenGL calls.
+// Measures the time of a frame: the control's timer message, and a bare frame with the same OpenGL calls.
 #include "bench/frame_bench.h"
 
 #include "bench/bare_viewport.h"
@@ -20,17 +20,18 @@ namespace karv_bench
 namespace
 {
 
-/// A scene, how its frames are measured, and how their ratio is judged.
+/// A scene, how its frames are measured, and the limit of their ratio.
 struct FrameCase {
     std::string name;
     std::function<std::vector<Piece>()> make;
     int side = 64; ///< of the square window, in pixels
     int frames_per_turn = 1;
-    /// Each setup makes both programs anew, so that none keeps the luck of its place in memory.
+    /// Each setup makes both viewports again, so that neither keeps a favourable place in memory.
     int setups = 1;
     int rounds_per_setup = 1;
     double limit = 1.05;
-    /// Waits in the measured time until the frame is rasterised, too; else only before the next turn.
+    /// Whether the measured time includes the wait until the frame is rasterised. Otherwise the wait follows
+    /// it.
     bool until_drawn = false;
 };
 
@@ -41,14 +42,14 @@ std::vector<Piece> OnePiece(Faces faces)
     return pieces;
 }
 
-/// The control and the bare program, each in a window of its own, with the same scene.
+/// The control and the bare viewport, each in a window of its own, with the same scene.
 class Contest
 {
   public:
     Contest(const FrameCase& test, bool bare_is_fed_first)
         : test_(test), control_(host_, test.side), bare_(host_.m_hWnd, test.side, control_.PixelFormat())
     {
-        // The clock stands still, so that slow frames do not change how they are drawn.
+        // The clock is stopped, so that slow frames do not turn multisampling off.
         winsys::SetFrameClock([] { return std::clock_t{0}; });
         const std::vector<Piece> pieces = test.make();
         if (bare_is_fed_first)
@@ -111,7 +112,7 @@ class Contest
             bare_.Add(piece, PaletteColor());
     }
 
-    /// Two programs that do not draw the same are not worth comparing.
+    /// Throws if the two draw different pictures or an empty one: their times would not be comparable.
     void ComparePictures()
     {
         std::vector<unsigned char> pixels;
@@ -125,16 +126,17 @@ class Contest
         winsys::SetFrameObserver({});
         if (of_control.empty() || of_control != pixels)
             throw std::runtime_error("the two programs draw different pictures");
-        // The background is black and opaque: three zeros in each pixel.
+        // The background is black and opaque, so each of its pixels has three zeros.
         if (std::ranges::count(pixels, 0) * 4 >= std::ssize(pixels) * 3)
             throw std::runtime_error("the picture is empty");
     }
 
-    /// The fastest frame of a turn: what disturbs the machine only ever adds.
+    /// The seconds of the fastest frame of a turn. Other load on the machine only adds time, so the fastest
+    /// frame is the least disturbed.
     template <typename Draw>
     double Measure(Draw draw) const
     {
-        draw(); // brings the context's state and the caches up to date
+        draw(); // not measured: it updates the context's state and warms the caches
         double fastest = std::numeric_limits<double>::infinity();
         for (int i = 0; i < test_.frames_per_turn; ++i) {
             glFinish();

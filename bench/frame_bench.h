@@ -1,4 +1,4 @@
-// Measures the time of frames.
+// The benchmarks of frames.
 #pragma once
 
 #include "bench/pairs.h"
@@ -6,7 +6,7 @@
 namespace karv_bench
 {
 
-/// Registers the benchmarks of frames.
+/// Registers the time of a frame for scenes of several kinds and sizes.
 void RegisterFrames(const Effort& effort);
 
 } // namespace karv_bench

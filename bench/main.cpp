@@ -1,12 +1,11 @@
-// karv_bench: prints one table of what the component costs beside bare programs that issue the same OpenGL
-// calls.
+// karv_bench: prints a table that compares the component with bare programs that make the same OpenGL calls.
 //
 //   karv_bench [--quick] [--thread-time] [--benchmark_filter=PATTERN] ...
 //
-// Every row is a ratio of two measurements that took turns within this run; figures of different runs or
-// machines do not compare. --quick measures a fifth of the rounds. --thread-time counts the processor time of
-// the measuring thread in place of wall time, for a machine that has other work. Further options are those of
-// the benchmark library.
+// Each row is the ratio of two measurements that alternate within this run. Figures of different runs or
+// machines are not comparable. --quick measures a fifth of the rounds. --thread-time measures the processor
+// time of the measuring thread instead of wall time, for a machine with other load. All other options are
+// those of the benchmark library.
 #include "bench/append_bench.h"
 #include "bench/bench_window.h"
 #include "bench/first_frame_bench.h"
@@ -24,7 +23,7 @@
 namespace
 {
 
-/// Takes the option out of the arguments; whether it was there.
+/// Removes the option from the arguments. Returns whether it was there.
 bool TakeOption(int& argc, char** argv, const char* option)
 {
     char** const end = std::remove_if(argv + 1, argv + argc,

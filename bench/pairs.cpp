@@ -23,7 +23,7 @@ double Now()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * kNanosecond;
 }
 
-/// The value below which this share of the samples lies, between neighbours in proportion.
+/// The quantile of the samples for a share from 0 to 1, interpolated linearly between neighbours.
 double Quantile(std::vector<double> samples, double share)
 {
     std::ranges::sort(samples);

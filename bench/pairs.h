@@ -1,5 +1,5 @@
-// Measurements in pairs: the component and the bare program take turns within one run, so that what disturbs
-// the machine disturbs both, and only their ratio counts.
+// Measurements in pairs: the component and the bare program alternate within one run, so that other load on
+// the machine affects both. Only their ratio counts.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -10,40 +10,42 @@
 namespace karv_bench
 {
 
-/// What a row of the table counts in.
+/// The unit of a row of the table.
 enum class Unit { kSeconds, kBytes };
 
-/// How a row of the table is judged.
+/// The unit, the limit and the scale of a row of the table.
 struct Row {
     Unit unit = Unit::kSeconds;
     double limit = 0.0; ///< of the ratio; 0 for none
-    /// Divides both figures, for "per face" and the like.
+    /// Both figures are divided by this number and named "per `per_what`".
     double per = 1.0;
     std::string_view per_what = {};
 };
 
-/// One side of a pair; returns what it measured, in the row's unit.
+/// Measures one side of a pair and returns the figure in the row's unit.
 using Side = std::function<double()>;
 
-/// Measures both sides once in each of the state's iterations, taking turns at being first, and leaves
-/// medians, the median of the ratios and their quartiles in the state's counters. `prepare` is told the
-/// number of each round before it begins, from 0. Failures go to the state.
+/// Measures both sides once in each of the state's iterations; the side that goes first alternates. Stores
+/// the medians of both sides, the median of the ratios and its quartiles in the state's counters. `prepare`
+/// is called before each round with the round's number, from 0. An exception is stored in the state as an
+/// error.
 void RunPairs(benchmark::State& state, const Row& row, const Side& component, const Side& bare,
               const std::function<void(int round)>& prepare = {});
 
-/// Which clock `SecondsOf` reads: wall time, or the processor time of the calling thread alone, which a busy
-/// machine disturbs less and which leaves out what the rasteriser does on threads of its own.
+/// The clock of `SecondsOf`: wall time, or the processor time of the calling thread. The latter depends less
+/// on other load and does not include the work of the rasteriser's own threads.
 enum class Clock { kWall, kThread };
 void UseClock(Clock clock);
 
-/// The time that an action takes, in seconds.
+/// Runs an action and returns its duration in seconds.
 [[nodiscard]] double SecondsOf(const std::function<void()>& action);
 
-/// How often a pair is measured; less for a quick look.
+/// The number of measurements.
 struct Effort {
-    bool quick = false;
+    bool quick = false; ///< whether to measure fewer rounds than asked for
+    /// The number of rounds to measure where `rounds` are asked for.
     [[nodiscard]] int Rounds(int rounds) const;
-    /// Two at the least, because they take turns too.
+    /// The number of setups where `setups` are asked for; at least two, because setups alternate too.
     [[nodiscard]] int Setups(int setups) const;
 };
 

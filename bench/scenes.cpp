@@ -10,13 +10,13 @@ namespace karv_bench
 namespace
 {
 
-/// A point of a face's outline, in halves of its place: x to the right, z up.
+/// A point of a face's outline, in halves of its cell's filled part: x to the right, z up.
 struct OutlinePoint {
     int x;
     int z;
 };
 
-/// The places of a scene: a cubic grid, each place filled to half.
+/// The cells of a scene: a cubic grid in which the lower half of each cell, along every axis, is filled.
 class Places
 {
   public:
@@ -26,7 +26,7 @@ class Places
     {
     }
 
-    /// A point of place `index`; each coordinate runs from 0 to 1 within the place's filled part.
+    /// A point in cell `index`. Each coordinate runs from 0 to 1 within the cell's filled part.
     [[nodiscard]] KARVGLVertex Point(std::size_t index, double x, double y, double z) const
     {
         const auto along = [this](std::size_t cell, double part) {

@@ -1,4 +1,4 @@
-// The geometry that is measured: faces and lines spread evenly over a small cube in the positive octant.
+// The measured geometry: faces and lines spread evenly over a small cube in the positive octant.
 #pragma once
 
 #include "geometry/KARVGLFace.h"
@@ -11,25 +11,25 @@ namespace karv_bench
 
 using Faces = std::vector<KARVGLFace>;
 
-/// The edge of the cube that every scene fills, in model units: the control's near distance suits it.
+/// The edge of the cube that every scene fills, in model units. It suits the control's near distance.
 inline constexpr double kSceneEdge = 0.1;
 
-/// What becomes one entity: faces, or end points of line segments, two for each.
+/// The geometry of one entity: faces, or the end points of line segments, two for each segment.
 struct Piece {
     Faces faces;
     std::vector<KARVGLVertex> line_vertices;
 };
 
-/// Single faces in planes that look along y, every one in a place of its own.
+/// Single faces with normals along -y, each in a grid cell of its own.
 [[nodiscard]] Faces MakeTriangles(std::size_t count);
 [[nodiscard]] Faces MakeQuads(std::size_t count);
 [[nodiscard]] Faces MakeLShapes(std::size_t count);
 
-/// Boxes of 6 quadrilaterals each.
+/// Pieces with a box of 6 quadrilaterals each.
 [[nodiscard]] std::vector<Piece> MakeBoxes(std::size_t count);
-/// Pieces of one segment each.
+/// Pieces with one segment each.
 [[nodiscard]] std::vector<Piece> MakeSegments(std::size_t count);
-/// The pieces' lines in one.
+/// One piece with the lines of all pieces.
 [[nodiscard]] Piece JoinLines(const std::vector<Piece>& pieces);
 
 } // namespace karv_bench

@@ -13,7 +13,7 @@ namespace karv_bench
 namespace
 {
 
-/// The columns: names to the left, figures to the right.
+/// The widths of the columns. A negative width aligns to the left.
 constexpr std::array<int, 7> kWidths = {-46, 13, 13, 7, 16, 6, 5};
 
 using Run = benchmark::BenchmarkReporter::Run;
@@ -34,10 +34,10 @@ void PrintRow(std::ostream& out, const std::vector<std::string>& cells)
         line += kWidths.at(i) < 0 ? cells[i] + padding : " " + padding + cells[i];
     }
     line.erase(line.find_last_not_of(' ') + 1);
-    out << line << std::endl; // at once, because the next row may take long
+    out << line << std::endl; // flushed, because the next row may take long
 }
 
-/// Three digits with the unit that suits them.
+/// Formats a value with three digits and a suitable unit.
 std::string Quantity(double value, bool bytes)
 {
     struct Step {

@@ -1,4 +1,4 @@
-// Prints what was measured as one table, with a verdict for every row that has a limit.
+// Prints the measurements as one table. A row with a limit ends with "ok" or "over".
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -8,6 +8,7 @@
 namespace karv_bench
 {
 
+/// Prints each row as soon as it is measured.
 class TableReporter : public benchmark::BenchmarkReporter
 {
   public:
@@ -16,7 +17,7 @@ class TableReporter : public benchmark::BenchmarkReporter
     /// Prints a row.
     void ReportRuns(const std::vector<Run>& runs) override;
 
-    /// Whether a measurement could not be made.
+    /// Whether a measurement has failed.
     [[nodiscard]] bool HasErrors() const { return has_errors_; }
 
   private:

@@ -1,4 +1,4 @@
-// What the wrapper around every operation costs while no sink is installed.
+// Measures the cost of the trace-and-guard wrapper while no sink is installed.
 #include "bench/trace_bench.h"
 
 #include "module/guard.h"
@@ -14,7 +14,7 @@ namespace
 
 constexpr int kCalls = 100'000;
 
-// The body is empty but for the compiler's belief that it does something.
+// The bodies do nothing that the compiler could remove.
 
 [[gnu::noinline]] void CallPlain()
 {
@@ -26,7 +26,7 @@ constexpr int kCalls = 100'000;
     karv::Guarded<L"TraceBench::CallGuarded">([] { benchmark::ClobberMemory(); });
 }
 
-/// The time of the calls when nothing disturbs them.
+/// The seconds of `kCalls` calls: the fastest of several tries, which other load disturbs least.
 template <typename Call>
 double SecondsOfCalls(Call call)
 {

@@ -1,4 +1,4 @@
-// Measures the wrapper around every operation.
+// The benchmark of the trace-and-guard wrapper.
 #pragma once
 
 #include "bench/pairs.h"
@@ -6,7 +6,7 @@
 namespace karv_bench
 {
 
-/// Registers the benchmark of a traced and guarded call.
+/// Registers the time of a guarded call beside a plain one, with no sink installed.
 void RegisterTraceEntries(const Effort& effort);
 
 } // namespace karv_bench
