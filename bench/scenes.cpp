@@ -17,10 +17,10 @@ struct OutlinePoint {
 };
 
 /// The cells of a scene: a cubic grid in which the lower half of each cell, along every axis, is filled.
-class Places
+class Grid
 {
   public:
-    explicit Places(std::size_t count)
+    explicit Grid(std::size_t count)
         : side_(static_cast<std::size_t>(std::ceil(std::cbrt(static_cast<double>(count))))),
           step_(kSceneEdge / static_cast<double>(side_))
     {
@@ -42,18 +42,18 @@ class Places
 
 Faces MakeFaces(std::size_t count, std::span<const OutlinePoint> outline)
 {
-    const Places places(count);
+    const Grid grid(count);
     Faces faces(count);
     for (std::size_t i = 0; i < count; ++i) {
         faces[i].normal = KARVGLVertex(0.0, -1.0, 0.0);
         faces[i].vertices.reserve(outline.size());
         for (const OutlinePoint& point : outline)
-            faces[i].vertices.push_back(places.Point(i, point.x * 0.5, 0.0, point.z * 0.5));
+            faces[i].vertices.push_back(grid.Point(i, point.x * 0.5, 0.0, point.z * 0.5));
     }
     return faces;
 }
 
-Faces MakeBox(const Places& places, std::size_t index)
+Faces MakeBox(const Grid& grid, std::size_t index)
 {
     struct Side {
         std::array<int, 4> corners; // bit 0 is x, bit 1 is y, bit 2 is z
@@ -73,7 +73,7 @@ Faces MakeBox(const Places& places, std::size_t index)
         KARVGLFace& face = faces.emplace_back();
         face.normal = side.normal;
         for (const int corner : side.corners)
-            face.vertices.push_back(places.Point(index, corner & 1, (corner >> 1) & 1, (corner >> 2) & 1));
+            face.vertices.push_back(grid.Point(index, corner & 1, (corner >> 1) & 1, (corner >> 2) & 1));
     }
     return faces;
 }
@@ -100,19 +100,19 @@ Faces MakeLShapes(std::size_t count)
 
 std::vector<Piece> MakeBoxes(std::size_t count)
 {
-    const Places places(count);
+    const Grid grid(count);
     std::vector<Piece> pieces(count);
     for (std::size_t i = 0; i < count; ++i)
-        pieces[i].faces = MakeBox(places, i);
+        pieces[i].faces = MakeBox(grid, i);
     return pieces;
 }
 
 std::vector<Piece> MakeSegments(std::size_t count)
 {
-    const Places places(count);
+    const Grid grid(count);
     std::vector<Piece> pieces(count);
     for (std::size_t i = 0; i < count; ++i)
-        pieces[i].line_vertices = {places.Point(i, 0.0, 0.0, 0.0), places.Point(i, 1.0, 0.0, 1.0)};
+        pieces[i].line_vertices = {grid.Point(i, 0.0, 0.0, 0.0), grid.Point(i, 1.0, 0.0, 1.0)};
     return pieces;
 }
 

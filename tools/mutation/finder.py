@@ -22,7 +22,7 @@ def extent(cursor):
 
 
 def bare(cursor):
-    """The cursor without the cursors around it that only convert it."""
+    """The cursor without the implicit conversions around it."""
     while cursor.kind == CursorKind.UNEXPOSED_EXPR:
         children = list(cursor.get_children())
         if len(children) != 1:
@@ -32,8 +32,8 @@ def bare(cursor):
 
 
 class Finder:
-    """The mutants found so far in all visited sources: those that can be switched at run time, and the number of
-    those that cannot, by reason."""
+    """Collects the mutants of all parsed sources: those that can be switched at run time, and the numbers of the others
+    by reason."""
 
     def __init__(self, root, folders):
         self.root = root
@@ -51,7 +51,7 @@ class Finder:
 
     def text(self, file):
         if file not in self._texts:
-            # One character per byte, because the parser counts bytes.
+            # One character per byte, because the parser's offsets are bytes.
             with open(os.path.join(self.root, file), encoding="latin-1", newline="") as stream:
                 self._texts[file] = stream.read()
         return self._texts[file]
@@ -76,7 +76,7 @@ class Finder:
 
 
 class _Walk:
-    """One walk through a declaration. `reason` is why nothing under a cursor can be switched at run time, if so."""
+    """Walks down a declaration. `reason` is why the code under a cursor cannot be switched at run time, or None."""
 
     def __init__(self, finder, file):
         self.finder = finder
@@ -170,7 +170,7 @@ class _Walk:
         if operator is None:
             return
         is_pointer = cursor.type.get_canonical().kind == TypeKind.POINTER
-        # Parentheses around an operand belong to it, so that only the operator is between the operands.
+        # Parentheses around an operand belong to its extent, so only the operator is between the operands.
         at = left_end + self.text[left_end:right_start].index(operator)
         for kind, other in schemata.operator_changes(operator, is_pointer):
             mutated = f"{self.raw(start, at)} {other} {self.raw(at + len(operator), end)}"
@@ -189,7 +189,7 @@ class _Walk:
             self.add((start, end), "condition", f"!!({text[1:]})", reason)
 
     def find_overloaded(self, cursor, reason):
-        """Sign changes of vectors and points, whose operators are functions."""
+        """Finds signs of vectors and points, whose operators are functions."""
         if cursor.spelling != "operator-":
             return
         start, end = extent(cursor)
@@ -223,7 +223,7 @@ class _Walk:
                 self.add(place, "condition", f"!({text})", why)
 
     def find_statements(self, children, reason):
-        """Removals of statements, and swaps of two calls in a row."""
+        """Finds removals of statements, and swaps of each call with the next one."""
         previous = None
         for child in children:
             place = self.statement_place(child)
@@ -240,7 +240,7 @@ class _Walk:
             previous = place
 
     def statement_place(self, cursor):
-        """The extent of a statement that may be removed, with its semicolon."""
+        """The extent of a statement that may be removed, with its semicolon, or None."""
         is_jump = cursor.kind in (CursorKind.RETURN_STMT, CursorKind.CONTINUE_STMT) and not list(cursor.get_children())
         if not is_jump and not cursor.kind.is_expression():
             return None

@@ -1,4 +1,4 @@
-"""Builds the module once with all its mutants, then runs its tests with a sample of the mutants, one at a time."""
+"""Builds the module once with all its mutants, then runs its tests with a sample of them switched on, one at a time."""
 
 import argparse
 import concurrent.futures
@@ -42,7 +42,7 @@ inline const int active = [] {{
 #define {schemata.SWITCH}(number) (karv_mutation::active == (number))
 """
 
-# The tests of each source. For a source that is not listed these are the tests of the folder of the same name.
+# The tests of each source. A source that is not listed has all tests in the folder of the same name.
 CONTROL = "tests/control/"
 MODULE = ["tests/module/" + name + "_test.cpp" for name in ("entry", "linked_load", "module_load", "process_end")]
 SUBJECTS = {
@@ -71,12 +71,12 @@ SUBJECTS = {
     ],
 }
 
-# A mutant that tests surely notice: it proves that the switch reaches the module.
+# A mutant that the tests detect for certain. It proves that the switch reaches the module.
 KNOWN = ("camera/KARVGLCamera.cpp", "statement removed", 'Guarded<L"KARVGLCamera::SetTarget">')
 
 
 SURVIVED = "survived"
-ELSEWHERE = "noticed only elsewhere"
+ELSEWHERE = "detected only elsewhere"
 
 
 def say(text):
@@ -91,7 +91,7 @@ def call(*command, **options):
 
 
 def lay_out_tree():
-    """Copies the project, so that edits during the run do not affect the mutants."""
+    """Copies the project, so that edits while the mutants run do not affect them."""
     shutil.rmtree(TREE, ignore_errors=True)
     shutil.copytree(ROOT, TREE, symlinks=True, ignore=lambda folder, names: [
         name for name in names if folder == ROOT and (name == "build" or name.startswith("."))])
@@ -133,7 +133,7 @@ def write_sources(finder, numbered):
 
 
 def build(finder, numbered):
-    """Removes the mutants that do not compile from `numbered` and returns their number."""
+    """Builds the mutants. Removes those that do not compile from `numbered` and returns their number."""
     refused = 0
     for _ in range(20):
         write_sources(finder, numbered)
@@ -180,7 +180,7 @@ def list_tests(program):
 
 
 class Tests:
-    """The tests of each source, by program, and their time limits."""
+    """The tests of each source by program, and their time limits."""
 
     def __init__(self, files):
         listings = {program: list_tests(program) for program in PROGRAMS}
@@ -207,7 +207,7 @@ class Tests:
         return self.first_of(number, self.runs[file])
 
     def first_of(self, number, runs):
-        """The outcome of the first program that does not pass, else "passed"."""
+        """The outcome of the first program that did not pass, or "passed"."""
         for run in runs:
             outcome = run_tests(number, *run, self.limits[run])
             if outcome != "passed":
@@ -222,17 +222,17 @@ class Tests:
 
 
 def check_switch(tests, numbered):
-    """Checks that an unused number changes nothing and that the known mutant is noticed."""
+    """Checks that a number without a mutant changes nothing, and that the known mutant is detected."""
     file, kind, start = KNOWN
     known = [number for number, mutant in numbered.items()
              if (mutant.file, mutant.kind) == (file, kind) and mutant.original.startswith(start)]
     if len(known) != 1:
-        sys.exit(f"{len(known)} mutants fit the known one")
+        sys.exit(f"{len(known)} mutants match the known one")
     if tests.own(max(numbered) + 1, file) != "passed":
-        sys.exit("a number that no mutant has makes tests fail")
+        sys.exit("tests fail with a number that has no mutant")
     if tests.own(known[0], file) == "passed":
-        sys.exit("the known mutant is not noticed: the switch does not reach the module")
-    say("The switch works: tests pass with no mutant on, and the known one is noticed.")
+        sys.exit("the known mutant is not detected: the switch does not reach the module")
+    say("The switch works: tests pass with no mutant on, and the known one is detected.")
 
 
 def run_sample(tests, numbered, chosen, options):
@@ -263,11 +263,11 @@ def report(numbered, chosen, outcomes):
     if len(outcomes) < len(chosen):
         say(f"The time ran out: {len(chosen) - len(outcomes)} of the sample were not run.")
     say(f"\nSample: {len(outcomes)} ({count(numbered[number].kind for number in outcomes)})")
-    noticed = sum(outcome not in (SURVIVED, ELSEWHERE) for outcome in outcomes.values())
+    detected = sum(outcome not in (SURVIVED, ELSEWHERE) for outcome in outcomes.values())
     elsewhere = sum(outcome == ELSEWHERE for outcome in outcomes.values())
     say(f"Outcomes: {count(outcomes.values())}")
-    say(f"Score: {100 * noticed / max(1, len(outcomes)):.1f} % noticed by their own tests, "
-        f"{100 * (noticed + elsewhere) / max(1, len(outcomes)):.1f} % by any")
+    say(f"Score: {100 * detected / max(1, len(outcomes)):.1f} % detected by their own tests, "
+        f"{100 * (detected + elsewhere) / max(1, len(outcomes)):.1f} % by any")
     for number in sorted(outcomes):
         if outcomes[number] in (SURVIVED, ELSEWHERE):
             say(f"{outcomes[number]}: {number}: {numbered[number]}")
@@ -276,11 +276,11 @@ def report(numbered, chosen, outcomes):
 def main():
     parser = argparse.ArgumentParser(prog="tools/mutate", description=__doc__)
     parser.add_argument("--sample", type=int, default=320, help="how many mutants to run (320)")
-    parser.add_argument("--seed", type=int, default=1, help="which ones (1)")
-    parser.add_argument("--minutes", type=float, default=45, help="start no further one after this time (45)")
+    parser.add_argument("--seed", type=int, default=1, help="the seed that chooses the sample (1)")
+    parser.add_argument("--minutes", type=float, default=45, help="start no mutant after this time (45)")
     parser.add_argument("--jobs", type=int, default=2, help="how many at a time (2)")
     parser.add_argument("--list", action="store_true", help="print all mutants with their numbers, and run none")
-    parser.add_argument("numbers", type=int, nargs="*", help="run these in place of a sample")
+    parser.add_argument("numbers", type=int, nargs="*", help="run these mutants instead of a sample")
     options = parser.parse_args()
 
     os.makedirs(os.path.join(BUILD, "temporary"), exist_ok=True)
@@ -289,13 +289,13 @@ def main():
     finder = find_mutants()
     numbered = dict(enumerate(sorted(finder.mutants), 1))
     say(f"Found {len(numbered)} mutants ({count(mutant.kind for mutant in numbered.values())})")
-    say(f"Left out, for they cannot be switched while it runs: {count_left_out(finder)}")
+    say(f"Left out because they cannot be switched at run time: {count_left_out(finder)}")
     if options.list:
         for number, mutant in numbered.items():
             say(f"{number}: {mutant}")
         return
     refused = build(finder, numbered)
-    say(f"Left out, for they do not compile: {refused}")
+    say(f"Left out because they do not compile: {refused}")
     chosen = options.numbers or schemata.sample(numbered, options.sample, options.seed)
     unknown = [number for number in chosen if number not in numbered]
     if unknown:

@@ -1,14 +1,14 @@
-"""Mutants, and the writing of a source that contains them all: text only, without parser and build.
+"""Defines mutants and writes the source that contains them all. Works on text only, without a parser or a build.
 
-A mutant is a small change of a source that its tests should notice. The rewritten source contains every mutant next to the
-original code and selects one at run time, so that one build is enough.
+A mutant is a small change of a source that its tests should detect. The rewritten source contains the original and
+every mutant, and checks at run time which one is on, so that one build is enough.
 """
 
 import dataclasses
 import random
 import re
 
-# Called in the rewritten sources with a mutant's number; true while that mutant is on.
+# The macro of the rewritten sources: whether the mutant with this number is on.
 SWITCH = "KARV_MUTANT_ON"
 
 COMPARISONS = {"<": ["<=", ">="], "<=": ["<", ">"], ">": [">=", "<"], ">=": [">", "<"], "==": ["!="], "!=": ["=="]}
@@ -22,10 +22,10 @@ KINDS = ("comparison", "constant", "sign", "condition", "order of calls", "state
 
 @dataclasses.dataclass(frozen=True, order=True)
 class Mutant:
-    """A change of source[start:end], whose text is `original`; `line` and `column` count from 1.
+    """A change of source[start:end], whose text is `original`. `line` and `column` count from 1.
 
-    A removed statement has an empty `mutated`. In a swap `start` and `end` are those of the first statement, `mutated` is
-    the text of the second one, and `second` its (start, end).
+    A removed statement has an empty `mutated` text. For a swap, the extent is that of the first statement, `mutated` is
+    the text of the second one, and `second` is its extent.
     """
 
     file: str
@@ -51,13 +51,13 @@ def one_line(text):
 
 
 def operator_between(text):
-    """The operator in the text between two operands, or None if that is more than an operator."""
+    """The operator in the text between two operands, or None if the text contains more than an operator."""
     text = one_line(text).replace("(", "").replace(")", "").strip()
     return text if re.fullmatch(r"[-+*/%<>=!&|^]+", text) else None
 
 
 def operator_changes(operator, is_pointer=False):
-    """(kind, operator) for each operator that replaces this one in a mutant."""
+    """(kind, operator) for each operator with which a mutant replaces this one."""
     changes = []
     for kind, table in (("comparison", COMPARISONS), ("sign", SIGNS), ("sign", COMPOUND), ("condition", LOGIC)):
         changes += [(kind, other) for other in table.get(operator, [])]
@@ -65,7 +65,7 @@ def operator_changes(operator, is_pointer=False):
 
 
 def literal_changes(literal):
-    """The literals, or expressions of the same type, that replace this one in mutants."""
+    """The literals, or expressions of the same type, with which mutants replace this one."""
     if literal in ("true", "false"):
         return ["false" if literal == "true" else "true"]
     if re.fullmatch(r"[A-Za-z_]\w*", literal):
@@ -80,20 +80,20 @@ def literal_changes(literal):
 
 
 def constant_changes(name, is_floating):
-    """The same for a named constant of the project, whose value is unknown."""
+    """The expressions with which mutants replace a named constant of the project, whose value is not known here."""
     kept = f"static_cast<std::remove_cvref_t<decltype({name})>>"
     return [f"{kept}({name} * 2)", f"{kept}({name} + 1)"] if is_floating else [f"{kept}({name} + 1)"]
 
 
 @dataclasses.dataclass(frozen=True)
 class Edit:
-    """The replacement of source[start:end], which includes the original. Numbers are those of mutants."""
+    """A replacement of source[start:end] that contains the original. Numbers are those of mutants."""
 
     start: int
     end: int
-    choices: tuple = ()  # of an expression: (number, text) instead of the original
-    before: tuple = ()  # of a statement: (number, text) before it
-    unless: tuple = ()  # of a statement: numbers that leave it out
+    choices: tuple = ()  # expression: (number, text) instead of the original
+    before: tuple = ()  # statement: (number, text) before it
+    unless: tuple = ()  # statement: numbers that skip it
     is_statement: bool = False
 
     def wrap(self, original):
@@ -107,7 +107,7 @@ class Edit:
 
 
 def edits_of(numbered):
-    """The edits for these mutants of one source, given as (number, mutant)."""
+    """The edits that contain these mutants of one source, given as (number, mutant)."""
     choices, before, unless = {}, {}, {}
     for number, mutant in numbered:
         place = (mutant.start, mutant.end)
@@ -126,7 +126,7 @@ def edits_of(numbered):
 
 
 def rewrite(source, edits):
-    """The source with its edits applied, which may be nested. Line numbers are kept."""
+    """The source with its edits, which may nest. No line moves."""
     ordered = sorted(edits, key=lambda edit: (edit.start, -edit.end, not edit.is_statement))
 
     def text_of(start, end, index):
@@ -144,13 +144,13 @@ def rewrite(source, edits):
 
 
 def lines_with_errors(output):
-    """(file, line) of each error that a compiler has reported."""
+    """(file, line) of each error in a compiler's output."""
     return {(file, int(line)) for file, line in re.findall(r"^([^\s:]+):(\d+):(?:\d+:)? error:", output, re.MULTILINE)}
 
 
 def sample(mutants, count, seed):
-    """The numbers of `count` mutants of {number: mutant}, in order: the same ones for the same seed, in proportion to
-    the mutants of each file, with at least one of each file."""
+    """The numbers of `count` mutants of {number: mutant}, in order. The same seed gives the same ones. They are spread
+    over the files in proportion, with at least one of each file."""
     chooser = random.Random(seed)
     by_file = {}
     for number, mutant in sorted(mutants.items()):
@@ -167,8 +167,8 @@ def sample(mutants, count, seed):
 
 
 def test_filter(listing, patterns):
-    """The GoogleTest filter of all tests in files whose path ends with one of the patterns, from GoogleTest's listing in
-    JSON. A pattern that ends with / names a folder."""
+    """The GoogleTest filter of all tests in files whose path ends with one of the patterns. A pattern that ends with /
+    is a folder. `listing` is GoogleTest's listing in JSON."""
     names = []
     for suite in listing["testsuites"]:
         for case in suite["testsuite"]:
