@@ -212,9 +212,11 @@ TEST_P(ControlPictureOfSide, ShowsTheSideItNamesAndNoOther)
     EXPECT_EQ(HueOf(picture.At(kMiddle, kMiddle)), GetParam().side);
     // The side is 0.36569 from the eye, where half the height is 0.1331: a square of 36 pixels.
     EXPECT_NEAR(CountHue(picture, GetParam().side), 36 * 36, 2 * 36);
-    for (const int hue : {kRed, kYellow, kGreen, kCyan, kBlue, kMagenta})
-        if (hue != GetParam().side)
-            EXPECT_EQ(CountHue(picture, hue), 0) << hue;
+    for (const int hue : {kRed, kYellow, kGreen, kCyan, kBlue, kMagenta}) {
+        if (hue == GetParam().side)
+            continue;
+        EXPECT_EQ(CountHue(picture, hue), 0) << hue;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Six, ControlPictureOfSide,
