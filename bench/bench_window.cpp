@@ -2,7 +2,7 @@
 
 #include "platform/host/cm/color.h"
 #include "platform/winsys/backend.h"
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 
 #include <stdexcept>
 

@@ -1,8 +1,8 @@
 // Draws one frame of a box in the control, writes a byte to its output, and ends.
 #include "bench/bench_window.h"
 
+#include "platform/winsys/backends.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
 
 #include <cstdio>
 #include <exception>

@@ -4,8 +4,8 @@
 #include "bench/bare_viewport.h"
 #include "bench/bench_window.h"
 #include "bench/scenes.h"
+#include "platform/winsys/backends.h"
 #include "platform/winsys/frame_clock.h"
-#include "platform/winsys/provider.h"
 
 #include <algorithm>
 #include <limits>

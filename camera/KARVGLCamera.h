@@ -2,8 +2,8 @@
 // the window nor the geometry. It loads its matrices into the current GL context and owns no context.
 #pragma once
 
+#include "module/export.h"
 #include "platform/host/ge/geometry.h"
-#include "platform/winsys/export.h"
 
 /// A camera. A plain value.
 ///

@@ -16,6 +16,7 @@
 
 #include "camera/KARVGLCamera.h"
 #include "geometry/KARVGraphicalEntity.h"
+#include "module/export.h"
 #include "platform/framework/geometry.h"
 #include "platform/framework/window.h"
 #include "platform/host/ge/geometry.h"

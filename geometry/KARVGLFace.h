@@ -4,6 +4,7 @@
 #pragma once
 
 #include "geometry/KARVGLVertex.h"
+#include "module/export.h"
 
 #include <cstdint>
 #include <vector>

@@ -3,7 +3,7 @@
 // the graphics library.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "module/export.h"
 
 /// A point, a direction or a colour: exactly three floats without padding, so that an array of records has a
 /// stride of three floats.

@@ -4,6 +4,7 @@
 
 #include "geometry/KARVGLFace.h"
 #include "geometry/KARVGLVertex.h"
+#include "module/export.h"
 
 #include <cstdint>
 #include <vector>

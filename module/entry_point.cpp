@@ -1,4 +1,5 @@
-// The entry point for the host. The module registers no commands, and an unload has nothing to release.
+// The host's entry point. The module registers no commands and holds nothing that an unload would release.
+#include "platform/export.h"
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
 #include "platform/host/rx/system_registry.h"

@@ -1,4 +1,4 @@
-// How a shared library marks what crosses its boundary.
+// Marks what a shared library exports and what its users import.
 #pragma once
 
 #ifdef _WIN32
@@ -9,14 +9,9 @@
 #define KARV_IMPORT __attribute__((visibility("default")))
 #endif
 
+/// Marks what karv_platform exports.
 #ifdef KARV_PLATFORM_BUILD
 #define KARV_PLATFORM_API KARV_EXPORT
 #else
 #define KARV_PLATFORM_API KARV_IMPORT
-#endif
-
-#ifdef KARV_MODULE_BUILD
-#define KARV_MODULE_API KARV_EXPORT
-#else
-#define KARV_MODULE_API KARV_IMPORT
 #endif

@@ -1,10 +1,11 @@
 // The window base class, its message map, and the registration of window classes.
 //
-// A CWnd stands for at most one window. Messages of that window are looked up in the message maps of
-// the object's class and its bases, most derived first; what no map names goes to the system's default
-// procedure. Everything runs on the thread that owns the windows.
+// A CWnd has at most one window. Messages of that window are looked up in the message maps of the object's
+// class and its bases, most derived first. A message without an entry goes to the system's default procedure.
+// Everything here is for the thread that owns the windows.
 #pragma once
 
+#include "platform/export.h"
 #include "platform/framework/geometry.h"
 #include "platform/winsys/winsys.h"
 
@@ -13,11 +14,11 @@
 class CWnd;
 struct WindowProcedure;
 
-/// The window procedure of every framework window. A window that no object stands for gets the system's
-/// default handling.
+/// The window procedure of every framework window. A window without an object gets the system's default
+/// handling.
 KARV_PLATFORM_API LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
-/// A device context that belongs to a window; nothing of it is used beyond its handle.
+/// A device context of a window; only its handle is used.
 class CDC
 {
   public:
@@ -30,17 +31,16 @@ struct AFX_MSGMAP_ENTRY {
     LRESULT (*dispatch)(CWnd& window, WPARAM wparam, LPARAM lparam);
 };
 
-/// The messages that a class handles itself, and the map of its base (null at the root).
+/// The messages that a class handles, and the map of its base (null at the root).
 struct AFX_MSGMAP {
     const AFX_MSGMAP* base;
     std::span<const AFX_MSGMAP_ENTRY> entries;
 };
 
-/// A window of the framework. Not copyable. Owns its window: destroying the object destroys the window, whose
-/// last messages then get the default handling. The other way round, when the system destroys the window,
-/// with its parent for example, the object stays and its `m_hWnd` is null. An object may be deleted inside
-/// one of its own handlers. An exception that leaves a handler passes through to whoever sent or dispatched
-/// the message.
+/// A window of the framework. Not copyable. The object owns its window: destroying the object destroys the
+/// window, whose last messages then get the default handling. If the system destroys the window, with its
+/// parent for example, the object stays and its `m_hWnd` is null. An object may be deleted inside its own
+/// handler. An exception that leaves a handler propagates to the sender or dispatcher of the message.
 class KARV_PLATFORM_API CWnd
 {
   public:
@@ -52,47 +52,48 @@ class KARV_PLATFORM_API CWnd
     CWnd& operator=(const CWnd&) = delete;
     virtual ~CWnd();
 
-    /// The object of a window, or a temporary one, which the framework owns and which lives until the
-    /// temporary objects are dropped (`DeleteTempMap`); null for null. A temporary object never destroys its
-    /// window of its own accord; once the window is gone, its calls fail.
+    /// Returns the object of a window, or else a temporary one, which the framework owns and which lives
+    /// until `DeleteTempMap`; null for null. A temporary object does not destroy its window at the end of its
+    /// life; once the window no longer exists, its calls fail.
     static CWnd* FromHandle(HWND window);
-    /// The object whose window this is; null where there is none.
+    /// Returns the object of a window; null if there is none.
     static CWnd* FromHandlePermanent(HWND window);
-    /// Frees the temporary objects of `FromHandle`; their windows stay.
+    /// Deletes the temporary objects of `FromHandle`; their windows stay.
     static void DeleteTempMap();
 
     [[nodiscard]] HWND GetSafeHwnd() const noexcept { return m_hWnd; }
 
-    /// Creates the window; messages of its creation already reach this object. `class_name` must be
-    /// registered with `AfxRegisterWndClass`. Returns FALSE, without a window, when the system or a handler
-    /// refuses, and FALSE with the object as it was when it has a window already. A handler may delete the
-    /// object meanwhile.
+    /// Creates the window; the messages of its creation already reach this object. `class_name` must be
+    /// registered with `AfxRegisterWndClass`. Returns FALSE, without a window, if the system or a handler
+    /// refuses it; FALSE, without a change, if the object already has a window. A handler may delete the
+    /// object during the call.
     BOOL CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, const RECT& rect,
                   CWnd* parent, UINT id, LPVOID param = nullptr);
-    /// The same with place and size apart, so that the place may be left to the system (`CW_USEDEFAULT`).
+    /// The same with separate position and size, so that the system can choose the position
+    /// (`CW_USEDEFAULT`).
     BOOL CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWORD style, int x, int y,
                   int width, int height, HWND parent, HMENU id, LPVOID param = nullptr);
-    /// Destroys the window, if there is one (FALSE where there is none); the object stays, unless its class
-    /// deletes it in `PostNcDestroy`.
+    /// Destroys the window; FALSE if there is none. The object stays, unless its class deletes it in
+    /// `PostNcDestroy`.
     virtual BOOL DestroyWindow();
 
     BOOL ShowWindow(int command) { return ::ShowWindow(m_hWnd, command); }
     BOOL MoveWindow(const RECT& rect, BOOL repaint = TRUE);
     BOOL GetClientRect(RECT* rect) const { return ::GetClientRect(m_hWnd, rect); }
     [[nodiscard]] CWnd* GetParent() const { return FromHandle(::GetParent(m_hWnd)); }
-    /// Gives this window the keyboard focus; returns the one that had it, null for none. Without a window
+    /// Gives this window the keyboard focus; returns the window that had it, null for none. Without a window
     /// nothing changes: the system would take the focus from every window.
     CWnd* SetFocus();
 
-    /// Shows a message that the loop is about to translate and dispatch to the objects of its window and of
-    /// that window's parents, innermost first, up to and with `stop` (all of them for null). TRUE where one
-    /// of them took it: it must then be neither translated nor dispatched.
+    /// Passes a message, before it is translated and dispatched, to the objects of its window and of that
+    /// window's parents, innermost first, up to and including `stop` (all of them for null). TRUE if one of
+    /// them consumed it: it must then be neither translated nor dispatched.
     static BOOL WalkPreTranslateTree(HWND stop, MSG* message);
-    /// A look at a message before it is dispatched; keys, for example, that are for a window around the one
-    /// with the focus. TRUE takes it. Does nothing here.
+    /// Called with a message before it is dispatched, for example to handle keys for a window around the
+    /// focused one. TRUE consumes the message. The default does nothing.
     virtual BOOL PreTranslateMessage(MSG* message);
 
-    /// Looks the message up in the message map and gives it to its handler or to `DefWindowProc`.
+    /// Looks the message up in the message map and passes it to its handler or to `DefWindowProc`.
     virtual LRESULT WindowProc(UINT message, WPARAM wparam, LPARAM lparam);
 
   protected:
@@ -100,15 +101,15 @@ class KARV_PLATFORM_API CWnd
     [[nodiscard]] static const AFX_MSGMAP* GetThisMessageMap();
     /// The system's default handling of a message; 0 without a window.
     virtual LRESULT DefWindowProc(UINT message, WPARAM wparam, LPARAM lparam);
-    /// Called last of all when the window is gone, also after a creation that was refused; `m_hWnd` is null
-    /// by then. A class may delete its object here. Not called for a window that the destructor destroys.
+    /// Called last, when the window no longer exists, also after a refused creation; `m_hWnd` is already
+    /// null. A class may delete its object here. Not called for a window that the destructor destroys.
     virtual void PostNcDestroy();
 
-    /// The system's default handling of the message that is being dispatched to this window, with that
-    /// message's own parameters, of the innermost one where several are; 0 outside any message.
+    /// The system's default handling of the message that is being dispatched to this window, with its own
+    /// parameters; of the innermost one if several are nested; 0 outside a message.
     LRESULT Default();
 
-    // Default handlers, for derived handlers to call.
+    // Default handlers, called by handlers of derived classes.
     int OnCreate(CREATESTRUCT* create);
     void OnSize(UINT type, int cx, int cy);
     void OnPaint();
@@ -118,8 +119,8 @@ class KARV_PLATFORM_API CWnd
     friend struct WindowProcedure;
 };
 
-/// Registers a window class with these styles, cursor, brush and icon, unless one like it is registered, and
-/// returns its name, which stays valid for the life of the process. Null where the system refuses.
+/// Registers a window class with these styles, cursor, brush and icon, unless an equal one is registered.
+/// Returns its name, which stays valid for the life of the process; null if the system refuses.
 KARV_PLATFORM_API LPCWSTR AfxRegisterWndClass(UINT style, HCURSOR cursor = nullptr, HBRUSH brush = nullptr,
                                               HICON icon = nullptr);
 
@@ -134,7 +135,7 @@ Class& Target(CWnd& window, Result (Class::*)(Arguments...))
 
 } // namespace message_map_detail
 
-// Rows of a message map; `Handler` is a pointer to a member function of the class that the map belongs to.
+// Rows of a message map. `Handler` is a pointer to a member function of the class that the map belongs to.
 
 /// WM_CREATE to `int OnCreate(CREATESTRUCT*)`.
 template <auto Handler>
@@ -158,7 +159,7 @@ constexpr AFX_MSGMAP_ENTRY OnWmSize()
             }};
 }
 
-/// WM_CLOSE to `void OnClose()`, in place of the destruction that is the default.
+/// WM_CLOSE to `void OnClose()`, instead of the destruction by default.
 template <auto Handler>
 constexpr AFX_MSGMAP_ENTRY OnWmClose()
 {

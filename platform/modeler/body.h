@@ -6,8 +6,8 @@
 // outwards. Any thread, one at a time for each body.
 #pragma once
 
+#include "platform/export.h"
 #include "platform/host/ge/geometry.h"
-#include "platform/winsys/export.h"
 
 #include <cstddef>
 #include <vector>

@@ -1,8 +1,8 @@
 // How bodies are made from shared points and polygons. What is not a closed solid is refused with a reason.
 #pragma once
 
+#include "platform/export.h"
 #include "platform/modeler/body.h"
-#include "platform/winsys/export.h"
 
 #include <cstddef>
 #include <span>

@@ -6,7 +6,7 @@
 // On 64-bit Windows and x86-64 Linux.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 /// From now on catches access violations of the image that contains `address` (a function or any other
 /// thing of the image; its handle on Windows) and of karv_platform. Calls add up, to at most 8 images; an

@@ -4,7 +4,7 @@
 // Entries and reports may be made on any thread; a sink must accept calls from all of them.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Wide strings as UTF-8 and back, for files and programs outside.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 #include <string>
 #include <string_view>

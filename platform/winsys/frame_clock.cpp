@@ -12,8 +12,8 @@ namespace
 
 using Clock = std::function<std::clock_t()>;
 
-/// Never destroyed: the last frame may come after this library's statics are gone. Nor on the heap: a frame
-/// allocates nothing, the first one included.
+/// Never destroyed: the last frame may come after the end of this library's static objects. Not on the heap
+/// either: no frame may allocate memory, including the first.
 Clock& ReplacedClock()
 {
     alignas(Clock) static std::byte place[sizeof(Clock)];

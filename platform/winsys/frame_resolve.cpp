@@ -1,5 +1,6 @@
 #include "platform/winsys/frame_resolve.h"
 
+#include "platform/winsys/gl_functions.h"
 #include "platform/winsys/opengl.h"
 
 #include <GL/glext.h>
@@ -7,23 +8,23 @@
 namespace winsys
 {
 
-// Looked up rather than linked, as the program may watch what goes through the library's own entry points.
+/// Functions are looked up, not linked: the program may intercept the library's own entry points.
 struct FrameResolve::Functions {
     Functions()
     {
-        Look("glGetIntegerv", get_integer);
-        Look("glIsEnabled", is_enabled);
-        Look("glEnable", enable);
-        Look("glDisable", disable);
-        Look("glGenFramebuffers", gen_framebuffers);
-        Look("glDeleteFramebuffers", delete_framebuffers);
-        Look("glBindFramebuffer", bind_framebuffer);
-        Look("glFramebufferRenderbuffer", attach);
-        Look("glGenRenderbuffers", gen_renderbuffers);
-        Look("glDeleteRenderbuffers", delete_renderbuffers);
-        Look("glBindRenderbuffer", bind_renderbuffer);
-        Look("glRenderbufferStorage", storage);
-        Look("glBlitFramebuffer", blit);
+        Load("glGetIntegerv", get_integer);
+        Load("glIsEnabled", is_enabled);
+        Load("glEnable", enable);
+        Load("glDisable", disable);
+        Load("glGenFramebuffers", gen_framebuffers);
+        Load("glDeleteFramebuffers", delete_framebuffers);
+        Load("glBindFramebuffer", bind_framebuffer);
+        Load("glFramebufferRenderbuffer", attach);
+        Load("glGenRenderbuffers", gen_renderbuffers);
+        Load("glDeleteRenderbuffers", delete_renderbuffers);
+        Load("glBindRenderbuffer", bind_renderbuffer);
+        Load("glRenderbufferStorage", storage);
+        Load("glBlitFramebuffer", blit);
     }
 
     [[nodiscard]] GLint Get(GLenum name) const
@@ -50,7 +51,7 @@ struct FrameResolve::Functions {
 
   private:
     template <typename Function>
-    void Look(const char* name, Function& function)
+    void Load(const char* name, Function& function)
     {
         function = reinterpret_cast<Function>(FindGlFunction(name));
         complete = complete && function != nullptr;
@@ -60,12 +61,12 @@ struct FrameResolve::Functions {
 FrameResolve::FrameResolve(int width, int height)
 {
     const Functions gl;
-    // A function may be found that the context does not support.
+    // A lookup may also find functions that the context does not support.
     if (!gl.complete || width < 1 || height < 1 || gl.Get(GL_MAJOR_VERSION) < 3)
         return;
-    const bool own_target =
+    const bool is_default_framebuffer =
         gl.Get(GL_READ_FRAMEBUFFER_BINDING) == 0 && gl.Get(GL_DRAW_FRAMEBUFFER_BINDING) == 0;
-    if (own_target && gl.Get(GL_SAMPLE_BUFFERS) > 0)
+    if (is_default_framebuffer && gl.Get(GL_SAMPLE_BUFFERS) > 0)
         Copy(gl, width, height);
 }
 
@@ -90,7 +91,7 @@ void FrameResolve::Copy(const Functions& gl, int width, int height)
     gl.gen_framebuffers(1, &framebuffer_);
     gl.bind_framebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_);
     gl.attach(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, colors_);
-    // The scissor would cut the copy.
+    // The scissor test would clip the copy.
     const bool scissor = gl.is_enabled(GL_SCISSOR_TEST) != GL_FALSE;
     gl.disable(GL_SCISSOR_TEST);
     gl.blit(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);

@@ -1,5 +1,5 @@
-// OpenGL 1.1 and GLU as every system offers them, plus the one enum of a later version that is
-// used. No extension loader: the drawing needs nothing beyond OpenGL 1.1.
+// OpenGL 1.1 and GLU, which every system offers, and the one enumerator of a later version that is used.
+// There is no extension loader: drawing needs nothing beyond OpenGL 1.1.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -7,8 +7,8 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
-// Headers of OpenGL 1.1 stop short of multisampling. The value is the one that OpenGL 1.3 assigned;
-// a driver that does not know it answers glEnable with GL_INVALID_ENUM and draws on.
+// Headers of OpenGL 1.1 lack multisampling. The value is that of OpenGL 1.3; a driver that does not know it
+// answers glEnable with GL_INVALID_ENUM and keeps drawing.
 #ifndef GL_MULTISAMPLE
 #define GL_MULTISAMPLE 0x809D
 #endif

@@ -1,21 +1,21 @@
-// Calls a module's DllMain where the system's loader does not: compiled into each module, it tells when the
-// process begins to use the module and when it ends, whether the process was linked to the module or loads it
-// at run time. It knows nothing of what the module does then.
+// Calls a module's DllMain on systems whose loader does not. Compiled into each module: it reports when the
+// process starts to use the module and when it stops, whether the process was linked to the module or loads
+// it at run time.
 //
-// Has to be the last source of its module: static objects of the sources before it are built before the
-// attach notification and destroyed after the detach one. The loader cannot be told that an attachment was
-// refused, and nobody tells of threads. The reserved argument is null.
+// It has to be the last source of its module: static objects of the sources before it are constructed before
+// the attach notification and destroyed after the detach notification. The loader cannot be told that an
+// attachment was refused, and there are no notifications for threads. The reserved argument is null.
 #include "platform/winsys/winsys.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
-/// NOTE: the linker defines it, as the place where it is loaded, in every library and program for itself.
+/// NOTE: defined by the linker in every library and program, at its load address.
 extern "C" __attribute__((visibility("hidden"))) const char __ehdr_start;
 
 namespace
 {
 
-/// A static object, because its destructor runs both when the module is unloaded and when the process ends.
+/// A static object: its destructor runs both when the module is unloaded and when the process ends.
 class ProcessNotifications
 {
   public:
@@ -25,7 +25,7 @@ class ProcessNotifications
     ~ProcessNotifications() { DllMain(ThisModule(), DLL_PROCESS_DETACH, nullptr); }
 
   private:
-    /// A module's handle is the address that it is loaded at.
+    /// A module's handle is its load address.
     static HINSTANCE ThisModule() { return reinterpret_cast<HINSTANCE>(const_cast<char*>(&__ehdr_start)); }
 };
 

@@ -1,6 +1,6 @@
-// The WGL extensions that are looked up at run time with wglGetProcAddress, on every system:
-// the extension string (WGL_ARB_extensions_string), the pixel-format query (WGL_ARB_pixel_format) and
-// its multisample attributes (WGL_ARB_multisample). Values as registered by those extensions.
+// The WGL extensions that are looked up at run time with wglGetProcAddress, on every system: the extension
+// string (WGL_ARB_extensions_string), the pixel-format query (WGL_ARB_pixel_format) and its multisample
+// attributes (WGL_ARB_multisample). The values are the registered ones.
 #pragma once
 
 #include "platform/winsys/winsys.h"

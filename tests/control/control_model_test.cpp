@@ -5,9 +5,9 @@
 #include "tests/support/control_test.h"
 
 #include "platform/host/gs/manager.h"
+#include "platform/winsys/backends.h"
 #include "platform/winsys/frame_clock.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
 
 #include <algorithm>
 #include <cstdint>

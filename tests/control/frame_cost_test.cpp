@@ -3,7 +3,7 @@
 #include "control/KARVOpenGLControl.h"
 #include "platform/tools/trace.h"
 #include "platform/winsys/backend.h"
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 #include "tests/support/allocation_count.h"
 #include "tests/support/null_gl.h"
 

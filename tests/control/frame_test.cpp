@@ -2,8 +2,8 @@
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
+#include "platform/winsys/backends.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
 
 using namespace karv_test;
 using testing::ElementsAre;

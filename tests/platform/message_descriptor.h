@@ -1,7 +1,7 @@
 // The layer's descriptor, as a foreign loop sees it.
 #pragma once
 
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 
 #include <poll.h>
 

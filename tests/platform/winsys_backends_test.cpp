@@ -1,6 +1,6 @@
-// What only the layer offers, where the system has no windows of these names: the choice of a backend, frames
-// as they are swapped, swap counts, and the descriptor for foreign loops.
-#include "platform/winsys/provider.h"
+// The parts that only the window layer offers: the choice of a backend, frames as they are swapped, swap
+// counts, and the descriptor for foreign loops.
+#include "platform/winsys/backends.h"
 
 #include "platform/winsys/backend.h"
 #include "platform/winsys/frame_clock.h"
@@ -27,14 +27,14 @@ void CALLBACK CountCallback(HWND, UINT, UINT_PTR, DWORD)
 
 } // namespace
 
-using WinsysProvider = GraphicsContract;
+using WinsysBackends = GraphicsContract;
 
-INSTANTIATE_TEST_SUITE_P(Backends, WinsysProvider, EveryBackend(), BackendTestName);
+INSTANTIATE_TEST_SUITE_P(Backends, WinsysBackends, EveryBackend(), BackendTestName);
 
 constexpr UINT kFirst = WM_USER + 1;
 constexpr UINT kSecond = WM_USER + 2;
 
-TEST_P(WinsysProvider, BackendChangesOnlyWithoutWindows)
+TEST_P(WinsysBackends, BackendChangesOnlyWithoutWindows)
 {
     EXPECT_EQ(winsys::BackendName(), GetParam());
     const HWND window = Make(L"a");
@@ -44,14 +44,14 @@ TEST_P(WinsysProvider, BackendChangesOnlyWithoutWindows)
     EXPECT_NO_THROW(InstallBackend(GetParam()));
 }
 
-TEST_P(WinsysProvider, NoBackendMeansTheDefaultOneAtTheNextWindow)
+TEST_P(WinsysBackends, NoBackendMeansTheDefaultOneAtTheNextWindow)
 {
     winsys::UseBackend(nullptr);
     EXPECT_NE(Make(L"a"), nullptr);
     EXPECT_EQ(winsys::BackendName(), winsys::MakeDefaultBackend()->Name());
 }
 
-TEST_P(WinsysProvider, DescriptorIsReadableExactlyWhileAMessageWaits)
+TEST_P(WinsysBackends, DescriptorIsReadableExactlyWhileAMessageWaits)
 {
     const HWND window = MakeShown(L"a");
     ASSERT_GE(winsys::GetMessageDescriptor(), 0);
@@ -65,7 +65,7 @@ TEST_P(WinsysProvider, DescriptorIsReadableExactlyWhileAMessageWaits)
     EXPECT_FALSE(IsDescriptorReadable());
 }
 
-TEST_P(WinsysProvider, DescriptorFollowsPaintsAndQuit)
+TEST_P(WinsysBackends, DescriptorFollowsPaintsAndQuit)
 {
     const HWND window = MakeShown(L"a");
     InvalidateRect(window, nullptr, FALSE);
@@ -82,7 +82,7 @@ TEST_P(WinsysProvider, DescriptorFollowsPaintsAndQuit)
     EXPECT_FALSE(IsDescriptorReadable());
 }
 
-TEST_P(WinsysProvider, DescriptorFollowsTimers)
+TEST_P(WinsysBackends, DescriptorFollowsTimers)
 {
     const HWND window = MakeShown(L"a");
     SetTimer(window, 1, 1'000'000, nullptr);
@@ -97,25 +97,25 @@ TEST_P(WinsysProvider, DescriptorFollowsTimers)
     EXPECT_FALSE(IsDescriptorReadable());
 }
 
-TEST_P(WinsysProvider, DescriptorIsNotReadableWhileATimersPeriodRunsAgain)
+TEST_P(WinsysBackends, DescriptorIsNotReadableWhileATimersPeriodRunsAgain)
 {
     constexpr std::clock_t kPeriod = 20;
     const HWND window = MakeShown(L"a");
     SetTimer(window, 1, kPeriod, nullptr);
-    // A machine that is busy may let a period go by between the two calls; such a turn says nothing.
-    bool told = false;
-    for (int turn = 0; turn < 100 && !told; ++turn) {
+    // On a busy machine a period may pass between the two calls; such a turn proves nothing.
+    bool is_conclusive = false;
+    for (int turn = 0; turn < 100 && !is_conclusive; ++turn) {
         ASSERT_TRUE(WaitForMessage());
         const std::clock_t start = winsys::FrameClock();
         EXPECT_EQ(Take().message, WM_TIMER);
         const bool readable = IsDescriptorReadable();
-        told = winsys::FrameClock() - start < kPeriod - 1;
-        EXPECT_FALSE(told && readable);
+        is_conclusive = winsys::FrameClock() - start < kPeriod - 1;
+        EXPECT_FALSE(is_conclusive && readable);
     }
-    EXPECT_TRUE(told);
+    EXPECT_TRUE(is_conclusive);
 }
 
-TEST_P(WinsysProvider, ForeignLoopHandlesOneTimerMessageATurn)
+TEST_P(WinsysBackends, ForeignLoopHandlesOneTimerMessageATurn)
 {
     const HWND window = MakeShown(L"a");
     int frames = 0;
@@ -136,7 +136,7 @@ TEST_P(WinsysProvider, ForeignLoopHandlesOneTimerMessageATurn)
     }
 }
 
-TEST_P(WinsysProvider, ObserverReadsTheFrameBeforeTheSwap)
+TEST_P(WinsysBackends, ObserverReadsTheFrameBeforeTheSwap)
 {
     const HWND window = MakeDrawable(L"a");
     HWND seen = nullptr;
@@ -156,7 +156,7 @@ TEST_P(WinsysProvider, ObserverReadsTheFrameBeforeTheSwap)
     EXPECT_EQ(winsys::GetSwapCount(window), 1U);
 }
 
-TEST_P(WinsysProvider, ObserverSeesNoFrameOfAnotherContext)
+TEST_P(WinsysBackends, ObserverSeesNoFrameOfAnotherContext)
 {
     const HWND a = MakeDrawable(L"a");
     MakeDrawable(L"b");
@@ -167,7 +167,7 @@ TEST_P(WinsysProvider, ObserverSeesNoFrameOfAnotherContext)
     EXPECT_EQ(winsys::GetSwapCount(a), 1U);
 }
 
-TEST_P(WinsysProvider, SwapsAreCountedForEachWindow)
+TEST_P(WinsysBackends, SwapsAreCountedForEachWindow)
 {
     const HWND a = MakeDrawable(L"a");
     const HWND b = MakeDrawable(L"b");
@@ -178,7 +178,7 @@ TEST_P(WinsysProvider, SwapsAreCountedForEachWindow)
     EXPECT_EQ(winsys::GetSwapCount(b), 2U);
 }
 
-TEST_P(WinsysProvider, MultisampledFrameIsReadWholeAndLeavesTheStateAlone)
+TEST_P(WinsysBackends, MultisampledFrameIsReadWholeAndLeavesTheStateAlone)
 {
     MakeDrawable(L"probe");
     const int format = Choose(wglGetCurrentDC(), {WGL_SAMPLE_BUFFERS_ARB, 1, WGL_SAMPLES_ARB, 4});
@@ -195,7 +195,7 @@ TEST_P(WinsysProvider, MultisampledFrameIsReadWholeAndLeavesTheStateAlone)
     EXPECT_EQ(beyond_scissor, kGreen);
     EXPECT_TRUE(glIsEnabled(GL_SCISSOR_TEST));
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    // Drawing still goes to the window, and the next frame shows it.
+    // Drawing still goes to the window: the next frame shows it.
     Clear(1, 0, 0);
     Pixel inside_scissor;
     winsys::SetFrameObserver(
@@ -204,7 +204,7 @@ TEST_P(WinsysProvider, MultisampledFrameIsReadWholeAndLeavesTheStateAlone)
     EXPECT_EQ(inside_scissor, kRed);
 }
 
-TEST_P(WinsysProvider, StaleAndNullWindowsHaveNoSwaps)
+TEST_P(WinsysBackends, StaleAndNullWindowsHaveNoSwaps)
 {
     const HWND stale = Make(L"a");
     DestroyWindow(stale);
@@ -212,7 +212,7 @@ TEST_P(WinsysProvider, StaleAndNullWindowsHaveNoSwaps)
     EXPECT_EQ(winsys::GetSwapCount(nullptr), 0U);
 }
 
-TEST_P(WinsysProvider, HandlerOfAChildsDestructionMayDestroyTheParent)
+TEST_P(WinsysBackends, HandlerOfAChildsDestructionMayDestroyTheParent)
 {
     for (const UINT when : {WM_DESTROY, WM_NCDESTROY}) {
         const HWND parent = Make(L"parent");
@@ -232,7 +232,7 @@ TEST_P(WinsysProvider, HandlerOfAChildsDestructionMayDestroyTheParent)
     }
 }
 
-TEST_P(WinsysProvider, DestructionDoesNotBeginTwice)
+TEST_P(WinsysBackends, DestructionDoesNotBeginTwice)
 {
     BOOL second = TRUE;
     const HWND window = Make(L"a");
@@ -245,7 +245,7 @@ TEST_P(WinsysProvider, DestructionDoesNotBeginTwice)
     EXPECT_FALSE(second);
 }
 
-TEST_P(WinsysProvider, WindowDestroyedWhileItIsShownByItsCreationIsNotReturned)
+TEST_P(WinsysBackends, WindowDestroyedWhileItIsShownByItsCreationIsNotReturned)
 {
     const HWND parent = MakeShown(L"parent");
     handler_ = [&](HWND window, UINT message, WPARAM, LPARAM) {
@@ -257,7 +257,7 @@ TEST_P(WinsysProvider, WindowDestroyedWhileItIsShownByItsCreationIsNotReturned)
     EXPECT_EQ(TakeMessages().back(), "child WM_NCDESTROY");
 }
 
-TEST_P(WinsysProvider, PaintingOfStaleAndNullWindowsIsRefused)
+TEST_P(WinsysBackends, PaintingOfStaleAndNullWindowsIsRefused)
 {
     const HWND stale = Make(L"a");
     DestroyWindow(stale);
@@ -268,7 +268,7 @@ TEST_P(WinsysProvider, PaintingOfStaleAndNullWindowsIsRefused)
     }
 }
 
-TEST_P(WinsysProvider, PlaceLeftToTheSystemIsTheOriginUntilItTells)
+TEST_P(WinsysBackends, PlaceLeftToTheSystemIsTheOriginUntilItTells)
 {
     CREATESTRUCTW seen{};
     handler_ = [&](HWND, UINT message, WPARAM, LPARAM lparam) -> std::optional<LRESULT> {
@@ -284,7 +284,7 @@ TEST_P(WinsysProvider, PlaceLeftToTheSystemIsTheOriginUntilItTells)
     DestroyWindow(window);
 }
 
-TEST_P(WinsysProvider, GettingForABadWindowFails)
+TEST_P(WinsysBackends, GettingForABadWindowFails)
 {
     const HWND stale = Make(L"a");
     DestroyWindow(stale);
@@ -294,7 +294,7 @@ TEST_P(WinsysProvider, GettingForABadWindowFails)
     EXPECT_FALSE(PeekMessageW(&message, stale, 0, 0, PM_REMOVE));
 }
 
-TEST_P(WinsysProvider, KilledTimerDoesNotCallBack)
+TEST_P(WinsysBackends, KilledTimerDoesNotCallBack)
 {
     const HWND window = MakeShown(L"a");
     callback_count = 0;
@@ -306,19 +306,19 @@ TEST_P(WinsysProvider, KilledTimerDoesNotCallBack)
     EXPECT_EQ(callback_count, 0);
 }
 
-TEST_P(WinsysProvider, ScreenBelongsToNoWindow)
+TEST_P(WinsysBackends, ScreenBelongsToNoWindow)
 {
     const HDC screen = GetDC(nullptr);
     EXPECT_EQ(WindowFromDC(screen), nullptr);
     EXPECT_EQ(ReleaseDC(nullptr, screen), 1);
 }
 
-TEST_P(WinsysProvider, NoDescriptorHasNoFormat)
+TEST_P(WinsysBackends, NoDescriptorHasNoFormat)
 {
     EXPECT_EQ(ChoosePixelFormat(GetDC(Make(L"a")), nullptr), 0);
 }
 
-TEST_P(WinsysProvider, ChosenFormatHasTheSmallestDepthOfAtLeast24ForAMinimumOf16)
+TEST_P(WinsysBackends, ChosenFormatHasTheSmallestDepthOfAtLeast24ForAMinimumOf16)
 {
     const HDC dc = PrepareDc(Make(L"a"));
     PIXELFORMATDESCRIPTOR found{};
@@ -326,7 +326,7 @@ TEST_P(WinsysProvider, ChosenFormatHasTheSmallestDepthOfAtLeast24ForAMinimumOf16
     EXPECT_EQ(found.cDepthBits, 24);
 }
 
-TEST_P(WinsysProvider, ReleaseForAnotherWindowIsRefused)
+TEST_P(WinsysBackends, ReleaseForAnotherWindowIsRefused)
 {
     const HWND a = Make(L"a");
     const HWND b = Make(L"b");
@@ -334,7 +334,7 @@ TEST_P(WinsysProvider, ReleaseForAnotherWindowIsRefused)
     EXPECT_EQ(ReleaseDC(a, nullptr), 0);
 }
 
-TEST_P(WinsysProvider, AttributesThatNoFormatHasSucceedWithNone)
+TEST_P(WinsysBackends, AttributesThatNoFormatHasSucceedWithNone)
 {
     MakeDrawable(L"a");
     for (const auto& attributes : std::vector<std::vector<int>>{{WGL_DRAW_TO_WINDOW_ARB, 0},
@@ -347,7 +347,7 @@ TEST_P(WinsysProvider, AttributesThatNoFormatHasSucceedWithNone)
     }
 }
 
-TEST_P(WinsysProvider, FrameHasTheNewSizeAtOnce)
+TEST_P(WinsysBackends, FrameHasTheNewSizeAtOnce)
 {
     const HWND window = MakeDrawable(L"a");
     MoveWindow(window, 0, 0, 200, 100, TRUE);
@@ -355,7 +355,7 @@ TEST_P(WinsysProvider, FrameHasTheNewSizeAtOnce)
     EXPECT_EQ(Picture(200, 100).At(199, 99), kGreen);
 }
 
-TEST_P(WinsysProvider, ImpossibleDescriptorHasNoFormat)
+TEST_P(WinsysBackends, ImpossibleDescriptorHasNoFormat)
 {
     const HDC dc = GetDC(Make(L"a"));
     PIXELFORMATDESCRIPTOR descriptor{};
@@ -368,7 +368,7 @@ TEST_P(WinsysProvider, ImpossibleDescriptorHasNoFormat)
     EXPECT_EQ(ChoosePixelFormat(nullptr, &descriptor), 0);
 }
 
-TEST_P(WinsysProvider, UnknownAttributeFailsTheCall)
+TEST_P(WinsysBackends, UnknownAttributeFailsTheCall)
 {
     MakeDrawable(L"a");
     BOOL success = TRUE;
@@ -376,7 +376,7 @@ TEST_P(WinsysProvider, UnknownAttributeFailsTheCall)
     EXPECT_FALSE(success);
 }
 
-TEST_P(WinsysProvider, MatchesAreCountedUpToTheMaximum)
+TEST_P(WinsysBackends, MatchesAreCountedUpToTheMaximum)
 {
     MakeDrawable(L"a");
     const HDC dc = wglGetCurrentDC();

@@ -59,7 +59,7 @@ std::string MessageName(UINT message)
         {WM_USER, "WM_USER"},
     };
     const auto found = names.find(message);
-    return found == names.end() ? std::to_string(message) : found->second;
+    return found != names.end() ? found->second : std::to_string(message);
 }
 
 WinsysContract* WinsysContract::running_ = nullptr;
@@ -172,7 +172,7 @@ LRESULT CALLBACK WinsysContract::Procedure(HWND window, UINT message, WPARAM wpa
 {
     if (message == WM_NCCREATE)
         running_->names_.emplace_back(window, Narrow(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpszName));
-    // The last one of this handle: some systems use handles again.
+    // The last entry: some systems reuse handles.
     const auto named = std::ranges::find(std::views::reverse(running_->names_), window,
                                          &std::pair<HWND, std::string>::first);
     const std::string name = MessageName(message);

@@ -1,5 +1,5 @@
-// The fixture of the suite that every window system must pass, the system's own and each backend of the
-// layer: it records the messages of test windows by name.
+// The fixture of the suite that every window system must pass: the system's own and each backend of the
+// layer. It records the messages of test windows by name.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -16,26 +16,26 @@
 namespace karv_test
 {
 
-/// "WM_SIZE", for example; the number for messages without a name here.
+/// "WM_SIZE", for example; the number of a message without a name here.
 [[nodiscard]] std::string MessageName(UINT message);
 
-// What differs between the systems under test.
+// Implemented once for each system under test.
 
 /// The window systems that this program can run on.
 [[nodiscard]] std::vector<std::string> BackendNames();
-/// Serves windows by one of these from now on. No window may exist.
+/// Makes this one the window system from now on. No window may exist.
 void InstallBackend(const std::string& name);
-/// Sleeps until a message waits, as a foreign loop does; false where none came in a minute.
+/// Sleeps until a message is waiting, as a foreign event loop does; false if none came in a minute.
 [[nodiscard]] bool WaitForMessage();
-/// Shows what was drawn on the window with the current context, and returns it.
+/// Shows what the current context drew on the window, and returns it.
 [[nodiscard]] Picture ReadFrame(HWND window);
-/// Undoes what a test has asked of the system beyond its windows.
+/// Removes the observers that a test has installed.
 void ForgetObservers();
 
 class WinsysContract : public testing::TestWithParam<std::string>
 {
   public:
-    /// What a test does within a message, and its answer; none leaves the message to DefWindowProcW.
+    /// A test's answer to a message; none passes the message to DefWindowProcW.
     using Handler = std::function<std::optional<LRESULT>(HWND window, UINT message, WPARAM, LPARAM)>;
 
     ~WinsysContract() override;
@@ -43,35 +43,33 @@ class WinsysContract : public testing::TestWithParam<std::string>
   protected:
     WinsysContract();
 
-    /// A window of a recorded class; "a" is its name in the record. Child windows are made with WS_CHILD; the
-    /// others are top-level ones without a frame, which not every system could leave out otherwise.
+    /// Creates a window of a recorded class; `name` is its name in the record. Child windows need WS_CHILD.
+    /// Other windows are top-level ones without a frame, because frames differ between systems.
     HWND Make(const std::wstring& name, DWORD style = WS_POPUP, HWND parent = nullptr, int width = 64,
               int height = 64);
-    /// A shown top-level window whose messages so far are forgotten and whose picture is valid.
+    /// Creates a shown top-level window, drops its messages so far and validates it.
     HWND MakeShown(const std::wstring& name);
-    /// A window's device context with the format for 16 depth bits.
+    /// Returns a window's device context, after setting the format for 16 depth bits.
     static HDC PrepareDc(HWND window);
 
-    /// The messages since the last call, as "name WM_...", those of every recorded window. A system sends
-    /// more than the layer has names for; they are left out.
-    /// So are erasures and changes of the focus, which come when it suits the system; each kind is for the
-    /// tests that are about it.
+    /// The messages of all recorded windows since the last call, as "name WM_...". Left out: messages without
+    /// a name here, which depend on the system, and erasures and focus changes, whose time depends on the
+    /// system; the next two functions return those.
     std::vector<std::string> TakeMessages();
     std::vector<std::string> TakeFocusMessages();
     std::vector<std::string> TakeErasures();
-    /// Dispatches waiting messages until none is left, at most `limit` of them; how many there were.
+    /// Dispatches waiting messages until there are none, at most `limit` of them; returns their number.
     static int Pump(int limit = 1000);
-    /// Waits for messages and dispatches them until the condition holds, at most `limit` of them; whether it
-    /// came to hold.
+    /// Waits for messages and dispatches them, at most `limit` of them, until the condition is true; returns
+    /// whether it is.
     static bool PumpUntil(const std::function<bool()>& condition, int limit = 10000);
-    /// The next message, taken out; a message of number 0 where none waits.
+    /// Removes and returns the next message; message number 0 if none is waiting.
     static MSG Take(HWND window = nullptr, UINT first = 0, UINT last = 0);
 
     Handler handler_;
 
   private:
-    /// Those of the messages since the last call, of whatever kind, whose names pass; the others are
-    /// forgotten.
+    /// The messages since the last call whose names pass; drops the others.
     std::vector<std::string> TakeThose(const std::function<bool(const std::string& name)>& pass);
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
@@ -81,7 +79,7 @@ class WinsysContract : public testing::TestWithParam<std::string>
     std::vector<std::pair<HWND, std::string>> names_;
 };
 
-/// The same with rendering contexts, which end with the test.
+/// The same with rendering contexts, which are deleted at the end of the test.
 class GraphicsContract : public WinsysContract
 {
   public:
@@ -92,23 +90,24 @@ class GraphicsContract : public WinsysContract
     static constexpr Pixel kGreen{0, 255, 0};
 
     HGLRC MakeContext(HDC dc);
-    /// A shown window with its context current on it.
+    /// Creates a shown window with a current context.
     HWND MakeDrawable(const std::wstring& name);
-    /// A function of the window system's own; null where wglGetProcAddress has none.
+    /// Returns an extension function of the window system; null if wglGetProcAddress has none.
     template <typename Function>
     static Function Look(const char* name)
     {
         return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(wglGetProcAddress(name)));
     }
     static void Clear(float red, float green, float blue);
-    /// The best format for these attributes on any window, 0 for none; `success` is what the call returned.
+    /// Returns the best format for these attributes on any window, 0 for none; `success` receives the result
+    /// of the call.
     static int Choose(HDC dc, const std::vector<int>& attributes, BOOL* success = nullptr);
 
   private:
     std::vector<HGLRC> contexts_;
 };
 
-/// Every system that the suite runs on.
+/// All window systems that the suite runs on.
 inline auto EveryBackend()
 {
     return testing::ValuesIn(BackendNames());

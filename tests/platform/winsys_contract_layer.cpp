@@ -1,6 +1,6 @@
-// The window systems of the layer, for the suite that each must pass.
+// The backends of the window layer, for the suite that every window system must pass.
 #include "platform/winsys/backend.h"
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 #include "tests/platform/winsys_contract.h"
 #include "tests/support/scripted_backend.h"
 #include "tests/support/x_server.h"

@@ -1,4 +1,4 @@
-// The system's own windows, for the suite that every window system must pass.
+// The windows of the system itself, for the suite that every window system must pass.
 #include "platform/winsys/frame_resolve.h"
 #include "tests/platform/winsys_contract.h"
 

@@ -1,4 +1,4 @@
-// Device contexts, pixel formats, rendering contexts, and what is drawn with them.
+// Device contexts, pixel formats, rendering contexts and drawing.
 #include "platform/winsys/opengl.h"
 #include "platform/winsys/wgl_extensions.h"
 #include "tests/platform/winsys_contract.h"
@@ -352,7 +352,7 @@ TEST_P(WinsysGraphics, EdgeOfAMultisampledPictureIsBlended)
     const Pixel on_edge = picture.At(10, 32);
     EXPECT_EQ(picture.At(9, 32), (Pixel{255, 255, 255}));
     EXPECT_EQ(picture.At(11, 32), (Pixel{0, 0, 0}));
-    // Each of the four samples counts a quarter; on the left half of the pixel lie one to three of them.
+    // Each of the four samples counts a quarter; one to three of them are in the left half of the pixel.
     EXPECT_GE(on_edge.red, 60);
     EXPECT_LE(on_edge.red, 195);
 }

@@ -1,4 +1,4 @@
-// The message queue: what comes before what, filters, timers, and the descriptor for foreign loops.
+// The message queue: order, filters, timers, and the descriptor for foreign loops.
 #include "platform/winsys/frame_clock.h"
 #include "tests/platform/winsys_contract.h"
 
@@ -285,8 +285,8 @@ TEST_P(WinsysMessages, OneMessageOfATimerWaitsAtMost)
     int waiting = 0;
     while (waiting < 50 && Take(unread).message == WM_TIMER)
         ++waiting;
-    // Besides the one that waited, only what came due while they were taken out; one more for the cut of the
-    // clock.
+    // The waiting one, and those that became due while messages were removed; one more for the rounding of
+    // the clock.
     const std::clock_t taking = winsys::FrameClock() - start;
     EXPECT_GE(waiting, 1);
     EXPECT_LE(waiting, 2 + taking / kPeriod);
@@ -321,7 +321,7 @@ TEST_P(WinsysMessages, FrameClockRunsInMilliseconds)
     SetTimer(window, 1, 20, nullptr);
     MSG message{};
     ASSERT_TRUE(GetMessageW(&message, nullptr, 0, 0));
-    // A period of 20 ms lies between; one tick may be lost to the cut of each reading.
+    // A period of 20 ms lies between; rounding of each reading may lose one tick.
     EXPECT_GE(winsys::FrameClock() - start, 19);
 }
 

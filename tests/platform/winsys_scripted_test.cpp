@@ -1,6 +1,5 @@
-// What only a scripted backend can bring about: refused calls, other extensions, native events, other lists
-// of formats.
-#include "platform/winsys/provider.h"
+// Cases that need a scripted backend: refused calls, other extensions, native events, other lists of formats.
+#include "platform/winsys/backends.h"
 #include "platform/winsys/wgl_extensions.h"
 #include "tests/platform/message_descriptor.h"
 #include "tests/platform/winsys_contract.h"
@@ -55,7 +54,7 @@ TEST_P(WinsysScripted, CallsAreLoggedByName)
 TEST_P(WinsysScripted, RefusedWindowLeavesNothing)
 {
     const HWND parent = MakeRecorded(L"parent");
-    backend_.FailNth(Call::kCreateWindow, 2);
+    backend_.FailNth(Call::CreateWindow, 2);
     EXPECT_NE(Make(L"first", WS_CHILD, parent), nullptr);
     TakeMessages();
     EXPECT_EQ(Make(L"second", WS_CHILD, parent), nullptr);
@@ -68,7 +67,7 @@ TEST_P(WinsysScripted, RefusedWindowLeavesNothing)
 TEST_P(WinsysScripted, RefusedPixelFormatMayBeTriedAgain)
 {
     const HDC dc = GetDC(MakeRecorded(L"a"));
-    backend_.FailNth(Call::kSetPixelFormat, 1);
+    backend_.FailNth(Call::SetPixelFormat, 1);
     EXPECT_FALSE(SetPixelFormat(dc, 1, nullptr));
     EXPECT_EQ(GetPixelFormat(dc), 0);
     EXPECT_TRUE(SetPixelFormat(dc, 2, nullptr));
@@ -80,9 +79,9 @@ TEST_P(WinsysScripted, RefusedContextSwapAndChangeFailTheirCalls)
 {
     const HWND window = MakeRecorded(L"a");
     const HDC dc = PrepareDc(window);
-    backend_.FailNth(Call::kCreateContext, 1);
-    backend_.FailNth(Call::kMakeCurrent, 2);
-    backend_.FailNth(Call::kSwapBuffers, 1);
+    backend_.FailNth(Call::CreateContext, 1);
+    backend_.FailNth(Call::MakeCurrent, 2);
+    backend_.FailNth(Call::SwapBuffers, 1);
     EXPECT_EQ(wglCreateContext(dc), nullptr);
     const HGLRC context = wglCreateContext(dc);
     EXPECT_TRUE(wglMakeCurrent(dc, context));
@@ -117,8 +116,8 @@ TEST_P(WinsysScripted, SamplesAreRefusedInEitherWay)
     const HGLRC context = wglCreateContext(dc);
     wglMakeCurrent(dc, context);
     const auto choose = Look<PFNWGLCHOOSEPIXELFORMATARBPROC>("wglChoosePixelFormatARB");
-    backend_.RefuseSamples(4, Refusal::kCallFails);
-    backend_.RefuseSamples(2, Refusal::kNoFormat);
+    backend_.RefuseSamples(4, Refusal::CallFails);
+    backend_.RefuseSamples(2, Refusal::NoFormat);
     backend_.TakeLog();
     int format = 0;
     UINT count = 9;
@@ -285,7 +284,7 @@ TEST_P(WinsysScripted, EventHandlerMayDestroyTheWindow)
     EXPECT_FALSE(IsWindow(window));
 }
 
-// A list of formats that no driver has, for the rules of choice alone.
+/// A list of formats that no driver has, to test the choice alone.
 class FormatListBackend : public ScriptedBackend
 {
   public:

@@ -1,4 +1,4 @@
-// Windows, their classes, the messages of their birth, change and death, focus and painting.
+// Windows and their classes, the messages of their creation, change and destruction, focus and painting.
 #include "tests/platform/winsys_contract.h"
 
 #include <array>
@@ -160,7 +160,7 @@ TEST_P(WinsysWindows, RefusedCreateDestroysTheWindow)
         return message == WM_CREATE ? std::optional<LRESULT>(-1) : std::nullopt;
     };
     EXPECT_EQ(Make(L"a"), nullptr);
-    // Not every implementation of Windows sends WM_DESTROY here.
+    // Some implementations of Windows do not send WM_DESTROY here.
     const std::vector<std::string> messages = TakeMessages();
     EXPECT_THAT(messages, testing::AnyOf(
                               ElementsAre("a WM_NCCREATE", "a WM_CREATE", "a WM_NCDESTROY"),

@@ -1,5 +1,5 @@
-// The connection to the X server: which backend is chosen, errors, the descriptor to wait on, and the
-// server's end.
+// The connection to the X server: choice of the backend, errors, the descriptor to wait on, and the end of
+// the server.
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
 #include "tests/platform/x11_test.h"
@@ -15,14 +15,14 @@ namespace karv_test
 namespace
 {
 
-/// Sets a variable of the environment, an empty value removes it, and puts it back.
+/// Sets an environment variable, or removes it if the value is empty; restores it at the end of its life.
 class Variable
 {
   public:
     Variable(const char* name, const std::string& value) : name_(name)
     {
         const char* before = std::getenv(name);
-        before_ = before == nullptr ? "" : before;
+        before_ = before != nullptr ? before : "";
         Set(value);
     }
     Variable(const Variable&) = delete;
@@ -91,7 +91,7 @@ TEST_F(X11Errors, AreReportedAndEndNothing)
     PumpArrived();
     TraceRecording trace;
     client_.DestroyWindow(IdOf("a"));
-    // The news of it has not been read yet.
+    // The event has not been read yet.
     MoveWindow(window, 1, 2, 30, 40, TRUE);
     EXPECT_TRUE(PumpUntil([&] { return IsWindow(window) == FALSE && !trace.Faults().empty(); }));
     EXPECT_THAT(trace.Faults(), testing::Each(testing::HasSubstr("platform/winsys/x11")));
@@ -102,7 +102,7 @@ TEST_F(X11Errors, OfAnotherConnectionGoToWhoWasThereBefore)
 {
     TraceRecording trace;
     EXPECT_TRUE(client_.TakesItsOwnErrors([] {
-        // A backend that is made after the program has installed its handler puts its own in front.
+        // A backend that is created after the program's handler was installed puts its own in front.
         winsys::UseBackend(winsys::MakeX11Backend(SharedXServer().Display()));
     }));
     EXPECT_TRUE(trace.Faults().empty());
@@ -125,7 +125,7 @@ TEST_F(X11Descriptor, WakesAForeignLoopThatOnlyWaitsOnIt)
 {
     MakeShown(L"a");
     PumpArrived();
-    // As a foreign loop has it: asked once, waited on without another call of the layer.
+    // As in a foreign loop: fetched once, then waited on without another call of the layer.
     pollfd descriptor{winsys::GetMessageDescriptor(), POLLIN, 0};
     EXPECT_EQ(poll(&descriptor, 1, 0), 0);
     client_.MovePointer(150, 100);
@@ -140,7 +140,7 @@ TEST_F(X11Descriptor, IsReadableForEventsThatAnAnswerBroughtAlong)
     PumpArrived();
     const int descriptor_before = winsys::GetMessageDescriptor();
     client_.MovePointer(150, 100);
-    // A call that waits for an answer of the server reads the event before it.
+    // A call that waits for a reply of the server also reads the event before it.
     MakeCurrentContext(other);
     pollfd descriptor{descriptor_before, POLLIN, 0};
     GetDC(window);
@@ -173,13 +173,13 @@ TEST_F(X11Descriptor, SwitchesBetweenTimersAndTheServer)
     EXPECT_EQ(poll(&descriptor, 1, kMinute), 1);
 }
 
-/// A window with a context on a server of its own, that can be ended.
+/// A window with a context on its own server, which a test can kill.
 class X11Loss : public testing::Test
 {
   protected:
     X11Loss()
     {
-        // Keeps the driver loaded, see there.
+        // Keeps the driver loaded; see `SharedXServer`.
         SharedXServer();
         winsys::UseBackend(winsys::MakeX11Backend(server_.Display()));
         WNDCLASSW window_class{};
@@ -210,7 +210,7 @@ class X11Loss : public testing::Test
         return SwapBuffers(GetDC(window_)) != FALSE;
     }
 
-    /// Reads until nothing is left to be read.
+    /// Reads until nothing is left.
     static void Pump()
     {
         MSG message{};
@@ -259,7 +259,7 @@ TEST_F(X11Loss, WindowsGoOnAsRecords)
 TEST_F(X11Loss, IsNoticedByASwap)
 {
     server_.Kill();
-    // The first frames may still go out, into a connection that nobody reads.
+    // The first frames may still be sent, into a connection that is no longer read.
     int frames = 0;
     while (DrawFrame() && frames < 10000)
         ++frames;
@@ -271,7 +271,7 @@ TEST_F(X11Loss, LongDrawingAfterItReachesNoServer)
 {
     server_.Kill();
     Pump();
-    // Requests that nobody takes would fill Xlib's buffer, and end the process.
+    // Requests that are not read would fill Xlib's buffer and end the process.
     for (int i = 0; i < 20000; ++i)
         DrawFrame();
     EXPECT_EQ(glGetString(GL_VERSION), nullptr) << "no context is current in GL any more";

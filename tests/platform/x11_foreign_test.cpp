@@ -1,4 +1,4 @@
-// Windows of another toolkit as parents: another program's plain X windows stand for them.
+// Windows of another toolkit as parents; plain X windows of another client are used as such.
 #include "platform/framework/window.h"
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"

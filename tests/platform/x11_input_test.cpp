@@ -1,4 +1,4 @@
-// Pointer, wheel and keys as another program produces them, and what the layer's windows get.
+// Pointer, wheel and key events that another client generates, and the messages of the layer's windows.
 #include "platform/winsys/frame_clock.h"
 #include "tests/platform/x11_test.h"
 
@@ -12,7 +12,7 @@ namespace karv_test
 class X11Input : public X11Test
 {
   protected:
-    /// The next message of the kind; waits for it.
+    /// Waits for the next message of this kind and returns it.
     MSG Next(UINT message)
     {
         EXPECT_TRUE(PumpUntil([&] { return CountOf(message) > 0; })) << "message " << message;
@@ -21,7 +21,7 @@ class X11Input : public X11Test
         return found.empty() ? MSG{} : found.front();
     }
 
-    /// Waits until the layer has read everything that the server has sent so far: a move of the pointer over
+    /// Waits until the layer has read everything that the server has sent so far: a pointer movement over
     /// `window`, to this place on the screen, comes last.
     void Settle(HWND window, int x, int y)
     {
@@ -190,7 +190,8 @@ TEST_F(X11Input, GrabEndsWithThePressSoThatOtherWindowsGetTheMoves)
     client_.MovePointer(290, 100);
     client_.Press(1);
     Next(WM_LBUTTONDOWN);
-    // The server may take the move before the request that ends the grab, as they come from two programs.
+    // The two programs have separate connections, so the server may handle the movement before the request
+    // that ends the grab.
     int x = 410;
     EXPECT_TRUE(PumpUntil([&] {
         client_.MovePointer(++x, 100);
@@ -230,7 +231,7 @@ TEST_F(X11Input, DragBegunInAnotherProgramDoesNotReachTheWindow)
 
 TEST_F(X11Input, DragBegunOnTheBareScreenDoesNotReachTheWindow)
 {
-    // Nobody grabs the pointer there, so that the moves come with the button down.
+    // There is no grab in that window, so movements arrive with the button down.
     client_.MovePointer(600, 400);
     client_.Press(1);
     client_.MovePointer(200, 100);

@@ -28,7 +28,7 @@ X11Test::X11Test()
     window_class.lpfnWndProc = &Procedure;
     window_class.lpszClassName = kClassName;
     RegisterClassW(&window_class);
-    // Out of the way, with nothing pressed.
+    // In a corner, so that no test starts under the pointer.
     client_.MovePointer(XServer::kWidth - 1, XServer::kHeight - 1);
 }
 
@@ -172,7 +172,7 @@ X11ManagedTest::X11ManagedTest()
 HWND X11ManagedTest::MakeManaged()
 {
     const HWND window = Make(L"managed", WS_OVERLAPPEDWINDOW, nullptr, {200, 150, 500, 350});
-    // Asked for while nobody is moving it from one parent to another.
+    // Queried while the window manager is not reparenting it.
     managed_id_ = IdOf("managed");
     ShowWindow(window, SW_SHOW);
     EXPECT_TRUE(PumpUntil([&] { return client_.IsSeen(managed_id_) && GetFocus() == window; }));

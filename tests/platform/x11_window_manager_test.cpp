@@ -1,5 +1,4 @@
-// Top-level windows under a window manager, which frames them, moves them and gives them the focus in its own
-// time.
+// Top-level windows under a window manager, which frames, moves and focuses them asynchronously.
 #include "tests/platform/x11_test.h"
 
 namespace karv_test
@@ -108,7 +107,7 @@ TEST_F(X11WindowManager, WindowShownLateIsPaintedWhenItAppears)
     MakeCurrentContext(window);
     ShowWindow(window, SW_HIDE);
     ASSERT_TRUE(PumpUntil([&] { return !client_.IsSeen(managed_id_); }));
-    // The program draws at once, and nobody sees it yet.
+    // The program draws at once; the window is not shown yet.
     window_manager_.Pause();
     ShowWindow(window, SW_SHOW);
     PumpArrived();

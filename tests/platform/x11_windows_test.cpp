@@ -1,5 +1,4 @@
-// Windows of the layer as X windows: what another program on the display sees of them, and what they hear of
-// it.
+// Windows of the layer as X windows: their appearance to another client, and the events that they get.
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
 #include "tests/platform/x11_test.h"
@@ -156,7 +155,7 @@ TEST_F(X11Windows, OwnResizeIsNotUndoneByAnEarlierOneFromOutside)
     TakeMessages();
     const XClient::Id id = IdOf("a");
     client_.MoveResize(id, 100, 50, 400, 300);
-    // The news of that arrives before the server has seen the program's own request.
+    // The event arrives before the server has handled the program's own request.
     client_.HoldServer();
     MoveWindow(window, 100, 50, 250, 125, TRUE);
     PumpArrived();
@@ -288,7 +287,7 @@ TEST_F(X11Windows, DrawingAfterTheEndOfTheCurrentWindowReachesNoServer)
     glViewport(0, 0, 10, 10);
     glClear(GL_COLOR_BUFFER_BIT);
     glFinish();
-    // A call that waits for the server brings the errors of before.
+    // A call that waits for the server also brings earlier errors.
     MakeShown(L"b");
     EXPECT_THAT(trace.Faults(), IsEmpty());
 }

@@ -1,8 +1,8 @@
 #include "tests/support/control_test.h"
 
 #include "platform/host/gs/manager.h"
+#include "platform/winsys/backends.h"
 #include "platform/winsys/frame_clock.h"
-#include "platform/winsys/provider.h"
 
 #include <chrono>
 #include <utility>

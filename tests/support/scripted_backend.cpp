@@ -1,6 +1,6 @@
 #include "tests/support/scripted_backend.h"
 
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 #include "platform/winsys/wgl_extensions.h"
 
 #include <algorithm>
@@ -40,7 +40,7 @@ std::string AttributeName(int attribute)
         {WGL_SAMPLES_ARB, "samples"},
     };
     const auto found = names.find(attribute);
-    return found == names.end() ? std::to_string(attribute) : found->second;
+    return found != names.end() ? found->second : std::to_string(attribute);
 }
 
 std::string AttributeValue(int value)
@@ -107,7 +107,7 @@ bool ScriptedBackend::CreateNativeWindow(HWND window, const winsys::NativeWindow
 {
     titles_[window] = Quoted(description.title);
     const bool made =
-        !IsToFail(Call::kCreateWindow) && HeadlessBackend::CreateNativeWindow(window, description);
+        !IsToFail(Call::CreateWindow) && HeadlessBackend::CreateNativeWindow(window, description);
     if (made)
         live_windows_.push_back(window);
     return Note("CreateWindow(" + NameOf(window) + ')', made);
@@ -144,15 +144,14 @@ void ScriptedBackend::PumpEvents(winsys::EventSink& sink)
 
 bool ScriptedBackend::SetNativePixelFormat(HWND window, int format)
 {
-    const bool set =
-        !IsToFail(Call::kSetPixelFormat) && HeadlessBackend::SetNativePixelFormat(window, format);
+    const bool set = !IsToFail(Call::SetPixelFormat) && HeadlessBackend::SetNativePixelFormat(window, format);
     return Note("SetPixelFormat(" + NameOf(window) + ", " + std::to_string(format) + ')', set);
 }
 
 bool ScriptedBackend::CreateContext(HGLRC context, HWND window, int format)
 {
     const bool made =
-        !IsToFail(Call::kCreateContext) && HeadlessBackend::CreateContext(context, window, format);
+        !IsToFail(Call::CreateContext) && HeadlessBackend::CreateContext(context, window, format);
     const std::string call = "wglCreateContext(" + NameOf(window) + ')';
     return Note(made ? call + " = " + NameOf(context) : call, made);
 }
@@ -165,7 +164,7 @@ void ScriptedBackend::DeleteContext(HGLRC context)
 
 bool ScriptedBackend::MakeCurrent(HWND window, HGLRC context)
 {
-    const bool made = !IsToFail(Call::kMakeCurrent) && HeadlessBackend::MakeCurrent(window, context);
+    const bool made = !IsToFail(Call::MakeCurrent) && HeadlessBackend::MakeCurrent(window, context);
     return Note("wglMakeCurrent(" + NameOf(window) + ", " + NameOf(context) + ')', made);
 }
 
@@ -177,7 +176,7 @@ void ScriptedBackend::ReleaseCurrent()
 
 bool ScriptedBackend::SwapBuffers(HWND window)
 {
-    const bool swapped = !IsToFail(Call::kSwapBuffers) && HeadlessBackend::SwapBuffers(window);
+    const bool swapped = !IsToFail(Call::SwapBuffers) && HeadlessBackend::SwapBuffers(window);
     return Note("SwapBuffers(" + NameOf(window) + ')', swapped);
 }
 
@@ -196,11 +195,11 @@ std::optional<std::vector<int>> ScriptedBackend::MatchFormats(std::span<const in
 {
     const auto refused = refused_samples_.find(AskedSamples(attributes));
     std::optional<std::vector<int>> matches;
-    if (!IsToFail(Call::kChooseFormats)) {
+    if (!IsToFail(Call::ChooseFormats)) {
         matches = HeadlessBackend::MatchFormats(attributes);
         if (refused != refused_samples_.end()) {
             matches =
-                refused->second == Refusal::kCallFails ? std::nullopt : std::optional(std::vector<int>{});
+                refused->second == Refusal::CallFails ? std::nullopt : std::optional(std::vector<int>{});
         }
     }
     const std::string found = !matches           ? ""
@@ -224,7 +223,7 @@ bool ScriptedBackend::Note(const std::string& call, bool succeeded)
 std::string ScriptedBackend::NameOf(HWND window) const
 {
     const auto found = titles_.find(window);
-    return found == titles_.end() ? "?" : found->second;
+    return found != titles_.end() ? found->second : "?";
 }
 
 std::string ScriptedBackend::NameOf(HGLRC context)

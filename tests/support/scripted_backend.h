@@ -1,15 +1,15 @@
-// A headless backend that does what no driver does on demand: refuse and fail chosen calls, name any
-// extensions, report native events; and that keeps a readable log of the calls it got.
+// A headless backend for cases that no driver produces on demand: it refuses and fails chosen calls, answers
+// any extension string, reports native events, and logs the calls that it receives.
 //
 //     ScriptedBackend& backend = ScriptedBackend::Install();
-//     backend.RefuseSamples(4, Refusal::kNoFormat);                   // the query finds no format of 4
-//     samples backend.SetExtensions("WGL_ARB_pixel_format");                  // what the driver names
-//     backend.HideEntryPoint("wglChoosePixelFormatARB");              // wglGetProcAddress answers null
-//     backend.FailNth(Call::kCreateContext, 2);                       // the second wglCreateContext from now
+//     backend.RefuseSamples(4, Refusal::NoFormat);              // a query for 4 samples finds no format
+//     backend.SetExtensions("WGL_ARB_pixel_format");            // the extension string
+//     backend.HideEntryPoint("wglChoosePixelFormatARB");        // wglGetProcAddress answers null
+//     backend.FailNth(Call::CreateContext, 2);                  // the second wglCreateContext from now
 //     ... create and drive a control ...
-//     EXPECT_THAT(backend.TakeLog(), testing::ElementsAre("CreateWindow(\"Dummy\")",
-//     "SetPixelFormat(\"Dummy\", 8)", ...)); backend.DestroyLeftWindows(); // those that the subject leaks by
-//     design
+//     EXPECT_THAT(backend.TakeLog(),
+//                 testing::ElementsAre("CreateWindow(\"Dummy\")", "SetPixelFormat(\"Dummy\", 8)", ...));
+//     backend.DestroyLeftWindows();                             // windows that the subject leaks by design
 #pragma once
 
 #include "platform/winsys/headless/headless_backend.h"
@@ -26,47 +26,41 @@ namespace karv_test
 {
 
 /// The calls that can be made to fail.
-enum class Call {
-    kCreateWindow,
-    kSetPixelFormat,
-    kCreateContext,
-    kMakeCurrent,
-    kSwapBuffers,
-    kChooseFormats
-};
+enum class Call { CreateWindow, SetPixelFormat, CreateContext, MakeCurrent, SwapBuffers, ChooseFormats };
 
-/// How a query for a number of samples goes wrong: the call returns FALSE, or TRUE with a count of 0.
-enum class Refusal { kCallFails, kNoFormat };
+/// How a query for a number of samples fails: the call returns FALSE, or TRUE with a count of 0.
+enum class Refusal { CallFails, NoFormat };
 
 class ScriptedBackend : public winsys::HeadlessBackend
 {
   public:
-    /// Makes one the backend of the process, which owns it until another is installed. No window may exist.
+    /// Installs a new one as the backend of the process, which owns it until another is installed. No window
+    /// may exist.
     static ScriptedBackend& Install();
 
     ScriptedBackend();
     ~ScriptedBackend() override;
 
-    /// What wglGetExtensionsStringARB answers; none is null. Unscripted it is what the real layer says.
+    /// Sets the answer of wglGetExtensionsStringARB; none is null. Without this call it answers like other
+    /// backends.
     void SetExtensions(std::optional<std::string> words) { extensions_ = std::move(words); }
-    /// wglGetProcAddress no longer finds it.
+    /// wglGetProcAddress no longer finds this entry point.
     void HideEntryPoint(const std::string& name) { hidden_entry_points_.insert(name); }
-    /// Queries of wglChoosePixelFormatARB for exactly this number of samples fail. Others are answered truly;
-    /// EGL's formats have 4 samples, which is also the answer to a query for 2.
+    /// Queries of wglChoosePixelFormatARB for exactly this number of samples fail. Other queries are answered
+    /// normally; the formats of EGL have 4 samples, which is also the answer to a query for 2.
     void RefuseSamples(int samples, Refusal refusal) { refused_samples_[samples] = refusal; }
-    /// The n-th call of this kind from now fails, 1 being the next; it does not reach the real backend.
+    /// The n-th call of this kind from now fails, 1 being the next; it is not forwarded.
     void FailNth(Call call, int n) { failures_[call].insert(calls_[call] + n); }
 
-    /// The calls since the start or the last `TakeLog`, a line each: windows by their titles, contexts by
-    /// number in order of creation, "failed" after the refused ones.
+    /// The calls since the start or the last `TakeLog`, one per line: windows by their titles, contexts by
+    /// their number in order of creation, "failed" after a refused call.
     std::vector<std::string> TakeLog();
     /// Windows that exist, in order of creation.
     [[nodiscard]] std::vector<HWND> LiveWindows() const { return live_windows_; }
     /// Destroys every window that still exists.
     void DestroyLeftWindows();
 
-    /// Reports this as a native event when the layer next asks for events; until then the event descriptor is
-    /// readable.
+    /// Reports this as a native event on the next `PumpEvents`; until then the event descriptor is readable.
     void QueueEvent(std::function<void(winsys::EventSink&)> event);
 
     [[nodiscard]] std::string Name() const override;
@@ -87,7 +81,7 @@ class ScriptedBackend : public winsys::HeadlessBackend
 
   private:
     bool IsToFail(Call call);
-    /// Logs the call and its outcome, which it returns.
+    /// Logs the call and its outcome, and returns the outcome.
     bool Note(const std::string& call, bool succeeded);
     [[nodiscard]] std::string NameOf(HWND window) const;
     [[nodiscard]] std::string NameOf(HGLRC context);

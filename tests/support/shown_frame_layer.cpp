@@ -1,5 +1,5 @@
-// Frames of windows that the layer provides.
-#include "platform/winsys/provider.h"
+// Frames of the windows that the layer provides.
+#include "platform/winsys/backends.h"
 #include "tests/support/shown_frame.h"
 
 namespace karv_test

@@ -26,7 +26,7 @@ class XClient::Impl
 
     [[nodiscard]] Atom AtomOf(const char* name) const { return XInternAtom(display, name, False); }
 
-    // Zero where the window is gone: others destroy windows while one looks.
+    /// Zero if the window no longer exists: other programs may destroy it at any time.
     [[nodiscard]] XWindowAttributes Attributes(Id window) const
     {
         XWindowAttributes attributes{};
@@ -85,7 +85,7 @@ class XClient::Impl
     Display* display;
 
   private:
-    // Errors of looking at windows that are gone are no news.
+    /// Ignores the errors of queries about destroyed windows.
     class Tolerance
     {
       public:
@@ -125,7 +125,7 @@ XClient::Id XClient::MakeWindow(int x, int y, int width, int height, Id parent, 
     attributes.event_mask =
         ButtonPressMask | ButtonReleaseMask | PointerMotionMask | KeyPressMask | KeyReleaseMask;
     const Id window =
-        XCreateWindow(impl_->display, parent == 0 ? Root() : parent, x, y, static_cast<unsigned>(width),
+        XCreateWindow(impl_->display, parent != 0 ? parent : Root(), x, y, static_cast<unsigned>(width),
                       static_cast<unsigned>(height), 0, CopyFromParent, InputOutput, nullptr,
                       CWOverrideRedirect | CWBackPixel | CWEventMask, &attributes);
     XMapWindow(impl_->display, window);
@@ -185,7 +185,7 @@ XClient::Id XClient::Focused()
 
 bool XClient::HasSeen(int type, int count)
 {
-    // The server has sent what it has to by the time it answers this.
+    // By the time the server answers, it has sent all events before.
     impl_->Sync();
     std::vector<XEvent> others;
     int seen = 0;

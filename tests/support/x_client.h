@@ -1,5 +1,5 @@
-// Another program on the display: plain windows of its own, and a hand on the pointer and the keyboard. It
-// shares nothing with the window layer but the server.
+// Another client on the display, with plain windows of its own, that also generates pointer and key events.
+// It shares only the server with the window layer.
 #pragma once
 
 #include <functional>
@@ -16,33 +16,32 @@ class XClient
   public:
     using Id = unsigned long;
 
-    /// Throws std::runtime_error where the display does not answer.
+    /// Throws std::runtime_error if the display does not answer.
     explicit XClient(const std::string& display);
     XClient(const XClient&) = delete;
     XClient& operator=(const XClient&) = delete;
     ~XClient();
 
     [[nodiscard]] Id Root() const;
-    /// A mapped window that takes pointer and key events, known to the server when the call returns. A window
-    /// manager does not see one with `is_managed` false.
+    /// Creates a mapped window that selects pointer and key events; it exists on the server when the call
+    /// returns. A window manager ignores it if `is_managed` is false.
     Id MakeWindow(int x, int y, int width, int height, Id parent = 0, bool is_managed = false);
     void DestroyWindow(Id window);
     void MoveResize(Id window, int x, int y, int width, int height);
     void Unmap(Id window);
-    /// As a window manager's close button does.
+    /// Sends the message of a window manager's close button.
     void AskToClose(Id window);
-    /// Gives the keyboard focus to the window.
+    /// Sets the keyboard focus to the window.
     void Focus(Id window);
-    /// Gives it to whichever window the pointer is over.
+    /// Sets the focus mode in which keys go to the window under the pointer.
     void FocusPointer();
     [[nodiscard]] Id Focused();
-    /// Until the client itself has been sent this event of X (ButtonPress and so on) `count` times; whether
-    /// it was.
+    /// Whether the server has sent the client at least `count` events of this X type (ButtonPress and so on).
     bool HasSeen(int type, int count = 1);
 
-    /// All windows whose name (WM_NAME) is this, at any depth.
+    /// All windows with this name (WM_NAME), at any depth.
     [[nodiscard]] std::vector<Id> FindByName(const std::string& name);
-    /// The window manager's frame counts as a parent.
+    /// A window manager's frame counts as a parent.
     [[nodiscard]] Id ParentOf(Id window);
     [[nodiscard]] std::vector<Id> ChildrenOf(Id window);
     [[nodiscard]] bool Exists(Id window);
@@ -50,25 +49,26 @@ class XClient
     [[nodiscard]] std::pair<int, int> PositionOnScreen(Id window);
     [[nodiscard]] std::pair<int, int> SizeOf(Id window);
     [[nodiscard]] int DepthOf(Id window);
-    /// The colour of a pixel of the screen as 0xRRGGBB.
+    /// The colour of a pixel of the screen, 0xRRGGBB.
     [[nodiscard]] unsigned ScreenPixel(int x, int y);
-    /// The pixels of a part of the screen, row by row from the top, as 0xRRGGBB.
+    /// The pixels of a part of the screen, row by row from the top, 0xRRGGBB each.
     [[nodiscard]] std::vector<unsigned> Screen(int x, int y, int width, int height);
 
-    /// Each is handled by the server when the call returns. Buttons as X counts them: 1, 2, 3 and the wheel's
-    /// 4 and 5.
+    /// The server has handled each of these when the call returns. Buttons have the numbers of X: 1, 2, 3,
+    /// and 4 and 5 for the wheel.
     void MovePointer(int x, int y);
     void Press(unsigned button);
     void Release(unsigned button);
     void Click(unsigned button);
-    /// A key by the name of its symbol, "a" or "Shift_L".
+    /// `symbol` is the name of the key's symbol, "a" or "Shift_L".
     void PressKey(const char* symbol);
     void ReleaseKey(const char* symbol);
 
-    /// Keeps the server from handling what other programs ask, until it is let go.
+    /// Stops the server from handling requests of other clients until `LetServerGo`.
     void HoldServer();
     void LetServerGo();
-    /// Installs an error handler, does `meanwhile`, and makes a mistake: whether the handler was then called.
+    /// Installs an error handler, calls `meanwhile`, and makes a request that fails; returns whether the
+    /// handler was called.
     bool TakesItsOwnErrors(const std::function<void()>& meanwhile);
 
   private:

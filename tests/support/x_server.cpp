@@ -20,8 +20,8 @@ Display* HoldDriver(const std::string& name)
 
 } // namespace
 
-// NOTE: Without -noreset the server starts anew whenever its last client leaves, and then answers nobody for
-// a moment. With -displayfd it chooses the display itself: two servers never choose the same.
+/// NOTE: without -noreset the server restarts whenever its last client leaves, and does not answer for a
+/// moment. With -displayfd it chooses the display number itself: two servers never choose the same.
 XServer::XServer()
     : process_({"Xvfb", "-displayfd", "%fd", "-noreset", "-nolisten", "tcp", "-screen", "0",
                 std::to_string(kWidth) + 'x' + std::to_string(kHeight) + "x24"})
@@ -35,8 +35,8 @@ XServer::XServer()
 XServer& SharedXServer()
 {
     static XServer server;
-    // A connection that is never closed keeps the graphics driver loaded, which goes with its last one: the
-    // leak checker can only name the driver while it is there.
+    // A connection that is never closed keeps the graphics driver loaded, which is unloaded with its last
+    // connection: the leak checker can only name the driver's functions while it is loaded.
     static Display* const driver_holder = HoldDriver(server.Display());
     static const bool announced = setenv("DISPLAY", server.Display().c_str(), 1) == 0;
     if (!announced || driver_holder == nullptr)

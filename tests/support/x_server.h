@@ -1,5 +1,5 @@
-// An X server without a screen, for tests that need one: each test program has its own, so that no other
-// test's windows, pointer or focus are on it.
+// An X server without a screen. Each test program has its own, so no windows, pointer or focus of other tests
+// are on it.
 #pragma once
 
 #include "tests/support/child_process.h"
@@ -16,13 +16,13 @@ class XServer
     static constexpr int kWidth = 1024;
     static constexpr int kHeight = 768;
 
-    /// Starts Xvfb on a free display, with one screen of kWidth x kHeight pixels of depth 24, and returns
-    /// once it answers. Throws std::runtime_error where it does not.
+    /// Starts Xvfb on a free display, with one screen of kWidth x kHeight pixels of depth 24, and waits until
+    /// it answers. Throws std::runtime_error if it does not.
     XServer();
 
-    /// What the variable DISPLAY would say.
+    /// The display in the form of the variable DISPLAY.
     [[nodiscard]] const std::string& Display() const { return display_; }
-    /// Ends it at once, as a crash would.
+    /// Kills the server, as in a crash.
     void Kill() { process_.Kill(); }
 
   private:
@@ -30,8 +30,8 @@ class XServer
     std::string display_;
 };
 
-/// The server that this test program shares among its tests, which the variable DISPLAY names from now on. It
-/// lives until the program ends.
+/// The server that all tests of this program share. The first call starts it and sets DISPLAY to it; it runs
+/// until the program ends.
 XServer& SharedXServer();
 
 } // namespace karv_test

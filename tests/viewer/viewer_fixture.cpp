@@ -1,8 +1,8 @@
 #include "tests/viewer/viewer_fixture.h"
 
 #include "platform/winsys/backend.h"
+#include "platform/winsys/backends.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
 
 #include <cairo.h>
 

@@ -1,7 +1,7 @@
 #include "viewer/window/viewport_window.h"
 
+#include "platform/winsys/backends.h"
 #include "platform/winsys/opengl.h"
-#include "platform/winsys/provider.h"
 #include "viewer/window/camera_messages.h"
 
 #include <array>

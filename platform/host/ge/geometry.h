@@ -6,7 +6,7 @@
 // tolerance of the process.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 #include <cmath>
 

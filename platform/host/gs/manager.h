@@ -2,7 +2,7 @@
 // drawing area.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 // The host's run-time classes: which class an object is of, and whether that class derives from another.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 #include <string>
 

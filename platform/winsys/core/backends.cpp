@@ -1,11 +1,8 @@
-// Choice of backend, and observation.
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 
-#include "platform/winsys/core/layer.h"
-#include "platform/winsys/core/pixel_formats.h"
+#include "platform/winsys/core/process_state.h"
 #include "platform/winsys/core/window_lifecycle.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -14,73 +11,36 @@ namespace winsys
 namespace
 {
 
-// Contexts may outlive their windows, but not their backend.
-void DropContexts(core::Layer& layer)
+/// Deletes all contexts: they may outlive their windows, but not their backend.
+void DeleteContexts(core::ProcessState& state)
 {
     wglMakeCurrent(nullptr, nullptr);
-    for (const auto& [context, format] : layer.rendering_contexts)
-        layer.backend->DeleteContext(context);
-    layer.rendering_contexts.clear();
+    for (const auto& [context, format] : state.rendering_contexts)
+        state.backend->DeleteContext(context);
+    state.rendering_contexts.clear();
 }
 
 } // namespace
 
-EventSink::~EventSink() = default;
-
-Backend::~Backend() = default;
-
-GlFunction Backend::FindGlFunction(const char*)
-{
-    return nullptr;
-}
-
-std::optional<NativePlace> Backend::AdoptNativeWindow(HWND, std::uintptr_t)
-{
-    return std::nullopt;
-}
-
-std::optional<std::string> Backend::Extensions()
-{
-    std::string words = "WGL_ARB_extensions_string WGL_ARB_pixel_format";
-    if (std::ranges::any_of(PixelFormats(), [](const PixelFormat& format) { return format.samples > 0; }))
-        words += " WGL_ARB_multisample";
-    return words;
-}
-
-bool Backend::OffersEntryPoint(std::string_view)
-{
-    return true;
-}
-
-std::optional<std::vector<int>> Backend::MatchFormats(std::span<const int> attributes)
-{
-    return core::MatchAttributes(PixelFormats(), attributes);
-}
-
-GlFunction FindGlFunction(const char* name)
-{
-    return core::GetLayer().InstalledBackend().FindGlFunction(name);
-}
-
 void SetFrameObserver(FrameObserver observer)
 {
-    core::GetLayer().frame_observer = std::move(observer);
+    core::GetProcessState().frame_observer = std::move(observer);
 }
 
 unsigned long GetSwapCount(HWND window)
 {
-    const core::Window* record = core::GetLayer().windows.Find(window);
-    return record == nullptr ? 0 : record->swap_count;
+    const core::Window* record = core::GetProcessState().windows.Find(window);
+    return record != nullptr ? record->swap_count : 0;
 }
 
 void UseBackend(std::unique_ptr<Backend> backend)
 {
     const core::DescriptorUpdate update;
-    core::Layer& layer = core::GetLayer();
-    if (!layer.windows.IsEmpty())
+    core::ProcessState& state = core::GetProcessState();
+    if (!state.windows.IsEmpty())
         throw std::logic_error("the window backend cannot change while a window exists");
-    DropContexts(layer);
-    layer.backend = std::move(backend);
+    DeleteContexts(state);
+    state.backend = std::move(backend);
 }
 
 std::unique_ptr<Backend> MakeDefaultBackend()
@@ -100,16 +60,16 @@ HWND AdoptForeignWindow(std::uintptr_t id)
 
 std::string BackendName()
 {
-    return core::GetLayer().InstalledBackend().Name();
+    return core::GetProcessState().InstalledBackend().Name();
 }
 
 int GetMessageDescriptor()
 {
     const core::DescriptorUpdate update;
-    core::Layer& layer = core::GetLayer();
-    if (layer.descriptor == nullptr)
-        layer.descriptor = std::make_unique<core::WaitDescriptor>();
-    return layer.descriptor->Get();
+    core::ProcessState& state = core::GetProcessState();
+    if (state.descriptor == nullptr)
+        state.descriptor = std::make_unique<core::WaitDescriptor>();
+    return state.descriptor->Get();
 }
 
 } // namespace winsys

@@ -12,7 +12,7 @@ HWND ThreadMessagesOnly()
 
 void MessageQueue::Post(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
-    posted_.push_back(Stamp(window, message, wparam, lparam));
+    posted_.push_back(MakeMessage(window, message, wparam, lparam));
 }
 
 UINT_PTR MessageQueue::SetTimer(HWND window, UINT_PTR id, UINT period_ms, TIMERPROC callback)
@@ -22,10 +22,10 @@ UINT_PTR MessageQueue::SetTimer(HWND window, UINT_PTR id, UINT period_ms, TIMERP
     if (const auto running = FindTimer(window, id); running != timers_.end()) {
         *running = {window, id, period, callback, due};
     } else {
-        id = window == nullptr ? ++last_thread_timer_ : id;
+        id = window != nullptr ? id : ++last_thread_timer_;
         timers_.push_back({window, id, period, callback, due});
     }
-    return id == 0 ? 1 : id;
+    return id != 0 ? id : 1;
 }
 
 bool MessageQueue::KillTimer(HWND window, UINT_PTR id)
@@ -59,10 +59,10 @@ bool MessageQueue::HasMessage() const
     return !posted_.empty() || quit_code_.has_value() || NextPaint({}).has_value();
 }
 
-std::optional<MessageQueue::Clock::time_point> MessageQueue::NextDue(const MessageFilter& filter) const
+std::optional<MessageQueue::Clock::time_point> MessageQueue::NextTimerDue(const MessageFilter& filter) const
 {
     const auto timer = EarliestTimer(filter);
-    return timer == timers_.end() ? std::nullopt : std::optional(timer->due);
+    return timer != timers_.end() ? std::optional(timer->due) : std::nullopt;
 }
 
 void MessageQueue::DropWindow(HWND window)
@@ -77,11 +77,11 @@ bool MessageQueue::Accepts(const MessageFilter& filter, HWND window, UINT messag
         (filter.first == 0 && filter.last == 0) || (filter.first <= message && message <= filter.last);
     if (!in_range || filter.window == nullptr)
         return in_range;
-    return filter.window == ThreadMessagesOnly() ? window == nullptr
-                                                 : windows_.IsWithin(window, filter.window);
+    return filter.window != ThreadMessagesOnly() ? windows_.IsWithin(window, filter.window)
+                                                 : window == nullptr;
 }
 
-MSG MessageQueue::Stamp(HWND window, UINT message, WPARAM wparam, LPARAM lparam) const
+MSG MessageQueue::MakeMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) const
 {
     const auto since_epoch = Clock::now().time_since_epoch();
     const auto ticks = std::chrono::duration_cast<std::chrono::milliseconds>(since_epoch).count();
@@ -104,8 +104,8 @@ std::optional<MSG> MessageQueue::NextQuit(bool remove)
 {
     if (!quit_code_)
         return std::nullopt;
-    // The end of the queue passes every filter, or a filtered loop would never end.
-    const MSG message = Stamp(nullptr, WM_QUIT, static_cast<WPARAM>(*quit_code_), 0);
+    // WM_QUIT passes every filter: otherwise a filtered loop would never end.
+    const MSG message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(*quit_code_), 0);
     if (remove)
         quit_code_.reset();
     return message;
@@ -114,8 +114,8 @@ std::optional<MSG> MessageQueue::NextQuit(bool remove)
 std::optional<MSG> MessageQueue::NextPaint(const MessageFilter& filter) const
 {
     const HWND window =
-        windows_.FindPaint([&](HWND candidate) { return Accepts(filter, candidate, WM_PAINT); });
-    return window == nullptr ? std::nullopt : std::optional(Stamp(window, WM_PAINT, 0, 0));
+        windows_.FindWindowToPaint([&](HWND candidate) { return Accepts(filter, candidate, WM_PAINT); });
+    return window != nullptr ? std::optional(MakeMessage(window, WM_PAINT, 0, 0)) : std::nullopt;
 }
 
 std::optional<MSG> MessageQueue::NextTimer(const MessageFilter& filter, bool remove)
@@ -126,10 +126,11 @@ std::optional<MSG> MessageQueue::NextTimer(const MessageFilter& filter, bool rem
         return std::nullopt;
     const auto found = FindTimer(earliest->window, earliest->id);
     if (remove) {
-        // Counted from now, so that at most one message of a timer waits however long its handling takes.
+        // The period restarts now, so at most one message of a timer is waiting however long its handling
+        // takes.
         found->due = now + found->period;
     }
-    return Stamp(found->window, WM_TIMER, found->id, reinterpret_cast<LPARAM>(found->callback));
+    return MakeMessage(found->window, WM_TIMER, found->id, reinterpret_cast<LPARAM>(found->callback));
 }
 
 std::vector<MessageQueue::Timer>::const_iterator

@@ -1,5 +1,6 @@
-// Messages that wait and the timers that make them, and which of them comes next: posted ones in their order,
-// then the end of the queue (WM_QUIT), then paints, then timers. It delivers nothing and asks no backend.
+// The queue of waiting messages and the timers that produce them. Order: posted messages in the order of
+// posting, then the end of the queue (WM_QUIT), then paints, then timers. It calls no window procedure and no
+// backend.
 #pragma once
 
 #include "platform/winsys/core/window_tree.h"
@@ -12,11 +13,11 @@
 namespace winsys::core
 {
 
-/// The window that means messages of no window, in a filter.
+/// The value of `MessageFilter::window` that selects messages without a window.
 [[nodiscard]] HWND ThreadMessagesOnly();
 
-/// Which messages a caller wants: of a window and its children (of any where null), and of a range of numbers
-/// (of any where both ends are 0).
+/// Selects messages of a window and its children (of any window if null) in a range of numbers (any number if
+/// both ends are 0).
 struct MessageFilter {
     HWND window = nullptr;
     UINT first = 0;
@@ -30,27 +31,31 @@ class MessageQueue
 
     explicit MessageQueue(const WindowTree& windows) : windows_(windows) {}
 
-    /// Adds a message with the time of now; `screen_point` is kept as the pointer's place for later messages.
+    /// Adds a message with the current time and pointer position.
     void Post(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+    /// Makes WM_QUIT wait with this exit code, in place of an earlier one.
     void PostQuit(int exit_code) { quit_code_ = exit_code; }
+    /// Sets the pointer position, on the screen, that later messages carry.
     void SetPointer(POINT screen_point) { pointer_ = screen_point; }
 
-    /// Starts a timer, or starts it anew with these values; its id, which the queue chooses where there is no
-    /// window.
+    /// Starts a timer, or restarts a running one with these values; the period is at least 1 ms. Returns the
+    /// id; for a null window the queue chooses it.
     UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT period_ms, TIMERPROC callback);
+    /// False if there is no such timer.
     bool KillTimer(HWND window, UINT_PTR id);
-    /// A timer of the window would call this function.
+    /// Whether a timer of the window calls this function.
     [[nodiscard]] bool HasTimer(HWND window, TIMERPROC callback) const;
 
-    /// The next message that passes the filter. Taking it removes a posted one or WM_QUIT, and starts the
-    /// period of a timer again; a paint stays until the window is validated.
+    /// Returns the next message that passes the filter, none if there is none. `remove` takes out a posted
+    /// message or WM_QUIT and restarts the period of a timer; a paint message is repeated until the window is
+    /// validated.
     std::optional<MSG> Next(const MessageFilter& filter, bool remove);
-    /// A message is there that no clock has to bring.
+    /// Whether a message other than a timer message is waiting.
     [[nodiscard]] bool HasMessage() const;
-    /// When the next timer that passes the filter is due; none where no timer runs.
-    [[nodiscard]] std::optional<Clock::time_point> NextDue(const MessageFilter& filter) const;
+    /// When the next timer that passes the filter is due; none if there is none.
+    [[nodiscard]] std::optional<Clock::time_point> NextTimerDue(const MessageFilter& filter) const;
 
-    /// Drops messages and timers of a window that goes.
+    /// Drops messages and timers of a window that is destroyed.
     void DropWindow(HWND window);
 
   private:
@@ -63,7 +68,7 @@ class MessageQueue
     };
 
     [[nodiscard]] bool Accepts(const MessageFilter& filter, HWND window, UINT message) const;
-    [[nodiscard]] MSG Stamp(HWND window, UINT message, WPARAM wparam, LPARAM lparam) const;
+    [[nodiscard]] MSG MakeMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) const;
     std::optional<MSG> NextPosted(const MessageFilter& filter, bool remove);
     std::optional<MSG> NextQuit(bool remove);
     std::optional<MSG> NextPaint(const MessageFilter& filter) const;

@@ -12,20 +12,20 @@ namespace
 
 constexpr int kUsefulDepthBits = 24;
 
-// Bits of the whole colour buffer, alpha included: descriptors that ask for 32 mean that.
+/// Bits of the whole colour buffer including alpha: a descriptor that asks for 32 bits means that.
 int ColorBits(const PixelFormat& format)
 {
     return format.red_bits + format.green_bits + format.blue_bits + format.alpha_bits;
 }
 
-bool Meets(const PixelFormat& format, const FormatDemand& demand)
+bool Meets(const PixelFormat& format, const FormatRequirements& requirements)
 {
-    return ColorBits(format) >= demand.color_bits && format.alpha_bits >= demand.alpha_bits &&
-           format.depth_bits >= demand.depth_bits && format.stencil_bits >= demand.stencil_bits &&
-           format.samples >= demand.samples;
+    return ColorBits(format) >= requirements.color_bits && format.alpha_bits >= requirements.alpha_bits &&
+           format.depth_bits >= requirements.depth_bits && format.stencil_bits >= requirements.stencil_bits &&
+           format.samples >= requirements.samples;
 }
 
-// Smaller is better.
+/// A sort key; smaller is better.
 auto Rank(const PixelFormat& format)
 {
     const bool shallow = format.depth_bits < kUsefulDepthBits;
@@ -33,9 +33,9 @@ auto Rank(const PixelFormat& format)
     return std::tuple(format.alpha_bits != 8, format.samples, shallow, depth_order, format.stencil_bits);
 }
 
-// Notes one attribute in the demand. `impossible` becomes true where no format of ours can have the value;
-// false is returned where the attribute is unknown.
-bool NoteAttribute(int attribute, int value, FormatDemand& demand, bool& impossible)
+/// Adds one attribute to the requirements. Sets `impossible` if no format of the layer can have the value.
+/// False if the attribute is unknown.
+bool AddAttribute(int attribute, int value, FormatRequirements& requirements, bool& impossible)
 {
     switch (attribute) {
     case WGL_DRAW_TO_WINDOW_ARB:
@@ -50,24 +50,24 @@ bool NoteAttribute(int attribute, int value, FormatDemand& demand, bool& impossi
         impossible = impossible || value != WGL_TYPE_RGBA_ARB;
         return true;
     case WGL_COLOR_BITS_ARB:
-        demand.color_bits = value;
+        requirements.color_bits = value;
         return true;
     case WGL_ALPHA_BITS_ARB:
-        demand.alpha_bits = value;
+        requirements.alpha_bits = value;
         return true;
     case WGL_DEPTH_BITS_ARB:
-        demand.depth_bits = value;
+        requirements.depth_bits = value;
         return true;
     case WGL_STENCIL_BITS_ARB:
-        demand.stencil_bits = value;
+        requirements.stencil_bits = value;
         return true;
     case WGL_SAMPLE_BUFFERS_ARB:
-        // A format has one sample buffer at most, and one only where it has samples.
+        // A format has at most one sample buffer, and only if it has samples.
         impossible = impossible || value > 1;
-        demand.samples = std::max(demand.samples, value);
+        requirements.samples = std::max(requirements.samples, value);
         return true;
     case WGL_SAMPLES_ARB:
-        demand.samples = std::max(demand.samples, value);
+        requirements.samples = std::max(requirements.samples, value);
         return true;
     default:
         return false;
@@ -76,11 +76,11 @@ bool NoteAttribute(int attribute, int value, FormatDemand& demand, bool& impossi
 
 } // namespace
 
-std::vector<int> RankFormats(std::span<const PixelFormat> formats, const FormatDemand& demand)
+std::vector<int> RankFormats(std::span<const PixelFormat> formats, const FormatRequirements& requirements)
 {
     std::vector<int> ranked;
     for (std::size_t i = 0; i < formats.size(); ++i)
-        if (Meets(formats[i], demand))
+        if (Meets(formats[i], requirements))
             ranked.push_back(static_cast<int>(i) + 1);
     std::ranges::stable_sort(ranked, {},
                              [&](int format) { return Rank(formats[static_cast<std::size_t>(format) - 1]); });
@@ -125,12 +125,12 @@ std::optional<std::vector<int>> MatchAttributes(std::span<const PixelFormat> for
 {
     if (attributes.size() % 2 != 0)
         return std::nullopt;
-    FormatDemand demand;
+    FormatRequirements requirements;
     bool impossible = false;
     for (std::size_t i = 0; i < attributes.size(); i += 2)
-        if (!NoteAttribute(attributes[i], attributes[i + 1], demand, impossible))
+        if (!AddAttribute(attributes[i], attributes[i + 1], requirements, impossible))
             return std::nullopt;
-    return impossible ? std::vector<int>{} : RankFormats(formats, demand);
+    return impossible ? std::vector<int>{} : RankFormats(formats, requirements);
 }
 
 } // namespace winsys::core

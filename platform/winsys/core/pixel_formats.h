@@ -1,5 +1,5 @@
-// Pixel formats as programs ask for them and are told of them: the descriptor of Windows and the attribute
-// list of WGL_ARB_pixel_format, over a backend's list. Knows no windows.
+// Chooses among a backend's pixel formats by the means of Windows: the descriptor, and the attribute list of
+// WGL_ARB_pixel_format. Independent of windows.
 #pragma once
 
 #include "platform/winsys/backend.h"
@@ -11,8 +11,8 @@
 namespace winsys::core
 {
 
-/// What a format must have at least.
-struct FormatDemand {
+/// The minimum values of a format.
+struct FormatRequirements {
     int color_bits = 0;
     int alpha_bits = 0;
     int depth_bits = 0;
@@ -20,18 +20,20 @@ struct FormatDemand {
     int samples = 0;
 };
 
-/// Indices (from 1) of the formats that meet the demand, best first: 8 alpha bits, the fewest samples, the
-/// smallest depth of at least 24 bits (below that the deepest), the smallest stencil; equal ones in the order
-/// of the list. 16 depth bits would leave a scene with a near distance of 0.01 no precision.
-[[nodiscard]] std::vector<int> RankFormats(std::span<const PixelFormat> formats, const FormatDemand& demand);
+/// Returns the indices (from 1) of the formats that meet the requirements, best first: 8 alpha bits, the
+/// fewest samples, the smallest depth of at least 24 bits (otherwise the deepest), the smallest stencil;
+/// equal ones in the order of the list. 16 depth bits would leave no precision to a scene with a near
+/// distance of 0.01.
+[[nodiscard]] std::vector<int> RankFormats(std::span<const PixelFormat> formats,
+                                           const FormatRequirements& requirements);
 
-/// The best format for a descriptor, whose bits are minima; 0 where none will do.
+/// Returns the best format for a descriptor, whose bits are minimums; 0 if no format meets it.
 [[nodiscard]] int ChooseFormat(std::span<const PixelFormat> formats, const PIXELFORMATDESCRIPTOR& descriptor);
 
 [[nodiscard]] PIXELFORMATDESCRIPTOR Describe(const PixelFormat& format);
 
-/// What `Backend::MatchFormats` answers by default. Bits, sample buffers and samples are minima, all else is
-/// exact; an attribute outside wgl_extensions.h, or one without a value, gives none.
+/// The default of `Backend::MatchFormats`. Bits, sample buffers and samples are minimums, all other values
+/// exact. None for an attribute that wgl_extensions.h lacks or that has no value.
 [[nodiscard]] std::optional<std::vector<int>> MatchAttributes(std::span<const PixelFormat> formats,
                                                               std::span<const int> attributes);
 

@@ -1,12 +1,12 @@
-// The window layer of the process: its backend, its windows, its messages, its device and rendering contexts,
-// in one place. The exported functions are thin over what stands here and in the files beside it.
+// The state of the window layer, one per process: backend, windows, messages, device and rendering contexts.
+// The exported Win32 functions are thin wrappers over it and the files beside it.
 #pragma once
 
 #include "platform/winsys/backend.h"
+#include "platform/winsys/backends.h"
 #include "platform/winsys/core/message_queue.h"
 #include "platform/winsys/core/wait_descriptor.h"
 #include "platform/winsys/core/window_tree.h"
-#include "platform/winsys/provider.h"
 
 #include <map>
 #include <memory>
@@ -16,36 +16,36 @@
 namespace winsys::core
 {
 
-struct Layer {
+/// Belongs to the thread that owns the windows.
+struct ProcessState {
     std::unique_ptr<Backend> backend;
     WindowTree windows;
     MessageQueue queue{windows};
     HWND focus = nullptr;
 
-    /// The window of each device context; null for one of the screen.
+    /// The window of each device context; null for one of the whole screen.
     std::map<HDC, HWND> device_contexts;
     /// The pixel format of each rendering context.
     std::map<HGLRC, int> rendering_contexts;
     HGLRC current_context = nullptr;
     HDC current_dc = nullptr;
-    /// What wglGetExtensionsStringARB answered last; callers keep the pointer.
+    /// The last answer of wglGetExtensionsStringARB; callers keep the pointer to it.
     std::string extensions;
 
     FrameObserver frame_observer;
-    /// Made when it is first asked for; most programs never wait outside GetMessageW.
+    /// Created on the first request; most programs never wait outside GetMessageW.
     std::unique_ptr<WaitDescriptor> descriptor;
 
-    /// The backend, after installing the default one where none is. Throws as `MakeDefaultBackend` does.
+    /// Returns the backend. Installs the default one if there is none; throws as `MakeDefaultBackend` does.
     Backend& InstalledBackend();
-    /// The same for functions that cannot throw: null where no backend can be had.
+    /// The same without exceptions: null if no backend can be made.
     Backend* FindBackend() noexcept;
 };
 
-/// The one layer of the process.
-[[nodiscard]] Layer& GetLayer();
+[[nodiscard]] ProcessState& GetProcessState();
 
-/// Stands in every exported function that changes what there is to wait for: when the function ends, the
-/// descriptor for foreign loops is told.
+/// Updates the descriptor for foreign loops at the end of its scope. Every exported function that changes
+/// which messages are waiting has one.
 class DescriptorUpdate
 {
   public:
@@ -54,22 +54,5 @@ class DescriptorUpdate
     DescriptorUpdate& operator=(const DescriptorUpdate&) = delete;
     ~DescriptorUpdate();
 };
-
-/// Reports of a backend, made into messages and changes of the records.
-class NativeEvents final : public EventSink
-{
-  public:
-    void OnResize(HWND window, SIZE size) override;
-    void OnMove(HWND window, POINT position) override;
-    void OnClose(HWND window) override;
-    void OnExpose(HWND window) override;
-    void OnMouse(HWND window, const MouseEvent& event) override;
-    void OnKey(HWND window, UINT message, WPARAM code) override;
-    void OnFocus(HWND window, bool gained) override;
-    void OnDestroyed(HWND window) override;
-};
-
-/// Takes in what has happened to native windows meanwhile.
-void PumpNativeEvents();
 
 } // namespace winsys::core

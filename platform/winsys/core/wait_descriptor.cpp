@@ -12,7 +12,7 @@ namespace winsys::core
 namespace
 {
 
-// A time of zero would disarm the timer, so a time that is long past is taken as the first nanosecond.
+/// A time of zero would disarm the timer, so zero and earlier become the first nanosecond.
 itimerspec ToTimerSpec(std::optional<std::chrono::steady_clock::time_point> due)
 {
     itimerspec spec{};
@@ -46,7 +46,7 @@ WaitDescriptor::WaitDescriptor()
 void WaitDescriptor::Update(bool message_waits, std::optional<std::chrono::steady_clock::time_point> due,
                             int backend_descriptor)
 {
-    // A timer that is set to a time in the past fires a moment later, not at once.
+    // A timer set to a past time fires a moment later, not at once.
     message_waits = message_waits || (due && *due <= std::chrono::steady_clock::now());
     if (message_waits != signalled_) {
         std::uint64_t count = 1;
@@ -55,7 +55,7 @@ void WaitDescriptor::Update(bool message_waits, std::optional<std::chrono::stead
         signalled_ = moved == sizeof count ? message_waits : signalled_;
     }
     if (due != due_) {
-        // Setting the time also takes back the readiness of a timer that has fired.
+        // Setting the time also clears the readiness of a timer that has fired.
         const itimerspec spec = ToTimerSpec(due);
         timerfd_settime(timer_.Get(), TFD_TIMER_ABSTIME, &spec, nullptr);
         due_ = due;

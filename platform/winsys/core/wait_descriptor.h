@@ -1,5 +1,5 @@
-// The descriptor that event loops of other toolkits wait on: readable exactly while a message is there. It
-// knows nothing of messages; the layer tells it what is so after every change.
+// A file descriptor for event loops of other toolkits: readable exactly while a message is waiting.
+// Independent of the message queue: `Update` is called after every change.
 #pragma once
 
 #include <chrono>
@@ -8,7 +8,7 @@
 namespace winsys::core
 {
 
-/// A file descriptor that is closed with its object; -1 is none.
+/// Closes the file descriptor at the end of its life; -1 is none.
 class UniqueDescriptor
 {
   public:
@@ -28,11 +28,11 @@ class WaitDescriptor
   public:
     WaitDescriptor();
 
-    /// The descriptor to wait on; -1 where the system has none to give.
+    /// The descriptor to wait on; -1 if the system could not create one.
     [[nodiscard]] int Get() const { return set_.Get(); }
 
-    /// Says what there is to wait for: a message that waits already, the time of the next timer, and the
-    /// backend's descriptor (-1 for none).
+    /// Sets what makes the descriptor readable: a message that is already waiting, the time of the next timer
+    /// (none for no timer), and the backend's descriptor (-1 for none).
     void Update(bool message_waits, std::optional<std::chrono::steady_clock::time_point> due,
                 int backend_descriptor);
 

@@ -1,12 +1,12 @@
-// The Win32 names that the project uses, for systems that do not have them: types, constants and
-// functions with the meaning that Windows gives them. Only what is used stands here.
+// The Win32 names that the project uses, for systems that lack them: types, constants and functions with the
+// meaning that they have on Windows. Only what is used is declared.
 //
-// One thread, the one that makes the first window, owns every window, timer and context; no function
-// here may be called from another. Handles are never reused within a process, so a stale one is
-// refused, not mistaken for a newer object. Strings are wide, as the W functions take them.
+// All windows, timers and contexts belong to one thread, the one that creates the first window; no function
+// may be called from another. Handles are never reused within a process, so a stale one is refused, not
+// mistaken for a newer object. Strings are wide, as for the W functions.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -36,7 +36,7 @@ using LPCWSTR = const wchar_t*;
 inline constexpr BOOL FALSE = 0;
 inline constexpr BOOL TRUE = 1;
 
-// Handles: distinct opaque pointer types, so that the compiler tells them apart.
+// Handles are distinct opaque pointer types, so the compiler can tell them apart.
 using HWND = struct HWND__*;
 using HDC = struct HDC__*;
 using HGLRC = struct HGLRC__*;
@@ -166,8 +166,7 @@ inline constexpr DWORD WS_CLIPCHILDREN = 0x02000000;
 inline constexpr DWORD WS_OVERLAPPEDWINDOW = 0x00CF0000;
 inline constexpr DWORD WS_EX_NOPARENTNOTIFY = 0x00000004;
 
-/// The horizontal place of a top-level window whose place the system chooses; the vertical one is then not
-/// used.
+/// The horizontal position of a top-level window that the system places; the vertical one is then ignored.
 inline constexpr int CW_USEDEFAULT = std::numeric_limits<int>::min();
 
 // Messages.
@@ -235,7 +234,7 @@ inline constexpr BYTE PFD_MAIN_PLANE = 0;
     return static_cast<WORD>((value >> 16U) & 0xFFFFU);
 }
 
-/// Two 16-bit halves in one message parameter; each is cut to its low 16 bits.
+/// Packs the low 16 bits of each value into one message parameter.
 [[nodiscard]] constexpr LPARAM MAKELPARAM(int low, int high)
 {
     const std::uint32_t bits =
@@ -248,7 +247,7 @@ inline constexpr BYTE PFD_MAIN_PLANE = 0;
     return static_cast<WPARAM>(static_cast<std::uint32_t>(MAKELPARAM(low, high)));
 }
 
-/// The signed coordinates that mouse messages carry.
+/// The signed coordinates of mouse messages.
 [[nodiscard]] constexpr int GET_X_LPARAM(LPARAM value)
 {
     return static_cast<std::int16_t>(LOWORD(static_cast<DWORD_PTR>(value)));

@@ -1,6 +1,6 @@
 // Device contexts, pixel formats and rendering contexts under their Win32 and WGL names.
-#include "platform/winsys/core/layer.h"
 #include "platform/winsys/core/pixel_formats.h"
+#include "platform/winsys/core/process_state.h"
 #include "platform/winsys/frame_resolve.h"
 #include "platform/winsys/wgl_extensions.h"
 
@@ -15,51 +15,51 @@ namespace
 
 bool IsDeviceContext(HDC dc)
 {
-    return GetLayer().device_contexts.contains(dc);
+    return GetProcessState().device_contexts.contains(dc);
 }
 
-// The live window of a device context; null for one of the screen.
+/// The window of a device context; null for a context of the screen or of a destroyed window.
 Window* FindWindowOf(HDC dc)
 {
-    return GetLayer().windows.Find(WindowFromDC(dc));
+    return GetProcessState().windows.Find(WindowFromDC(dc));
 }
 
-// The backend that answers for a device context; null for an unknown one.
+/// The backend of a device context; null for an unknown context.
 winsys::Backend* FindBackendOf(HDC dc)
 {
-    return IsDeviceContext(dc) ? GetLayer().FindBackend() : nullptr;
+    return IsDeviceContext(dc) ? GetProcessState().FindBackend() : nullptr;
 }
 
 std::span<const winsys::PixelFormat> FormatsOf(HDC dc)
 {
     const winsys::Backend* backend = FindBackendOf(dc);
-    return backend == nullptr ? std::span<const winsys::PixelFormat>{} : backend->PixelFormats();
+    return backend != nullptr ? backend->PixelFormats() : std::span<const winsys::PixelFormat>{};
 }
 
 HDC NewDeviceContext(HWND window)
 {
     const HDC dc = NewHandle<HDC>();
-    GetLayer().device_contexts.emplace(dc, window);
+    GetProcessState().device_contexts.emplace(dc, window);
     return dc;
 }
 
 void ReleaseCurrentContext()
 {
-    Layer& layer = GetLayer();
-    if (layer.current_context != nullptr) {
-        layer.backend->ReleaseCurrent();
-        layer.current_context = nullptr;
-        layer.current_dc = nullptr;
+    ProcessState& state = GetProcessState();
+    if (state.current_context != nullptr) {
+        state.backend->ReleaseCurrent();
+        state.current_context = nullptr;
+        state.current_dc = nullptr;
     }
 }
 
 void ObserveFrame(const Window& window)
 {
-    const Layer& layer = GetLayer();
-    if (layer.frame_observer && layer.current_context != nullptr &&
-        WindowFromDC(layer.current_dc) == window.handle) {
-        // A copy, because the observer may install another.
-        const winsys::FrameObserver observer = layer.frame_observer;
+    const ProcessState& state = GetProcessState();
+    if (state.frame_observer && state.current_context != nullptr &&
+        WindowFromDC(state.current_dc) == window.handle) {
+        // A copy: the observer may install another one.
+        const winsys::FrameObserver observer = state.frame_observer;
         const winsys::FrameResolve resolve(window.size.cx, window.size.cy);
         observer(window.handle, window.size.cx, window.size.cy);
     }
@@ -68,15 +68,15 @@ void ObserveFrame(const Window& window)
 const char* WINAPI GetExtensionsString(HDC dc)
 {
     winsys::Backend* backend = FindBackendOf(dc);
-    const auto extensions = backend == nullptr ? std::nullopt : backend->Extensions();
+    const auto extensions = backend != nullptr ? backend->Extensions() : std::nullopt;
     if (!extensions)
         return nullptr;
-    std::string& kept = GetLayer().extensions;
+    std::string& kept = GetProcessState().extensions;
     kept = *extensions;
     return kept.c_str();
 }
 
-// The pairs of a list that ends with a zero attribute; null is an empty list.
+/// The pairs of a list that ends with a zero attribute; a null list is empty.
 std::span<const int> AttributePairs(const int* attributes)
 {
     std::size_t length = 0;
@@ -99,7 +99,7 @@ BOOL WINAPI ChooseFormats(HDC dc, const int* attributes, const float*, UINT max_
     return TRUE;
 }
 
-// By way of the one function type that converts to any other without a compiler's doubt.
+/// Casts through `void (*)()`, the one function type whose conversions compilers do not warn of.
 template <typename Function>
 PROC ToProc(Function* function)
 {
@@ -122,7 +122,7 @@ HDC GetDC(HWND window)
 {
     if (window == nullptr)
         return NewDeviceContext(nullptr);
-    Window* record = GetLayer().windows.Find(window);
+    Window* record = GetProcessState().windows.Find(window);
     if (record == nullptr)
         return nullptr;
     if ((record->window_class->record.style & CS_OWNDC) == 0)
@@ -138,20 +138,20 @@ int ReleaseDC(HWND window, HDC dc)
         return 0;
     const Window* record = FindWindowOf(dc);
     if (record == nullptr || record->own_dc != dc)
-        GetLayer().device_contexts.erase(dc);
+        GetProcessState().device_contexts.erase(dc);
     return 1;
 }
 
 HWND WindowFromDC(HDC dc)
 {
-    const Layer& layer = GetLayer();
-    const auto found = layer.device_contexts.find(dc);
-    return found == layer.device_contexts.end() ? nullptr : found->second;
+    const ProcessState& state = GetProcessState();
+    const auto found = state.device_contexts.find(dc);
+    return found != state.device_contexts.end() ? found->second : nullptr;
 }
 
 int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* descriptor)
 {
-    return descriptor == nullptr ? 0 : ChooseFormat(FormatsOf(dc), *descriptor);
+    return descriptor != nullptr ? ChooseFormat(FormatsOf(dc), *descriptor) : 0;
 }
 
 int DescribePixelFormat(HDC dc, int format, UINT size, PIXELFORMATDESCRIPTOR* descriptor)
@@ -173,7 +173,7 @@ BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*)
         return FALSE;
     if (window->pixel_format != 0)
         return window->pixel_format == format ? TRUE : FALSE;
-    if (!GetLayer().backend->SetNativePixelFormat(window->handle, format))
+    if (!GetProcessState().backend->SetNativePixelFormat(window->handle, format))
         return FALSE;
     window->pixel_format = format;
     return TRUE;
@@ -182,7 +182,7 @@ BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*)
 int GetPixelFormat(HDC dc)
 {
     const Window* window = FindWindowOf(dc);
-    return window == nullptr ? 0 : window->pixel_format;
+    return window != nullptr ? window->pixel_format : 0;
 }
 
 BOOL SwapBuffers(HDC dc)
@@ -191,7 +191,7 @@ BOOL SwapBuffers(HDC dc)
     if (window == nullptr || window->pixel_format == 0)
         return FALSE;
     ObserveFrame(*window);
-    if (!GetLayer().backend->SwapBuffers(window->handle))
+    if (!GetProcessState().backend->SwapBuffers(window->handle))
         return FALSE;
     ++window->swap_count;
     return TRUE;
@@ -199,62 +199,62 @@ BOOL SwapBuffers(HDC dc)
 
 HGLRC wglCreateContext(HDC dc)
 {
-    Layer& layer = GetLayer();
+    ProcessState& state = GetProcessState();
     const Window* window = FindWindowOf(dc);
     if (window == nullptr || window->pixel_format == 0)
         return nullptr;
     const HGLRC context = NewHandle<HGLRC>();
-    if (!layer.backend->CreateContext(context, window->handle, window->pixel_format))
+    if (!state.backend->CreateContext(context, window->handle, window->pixel_format))
         return nullptr;
-    layer.rendering_contexts.emplace(context, window->pixel_format);
+    state.rendering_contexts.emplace(context, window->pixel_format);
     return context;
 }
 
 BOOL wglDeleteContext(HGLRC context)
 {
-    Layer& layer = GetLayer();
-    if (!layer.rendering_contexts.contains(context))
+    ProcessState& state = GetProcessState();
+    if (!state.rendering_contexts.contains(context))
         return FALSE;
-    if (layer.current_context == context)
+    if (state.current_context == context)
         ReleaseCurrentContext();
-    layer.backend->DeleteContext(context);
-    layer.rendering_contexts.erase(context);
+    state.backend->DeleteContext(context);
+    state.rendering_contexts.erase(context);
     return TRUE;
 }
 
 BOOL wglMakeCurrent(HDC dc, HGLRC context)
 {
-    Layer& layer = GetLayer();
+    ProcessState& state = GetProcessState();
     if (context == nullptr) {
         ReleaseCurrentContext();
         return TRUE;
     }
-    const auto found = layer.rendering_contexts.find(context);
+    const auto found = state.rendering_contexts.find(context);
     const Window* window = FindWindowOf(dc);
-    if (found == layer.rendering_contexts.end() || window == nullptr || window->pixel_format != found->second)
+    if (found == state.rendering_contexts.end() || window == nullptr || window->pixel_format != found->second)
         return FALSE;
-    if (!layer.backend->MakeCurrent(window->handle, context))
+    if (!state.backend->MakeCurrent(window->handle, context))
         return FALSE;
-    layer.current_context = context;
-    layer.current_dc = dc;
+    state.current_context = context;
+    state.current_dc = dc;
     return TRUE;
 }
 
 HGLRC wglGetCurrentContext()
 {
-    return GetLayer().current_context;
+    return GetProcessState().current_context;
 }
 
 HDC wglGetCurrentDC()
 {
-    return GetLayer().current_dc;
+    return GetProcessState().current_dc;
 }
 
 PROC wglGetProcAddress(LPCSTR name)
 {
-    const Layer& layer = GetLayer();
-    if (layer.current_context == nullptr || name == nullptr)
+    const ProcessState& state = GetProcessState();
+    if (state.current_context == nullptr || name == nullptr)
         return nullptr;
     const auto found = std::ranges::find(kEntryPoints, std::string_view(name), &EntryPoint::name);
-    return found != kEntryPoints.end() && layer.backend->OffersEntryPoint(name) ? found->function : nullptr;
+    return found != kEntryPoints.end() && state.backend->OffersEntryPoint(name) ? found->function : nullptr;
 }

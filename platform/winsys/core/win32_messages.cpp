@@ -1,5 +1,6 @@
 // Messages and timers under their Win32 names.
-#include "platform/winsys/core/layer.h"
+#include "platform/winsys/core/native_events.h"
+#include "platform/winsys/core/process_state.h"
 #include "platform/winsys/core/window_lifecycle.h"
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace
 
 bool IsTarget(HWND window)
 {
-    return window == nullptr || GetLayer().windows.Find(window) != nullptr;
+    return window == nullptr || GetProcessState().windows.Find(window) != nullptr;
 }
 
 bool IsFilterWindow(HWND window)
@@ -25,17 +26,17 @@ std::optional<MSG> Fetch(const MessageFilter& filter, bool remove)
 {
     const DescriptorUpdate update;
     PumpNativeEvents();
-    return GetLayer().queue.Next(filter, remove);
+    return GetProcessState().queue.Next(filter, remove);
 }
 
-// Sleeps until a timer that passes the filter is due or the backend has something to report. Posted messages
-// cannot arrive meanwhile: only this thread posts.
+/// Sleeps until a timer that passes the filter is due or the backend has something to report. No message can
+/// be posted meanwhile: only this thread posts.
 void Wait(const MessageFilter& filter)
 {
-    const Layer& layer = GetLayer();
-    pollfd events{layer.backend == nullptr ? -1 : layer.backend->EventDescriptor(), POLLIN, 0};
+    const ProcessState& state = GetProcessState();
+    pollfd events{state.backend != nullptr ? state.backend->EventDescriptor() : -1, POLLIN, 0};
     timespec limit{};
-    const auto due = layer.queue.NextDue(filter);
+    const auto due = state.queue.NextTimerDue(filter);
     if (due) {
         using std::chrono::nanoseconds;
         const auto left = std::chrono::duration_cast<nanoseconds>(*due - MessageQueue::Clock::now()).count();
@@ -45,10 +46,10 @@ void Wait(const MessageFilter& filter)
     ppoll(&events, 1, due ? &limit : nullptr, nullptr);
 }
 
-// The wheel goes up to the parents until one handles it.
+/// Wheel messages go up through the parents until one handles them.
 LRESULT PassToParent(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
-    const Window* record = GetLayer().windows.Find(window);
+    const Window* record = GetProcessState().windows.Find(window);
     return record != nullptr && record->IsChild() ? Send(record->parent, message, wparam, lparam) : 0;
 }
 
@@ -62,7 +63,7 @@ LRESULT DefaultPaint(HWND window)
 
 LRESULT DefaultErase(HWND window)
 {
-    const Window* record = GetLayer().windows.Find(window);
+    const Window* record = GetProcessState().windows.Find(window);
     return record != nullptr && record->window_class->record.hbrBackground != nullptr ? 1 : 0;
 }
 
@@ -79,14 +80,14 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
     const DescriptorUpdate update;
     if (!IsTarget(window))
         return FALSE;
-    GetLayer().queue.Post(window, message, wparam, lparam);
+    GetProcessState().queue.Post(window, message, wparam, lparam);
     return TRUE;
 }
 
 void PostQuitMessage(int exit_code)
 {
     const DescriptorUpdate update;
-    GetLayer().queue.PostQuit(exit_code);
+    GetProcessState().queue.PostQuit(exit_code);
 }
 
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT flags)
@@ -108,7 +109,7 @@ BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last)
     while (IsFilterWindow(window)) {
         if (const std::optional<MSG> next = Fetch(filter, true)) {
             *message = *next;
-            return next->message == WM_QUIT ? FALSE : TRUE;
+            return next->message != WM_QUIT ? TRUE : FALSE;
         }
         Wait(filter);
     }
@@ -117,7 +118,7 @@ BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last)
 
 BOOL TranslateMessage(const MSG* message)
 {
-    // Characters come from the backend, which knows the keyboard; there is nothing to post here.
+    // Nothing to post here: the backend, which knows the keyboard layout, reports characters.
     return message != nullptr && (message->message == WM_KEYDOWN || message->message == WM_KEYUP) ? TRUE
                                                                                                   : FALSE;
 }
@@ -128,9 +129,9 @@ LRESULT DispatchMessageW(const MSG* message)
         return 0;
     const DescriptorUpdate update;
     if (message->message == WM_TIMER && message->lParam != 0) {
-        // A timer that was killed since does not call back any more.
+        // A timer that was killed meanwhile is no longer called back.
         const auto callback = reinterpret_cast<TIMERPROC>(message->lParam);
-        if (GetLayer().queue.HasTimer(message->hwnd, callback))
+        if (GetProcessState().queue.HasTimer(message->hwnd, callback))
             callback(message->hwnd, WM_TIMER, message->wParam, message->time);
         return 0;
     }
@@ -159,11 +160,11 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT period_ms, TIMERPROC callback)
 {
     const DescriptorUpdate update;
-    return IsTarget(window) ? GetLayer().queue.SetTimer(window, id, period_ms, callback) : 0;
+    return IsTarget(window) ? GetProcessState().queue.SetTimer(window, id, period_ms, callback) : 0;
 }
 
 BOOL KillTimer(HWND window, UINT_PTR id)
 {
     const DescriptorUpdate update;
-    return GetLayer().queue.KillTimer(window, id) ? TRUE : FALSE;
+    return GetProcessState().queue.KillTimer(window, id) ? TRUE : FALSE;
 }

@@ -1,5 +1,5 @@
 // Window classes, windows and painting under their Win32 names.
-#include "platform/winsys/core/layer.h"
+#include "platform/winsys/core/process_state.h"
 #include "platform/winsys/core/window_lifecycle.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace
 
 Window* Find(HWND window)
 {
-    return GetLayer().windows.Find(window);
+    return GetProcessState().windows.Find(window);
 }
 
 RECT ClientRect(const Window& window)
@@ -19,20 +19,21 @@ RECT ClientRect(const Window& window)
     return {0, 0, window.size.cx, window.size.cy};
 }
 
-// The rectangle has pixels of the client area in it; none stands for all of it.
+/// Whether the rectangle overlaps the client area; null is the whole client area.
 bool Touches(const RECT* rect, const Window& window)
 {
     return rect == nullptr || (std::max<LONG>(rect->left, 0) < std::min(rect->right, window.size.cx) &&
                                std::max<LONG>(rect->top, 0) < std::min(rect->bottom, window.size.cy));
 }
 
+/// Whether the rectangle contains the whole client area; null does.
 bool Covers(const RECT* rect, const Window& window)
 {
     return rect == nullptr || (rect->left <= 0 && rect->top <= 0 && rect->right >= window.size.cx &&
                                rect->bottom >= window.size.cy);
 }
 
-// Copies as much as fits, with its end; the number of characters without it.
+/// Copies as much as fits, with a terminating null; returns the number of characters without it.
 int CopyText(const std::wstring& from, wchar_t* to, int capacity)
 {
     if (to == nullptr || capacity <= 0)
@@ -46,17 +47,17 @@ int CopyText(const std::wstring& from, wchar_t* to, int capacity)
 
 ATOM RegisterClassW(const WNDCLASSW* window_class)
 {
-    return window_class == nullptr ? ATOM{0} : GetLayer().windows.RegisterClass(*window_class);
+    return window_class != nullptr ? GetProcessState().windows.RegisterClass(*window_class) : ATOM{0};
 }
 
 BOOL UnregisterClassW(LPCWSTR name, HINSTANCE)
 {
-    return name != nullptr && GetLayer().windows.UnregisterClass(name) ? TRUE : FALSE;
+    return name != nullptr && GetProcessState().windows.UnregisterClass(name) ? TRUE : FALSE;
 }
 
 BOOL GetClassInfoW(HINSTANCE, LPCWSTR name, WNDCLASSW* window_class)
 {
-    const auto found = name == nullptr ? nullptr : GetLayer().windows.FindClass(name);
+    const auto found = name != nullptr ? GetProcessState().windows.FindClass(name) : nullptr;
     if (found == nullptr || window_class == nullptr)
         return FALSE;
     *window_class = found->record;
@@ -95,7 +96,7 @@ BOOL IsWindow(HWND window)
 BOOL IsWindowVisible(HWND window)
 {
     const Window* record = Find(window);
-    return record != nullptr && GetLayer().windows.IsVisible(*record) ? TRUE : FALSE;
+    return record != nullptr && GetProcessState().windows.IsVisible(*record) ? TRUE : FALSE;
 }
 
 BOOL ShowWindow(HWND window, int command)
@@ -107,13 +108,13 @@ BOOL ShowWindow(HWND window, int command)
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint)
 {
     const DescriptorUpdate update;
-    const Layer& layer = GetLayer();
+    const ProcessState& state = GetProcessState();
     const Window* record = Find(window);
-    if (record == nullptr || record->IsAdopted() || record->stage != Stage::kAlive)
+    if (record == nullptr || record->IsAdopted() || record->stage != Stage::Alive)
         return FALSE;
     const POINT position{x, y};
     const SIZE size{std::max(width, 0), std::max(height, 0)};
-    layer.backend->MoveNativeWindow(window, position, size);
+    state.backend->MoveNativeWindow(window, position, size);
     SetGeometry(window, position, size, repaint != FALSE);
     return TRUE;
 }
@@ -132,7 +133,7 @@ BOOL GetWindowRect(HWND window, RECT* rect)
     const Window* record = Find(window);
     if (record == nullptr || rect == nullptr)
         return FALSE;
-    const POINT origin = GetLayer().windows.ScreenOrigin(*record);
+    const POINT origin = GetProcessState().windows.ScreenOrigin(*record);
     *rect = {origin.x, origin.y, origin.x + record->size.cx, origin.y + record->size.cy};
     return TRUE;
 }
@@ -142,7 +143,7 @@ BOOL ClientToScreen(HWND window, POINT* point)
     const Window* record = Find(window);
     if (record == nullptr || point == nullptr)
         return FALSE;
-    const POINT origin = GetLayer().windows.ScreenOrigin(*record);
+    const POINT origin = GetProcessState().windows.ScreenOrigin(*record);
     *point = {point->x + origin.x, point->y + origin.y};
     return TRUE;
 }
@@ -152,7 +153,7 @@ BOOL ScreenToClient(HWND window, POINT* point)
     const Window* record = Find(window);
     if (record == nullptr || point == nullptr)
         return FALSE;
-    const POINT origin = GetLayer().windows.ScreenOrigin(*record);
+    const POINT origin = GetProcessState().windows.ScreenOrigin(*record);
     *point = {point->x - origin.x, point->y - origin.y};
     return TRUE;
 }
@@ -169,40 +170,40 @@ BOOL SetWindowTextW(HWND window, LPCWSTR text)
     Window* record = Find(window);
     if (record == nullptr || record->IsAdopted())
         return FALSE;
-    record->title = text == nullptr ? L"" : text;
-    GetLayer().backend->SetNativeTitle(window, record->title);
+    record->title = text != nullptr ? text : L"";
+    GetProcessState().backend->SetNativeTitle(window, record->title);
     return TRUE;
 }
 
 int GetWindowTextW(HWND window, wchar_t* text, int capacity)
 {
     const Window* record = Find(window);
-    return record == nullptr ? 0 : CopyText(record->title, text, capacity);
+    return record != nullptr ? CopyText(record->title, text, capacity) : 0;
 }
 
 int GetClassNameW(HWND window, wchar_t* name, int capacity)
 {
     const Window* record = Find(window);
-    return record == nullptr ? 0 : CopyText(record->window_class->name, name, capacity);
+    return record != nullptr ? CopyText(record->window_class->name, name, capacity) : 0;
 }
 
 HWND SetFocus(HWND window)
 {
     const DescriptorUpdate update;
-    const Layer& layer = GetLayer();
+    const ProcessState& state = GetProcessState();
     const Window* record = Find(window);
-    if (window != nullptr && (record == nullptr || record->stage != Stage::kAlive))
+    if (window != nullptr && (record == nullptr || record->stage != Stage::Alive))
         return nullptr;
-    const HWND before = layer.focus;
-    if (layer.backend != nullptr)
-        layer.backend->FocusNativeWindow(window);
+    const HWND before = state.focus;
+    if (state.backend != nullptr)
+        state.backend->FocusNativeWindow(window);
     ChangeFocus(window);
     return before;
 }
 
 HWND GetFocus()
 {
-    return GetLayer().focus;
+    return GetProcessState().focus;
 }
 
 LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value)
@@ -234,7 +235,7 @@ LONG_PTR GetWindowLongPtrW(HWND window, int index)
 
 HMODULE GetModuleHandleW(LPCWSTR name)
 {
-    // Stands for the program itself, the only module that is asked for.
+    // The handle of the program itself, the only module that can be asked for.
     static const HMODULE program = NewHandle<HMODULE>();
     return name == nullptr ? program : nullptr;
 }
@@ -273,7 +274,7 @@ BOOL UpdateWindow(HWND window)
     const Window* record = Find(window);
     if (record == nullptr)
         return FALSE;
-    if (GetLayer().windows.WantsPaint(*record))
+    if (GetProcessState().windows.WantsPaint(*record))
         Send(window, WM_PAINT, 0, 0);
     return TRUE;
 }

@@ -1,6 +1,6 @@
 #include "platform/winsys/core/window_lifecycle.h"
 
-#include "platform/winsys/core/layer.h"
+#include "platform/winsys/core/process_state.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,23 +25,23 @@ SIZE NotNegative(SIZE size)
     return {std::max<LONG>(size.cx, 0), std::max<LONG>(size.cy, 0)};
 }
 
-// The class and parent that a request names are there, and a child names one.
-bool IsPossible(const Layer& layer, const CREATESTRUCTW& request)
+/// Whether the class and the parent of a request exist; a child needs a parent.
+bool IsPossible(const ProcessState& state, const CREATESTRUCTW& request)
 {
     const bool is_child = (static_cast<DWORD>(request.style) & WS_CHILD) != 0;
-    if (request.lpszClass == nullptr || layer.windows.FindClass(request.lpszClass) == nullptr)
+    if (request.lpszClass == nullptr || state.windows.FindClass(request.lpszClass) == nullptr)
         return false;
-    return request.hwndParent == nullptr ? !is_child : layer.windows.Find(request.hwndParent) != nullptr;
+    return request.hwndParent != nullptr ? state.windows.Find(request.hwndParent) != nullptr : !is_child;
 }
 
-std::unique_ptr<Window> MakeRecord(const Layer& layer, const CREATESTRUCTW& request)
+std::unique_ptr<Window> MakeRecord(const ProcessState& state, const CREATESTRUCTW& request)
 {
     auto window = std::make_unique<Window>();
     window->handle = NewHandle<HWND>();
-    window->window_class = layer.windows.FindClass(request.lpszClass);
+    window->window_class = state.windows.FindClass(request.lpszClass);
     window->parent = request.hwndParent;
-    window->title = request.lpszName == nullptr ? L"" : request.lpszName;
-    // The window is shown as the last step of its creation.
+    window->title = request.lpszName != nullptr ? request.lpszName : L"";
+    // Showing the window is the last step of its creation.
     window->style = static_cast<DWORD>(request.style) & ~WS_VISIBLE;
     window->ex_style = request.dwExStyle;
     window->position = PlaceOf(request);
@@ -49,52 +49,52 @@ std::unique_ptr<Window> MakeRecord(const Layer& layer, const CREATESTRUCTW& requ
     return window;
 }
 
-// Forgets the window everywhere.
-void Drop(HWND window)
+/// Removes the window from all state and destroys its native window.
+void ForgetEverywhere(HWND window)
 {
-    Layer& layer = GetLayer();
-    layer.queue.DropWindow(window);
-    std::erase_if(layer.device_contexts, [&](const auto& entry) { return entry.second == window; });
-    if (layer.focus == window)
-        layer.focus = nullptr;
-    layer.backend->DestroyNativeWindow(window);
-    layer.windows.Remove(window);
+    ProcessState& state = GetProcessState();
+    state.queue.DropWindow(window);
+    std::erase_if(state.device_contexts, [&](const auto& entry) { return entry.second == window; });
+    if (state.focus == window)
+        state.focus = nullptr;
+    state.backend->DestroyNativeWindow(window);
+    state.windows.Remove(window);
 }
 
 void SendDestroy(HWND window)
 {
-    const WindowTree& windows = GetLayer().windows;
+    const WindowTree& windows = GetProcessState().windows;
     Window* record = windows.Find(window);
-    if (record == nullptr || record->stage >= Stage::kDestroySent)
+    if (record == nullptr || record->stage >= Stage::DestroySent)
         return;
-    record->stage = Stage::kDestroySent;
+    record->stage = Stage::DestroySent;
     Send(window, WM_DESTROY, 0, 0);
     record = windows.Find(window);
-    const std::vector<HWND> children = record == nullptr ? std::vector<HWND>{} : record->dependents;
+    const std::vector<HWND> children = record != nullptr ? record->dependents : std::vector<HWND>{};
     for (const HWND child : children)
         SendDestroy(child);
 }
 
-// The last message of the window after those of its children, and its end.
-void Finish(HWND window)
+/// Sends WM_NCDESTROY to the window after its children, and removes it.
+void FinishDestruction(HWND window)
 {
-    const WindowTree& windows = GetLayer().windows;
+    const WindowTree& windows = GetProcessState().windows;
     Window* record = windows.Find(window);
     while (record != nullptr && !record->dependents.empty()) {
-        Finish(record->dependents.back());
+        FinishDestruction(record->dependents.back());
         record = windows.Find(window);
     }
-    if (record != nullptr && record->stage != Stage::kNcDestroySent) {
-        record->stage = Stage::kNcDestroySent;
+    if (record != nullptr && record->stage != Stage::NcDestroySent) {
+        record->stage = Stage::NcDestroySent;
         Send(window, WM_NCDESTROY, 0, 0);
     }
     if (windows.Find(window) != nullptr)
-        Drop(window);
+        ForgetEverywhere(window);
 }
 
 void DestroyOwned(HWND window)
 {
-    const WindowTree& windows = GetLayer().windows;
+    const WindowTree& windows = GetProcessState().windows;
     const std::vector<HWND> dependents = windows.Find(window)->dependents;
     for (const HWND dependent : dependents) {
         const Window* record = windows.Find(dependent);
@@ -103,24 +103,23 @@ void DestroyOwned(HWND window)
     }
 }
 
-// A window that is hidden or destroyed gives the focus to its parent.
+/// Moves the focus from a window that is hidden or destroyed to its parent.
 void MoveFocusOutOf(HWND window)
 {
-    const Layer& layer = GetLayer();
-    const Window* record = layer.windows.Find(window);
-    if (record == nullptr || layer.focus == nullptr || !layer.windows.IsWithin(layer.focus, window))
+    const ProcessState& state = GetProcessState();
+    const Window* record = state.windows.Find(window);
+    if (record == nullptr || state.focus == nullptr || !state.windows.IsWithin(state.focus, window))
         return;
-    const Window* parent = record->IsChild() ? layer.windows.Find(record->parent) : nullptr;
-    const bool usable = parent != nullptr && parent->stage == Stage::kAlive;
+    const Window* parent = record->IsChild() ? state.windows.Find(record->parent) : nullptr;
+    const bool usable = parent != nullptr && parent->stage == Stage::Alive;
     const HWND next = usable ? parent->handle : nullptr;
-    layer.backend->FocusNativeWindow(next);
+    state.backend->FocusNativeWindow(next);
     ChangeFocus(next);
 }
 
-// Both with what holds now, which a handler of the message before may have changed.
 void SendSize(HWND window)
 {
-    if (Window* record = GetLayer().windows.Find(window); record != nullptr) {
+    if (Window* record = GetProcessState().windows.Find(window); record != nullptr) {
         record->size_announced = true;
         Send(window, WM_SIZE, SIZE_RESTORED, MAKELPARAM(record->size.cx, record->size.cy));
     }
@@ -128,28 +127,29 @@ void SendSize(HWND window)
 
 void SendMove(HWND window)
 {
-    if (const Window* record = GetLayer().windows.Find(window); record != nullptr)
+    if (const Window* record = GetProcessState().windows.Find(window); record != nullptr)
         Send(window, WM_MOVE, 0, MAKELPARAM(record->position.x, record->position.y));
 }
 
-// A child or a popup learns its geometry at its creation, another top-level window when it is first shown.
+/// Sends WM_SIZE and WM_MOVE with the current geometry, which a handler may have changed meanwhile. A child
+/// or popup gets them at its creation, another top-level window when it is first shown.
 void AnnounceGeometry(HWND window)
 {
     SendSize(window);
     SendMove(window);
 }
 
-// WM_NCCREATE and WM_CREATE; false where a handler refused or the window is gone.
+/// Sends WM_NCCREATE and WM_CREATE; false if a handler refused or destroyed the window.
 bool SendCreate(HWND window, const CREATESTRUCTW& request)
 {
-    const WindowTree& windows = GetLayer().windows;
+    const WindowTree& windows = GetProcessState().windows;
     CREATESTRUCTW create = request;
     create.x = PlaceOf(request).x;
     create.y = PlaceOf(request).y;
     const auto parameter = reinterpret_cast<LPARAM>(&create);
     if (Send(window, WM_NCCREATE, 0, parameter) == 0) {
         if (windows.Find(window) != nullptr)
-            Finish(window);
+            FinishDestruction(window);
         return false;
     }
     if (Send(window, WM_CREATE, 0, parameter) == -1) {
@@ -159,7 +159,7 @@ bool SendCreate(HWND window, const CREATESTRUCTW& request)
     return windows.Find(window) != nullptr;
 }
 
-// The class of windows that other toolkits own: it does nothing and cannot be named.
+/// The class of windows of other toolkits: it has no name and handles nothing.
 std::shared_ptr<const WindowClass> AdoptedClass()
 {
     static const auto adopted = [] {
@@ -171,9 +171,10 @@ std::shared_ptr<const WindowClass> AdoptedClass()
     return adopted;
 }
 
+/// Invalidates the window and all its shown children.
 void InvalidateShown(HWND window)
 {
-    const WindowTree& windows = GetLayer().windows;
+    const WindowTree& windows = GetProcessState().windows;
     Invalidate(window, true);
     for (const HWND child : windows.Find(window)->dependents)
         if (windows.Find(child)->IsChild() && windows.Find(child)->IsShown())
@@ -184,23 +185,23 @@ void InvalidateShown(HWND window)
 
 LRESULT Send(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
-    const Window* record = GetLayer().windows.Find(window);
-    return record == nullptr ? 0 : record->window_class->record.lpfnWndProc(window, message, wparam, lparam);
+    const Window* record = GetProcessState().windows.Find(window);
+    return record != nullptr ? record->window_class->record.lpfnWndProc(window, message, wparam, lparam) : 0;
 }
 
 HWND Create(const CREATESTRUCTW& request)
 {
-    Layer& layer = GetLayer();
-    Backend* backend = layer.FindBackend();
-    if (backend == nullptr || !IsPossible(layer, request))
+    ProcessState& state = GetProcessState();
+    Backend* backend = state.FindBackend();
+    if (backend == nullptr || !IsPossible(state, request))
         return nullptr;
-    const Window& record = layer.windows.Add(MakeRecord(layer, request));
+    const Window& record = state.windows.Add(MakeRecord(state, request));
     const HWND window = record.handle;
     const bool is_child = record.IsChild();
     if (!backend->CreateNativeWindow(window,
                                      {is_child ? record.parent : nullptr, record.title, record.position,
                                       record.size, !is_child && IsPlacedBySystem(request)})) {
-        layer.windows.Remove(window);
+        state.windows.Remove(window);
         return nullptr;
     }
     if (!SendCreate(window, request))
@@ -209,17 +210,17 @@ HWND Create(const CREATESTRUCTW& request)
         AnnounceGeometry(window);
     if ((static_cast<DWORD>(request.style) & WS_VISIBLE) != 0)
         Show(window, true);
-    return layer.windows.Find(window) == nullptr ? nullptr : window;
+    return state.windows.Find(window) != nullptr ? window : nullptr;
 }
 
 HWND Adopt(std::uintptr_t native_id)
 {
-    Layer& layer = GetLayer();
-    if (const HWND known = layer.windows.FindAdopted(native_id); known != nullptr)
+    ProcessState& state = GetProcessState();
+    if (const HWND known = state.windows.FindAdopted(native_id); known != nullptr)
         return known;
-    Backend* backend = layer.FindBackend();
+    Backend* backend = state.FindBackend();
     const HWND window = NewHandle<HWND>();
-    const auto place = backend == nullptr ? std::nullopt : backend->AdoptNativeWindow(window, native_id);
+    const auto place = backend != nullptr ? backend->AdoptNativeWindow(window, native_id) : std::nullopt;
     if (!place)
         return nullptr;
     auto record = std::make_unique<Window>();
@@ -230,40 +231,40 @@ HWND Adopt(std::uintptr_t native_id)
     record->position = place->position;
     record->size = place->size;
     record->size_announced = true;
-    return layer.windows.Add(std::move(record)).handle;
+    return state.windows.Add(std::move(record)).handle;
 }
 
 bool Destroy(HWND window)
 {
-    const Layer& layer = GetLayer();
-    Window* record = layer.windows.Find(window);
-    if (record == nullptr || record->stage != Stage::kAlive)
+    const ProcessState& state = GetProcessState();
+    Window* record = state.windows.Find(window);
+    if (record == nullptr || record->stage != Stage::Alive)
         return false;
-    record->stage = Stage::kDestroying;
+    record->stage = Stage::Destroying;
     DestroyOwned(window);
-    if (record = layer.windows.Find(window); record != nullptr && record->IsShown()) {
+    if (record = state.windows.Find(window); record != nullptr && record->IsShown()) {
         record->style &= ~WS_VISIBLE;
-        layer.backend->ShowNativeWindow(window, false);
+        state.backend->ShowNativeWindow(window, false);
     }
     MoveFocusOutOf(window);
     SendDestroy(window);
-    Finish(window);
+    FinishDestruction(window);
     return true;
 }
 
 bool Show(HWND window, bool visible)
 {
-    const Layer& layer = GetLayer();
-    Window* record = layer.windows.Find(window);
+    const ProcessState& state = GetProcessState();
+    Window* record = state.windows.Find(window);
     const bool was_visible = record != nullptr && record->IsShown();
     if (record == nullptr || record->IsAdopted() || was_visible == visible)
         return was_visible;
     Send(window, WM_SHOWWINDOW, visible ? 1 : 0, 0);
-    record = layer.windows.Find(window);
-    if (record == nullptr || record->stage != Stage::kAlive)
+    record = state.windows.Find(window);
+    if (record == nullptr || record->stage != Stage::Alive)
         return was_visible;
     record->style = visible ? record->style | WS_VISIBLE : record->style & ~WS_VISIBLE;
-    layer.backend->ShowNativeWindow(window, visible);
+    state.backend->ShowNativeWindow(window, visible);
     if (!visible) {
         MoveFocusOutOf(window);
         return was_visible;
@@ -276,7 +277,7 @@ bool Show(HWND window, bool visible)
 
 bool SetGeometry(HWND window, POINT position, SIZE size, bool repaint)
 {
-    const WindowTree& windows = GetLayer().windows;
+    const WindowTree& windows = GetProcessState().windows;
     Window* record = windows.Find(window);
     if (record == nullptr)
         return false;
@@ -296,20 +297,20 @@ bool SetGeometry(HWND window, POINT position, SIZE size, bool repaint)
 
 void ChangeFocus(HWND window)
 {
-    Layer& layer = GetLayer();
-    const HWND before = layer.focus;
+    ProcessState& state = GetProcessState();
+    const HWND before = state.focus;
     if (before == window)
         return;
-    layer.focus = window;
+    state.focus = window;
     Send(before, WM_KILLFOCUS, reinterpret_cast<WPARAM>(window), 0);
-    // The handler may have given it to a third window, or destroyed this one.
-    if (layer.focus == window)
+    // The handler may have given the focus to a third window, or destroyed this one.
+    if (state.focus == window)
         Send(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(before), 0);
 }
 
 void Invalidate(HWND window, bool erase)
 {
-    if (Window* record = GetLayer().windows.Find(window); record != nullptr) {
+    if (Window* record = GetProcessState().windows.Find(window); record != nullptr) {
         record->needs_paint = true;
         record->needs_erase = record->needs_erase || erase;
     }
@@ -317,7 +318,7 @@ void Invalidate(HWND window, bool erase)
 
 void Validate(HWND window)
 {
-    if (Window* record = GetLayer().windows.Find(window); record != nullptr) {
+    if (Window* record = GetProcessState().windows.Find(window); record != nullptr) {
         record->needs_paint = false;
         record->needs_erase = false;
     }

@@ -1,6 +1,6 @@
-// Birth, change and death of windows: each step with the messages that Windows sends for it, in its order,
-// and the backend told before them. Handlers may create and destroy windows, the one that is being handled
-// too: every step looks its window up again.
+// Creation, change and destruction of windows: each step sends the messages of Windows in their order and
+// calls the backend before them. Message handlers may create and destroy windows, including the one being
+// handled, so every step looks its window up again.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -10,27 +10,28 @@
 namespace winsys::core
 {
 
-/// Calls the window's procedure at once; 0 for a window that is gone.
+/// Calls the window procedure directly; 0 for a window that no longer exists.
 LRESULT Send(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
-/// CreateWindowExW on a filled-in request.
+/// Implements CreateWindowExW. Null if the request is invalid or the backend or a handler refuses it.
 HWND Create(const CREATESTRUCTW& request);
-/// The window that stands for a native one of another toolkit; null where the backend refuses it.
+/// Returns the handle of a window of another toolkit; null if the backend refuses it.
 HWND Adopt(std::uintptr_t native_id);
-/// False where the window is gone already or its destruction has begun.
+/// False if the window no longer exists or its destruction has already begun.
 bool Destroy(HWND window);
-/// The window's visibility before.
+/// Shows or hides the window; returns whether it was shown before.
 bool Show(HWND window, bool visible);
 
-/// Notes a new place and client size, and sends WM_MOVE and WM_SIZE for what is new. A new size is painted
-/// again, if `repaint`. False where the window is gone.
+/// Records a new position and client size and sends WM_MOVE and WM_SIZE for those that changed. With
+/// `repaint`, a new size invalidates the window. False if the window no longer exists.
 bool SetGeometry(HWND window, POINT position, SIZE size, bool repaint);
 
-/// Hands the focus over with its two messages; null takes it away.
+/// Moves the focus with its two messages; null takes it from all windows.
 void ChangeFocus(HWND window);
 
-/// The window's client area wants painting, once it can be seen.
+/// Marks the client area as invalid; it is painted once it is visible. `erase`: the background too.
 void Invalidate(HWND window, bool erase);
+/// Marks the client area as valid.
 void Validate(HWND window);
 
 } // namespace winsys::core

@@ -44,22 +44,22 @@ bool WindowTree::UnregisterClass(std::wstring_view name)
 std::shared_ptr<const WindowClass> WindowTree::FindClass(std::wstring_view name) const
 {
     const auto found = classes_.find(name);
-    return found == classes_.end() ? nullptr : found->second;
+    return found != classes_.end() ? found->second : nullptr;
 }
 
 Window* WindowTree::Find(HWND window) const
 {
     const auto found = windows_.find(window);
-    return found == windows_.end() ? nullptr : found->second.get();
+    return found != windows_.end() ? found->second.get() : nullptr;
 }
 
 HWND WindowTree::FindAdopted(std::uintptr_t native_id) const
 {
     const auto found = std::ranges::find_if(windows_, [&](const auto& entry) {
         return entry.second->IsAdopted() && entry.second->native_id == native_id &&
-               entry.second->stage == Stage::kAlive;
+               entry.second->stage == Stage::Alive;
     });
-    return found == windows_.end() ? nullptr : found->first;
+    return found != windows_.end() ? found->first : nullptr;
 }
 
 Window& WindowTree::Add(std::unique_ptr<Window> window)
@@ -113,11 +113,11 @@ bool WindowTree::WantsPaint(const Window& window) const
            IsVisible(window);
 }
 
-HWND WindowTree::FindPaint(const std::function<bool(HWND)>& accepts) const
+HWND WindowTree::FindWindowToPaint(const std::function<bool(HWND)>& accepts) const
 {
     const auto found = std::ranges::find_if(
         windows_, [&](const auto& entry) { return WantsPaint(*entry.second) && accepts(entry.first); });
-    return found == windows_.end() ? nullptr : found->first;
+    return found != windows_.end() ? found->first : nullptr;
 }
 
 } // namespace winsys::core

@@ -1,6 +1,6 @@
-// Records of window classes and windows: who is whose child, where each one is, and which of them want
-// painting. It sends no message and calls no backend; window_lifecycle.h changes the records in the order
-// that programs may watch.
+// Records of window classes and windows: parents, geometry, and which windows need painting. It sends no
+// message and calls no backend; window_lifecycle.h changes the records in the order that programs can
+// observe.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -16,7 +16,7 @@
 namespace winsys::core
 {
 
-/// A handle that no object of the process has had before.
+/// Returns a handle that is unique in the life of the process.
 template <typename Handle>
 [[nodiscard]] Handle NewHandle();
 
@@ -26,9 +26,8 @@ struct WindowClass {
     WNDCLASSW record{};
 };
 
-/// How far the destruction of a window has come; each step is taken once, whatever handlers destroy
-/// meanwhile.
-enum class Stage { kAlive, kDestroying, kDestroySent, kNcDestroySent };
+/// The progress of a window's destruction. Each step runs once, even if a handler destroys the window again.
+enum class Stage { Alive, Destroying, DestroySent, NcDestroySent };
 
 struct Window {
     HWND handle = nullptr;
@@ -40,12 +39,12 @@ struct Window {
     std::wstring title;
     DWORD style = 0;
     DWORD ex_style = 0;
-    /// The native id of another toolkit's window that this record stands for; 0 for a window of the layer.
+    /// The native id of another toolkit's window; 0 for a window of the layer.
     std::uintptr_t native_id = 0;
     POINT position{};
     SIZE size{};
     LONG_PTR user_data = 0;
-    Stage stage = Stage::kAlive;
+    Stage stage = Stage::Alive;
     /// WM_SIZE has been sent at least once.
     bool size_announced = false;
     bool needs_paint = false;
@@ -56,52 +55,55 @@ struct Window {
 
     [[nodiscard]] bool IsAdopted() const { return native_id != 0; }
     [[nodiscard]] bool IsChild() const { return (style & WS_CHILD) != 0; }
-    /// The window's own flag; its ancestors may be hidden.
+    /// The window's own flag; the window is not visible if an ancestor is hidden.
     [[nodiscard]] bool IsShown() const { return (style & WS_VISIBLE) != 0; }
 };
 
 class WindowTree
 {
   public:
-    /// The atom of the new class; 0 where the name is taken or the record has no name or procedure.
+    /// Returns the atom of the new class; 0 if the name is taken or the record lacks a name or a procedure.
     ATOM RegisterClass(const WNDCLASSW& record);
-    /// False where no such class is registered or a window of it exists.
+    /// False if no such class is registered or a window of it exists.
     bool UnregisterClass(std::wstring_view name);
+    /// Null if no such class is registered.
     [[nodiscard]] std::shared_ptr<const WindowClass> FindClass(std::wstring_view name) const;
 
-    /// Null for null and for handles of windows that are gone.
+    /// Null for null and for destroyed windows.
     [[nodiscard]] Window* Find(HWND window) const;
-    /// The record of this window of another toolkit; null where it is not adopted, or on its way out.
+    /// The handle of the adopted window with this native id; null if there is none or its destruction has
+    /// begun.
     [[nodiscard]] HWND FindAdopted(std::uintptr_t native_id) const;
     [[nodiscard]] bool IsEmpty() const { return windows_.empty(); }
-    /// Takes the record in and enters it with its parent.
+    /// Stores the record and adds it to its parent.
     Window& Add(std::unique_ptr<Window> window);
-    /// Forgets the record; its dependents must be gone.
+    /// Removes the record; its dependents must have been removed.
     void Remove(HWND window);
 
-    /// The window is `ancestor` or a child, at any depth, of it.
+    /// Whether the window is `ancestor` or a child of it at any depth.
     [[nodiscard]] bool IsWithin(HWND window, HWND ancestor) const;
-    /// Shown, and all its parents are.
+    /// Whether the window and all its parents are shown.
     [[nodiscard]] bool IsVisible(const Window& window) const;
-    /// The client origin on the screen.
+    /// The client origin in screen coordinates.
     [[nodiscard]] POINT ScreenOrigin(const Window& window) const;
 
-    /// Invalid, visible and not empty.
+    /// Whether the window is invalid, visible and not empty. False for an adopted window.
     [[nodiscard]] bool WantsPaint(const Window& window) const;
-    /// The oldest window that wants painting and passes the filter; null where none does.
-    [[nodiscard]] HWND FindPaint(const std::function<bool(HWND)>& accepts) const;
+    /// The oldest window that needs painting and that `accepts` returns true for; null if there is none.
+    [[nodiscard]] HWND FindWindowToPaint(const std::function<bool(HWND)>& accepts) const;
 
   private:
     std::map<std::wstring, std::shared_ptr<const WindowClass>, std::less<>> classes_;
-    // Handles grow, so the order of the map is the order of creation.
+    // Handles only grow, so the order of the map is the order of creation.
     std::map<HWND, std::unique_ptr<Window>, std::less<>> windows_;
     ATOM next_atom_ = 0xC000;
 };
 
 namespace detail
 {
+/// Never returns the same value twice in a process.
 [[nodiscard]] std::uintptr_t NextHandleValue();
-}
+} // namespace detail
 
 template <typename Handle>
 Handle NewHandle()

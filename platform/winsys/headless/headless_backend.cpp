@@ -1,13 +1,13 @@
 #include "platform/winsys/headless/headless_backend.h"
 
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 
 #include <algorithm>
 #include <map>
 #include <stdexcept>
 #include <utility>
 
-// Keeps the headers of a display system out of those of EGL.
+// Keeps EGL from including the headers of a display system.
 #define EGL_NO_X11
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
@@ -17,8 +17,8 @@ namespace winsys
 namespace
 {
 
-// The surfaceless display of the process, initialised once and kept: its objects belong to the backends, the
-// display itself to the driver.
+/// The surfaceless display of the process. It is initialised once and never terminated; the objects made on
+/// it belong to the backends.
 EGLDisplay OpenDisplay()
 {
     static const EGLDisplay display = [] {
@@ -58,7 +58,7 @@ std::vector<EGLConfig> MatchingConfigs(EGLDisplay display)
     std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
     eglChooseConfig(display, wanted, configs.data(), count, &count);
     configs.resize(static_cast<std::size_t>(count));
-    // Deeper channels match too, as the sizes are minima.
+    // The sizes are minimums, so deeper channels match too.
     std::erase_if(configs, [&](EGLConfig config) {
         return Attribute(display, config, EGL_RED_SIZE) != 8 ||
                Attribute(display, config, EGL_GREEN_SIZE) != 8 ||
@@ -70,7 +70,7 @@ std::vector<EGLConfig> MatchingConfigs(EGLDisplay display)
 
 } // namespace
 
-// What there is of EGL: the formats, a surface for each window that has a format, the contexts.
+/// The EGL side: the formats, a surface for each window that has a format, the contexts.
 class HeadlessBackend::Egl
 {
   public:
@@ -91,7 +91,7 @@ class HeadlessBackend::Egl
 
     void AddWindow(HWND window, SIZE size) { windows_[window].size = size; }
 
-    // A surface that is still current lives on, unseen, until it is not: EGL defers its end.
+    /// EGL defers the destruction of a surface that is current until it is no longer current.
     void RemoveWindow(HWND window)
     {
         eglDestroySurface(display_, windows_[window].surface);
@@ -100,8 +100,8 @@ class HeadlessBackend::Egl
             current_window_ = nullptr;
     }
 
-    // EGL cannot resize an off-screen surface, so the window gets another one. Where memory does not suffice
-    // for it, the window keeps the one it has.
+    /// EGL cannot resize an off-screen surface, so the window gets a new one. If memory does not suffice for
+    /// it, the window keeps the old one.
     void Resize(HWND window, SIZE size)
     {
         Window& record = windows_[window];
@@ -126,14 +126,14 @@ class HeadlessBackend::Egl
         Window& record = windows_[window];
         EGLConfig config = configs_[static_cast<std::size_t>(format) - 1];
         record.surface = MakeSurface(config, record.size);
-        record.config = record.surface == EGL_NO_SURFACE ? nullptr : config;
+        record.config = record.surface != EGL_NO_SURFACE ? config : nullptr;
         return record.config != nullptr;
     }
 
     bool AddContext(HGLRC context, int format)
     {
         EGLConfig config = configs_[static_cast<std::size_t>(format) - 1];
-        // Other users of EGL in the process may have bound another interface to this thread.
+        // Other users of EGL in the process may have bound another API to this thread.
         eglBindAPI(EGL_OPENGL_API);
         EGLContext made = eglCreateContext(display_, config, EGL_NO_CONTEXT, nullptr);
         if (made == EGL_NO_CONTEXT)
@@ -261,7 +261,7 @@ void HeadlessBackend::ReleaseCurrent()
 
 bool HeadlessBackend::SwapBuffers(HWND)
 {
-    // An off-screen surface has one buffer, and readers of it find all drawing done.
+    // An off-screen surface has one buffer, and reading it waits until drawing is complete.
     return true;
 }
 

@@ -1,10 +1,11 @@
-// The backend without a display: windows are records of their size, contexts are OpenGL contexts of EGL that
-// draw to off-screen buffers. No native event ever arrives, nothing is shown, and a swap leaves the frame
-// where it is.
+// The backend that needs no display: windows are records of their size, contexts are OpenGL contexts of EGL
+// that draw to off-screen buffers. There are no native events, nothing is shown, and a swap leaves the frame
+// in the buffer.
 //
-// Open for derivation, so that a test can refuse or fail calls in front of it.
+// Not final: a test derives from it to make calls fail.
 #pragma once
 
+#include "platform/export.h"
 #include "platform/winsys/backend.h"
 
 #include <memory>
@@ -15,8 +16,8 @@ namespace winsys
 class KARV_PLATFORM_API HeadlessBackend : public Backend
 {
   public:
-    /// Throws std::runtime_error with the reason where EGL has no surfaceless platform, no OpenGL, or no
-    /// format with 8 bits a channel.
+    /// Throws std::runtime_error with the reason if EGL has no surfaceless platform, no OpenGL, or no format
+    /// with 8 bits per channel.
     HeadlessBackend();
     ~HeadlessBackend() override;
 

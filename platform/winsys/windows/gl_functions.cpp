@@ -1,5 +1,5 @@
-// The OpenGL functions of the system.
-#include "platform/winsys/frame_resolve.h"
+#include "platform/winsys/gl_functions.h"
+
 #include "platform/winsys/winsys.h"
 
 namespace winsys
@@ -7,7 +7,7 @@ namespace winsys
 
 GlFunction FindGlFunction(const char* name)
 {
-    // The one knows what came after OpenGL 1.1, the other what belongs to it.
+    // wglGetProcAddress knows the functions after OpenGL 1.1, the library itself those of OpenGL 1.1.
     if (const PROC function = wglGetProcAddress(name); function != nullptr)
         return reinterpret_cast<GlFunction>(function);
     return reinterpret_cast<GlFunction>(GetProcAddress(GetModuleHandleW(L"opengl32.dll"), name));

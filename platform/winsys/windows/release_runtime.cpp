@@ -1,10 +1,10 @@
-// Gives back what the C++ library of a module keeps, when the process unloads the module. Compiled into each
-// module, which has that library inside it. It knows nothing of the module.
+// Frees the memory that a module's C++ library keeps when the process unloads the module. Compiled into each
+// module: each has its own static copy of that library.
 
 namespace __gnu_cxx
 {
 
-/// The library's own: frees its reserve for exceptions that are thrown when no memory is left.
+/// Provided by the C++ library: frees its reserve for exceptions that are thrown when memory has run out.
 void __freeres();
 
 } // namespace __gnu_cxx
@@ -12,8 +12,8 @@ void __freeres();
 namespace
 {
 
-/// HACK: the reserve of some 70 KB is taken at each load and never given back, so that a host that loads and
-/// unloads a module again and again would grow. Not needed where the library frees it itself.
+/// HACK: the reserve of about 70 KB is allocated at each load and never freed, so a host that repeatedly
+/// loads and unloads a module would grow. No longer needed once the library frees it itself.
 class RuntimeRelease
 {
   public:

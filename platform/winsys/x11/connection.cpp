@@ -13,15 +13,17 @@ namespace
 
 constexpr const wchar_t* kSourceFile = L"platform/winsys/x11/connection.cpp";
 
-// What is process-wide because Xlib's handlers are. Never destroyed: connections of other libraries may fail
-// until the very end of the process.
+/// Process-wide state, because Xlib's handlers are process-wide. Never destroyed: connections of other
+/// libraries may fail until the very end of the process.
 struct Handlers {
     std::vector<Connection*> connections;
     XErrorHandler previous_error = nullptr;
     XIOErrorHandler previous_loss = nullptr;
-    /// A handler that was put in front of ours, and then had ours put in front again, may pass back to us.
+    /// Stops recursion: another library may have installed its handler over ours and ours again over that, so
+    /// each would pass errors to the other.
     bool is_passing_on = false;
-    /// Displays whose connection is lost. Nothing may be called on them any more, so they are never closed.
+    /// Displays of lost connections. No call is allowed on them, so they are never closed. Kept here to
+    /// remain reachable for the leak checker.
     std::vector<Display*> lost_displays;
 };
 
@@ -35,7 +37,7 @@ Connection* FindConnection(const Display* display)
 {
     const auto& connections = GetHandlers().connections;
     const auto found = std::ranges::find(connections, display, &Connection::Get);
-    return found == connections.end() ? nullptr : *found;
+    return found != connections.end() ? *found : nullptr;
 }
 
 } // namespace
@@ -49,12 +51,13 @@ Connection::Connection(const std::string& name)
     }
     Handlers& handlers = GetHandlers();
     handlers.connections.push_back(this);
-    // Another library may have put its own in front meanwhile; ours go in front again, and pass on to those.
+    // Another library may have installed its handlers meanwhile. Ours are installed over them and pass errors
+    // of other connections to them.
     if (const XErrorHandler before = XSetErrorHandler(&HandleError); before != &HandleError)
         handlers.previous_error = before;
     if (const XIOErrorHandler before = XSetIOErrorHandler(&HandleLoss); before != &HandleLoss)
         handlers.previous_loss = before;
-    // Without it Xlib ends the process after the handler.
+    // Without an exit handler Xlib ends the process after the handler.
     XSetIOErrorExitHandler(
         display_, [](Display*, void* connection) { static_cast<Connection*>(connection)->NoteLoss(); }, this);
     wm_protocols = XInternAtom(display_, "WM_PROTOCOLS", False);
@@ -89,9 +92,9 @@ int Connection::HandleError(Display* display, XErrorEvent* error)
 
 int Connection::HandleLoss(Display* display)
 {
-    // The exit handler, which comes next, takes note of a connection of ours.
+    // For our own connections the exit handler, which is called next, records the loss.
     const XIOErrorHandler previous = GetHandlers().previous_loss;
-    return FindConnection(display) != nullptr || previous == nullptr ? 0 : previous(display);
+    return FindConnection(display) == nullptr && previous != nullptr ? previous(display) : 0;
 }
 
 void Connection::NoteError(const XErrorEvent& error)

@@ -1,7 +1,8 @@
-// One connection to an X server that cannot end the process: errors that the server reports become faults of
-// the tools library, and a connection that breaks is only marked as lost. It knows nothing of windows.
+// A connection to an X server that cannot end the process: errors that the server reports become faults of
+// the tools library, and a broken connection is only marked as lost. Independent of windows.
 //
-// Handlers for X errors are process-wide: the ones that stood before stay in charge of other connections.
+// Handlers for X errors are process-wide; errors of other connections go to the handlers that were installed
+// before.
 #pragma once
 
 #include <string>
@@ -16,21 +17,21 @@ class ErrorTrap;
 class Connection
 {
   public:
-    /// Connects to the display of this name, to the one that the variable DISPLAY names where it is empty.
-    /// Throws std::runtime_error where no server answers.
+    /// Connects to the display of this name; if it is empty, to the one that the variable DISPLAY names.
+    /// Throws std::runtime_error if no server answers.
     explicit Connection(const std::string& name);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
-    /// Closes the connection; a lost one is left as it is, because closing would be a further call.
+    /// Closes the connection. A lost one is left as it is: closing would be a call on it.
     ~Connection();
 
-    /// Whether calls may still be made: once the connection is lost, none may, not even to close it.
+    /// Whether calls may be made. On a lost connection no call is allowed, not even to close it.
     [[nodiscard]] bool IsAlive() const { return !lost_; }
     [[nodiscard]] Display* Get() const { return display_; }
     [[nodiscard]] int Screen() const { return DefaultScreen(display_); }
     [[nodiscard]] ::Window Root() const { return DefaultRootWindow(display_); }
 
-    // Names that windows and window managers talk with.
+    // Atoms of the protocol between windows and window managers.
     Atom wm_protocols = 0;
     Atom wm_delete_window = 0;
     Atom net_wm_name = 0;
@@ -49,18 +50,18 @@ class Connection
     bool lost_ = false;
 };
 
-/// Keeps errors of the requests made in its scope from being reported: they are expected, and asked for here.
-/// Traps may be nested; an error belongs to the innermost one that was there when its request was made.
+/// Catches the errors of requests made in its scope instead of reporting them. Traps may be nested; an error
+/// belongs to the innermost trap that existed when its request was made.
 class ErrorTrap
 {
   public:
     explicit ErrorTrap(Connection& connection);
     ErrorTrap(const ErrorTrap&) = delete;
     ErrorTrap& operator=(const ErrorTrap&) = delete;
-    /// Waits for the server to have answered everything, unless `Caught` did.
+    /// Waits until the server has answered all requests, unless `Caught` has done so already.
     ~ErrorTrap();
 
-    /// Waits for the server to have handled every request; whether one failed or the connection is lost.
+    /// Waits until the server has handled all requests; returns whether one failed or the connection is lost.
     [[nodiscard]] bool Caught();
 
   private:

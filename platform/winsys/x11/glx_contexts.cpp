@@ -29,14 +29,14 @@ GlxContexts::GlxContexts(Connection& connection) : connection_(connection), form
     if (formats_.empty())
         throw std::runtime_error("the X server has no GLX with windows of depth 24 and 8 bits a channel");
     for (const GlxFormat& format : formats_)
-        bits_.push_back(format.bits);
+        pixel_formats_.push_back(format.bits);
 }
 
 GlxContexts::~GlxContexts()
 {
     if (connection_.IsAlive()) {
-        for (const auto& [format, shelter] : shelters_)
-            DestroySurface(shelter, false);
+        for (const auto& [format, surface] : fallback_surfaces_)
+            DestroySurface(surface, false);
         for (const auto& [visual, colormap] : colormaps_)
             XFreeColormap(connection_.Get(), colormap);
     }
@@ -52,7 +52,7 @@ Surface GlxContexts::AddSurface(::Window outer, SIZE size, int format)
 
 void GlxContexts::ResizeSurface(const Surface& surface, SIZE size)
 {
-    XResizeWindow(connection_.Get(), surface.window, Side(size.cx), Side(size.cy));
+    XResizeWindow(connection_.Get(), surface.window, SurfaceSide(size.cx), SurfaceSide(size.cy));
     resized_.insert(surface.window);
     if (current_context_ != nullptr && current_surface_.window == surface.window)
         RefreshSize();
@@ -61,9 +61,9 @@ void GlxContexts::ResizeSurface(const Surface& surface, SIZE size)
 void GlxContexts::RemoveSurface(const Surface& surface, bool is_gone)
 {
     if (current_context_ != nullptr && current_surface_.window == surface.window) {
-        // The driver may ask the server for the size of a window that is gone.
+        // The driver may query the size of the destroyed window, which is an error.
         ErrorTrap trap(connection_);
-        current_surface_ = Shelter(surface.format);
+        current_surface_ = FallbackSurface(surface.format);
         if (glXMakeContextCurrent(connection_.Get(), current_surface_.drawable, current_surface_.drawable,
                                   current_context_) == False) {
             ReleaseCurrent();
@@ -125,14 +125,14 @@ void GlxContexts::Abandon()
         ReleaseCurrent();
 }
 
-unsigned GlxContexts::Side(LONG length) const
+unsigned GlxContexts::SurfaceSide(LONG length) const
 {
-    // NOTE: Xlib ends the process when a driver sends it a picture of 2 GiB, which a window of the greatest
-    // size has.
-    constexpr LONG kAlwaysPossible = 8192;
+    // NOTE: Xlib ends the process if a driver sends it an image of 2 GiB, the size of a window's image at the
+    // maximum side.
+    constexpr LONG kMinLimit = 8192;
     const LONG screen = std::max(DisplayWidth(connection_.Get(), connection_.Screen()),
                                  DisplayHeight(connection_.Get(), connection_.Screen()));
-    return static_cast<unsigned>(std::clamp<LONG>(length, 1, std::max(kAlwaysPossible, screen)));
+    return static_cast<unsigned>(std::clamp<LONG>(length, 1, std::max(kMinLimit, screen)));
 }
 
 const GlxFormat& GlxContexts::Format(int format) const
@@ -154,18 +154,19 @@ Surface GlxContexts::MakeSurface(::Window outer, SIZE size, int format)
     const GlxFormat& chosen = Format(format);
     XSetWindowAttributes attributes{};
     attributes.colormap = ColormapOf(chosen.visual);
-    // No background: the server would paint it on every resize, before the next frame. The picture of before
-    // stays in its corner until then.
+    // No background: the server would paint it on every resize, before the next frame. Until then the
+    // previous frame stays in its corner.
     attributes.background_pixmap = 0;
     attributes.bit_gravity = NorthWestGravity;
-    // Exposure only. Input goes to the window around it.
+    // Exposure only; input goes to the window around it.
     attributes.event_mask = ExposureMask;
     ErrorTrap trap(connection_);
     Surface surface;
     surface.format = format;
-    surface.window = XCreateWindow(
-        connection_.Get(), outer, 0, 0, Side(size.cx), Side(size.cy), 0, kVisualDepth, InputOutput,
-        chosen.visual, CWBackPixmap | CWBorderPixel | CWBitGravity | CWEventMask | CWColormap, &attributes);
+    surface.window =
+        XCreateWindow(connection_.Get(), outer, 0, 0, SurfaceSide(size.cx), SurfaceSide(size.cy), 0,
+                      kVisualDepth, InputOutput, chosen.visual,
+                      CWBackPixmap | CWBorderPixel | CWBitGravity | CWEventMask | CWColormap, &attributes);
     surface.drawable = glXCreateWindow(connection_.Get(), chosen.config, surface.window, nullptr);
     return trap.Caught() ? Surface{} : surface;
 }
@@ -178,35 +179,35 @@ void GlxContexts::DestroySurface(const Surface& surface, bool is_gone)
         XDestroyWindow(connection_.Get(), surface.window);
 }
 
-const Surface& GlxContexts::Shelter(int format)
+const Surface& GlxContexts::FallbackSurface(int format)
 {
-    const auto known = shelters_.find(format);
-    return known != shelters_.end()
+    const auto known = fallback_surfaces_.find(format);
+    return known != fallback_surfaces_.end()
                ? known->second
-               : shelters_.emplace(format, MakeSurface(connection_.Root(), {1, 1}, format)).first->second;
+               : fallback_surfaces_.emplace(format, MakeSurface(connection_.Root(), {1, 1}, format))
+                     .first->second;
 }
 
-// HACK: Mesa's software rasterisers look for the size of a window when they swap, and draw at the one of
-// before until then: the first frame after a resize would be cut off. Showing the frame of before once more
-// makes them look. Not needed where a driver looks whenever it begins a frame, and not done there: what it
-// would show is undefined.
+/// HACK: Mesa's software rasterisers query the size of a window when they swap, and draw at the previous size
+/// until then: the first frame after a resize would be clipped. Showing the previous frame again makes them
+/// query the size. No longer needed once they query it at the start of a frame. Not done with other drivers:
+/// they show undefined contents.
 void GlxContexts::RefreshSize()
 {
     resized_.erase(current_surface_.window);
-    // Looked up rather than linked, as the program may watch what goes through the library's own entry
-    // points.
+    // Looked up, not linked: the program may intercept the library's own entry points.
     const auto get_string = FindFunction<const GLubyte* (*)(GLenum)>("glGetString");
     const auto* const renderer = reinterpret_cast<const char*>(get_string(GL_RENDERER));
-    const std::string_view name = renderer == nullptr ? "" : renderer;
+    const std::string_view name = renderer != nullptr ? renderer : "";
     if (name.starts_with("llvmpipe") || name.starts_with("softpipe"))
         glXSwapBuffers(connection_.Get(), current_surface_.drawable);
 }
 
-// Frames are paced by the timer. Waiting for the screen would hold up every message meanwhile.
+/// Frames are paced by a timer. Waiting for the vertical blank would delay all messages.
 void GlxContexts::SwapWithoutWaiting(GLXDrawable drawable)
 {
     const char* const words = glXQueryExtensionsString(connection_.Get(), connection_.Screen());
-    const std::string_view extensions = words == nullptr ? "" : words;
+    const std::string_view extensions = words != nullptr ? words : "";
     if (HasWord(extensions, "GLX_EXT_swap_control")) {
         if (const auto set = FindFunction<PFNGLXSWAPINTERVALEXTPROC>("glXSwapIntervalEXT"))
             set(connection_.Get(), drawable, 0);

@@ -16,7 +16,7 @@ struct XFreer {
     void operator()(void* memory) const { XFree(memory); }
 };
 
-// Of GLX_ARB_framebuffer_sRGB, which older headers lack.
+/// From GLX_ARB_framebuffer_sRGB, which older headers lack.
 constexpr int kFramebufferSrgbCapable = 0x20B2;
 
 class Config
@@ -26,7 +26,7 @@ class Config
 
     [[nodiscard]] GLXFBConfig Get() const { return config_; }
 
-    // 0 where the server does not know the attribute.
+    /// 0 if the server does not know the attribute.
     [[nodiscard]] int Attribute(int name) const
     {
         int value = 0;
@@ -43,7 +43,7 @@ class Config
                Attribute(GLX_GREEN_SIZE) == 8 && Attribute(GLX_BLUE_SIZE) == 8 && (alpha == 0 || alpha == 8);
     }
 
-    // Null where the visual is of another depth.
+    /// Null if the visual has another depth.
     [[nodiscard]] Visual* FindVisual() const
     {
         const std::unique_ptr<XVisualInfo, XFreer> info(glXGetVisualFromFBConfig(display_, config_));
@@ -56,13 +56,13 @@ class Config
         bits.alpha_bits = Attribute(GLX_ALPHA_SIZE);
         bits.depth_bits = Attribute(GLX_DEPTH_SIZE);
         bits.stencil_bits = Attribute(GLX_STENCIL_SIZE);
-        bits.samples = Attribute(GLX_SAMPLE_BUFFERS) == 0 ? 0 : Attribute(GLX_SAMPLES);
+        bits.samples = Attribute(GLX_SAMPLE_BUFFERS) != 0 ? Attribute(GLX_SAMPLES) : 0;
         return bits;
     }
 
-    // What nobody uses, such as an accumulation buffer, makes a format worse. That a software rasteriser
-    // calls itself slow does not: it is what there is.
-    [[nodiscard]] auto Burden() const
+    /// The parts of a format that are not used, such as an accumulation buffer; smaller is better.
+    /// GLX_SLOW_CONFIG does not count: software rasterisers mark their formats with it.
+    [[nodiscard]] auto UnusedParts() const
     {
         return std::tuple(Attribute(GLX_ACCUM_RED_SIZE), Attribute(GLX_AUX_BUFFERS),
                           Attribute(kFramebufferSrgbCapable));
@@ -84,10 +84,10 @@ std::vector<Config> UsableConfigs(const Connection& connection)
     const std::unique_ptr<GLXFBConfig, XFreer> list(
         glXGetFBConfigs(connection.Get(), connection.Screen(), &count));
     std::vector<Config> usable;
-    for (GLXFBConfig config : std::span(list.get(), list == nullptr ? 0 : static_cast<std::size_t>(count)))
+    for (GLXFBConfig config : std::span(list.get(), list != nullptr ? static_cast<std::size_t>(count) : 0))
         if (const Config candidate(connection.Get(), config); candidate.IsUsable())
             usable.push_back(candidate);
-    std::ranges::stable_sort(usable, {}, &Config::Burden);
+    std::ranges::stable_sort(usable, {}, &Config::UnusedParts);
     return usable;
 }
 

@@ -11,18 +11,19 @@
 namespace winsys::x11
 {
 
-/// A format with what X and GLX need to make windows and contexts of it.
+/// A format with the X and GLX objects that make windows and contexts of it.
 struct GlxFormat {
     GLXFBConfig config = nullptr;
     Visual* visual = nullptr;
     PixelFormat bits;
 };
 
-/// The depth of every format's visual. One of 32 would have an alpha channel that compositors blend by.
+/// The depth of every format's visual. With a depth of 32 compositors would blend by the alpha channel.
 inline constexpr int kVisualDepth = 24;
 
-/// The server's formats for double-buffered RGBA windows with 8 bits a channel, one of each kind: alpha (8 or
-/// 0), depth, stencil and samples. In the server's order. Empty where it has no GLX or offers none.
+/// Returns the server's formats for double-buffered RGBA windows with 8 bits per channel, in the server's
+/// order, one for each combination of alpha (8 or 0), depth, stencil and samples. Empty if the server has no
+/// GLX or no such format.
 [[nodiscard]] std::vector<GlxFormat> ListFormats(const Connection& connection);
 
 } // namespace winsys::x11

@@ -12,9 +12,9 @@ namespace winsys::x11
 namespace
 {
 
-// VK_PACKET: a character that no key code tells.
-constexpr WPARAM kPacket = 0xE7;
-// Keysyms from here on are characters: the code point in the lower 24 bits.
+/// VK_PACKET: a character without a key code.
+constexpr WPARAM kVkPacket = 0xE7;
+/// Keysyms from this one on are characters, with the code point in the lower 24 bits.
 constexpr KeySym kUnicodeBase = 0x01000000;
 
 struct NamedKey {
@@ -22,7 +22,7 @@ struct NamedKey {
     WPARAM code;
 };
 
-// The virtual-key codes of Windows.
+/// Virtual-key codes of Windows for named keys.
 constexpr std::array kNamedKeys{
     NamedKey{XK_BackSpace, 0x08}, NamedKey{XK_Tab, 0x09},         NamedKey{XK_ISO_Left_Tab, 0x09},
     NamedKey{XK_Return, 0x0D},    NamedKey{XK_KP_Enter, 0x0D},    NamedKey{XK_Shift_L, 0x10},
@@ -41,7 +41,7 @@ constexpr std::array kNamedKeys{
     NamedKey{XK_comma, 0xBC},     NamedKey{XK_minus, 0xBD},       NamedKey{XK_period, 0xBE},
 };
 
-// 0 where no virtual key is like it.
+/// 0 if the symbol has no virtual key.
 WPARAM CodeOfSymbol(KeySym symbol)
 {
     if (symbol >= XK_a && symbol <= XK_z)
@@ -53,11 +53,11 @@ WPARAM CodeOfSymbol(KeySym symbol)
     if (symbol >= XK_KP_0 && symbol <= XK_KP_9)
         return 0x60 + (symbol - XK_KP_0);
     const auto* const named = std::ranges::find(kNamedKeys, symbol, &NamedKey::symbol);
-    return named == kNamedKeys.end() ? 0 : named->code;
+    return named != kNamedKeys.end() ? named->code : 0;
 }
 
-// The unshifted symbol of the key in the first of the user's layouts that has a virtual key for it.
-WPARAM CodeOfPlace(const XKeyEvent& event)
+/// The virtual key of the unshifted symbol, in the first of the user's layouts whose symbol has one.
+WPARAM CodeOfKeyPosition(const XKeyEvent& event)
 {
     constexpr int kLayouts = 4;
     WPARAM code = 0;
@@ -80,13 +80,13 @@ KeyStroke ReadKey(XKeyEvent& event)
         stroke.character = static_cast<wchar_t>(static_cast<unsigned char>(latin.front()));
     else if (symbol >= kUnicodeBase)
         stroke.character = static_cast<wchar_t>(symbol - kUnicodeBase);
-    // The key pad's digits depend on Num Lock, which the symbol has taken in.
+    // The keypad's digits depend on Num Lock, which the symbol already includes.
     const bool is_pad_digit = symbol >= XK_KP_0 && symbol <= XK_KP_9;
-    stroke.code = is_pad_digit ? CodeOfSymbol(symbol) : CodeOfPlace(event);
+    stroke.code = is_pad_digit ? CodeOfSymbol(symbol) : CodeOfKeyPosition(event);
     if (stroke.code == 0 && stroke.character != 0)
-        stroke.code = kPacket;
+        stroke.code = kVkPacket;
     if (symbol == XK_Delete || symbol == XK_KP_Delete) {
-        // X gives the delete key a character; Windows does not.
+        // X gives the Delete key a character, Windows does not.
         stroke.character = 0;
     }
     return stroke;

@@ -1,7 +1,7 @@
-// Key events of X as the key messages of Windows. The virtual key is the one of the key's place, as a
-// keyboard with Latin letters has it; the character is the one that the user's layout gives.
+// Translates key events of X into the key messages of Windows. The virtual key follows the key's position, as
+// on a keyboard with Latin letters; the character follows the user's layout.
 //
-// NOTE: Characters that an input method composes do not come here: the layer offers no input method.
+// NOTE: characters composed by an input method do not arrive here: the layer opens no input method.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -12,9 +12,9 @@ namespace winsys::x11
 {
 
 struct KeyStroke {
-    /// The virtual-key code, VK_PACKET for a key that has a character but no code of its own; 0 for neither.
+    /// The virtual-key code; VK_PACKET for a key that has a character but no code of its own; 0 for neither.
     WPARAM code = 0;
-    /// The character, control characters of Ctrl with a letter included; 0 for none.
+    /// The character, including the control characters of Ctrl with a letter; 0 for none.
     wchar_t character = 0;
 };
 

@@ -19,7 +19,7 @@ void NativeWindows::Remove(HWND window)
 NativeRecord* NativeWindows::Find(HWND window)
 {
     const auto found = records_.find(window);
-    return found == records_.end() ? nullptr : &found->second;
+    return found != records_.end() ? &found->second : nullptr;
 }
 
 const NativeRecord* NativeWindows::FindById(::Window id) const
@@ -28,13 +28,13 @@ const NativeRecord* NativeWindows::FindById(::Window id) const
         const NativeRecord& record = entry.second;
         return record.outer == id || (record.surface.window != 0 && record.surface.window == id);
     });
-    return found == records_.end() ? nullptr : &found->second;
+    return found != records_.end() ? &found->second : nullptr;
 }
 
 NativeRecord* NativeWindows::FindById(::Window id)
 {
     const NativeRecord* record = std::as_const(*this).FindById(id);
-    return record == nullptr ? nullptr : Find(record->handle);
+    return record != nullptr ? Find(record->handle) : nullptr;
 }
 
 bool NativeWindows::IsWithin(const NativeRecord& record, HWND ancestor) const

@@ -7,7 +7,7 @@ namespace
 
 constexpr int kWheelNotch = 120;
 
-// X's button 1, 2 and 3, in that order.
+/// The X buttons 1, 2 and 3, in that order.
 struct Button {
     unsigned state_mask;
     WPARAM key;
@@ -32,8 +32,8 @@ WPARAM Modifiers(unsigned state)
 
 std::optional<MouseEvent> Pointer::OnButton(HWND window, const XButtonEvent& event)
 {
-    // The event's state is that of just before it.
-    OnState(event.state);
+    // The event holds the state just before it.
+    UpdateButtons(event.state);
     const bool is_press = event.type == ButtonPress;
     const POINT at{event.x, event.y};
     if (event.button == Button4 || event.button == Button5) {
@@ -55,7 +55,7 @@ std::optional<MouseEvent> Pointer::OnButton(HWND window, const XButtonEvent& eve
 
 std::optional<MouseEvent> Pointer::OnMotion(HWND window, const XMotionEvent& event)
 {
-    OnState(event.state);
+    UpdateButtons(event.state);
     const WPARAM keys = Keys(window, event.state);
     const bool dragged_here = (keys & (MK_LBUTTON | MK_MBUTTON | MK_RBUTTON)) != 0;
     if ((event.state & kAnyButton) != 0 && !dragged_here)
@@ -63,14 +63,14 @@ std::optional<MouseEvent> Pointer::OnMotion(HWND window, const XMotionEvent& eve
     return MouseEvent{WM_MOUSEMOVE, keys, {event.x, event.y}, 0};
 }
 
-void Pointer::OnState(unsigned state)
+void Pointer::UpdateButtons(unsigned state)
 {
     for (std::size_t i = 0; i < kMouseButtons.size(); ++i)
         if ((state & kMouseButtons.at(i).state_mask) == 0)
             pressed_over_.at(i) = nullptr;
 }
 
-void Pointer::OnGone(HWND window)
+void Pointer::ForgetWindow(HWND window)
 {
     for (HWND& pressed : pressed_over_)
         pressed = pressed == window ? nullptr : pressed;

@@ -1,7 +1,7 @@
 #include "platform/winsys/x11/x11_backend.h"
 
 #include "platform/tools/utf8.h"
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 
 #include <algorithm>
 #include <memory>
@@ -16,18 +16,18 @@ namespace winsys::x11
 namespace
 {
 
-// What X windows can have: sides of 1 to 32767 pixels, and places of 16 bits with a sign.
+/// The limits of X windows: sides of 1 to 32767 pixels, positions of 16 bits with a sign.
 constexpr LONG kMaxSide = 32767;
-constexpr LONG kMaxPlace = 32767;
+constexpr LONG kMaxCoordinate = 32767;
 
-unsigned Side(LONG length)
+unsigned ClampSide(LONG length)
 {
     return static_cast<unsigned>(std::clamp<LONG>(length, 1, kMaxSide));
 }
 
-int Coordinate(LONG place)
+int ClampCoordinate(LONG place)
 {
-    return std::clamp<LONG>(place, -kMaxPlace, kMaxPlace);
+    return std::clamp<LONG>(place, -kMaxCoordinate, kMaxCoordinate);
 }
 
 bool IsEmpty(SIZE size)
@@ -40,7 +40,7 @@ bool IsEmpty(SIZE size)
 X11Backend::X11Backend(const std::string& display)
     : connection_(display), contexts_(connection_), ready_descriptor_(eventfd(1, EFD_CLOEXEC | EFD_NONBLOCK))
 {
-    // A key that is held down repeats its press alone, as on Windows.
+    // A held key repeats its press without releases, as on Windows.
     XkbSetDetectableAutoRepeat(connection_.Get(), True, nullptr);
 }
 
@@ -80,18 +80,18 @@ bool X11Backend::CreateNativeWindow(HWND window, const NativeWindow& description
     Display* const display = connection_.Get();
     const int screen = connection_.Screen();
     XSetWindowAttributes attributes{};
-    // Not the parent's visual: that of another toolkit's window may have an alpha channel.
+    // Not the parent's visual: a window of another toolkit may have one with an alpha channel.
     attributes.colormap = DefaultColormap(display, screen);
     attributes.background_pixel = BlackPixel(display, screen);
     attributes.bit_gravity = NorthWestGravity;
     ErrorTrap trap(connection_);
-    record.outer = XCreateWindow(display, parent == nullptr ? connection_.Root() : parent->outer,
-                                 Coordinate(record.position.x), Coordinate(record.position.y),
-                                 Side(record.size.cx), Side(record.size.cy), 0, DefaultDepth(display, screen),
-                                 InputOutput, DefaultVisual(display, screen),
+    record.outer = XCreateWindow(display, parent != nullptr ? parent->outer : connection_.Root(),
+                                 ClampCoordinate(record.position.x), ClampCoordinate(record.position.y),
+                                 ClampSide(record.size.cx), ClampSide(record.size.cy), 0,
+                                 DefaultDepth(display, screen), InputOutput, DefaultVisual(display, screen),
                                  CWBackPixel | CWBorderPixel | CWBitGravity | CWColormap, &attributes);
     SelectEvents(record, record.IsTopLevel());
-    // The parent may be another toolkit's, and gone.
+    // The parent may belong to another toolkit and be destroyed.
     if (trap.Caught())
         return false;
     windows_.Add(record);
@@ -107,8 +107,8 @@ std::optional<NativePlace> X11Backend::AdoptNativeWindow(HWND window, std::uintp
     if (!IsUsable() || id == 0)
         return std::nullopt;
     ErrorTrap trap(connection_);
-    // Each connection has an event mask of its own on a window; the owner's stays as it is. Before the
-    // question where it is, so that no change after the answer goes unheard.
+    // Each connection has its own event mask on a window; that of the owner is unaffected. Selected before
+    // the query, so no change after the answer is missed.
     XSelectInput(connection_.Get(), id, StructureNotifyMask);
     const auto place = QueryPlace(id);
     if (place) {
@@ -135,7 +135,7 @@ void X11Backend::DestroyNativeWindow(HWND window)
         else if (!record->is_gone)
             XDestroyWindow(connection_.Get(), record->outer);
     }
-    pointer_.OnGone(window);
+    pointer_.ForgetWindow(window);
     focused_ = focused_ == window ? nullptr : focused_;
     windows_.Remove(window);
 }
@@ -145,16 +145,16 @@ void X11Backend::ShowNativeWindow(HWND window, bool visible)
     if (NativeRecord* record = FindOurs(window); record != nullptr) {
         record->is_shown = visible;
         UpdateMapping(*record);
-        // As on Windows, it is so when the call returns, unless a window manager has to see to it. The layer
-        // paints what it shows, so that to tell of the exposure would only paint it twice.
+        // As on Windows, the window is shown when the call returns, unless a window manager is involved. The
+        // layer paints what it shows; a reported exposure would paint it twice.
         XSync(connection_.Get(), False);
-        TakeIn();
+        ReadArrivedEvents();
         const auto is_exposure = [&](const XEvent& event) {
             const NativeRecord* exposed = windows_.FindById(event.xany.window);
             return event.type == Expose && exposed != nullptr && windows_.IsWithin(*exposed, window);
         };
         XEvent exposure;
-        while (TakeOutOfTurn(is_exposure, exposure)) {
+        while (ExtractEvent(is_exposure, exposure)) {
         }
     }
 }
@@ -182,15 +182,15 @@ void X11Backend::SetNativeTitle(HWND window, const std::wstring& title)
 void X11Backend::FocusNativeWindow(HWND window)
 {
     NativeRecord* record = FindOurs(window);
-    // Within a top-level window of ours the server's focus stays on that window, and the layer shares out the
-    // keys. Only a window in another toolkit's has to have it itself, and may take it from that one alone:
-    // not from other programs.
+    // In a top-level window of the layer the server's focus stays on that window, and the layer distributes
+    // the keys. Only a window inside another toolkit's window needs the server's focus itself. It may take it
+    // from the same top-level window only, not from other programs.
     if (record == nullptr || window == focused_ || !windows_.TopOf(*record).is_adopted)
         return;
     ErrorTrap trap(connection_);
     XWindowAttributes attributes{};
     if (XGetWindowAttributes(connection_.Get(), record->outer, &attributes) != 0 &&
-        attributes.map_state == IsViewable && IsFocusNear(record->outer)) {
+        attributes.map_state == IsViewable && IsFocusInSameTopLevel(record->outer)) {
         SelectEvents(*record, true);
         XSetInputFocus(connection_.Get(), record->outer, RevertToParent, CurrentTime);
         if (trap.Caught())
@@ -204,21 +204,21 @@ int X11Backend::EventDescriptor() const
 {
     if (!connection_.IsAlive())
         return -1;
-    // Events that Xlib has read with an answer to something else leave nothing to be read on the connection.
-    TakeIn();
-    // A connection that was lost in that call is told of by the next pump.
+    // Events that Xlib has read along with a reply are no longer readable on the connection.
+    ReadArrivedEvents();
+    // If the connection was lost in that call, the next pump handles it.
     const bool is_ready = !arrived_.empty() || !connection_.IsAlive();
     return is_ready ? ready_descriptor_ : ConnectionNumber(connection_.Get());
 }
 
 void X11Backend::PumpEvents(EventSink& sink)
 {
-    TakeIn();
+    ReadArrivedEvents();
     while (IsUsable() && !arrived_.empty()) {
         XEvent event = arrived_.front();
         arrived_.pop_front();
         Report(event, sink);
-        TakeIn();
+        ReadArrivedEvents();
     }
     IsUsable();
 }
@@ -236,7 +236,8 @@ bool X11Backend::SetNativePixelFormat(HWND window, int format)
     record->surface = contexts_.AddSurface(record->outer, record->size, format);
     if (record->surface.format == 0)
         return false;
-    // Without this the server would paint it black on every enlargement, before the inner window has grown.
+    // Without this the server would paint the window black on every enlargement, before the inner window has
+    // grown.
     XSetWindowBackgroundPixmap(connection_.Get(), record->outer, 0);
     return true;
 }
@@ -281,7 +282,8 @@ void X11Backend::AnnounceTopLevel(const NativeRecord& record, bool is_placed_by_
 {
     Display* const display = connection_.Get();
     XSizeHints place{};
-    // The layer's windows have no frame: what is placed is the client area, and the frame goes around it.
+    // The layer's windows have no frame: the position is that of the client area, and the frame goes around
+    // it.
     place.flags = (is_placed_by_system ? 0 : USPosition) | USSize | PWinGravity;
     place.win_gravity = StaticGravity;
     XSetWMNormalHints(display, record.outer, &place);
@@ -299,15 +301,15 @@ void X11Backend::Place(NativeRecord& record, POINT position, SIZE size)
     record.position = position;
     record.size = size;
     record.last_placement = NextRequest(display);
-    XMoveResizeWindow(display, record.outer, Coordinate(position.x), Coordinate(position.y), Side(size.cx),
-                      Side(size.cy));
+    XMoveResizeWindow(display, record.outer, ClampCoordinate(position.x), ClampCoordinate(position.y),
+                      ClampSide(size.cx), ClampSide(size.cy));
     if (is_sized && record.surface.format != 0)
         contexts_.ResizeSurface(record.surface, size);
 }
 
 void X11Backend::UpdateMapping(NativeRecord& record)
 {
-    // An X window always has pixels, so one without is not to be seen.
+    // An X window has at least one pixel, so an empty window is unmapped.
     const bool is_mapped = record.is_shown && !IsEmpty(record.size);
     if (is_mapped == record.is_mapped)
         return;
@@ -315,7 +317,7 @@ void X11Backend::UpdateMapping(NativeRecord& record)
     if (is_mapped) {
         XMapWindow(connection_.Get(), record.outer);
     } else if (record.IsTopLevel()) {
-        // Tells the window manager too.
+        // Also informs the window manager.
         XWithdrawWindow(connection_.Get(), record.outer, connection_.Screen());
     } else {
         XUnmapWindow(connection_.Get(), record.outer);
@@ -337,7 +339,7 @@ std::optional<NativePlace> X11Backend::QueryPlace(::Window id)
     return place;
 }
 
-bool X11Backend::IsFocusNear(::Window id)
+bool X11Backend::IsFocusInSameTopLevel(::Window id)
 {
     ::Window focus = 0;
     int revert_to = 0;
@@ -368,13 +370,13 @@ bool X11Backend::IsFocusNear(::Window id)
 
 void X11Backend::SelectEvents(const NativeRecord& record, bool with_keys)
 {
-    constexpr long kAlways = StructureNotifyMask | ExposureMask | FocusChangeMask | PointerMotionMask |
-                             ButtonPressMask | ButtonReleaseMask | EnterWindowMask;
-    // The server sends keys to the window under the pointer if it is within the one that has the focus. A
-    // window in another toolkit's must leave them alone until it has the focus itself; other children pass
-    // them up.
+    constexpr long kBaseMask = StructureNotifyMask | ExposureMask | FocusChangeMask | PointerMotionMask |
+                               ButtonPressMask | ButtonReleaseMask | EnterWindowMask;
+    // The server sends keys to the window under the pointer if that is inside the focused window. A window
+    // inside another toolkit's window must not select them until it has the focus itself; other children let
+    // them propagate to their parents.
     XSelectInput(connection_.Get(), record.outer,
-                 with_keys ? kAlways | KeyPressMask | KeyReleaseMask : kAlways);
+                 with_keys ? kBaseMask | KeyPressMask | KeyReleaseMask : kBaseMask);
 }
 
 } // namespace winsys::x11

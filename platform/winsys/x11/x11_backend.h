@@ -1,9 +1,9 @@
-// The backend over an X server, by way of Xlib and GLX. Each window of the layer is a plain X window that
-// takes the input; a pixel format puts an inner one with the format's visual over it, because an X window's
-// visual is fixed at its creation and a pixel format is not.
+// The backend for an X server, over Xlib and GLX. Each window of the layer is a plain X window that receives
+// the input. Its pixel format adds an inner window with the format's visual: the visual of an X window is
+// fixed at its creation, its pixel format is not.
 //
-// It makes no rules of its own: what the server reports goes to the sink. Once the connection is lost it
-// calls neither X nor GLX any more; windows go on as records.
+// It reports everything to the sink and applies no rules of its own. After the connection is lost it calls
+// neither X nor GLX; windows remain as records.
 #pragma once
 
 #include "platform/winsys/x11/glx_contexts.h"
@@ -19,7 +19,7 @@ namespace winsys::x11
 class X11Backend final : public Backend
 {
   public:
-    /// Throws std::runtime_error with the reason where no server answers, or none with GLX.
+    /// Throws std::runtime_error with the reason if no server answers or it has no GLX.
     explicit X11Backend(const std::string& display);
     ~X11Backend() override;
 
@@ -47,28 +47,30 @@ class X11Backend final : public Backend
     [[nodiscard]] GlFunction FindGlFunction(const char* name) override;
 
   private:
-    /// Whether the server may be called; lets go of GLX where it may not any more.
+    /// Whether the server may be called. Once it may not, releases the current GLX context.
     bool IsUsable();
-    /// The window, if it is ours and the server may be called about it.
+    /// The record of a window that belongs to the layer and can be used in requests; null otherwise.
     NativeRecord* FindOurs(HWND window);
 
+    /// Sets the window manager's properties of a new top-level window.
     void AnnounceTopLevel(const NativeRecord& record, bool is_placed_by_system);
     void Place(NativeRecord& record, POINT position, SIZE size);
+    /// Maps or unmaps the X window: it is mapped if it is shown and not empty.
     void UpdateMapping(NativeRecord& record);
-    /// Where the client area of a window is now; none where it is gone.
+    /// The current place of a window's client area; none if the window no longer exists.
     std::optional<NativePlace> QueryPlace(::Window id);
-    /// Whether the window or another one within the same top-level window has the keyboard focus.
-    bool IsFocusNear(::Window id);
-    /// The window below the root that this one is in; 0 where it is gone.
+    /// Whether the keyboard focus is in the same top-level window as this one.
+    bool IsFocusInSameTopLevel(::Window id);
+    /// The window directly below the root that contains this one; 0 if it no longer exists.
     ::Window OutermostOf(::Window id);
     void SelectEvents(const NativeRecord& record, bool with_keys);
 
-    /// Takes in every event that has arrived, and drops those that mean nothing to the layer.
-    void TakeIn() const;
+    /// Moves all events that have arrived from the connection to `arrived_`; drops those without meaning to
+    /// the layer. Flushes the requests.
+    void ReadArrivedEvents() const;
     [[nodiscard]] bool IsOfInterest(const XEvent& event) const;
-    /// Takes the first event that has arrived and satisfies the condition out of its turn; false where none
-    /// does.
-    bool TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition, XEvent& taken);
+    /// Removes the first arrived event that satisfies the condition, out of order; false if there is none.
+    bool ExtractEvent(const std::function<bool(const XEvent&)>& condition, XEvent& taken);
 
     void Report(XEvent& event, EventSink& sink);
     void ReportConfigure(XConfigureEvent event, EventSink& sink);
@@ -88,7 +90,7 @@ class X11Backend final : public Backend
     Pointer pointer_;
     /// The window that the server sends keys to.
     HWND focused_ = nullptr;
-    /// Events that have arrived and wait to be reported. Looking whether there are any takes them in.
+    /// Events that have arrived but are not reported yet. Mutable: a check for waiting events reads them.
     mutable std::deque<XEvent> arrived_;
     /// A descriptor that is always readable.
     int ready_descriptor_;

@@ -1,5 +1,5 @@
-// What the X server reports, told to the layer. Handlers run within the sink's calls and may destroy any
-// window, so that records are looked up again after each.
+// Reports events of the X server to the layer. Message handlers run within the sink's calls and may destroy
+// any window, so records are looked up again after each call.
 #include "platform/winsys/x11/keyboard.h"
 #include "platform/winsys/x11/x11_backend.h"
 
@@ -14,8 +14,8 @@ namespace winsys::x11
 namespace
 {
 
-// Grabs of a window manager, and focus that comes and goes because of where the pointer is, change nothing
-// for the program.
+/// False for focus changes caused by a grab of the window manager or by the pointer's position: they do not
+/// affect the program.
 bool IsRealFocusChange(const XFocusChangeEvent& event)
 {
     const bool by_grab = event.mode == NotifyGrab || event.mode == NotifyUngrab;
@@ -26,9 +26,9 @@ bool IsRealFocusChange(const XFocusChangeEvent& event)
 
 } // namespace
 
-void X11Backend::TakeIn() const
+void X11Backend::ReadArrivedEvents() const
 {
-    // Also sends the requests that wait to be sent.
+    // XPending also flushes the requests.
     while (connection_.IsAlive() && XPending(connection_.Get()) > 0) {
         XEvent event;
         XNextEvent(connection_.Get(), &event);
@@ -46,7 +46,7 @@ bool X11Backend::IsOfInterest(const XEvent& event) const
         return false;
     switch (event.type) {
     case ConfigureNotify:
-        // Children are where the program put them.
+        // Children are only moved by the program itself.
         return record->is_adopted || record->IsTopLevel();
     case FocusIn:
     case FocusOut:
@@ -61,7 +61,7 @@ bool X11Backend::IsOfInterest(const XEvent& event) const
     }
 }
 
-bool X11Backend::TakeOutOfTurn(const std::function<bool(const XEvent&)>& condition, XEvent& taken)
+bool X11Backend::ExtractEvent(const std::function<bool(const XEvent&)>& condition, XEvent& taken)
 {
     const auto found = std::ranges::find_if(arrived_, condition);
     if (found == arrived_.end())
@@ -98,7 +98,7 @@ void X11Backend::Report(XEvent& event, EventSink& sink)
         ReportMotion(event.xmotion, sink);
         break;
     case EnterNotify:
-        pointer_.OnState(event.xcrossing.state);
+        pointer_.UpdateButtons(event.xcrossing.state);
         break;
     case KeyPress:
     case KeyRelease:
@@ -126,7 +126,7 @@ void X11Backend::ReportConfigure(XConfigureEvent event, EventSink& sink)
         return other.type == ConfigureNotify && other.xconfigure.window == window;
     };
     XEvent later;
-    while (TakeOutOfTurn(is_later, later))
+    while (ExtractEvent(is_later, later))
         event = later.xconfigure;
     NativeRecord* record = windows_.FindById(event.window);
     if (record == nullptr || record->surface.window == event.window || record->is_gone)
@@ -136,12 +136,12 @@ void X11Backend::ReportConfigure(XConfigureEvent event, EventSink& sink)
             ReportPlace(record->handle, *place, sink);
         return;
     }
-    // What comes from before the program's own last word would undo it.
+    // An older report would undo the program's own last placement.
     if (event.serial < record->last_placement || !record->is_mapped)
         return;
     NativePlace place{{event.x, event.y}, {event.width, event.height}};
-    // Within a frame the coordinates are the frame's, unless the window manager has made the event up to tell
-    // those on the screen.
+    // Inside a frame the coordinates are relative to the frame, unless the event was sent by the window
+    // manager, with coordinates on the screen.
     if (record->is_framed && event.send_event == False) {
         if (const auto queried = QueryPlace(record->outer))
             place.position = queried->position;
@@ -156,7 +156,7 @@ void X11Backend::ReportPlace(HWND window, const NativePlace& place, EventSink& s
     const bool sized = place.size.cx != record->size.cx || place.size.cy != record->size.cy;
     record->size = place.size;
     if (sized && record->surface.format != 0) {
-        // Before the layer knows, so that the frame it draws then has the new size.
+        // Resized before the layer is told, so that the frame it then draws has the new size.
         contexts_.ResizeSurface(record->surface, place.size);
     }
     sink.OnMove(window, place.position);
@@ -166,8 +166,8 @@ void X11Backend::ReportPlace(HWND window, const NativePlace& place, EventSink& s
 
 void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& sink)
 {
-    // The server ends children before their parents and tells of all at once; programs expect to hear of a
-    // parent first.
+    // The server destroys children before their parents and reports all at once; programs expect the parent
+    // first.
     std::vector<HWND> gone;
     const auto note = [&](::Window id) {
         if (NativeRecord* record = windows_.FindById(id); record != nullptr && record->outer == id) {
@@ -177,7 +177,7 @@ void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& si
     };
     note(event.window);
     XEvent later;
-    while (TakeOutOfTurn([](const XEvent& other) { return other.type == DestroyNotify; }, later))
+    while (ExtractEvent([](const XEvent& other) { return other.type == DestroyNotify; }, later))
         note(later.xdestroywindow.window);
     for (const HWND window : std::views::reverse(gone))
         sink.OnDestroyed(window);
@@ -186,8 +186,9 @@ void X11Backend::ReportDestroyed(const XDestroyWindowEvent& event, EventSink& si
 void X11Backend::ReportButton(const XButtonEvent& event, EventSink& sink)
 {
     if (event.type == ButtonPress) {
-        // Windows lets the mouse go on to other windows while a button is down.
-        // NOTE: Not with the event's time: the server may date the grab a moment later, and would refuse.
+        // On Windows the mouse can move on to other windows while a button is down.
+        // NOTE: with CurrentTime, because the server may date the grab a moment after the event's time and
+        // would then refuse.
         XUngrabPointer(connection_.Get(), CurrentTime);
     }
     if (const NativeRecord* record = windows_.FindById(event.window); record != nullptr) {
@@ -211,7 +212,8 @@ void X11Backend::ReportMouse(HWND window, const std::optional<MouseEvent>& mouse
         return;
     NativeRecord& top = windows_.TopOf(*windows_.Find(window));
     if (top.is_adopted) {
-        // Nobody tells when a window further out moves another toolkit's window with it; the pointer does.
+        // There is no event if another toolkit's window moves along with a window around it; the pointer's
+        // position tells.
         const POINT offset = windows_.OffsetInTop(*windows_.Find(window));
         top.position = {screen_point.x - mouse->position.x - offset.x,
                         screen_point.y - mouse->position.y - offset.y};

@@ -1,6 +1,6 @@
 // A library that exports no entry point of its own and needs a module that does.
+#include "platform/export.h"
 #include "platform/host/rx/entry_points.h"
-#include "platform/winsys/export.h"
 
 extern "C" KARV_IMPORT int acrxGetApiVersion();
 

@@ -1,6 +1,6 @@
 // A module that tells no release of the host.
+#include "platform/export.h"
 #include "platform/host/rx/entry_points.h"
-#include "platform/winsys/export.h"
 
 extern "C" KARV_EXPORT host::Answer acrxEntryPoint(host::Message /*message*/, void* /*application*/)
 {

@@ -1,5 +1,5 @@
 // A library that is no module.
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 extern "C" KARV_EXPORT int Answer()
 {

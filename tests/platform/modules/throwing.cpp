@@ -1,7 +1,7 @@
 // An application module that throws an object of a type of its own at every message: the code of that type
 // goes with the module.
+#include "platform/export.h"
 #include "platform/host/rx/entry_points.h"
-#include "platform/winsys/export.h"
 
 #include <exception>
 

@@ -1,6 +1,6 @@
 // A module that throws when it is asked for its release.
+#include "platform/export.h"
 #include "platform/host/rx/entry_points.h"
-#include "platform/winsys/export.h"
 
 #include <vector>
 

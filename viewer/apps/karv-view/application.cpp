@@ -3,7 +3,7 @@
 #include "platform/host/rx/module_loader.h"
 #include "platform/tools/chrome_trace_sink.h"
 #include "platform/winsys/backend.h"
-#include "platform/winsys/provider.h"
+#include "platform/winsys/backends.h"
 #include "viewer/import/process/reader_client.h"
 #include "viewer/output/model_list.h"
 #include "viewer/output/png_image.h"
