@@ -5,7 +5,7 @@
 namespace
 {
 
-// Nothing to destroy: modules leave the chain during the last steps of the process.
+/// Has no destructor: modules leave the chain in the last steps of the process.
 constinit AFX_MODULE_STATE module_state;
 
 } // namespace

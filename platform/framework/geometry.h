@@ -1,4 +1,4 @@
-// Rectangles and points in pixels, as the window framework passes them.
+// Points and rectangles in pixels, as the window framework passes them.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -16,7 +16,7 @@ class CPoint : public POINT
     explicit CPoint(const POINT& point) noexcept : POINT(point) {}
 };
 
-/// A rectangle in pixels; right and bottom lie just outside.
+/// A rectangle in pixels; right and bottom are exclusive.
 class CRect : public RECT
 {
   public:
@@ -30,7 +30,7 @@ class CRect : public RECT
     }
     explicit CRect(const RECT& rect) noexcept : RECT(rect) {}
 
-    /// The extents; the difference wraps around where 32 bits do not hold it.
+    /// Width and height; they wrap around if the difference exceeds 32 bits.
     [[nodiscard]] int Width() const noexcept { return Difference(right, left); }
     [[nodiscard]] int Height() const noexcept { return Difference(bottom, top); }
 

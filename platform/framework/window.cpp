@@ -10,21 +10,22 @@
 namespace
 {
 
-/// What the framework knows of windows and classes.
+/// The framework's objects of windows, and the class names it has registered.
 struct Registry {
     std::map<HWND, CWnd*> permanent;
     std::map<HWND, std::unique_ptr<CWnd>> temporary;
-    std::set<std::wstring> class_names; ///< a set, because it never moves its elements
+    std::set<std::wstring> class_names; ///< a set: its elements never move
 };
 
 Registry& TheRegistry()
 {
-    // Never destroyed: windows with static storage, and the module's own, may outlive this library's statics.
+    // Never destroyed: windows with static storage, including the module's, may outlive this library's static
+    // objects.
     static Registry* const registry = std::make_unique<Registry>().release();
     return *registry;
 }
 
-/// A message that an object is handling, one link of the chain of messages nested in one another.
+/// A message that an object is handling, as one link in the chain of nested messages.
 class Dispatch
 {
   public:
@@ -37,13 +38,13 @@ class Dispatch
     Dispatch& operator=(const Dispatch&) = delete;
     ~Dispatch() { innermost_ = outer_; }
 
-    /// The object, null once it was deleted.
+    /// The object; null after its deletion.
     [[nodiscard]] CWnd* Target() const noexcept { return target_; }
     [[nodiscard]] UINT Message() const noexcept { return message_; }
     [[nodiscard]] WPARAM Wparam() const noexcept { return wparam_; }
     [[nodiscard]] LPARAM Lparam() const noexcept { return lparam_; }
 
-    /// The innermost message that this object is handling; null for none.
+    /// The innermost message that this object is handling; null if there is none.
     [[nodiscard]] static const Dispatch* Find(const CWnd* target) noexcept
     {
         const Dispatch* dispatch = innermost_;
@@ -52,7 +53,7 @@ class Dispatch
         return dispatch;
     }
 
-    /// Takes an object that is being deleted out of every message it was handling.
+    /// Removes an object that is being deleted from every message that it is handling.
     static void Forget(const CWnd* target) noexcept
     {
         for (Dispatch* dispatch = innermost_; dispatch != nullptr; dispatch = dispatch->outer_)
@@ -72,7 +73,7 @@ class Dispatch
 
 thread_local Dispatch* Dispatch::innermost_ = nullptr;
 
-/// Parts object and window, if the window has an object.
+/// Separates the window from its object, if it has one.
 void Detach(HWND window) noexcept
 {
     Registry& registry = TheRegistry();
@@ -83,7 +84,7 @@ void Detach(HWND window) noexcept
     registry.permanent.erase(found);
 }
 
-/// Parts object and window at the end of a scope, on an exception too.
+/// Separates the window from its object at the end of a scope, also on an exception.
 class DetachAtEnd
 {
   public:
@@ -100,8 +101,8 @@ class DetachAtEnd
     HWND window_;
 };
 
-/// An object whose window is being created. It waits for the first message of the creation, which tells the
-/// window's handle, and for no other: handlers of later ones create windows that have no object.
+/// An object whose window is being created. It waits only for the first message of the creation, which brings
+/// the window's handle: handlers of later messages create windows that have no object.
 class Creation
 {
   public:
@@ -114,11 +115,11 @@ class Creation
             waiting_ = outer_;
     }
 
-    /// The window that the object was given; null before its first message.
+    /// The window of the object; null before its first message.
     [[nodiscard]] HWND Window() const noexcept { return window_; }
 
-    /// Gives the window that has just got its first message to the object that waits for one. Returns that
-    /// object, null for none.
+    /// Assigns the window, which has just received its first message, to the waiting object. Returns that
+    /// object, null if none is waiting.
     static CWnd* TakeWindow(HWND window)
     {
         Creation* const creation = waiting_;
@@ -141,8 +142,8 @@ class Creation
 
 thread_local Creation* Creation::waiting_ = nullptr;
 
-/// Takes back a creation that an exception ended. The object may be gone by now; a window that died without
-/// telling is parted from its object.
+/// Undoes a creation that an exception ended. The object may already be deleted. A window that was destroyed
+/// without messages is separated from its object.
 void AbandonCreation(HWND window)
 {
     if (window == nullptr)
@@ -161,8 +162,8 @@ const AFX_MSGMAP kEmptyMap{nullptr, {}};
 
 } // namespace
 
-/// The procedure of every framework window, as a class so that it is a friend on every system: a function
-/// that crosses a library's boundary cannot be one everywhere.
+/// The procedure of every framework window. A class, so that it can be a friend on every system: a function
+/// with an export mark cannot be one everywhere.
 struct WindowProcedure {
     static LRESULT Handle(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 };
@@ -220,7 +221,7 @@ CWnd::~CWnd()
     const HWND window = m_hWnd;
     if (window == nullptr)
         return;
-    // Parted first: an object that is half gone gets no message.
+    // Separated first: an object under destruction gets no message.
     Detach(window);
     m_hWnd = nullptr;
     ::DestroyWindow(window);
@@ -270,12 +271,12 @@ BOOL CWnd::CreateEx(DWORD ex_style, LPCWSTR class_name, LPCWSTR window_name, DWO
     if (m_hWnd != nullptr)
         return FALSE;
     const Creation creation(this);
-    // From here on a handler may have deleted this object, so nothing of it is touched.
+    // From here on a handler may have deleted this object, so no member is accessed.
     try {
         const HWND window = ::CreateWindowExW(ex_style, class_name, window_name, style, x, y, width, height,
                                               parent, id, ::GetModuleHandleW(nullptr), param);
         if (window != nullptr && creation.Window() != window) {
-            // The class has another procedure, so the object never got its window.
+            // The class has another window procedure, so the object never got its window.
             ::DestroyWindow(window);
             return FALSE;
         }

@@ -1,5 +1,4 @@
-// Messages as windows see them before they are dispatched, places that are left to the system, and the
-// request to close.
+// Messages before they are dispatched, positions chosen by the system, and the request to close.
 #include "platform/framework/window.h"
 #include "tests/support/gl_test_window.h"
 
@@ -70,7 +69,7 @@ class MessageHook : public testing::Test
 
     std::vector<std::string> log_;
     HookedWindow top_{"top", log_};
-    HWND middle_ = nullptr; ///< no object stands for it
+    HWND middle_ = nullptr; ///< has no object
     HookedWindow inner_{"inner", log_};
 };
 

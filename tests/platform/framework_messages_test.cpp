@@ -1,5 +1,5 @@
-// What reaches a window's handlers: message maps, the default handling inside a message, and windows and
-// objects that go while a message is handled.
+// The messages that reach a window's handlers: message maps, default handling inside a message, and windows
+// and objects destroyed during a message.
 #include "tests/platform/framework_window.h"
 
 #include <array>
@@ -17,7 +17,7 @@ namespace
 
 using FrameworkMessages = FrameworkWindow;
 
-/// Handles timers itself and leaves the rest to its base.
+/// Handles timers and leaves other messages to its base.
 class DerivedWindow : public LoggedWindow
 {
   public:
@@ -50,7 +50,7 @@ class ShortLivedWindow : public LoggedWindow
     {
         if (message != WM_NCDESTROY)
             return LoggedWindow::WindowProc(message, wparam, lparam);
-        // Copied, since the object takes its own functions along.
+        // A copy: the object's own functions are destroyed with it.
         const std::function<void()> last = drop;
         last();
         return 0;
@@ -182,7 +182,7 @@ TEST_F(FrameworkMessages, DefaultOfAWindowThatOnlyWatchesDoesNothing)
     EXPECT_TRUE(other_log.empty());
 }
 
-// Windows and objects that go while a message is handled.
+// Windows and objects destroyed during a message.
 
 TEST_F(FrameworkMessages, WindowMayBeDestroyedInAHandler)
 {
@@ -203,7 +203,7 @@ TEST_F(FrameworkMessages, ObjectMayBeDeletedInAHandler)
     auto window = std::make_unique<LoggedWindow>(log);
     ASSERT_TRUE(window->Create());
     const HWND handle = window->m_hWnd;
-    // The handler lies outside the object, which takes its own functions along.
+    // The handler is outside the object, whose own functions are destroyed with it.
     const std::function<void()> drop = [&] { window.reset(); };
     window->on_timer = [&drop] { drop(); };
     log.clear();

@@ -1,4 +1,4 @@
-// The fixture of the framework's tests: windows that log what reaches them, and a message pump.
+// The fixture of the framework's tests: windows that log their messages, and a message pump.
 #pragma once
 
 #include "platform/framework/window.h"
@@ -19,7 +19,7 @@ using Log = std::vector<std::string>;
 
 inline constexpr RECT kPlace{10, 20, 110, 70};
 
-/// A window that logs what its handlers and its default procedure get. The log outlives it.
+/// A window that logs the calls of its handlers and its default procedure. The log outlives it.
 class LoggedWindow : public CWnd
 {
   public:
@@ -91,7 +91,7 @@ class FrameworkWindow : public testing::Test
   protected:
     static void SetUpTestSuite() { UseTestWindows(); }
 
-    /// Dispatches messages until none waits, at most `limit` of them.
+    /// Dispatches messages until none is waiting, at most `limit` of them; returns their number.
     static int Pump(int limit = 1000)
     {
         int count = 0;

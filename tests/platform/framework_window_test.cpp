@@ -1,4 +1,4 @@
-// Windows of the framework from creation to their end, the objects of handles, focus, and window classes.
+// Windows of the framework from creation to destruction, the objects of handles, focus, and window classes.
 #include "tests/platform/framework_window.h"
 
 #include <array>
@@ -22,7 +22,7 @@ LRESULT CALLBACK ForeignProcedure(HWND window, UINT message, WPARAM wparam, LPAR
 
 constexpr LPCWSTR kForeignClass = L"framework_window_test foreign";
 
-/// A window that the framework knows nothing of; destroyed with the object.
+/// A window that is unknown to the framework; destroyed with the object.
 class ForeignWindow
 {
   public:
@@ -230,7 +230,7 @@ TEST_F(FrameworkWindow, TwoAtOnceGetTheirOwnMessages)
     EXPECT_THAT(other_log, ElementsAre("timer 2"));
 }
 
-// Windows made while one is created.
+// Windows created during another window's creation.
 
 TEST_F(FrameworkWindow, PlainWindowMadeWhileCreatingHasNoObject)
 {
