@@ -9,6 +9,7 @@
 
 #include "platform/export.h"
 #include "platform/winsys/gl_functions.h"
+#include "platform/winsys/pixel_format.h"
 #include "platform/winsys/winsys.h"
 
 #include <cstddef>
@@ -21,19 +22,6 @@
 
 namespace winsys
 {
-
-/// A pixel format of windows. All formats are RGBA, double-buffered, and drawn to a window by OpenGL with
-/// full acceleration; other formats of a system are left out.
-struct PixelFormat {
-    int red_bits = 8;
-    int green_bits = 8;
-    int blue_bits = 8;
-    int alpha_bits = 8;
-    int depth_bits = 0;
-    int stencil_bits = 0;
-    /// Samples per pixel; 0 if the format is not multisampled.
-    int samples = 0;
-};
 
 /// The description of a window to be created. Windows have no frame of their own, so position and size are
 /// those of the client area, in pixels.

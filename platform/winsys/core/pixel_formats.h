@@ -2,7 +2,8 @@
 // WGL_ARB_pixel_format. Independent of windows.
 #pragma once
 
-#include "platform/winsys/backend.h"
+#include "platform/winsys/pixel_format.h"
+#include "platform/winsys/winsys.h"
 
 #include <optional>
 #include <span>
