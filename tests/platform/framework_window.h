@@ -103,7 +103,7 @@ class FrameworkWindow : public testing::Test
         return count;
     }
 
-    Log log;
+    Log log_;
 };
 
 } // namespace karv_test

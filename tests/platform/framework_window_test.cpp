@@ -47,35 +47,35 @@ class ForeignWindow
 
 TEST_F(FrameworkWindow, NewObjectHasNoWindow)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     EXPECT_EQ(window.m_hWnd, nullptr);
     EXPECT_EQ(window.GetSafeHwnd(), nullptr);
     EXPECT_FALSE(window.DestroyWindow());
     EXPECT_FALSE(window.ShowWindow(SW_SHOW));
     EXPECT_FALSE(window.MoveWindow(kPlace));
     EXPECT_EQ(window.GetParent(), nullptr);
-    EXPECT_TRUE(log.empty());
+    EXPECT_TRUE(log_.empty());
 }
 
 TEST_F(FrameworkWindow, CreationReachesTheHandlersInOrder)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     HWND during = nullptr;
     window.on_create = [&] { during = window.m_hWnd; };
     ASSERT_TRUE(window.Create());
     EXPECT_NE(window.m_hWnd, nullptr);
     EXPECT_EQ(during, window.m_hWnd);
     EXPECT_TRUE(::IsWindow(window.m_hWnd));
-    ASSERT_GE(log.size(), 2U);
-    EXPECT_EQ(log[0], "create 100 50");
-    EXPECT_EQ(log[1], "size 0 100 50");
+    ASSERT_GE(log_.size(), 2U);
+    EXPECT_EQ(log_[0], "create 100 50");
+    EXPECT_EQ(log_[1], "size 0 100 50");
 }
 
 TEST_F(FrameworkWindow, CreationPassesPlaceTitleAndParent)
 {
-    LoggedWindow parent(log);
+    LoggedWindow parent(log_);
     ASSERT_TRUE(parent.Create());
-    LoggedWindow child(log);
+    LoggedWindow child(log_);
     ASSERT_TRUE(child.Create(&parent));
     EXPECT_EQ(child.GetParent(), &parent);
     CRect client;
@@ -89,7 +89,7 @@ TEST_F(FrameworkWindow, CreationPassesPlaceTitleAndParent)
 
 TEST_F(FrameworkWindow, SecondCreationIsRefusedAndKeepsTheFirst)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     ASSERT_TRUE(window.Create());
     const HWND first = window.m_hWnd;
     EXPECT_FALSE(window.Create());
@@ -99,23 +99,23 @@ TEST_F(FrameworkWindow, SecondCreationIsRefusedAndKeepsTheFirst)
 
 TEST_F(FrameworkWindow, UnknownClassIsRefused)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     EXPECT_FALSE(window.CreateEx(0, L"framework_window_test unknown", L"", WS_POPUP, kPlace, nullptr, 0));
     EXPECT_EQ(window.m_hWnd, nullptr);
-    EXPECT_TRUE(log.empty());
+    EXPECT_TRUE(log_.empty());
     EXPECT_TRUE(window.Create()) << "a later creation succeeds";
 }
 
 TEST_F(FrameworkWindow, ChildWithoutAParentIsRefused)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     EXPECT_FALSE(window.CreateEx(0, AfxRegisterWndClass(0), L"", WS_CHILD, kPlace, nullptr, 0));
     EXPECT_EQ(window.m_hWnd, nullptr);
 }
 
 TEST_F(FrameworkWindow, RefusedCreationDoesNotClaimALaterWindow)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     EXPECT_FALSE(window.CreateEx(0, L"framework_window_test unknown", L"", WS_POPUP, kPlace, nullptr, 0));
     const HWND plain = ::CreateWindowExW(0, AfxRegisterWndClass(0), L"", WS_POPUP, 0, 0, 10, 10, nullptr,
                                          nullptr, ::GetModuleHandleW(nullptr), nullptr);
@@ -127,17 +127,17 @@ TEST_F(FrameworkWindow, RefusedCreationDoesNotClaimALaterWindow)
 TEST_F(FrameworkWindow, ClassWithAnotherProcedureIsRefusedAndLeavesNoWindow)
 {
     const ForeignWindow registered;
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     EXPECT_FALSE(window.CreateEx(0, kForeignClass, L"", WS_POPUP, kPlace, nullptr, 0));
     EXPECT_EQ(window.m_hWnd, nullptr);
-    EXPECT_TRUE(log.empty());
+    EXPECT_TRUE(log_.empty());
     EXPECT_NE(last_foreign, registered.handle) << "there was a window";
     EXPECT_FALSE(::IsWindow(last_foreign));
 }
 
 TEST_F(FrameworkWindow, CreationRefusedByAHandlerLeavesNoWindow)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     HWND during = nullptr;
     window.on_create = [&] { during = window.m_hWnd; };
     window.create_result = -1;
@@ -146,22 +146,22 @@ TEST_F(FrameworkWindow, CreationRefusedByAHandlerLeavesNoWindow)
     ASSERT_NE(during, nullptr);
     EXPECT_FALSE(::IsWindow(during));
     EXPECT_EQ(CWnd::FromHandlePermanent(during), nullptr);
-    EXPECT_THAT(log, ElementsAre("create 100 50", "gone"));
+    EXPECT_THAT(log_, ElementsAre("create 100 50", "gone"));
     window.create_result = 0;
     EXPECT_TRUE(window.Create()) << "a later creation succeeds";
 }
 
 TEST_F(FrameworkWindow, DestroyedWindowLeavesTheObject)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     ASSERT_TRUE(window.Create());
     const HWND handle = window.m_hWnd;
-    log.clear();
+    log_.clear();
     EXPECT_TRUE(window.DestroyWindow());
     EXPECT_EQ(window.m_hWnd, nullptr);
     EXPECT_FALSE(::IsWindow(handle));
     EXPECT_EQ(CWnd::FromHandlePermanent(handle), nullptr);
-    EXPECT_THAT(log, ElementsAre("gone"));
+    EXPECT_THAT(log_, ElementsAre("gone"));
     EXPECT_FALSE(window.DestroyWindow());
     EXPECT_TRUE(window.Create());
 }
@@ -170,45 +170,45 @@ TEST_F(FrameworkWindow, DestroyedObjectTakesItsWindowAlongWithoutCallingHandlers
 {
     HWND handle = nullptr;
     {
-        LoggedWindow window(log);
+        LoggedWindow window(log_);
         ASSERT_TRUE(window.Create());
         handle = window.m_hWnd;
-        log.clear();
+        log_.clear();
     }
     EXPECT_FALSE(::IsWindow(handle));
     EXPECT_EQ(CWnd::FromHandlePermanent(handle), nullptr);
-    EXPECT_TRUE(log.empty());
+    EXPECT_TRUE(log_.empty());
 }
 
 TEST_F(FrameworkWindow, ParentDestroyedFirstLeavesTheChildWithoutAWindow)
 {
-    LoggedWindow child(log);
+    LoggedWindow child(log_);
     {
-        LoggedWindow parent(log);
+        LoggedWindow parent(log_);
         ASSERT_TRUE(parent.Create());
         ASSERT_TRUE(child.Create(&parent));
-        log.clear();
+        log_.clear();
     }
     EXPECT_EQ(child.m_hWnd, nullptr);
-    EXPECT_THAT(log, ElementsAre("gone"));
+    EXPECT_THAT(log_, ElementsAre("gone"));
 }
 
 TEST_F(FrameworkWindow, ForeignParentDestroyedFirstLeavesTheChildWithoutAWindow)
 {
-    LoggedWindow child(log);
+    LoggedWindow child(log_);
     {
         const ForeignWindow parent;
         ASSERT_TRUE(child.Create(CWnd::FromHandle(parent.handle)));
         EXPECT_NE(child.m_hWnd, nullptr);
     }
     EXPECT_EQ(child.m_hWnd, nullptr);
-    EXPECT_EQ(log.back(), "gone");
+    EXPECT_EQ(log_.back(), "gone");
 }
 
 TEST_F(FrameworkWindow, HundredInARowLeaveNothing)
 {
     for (int round = 0; round < 100; ++round) {
-        LoggedWindow window(log);
+        LoggedWindow window(log_);
         ASSERT_TRUE(window.Create());
         EXPECT_EQ(CWnd::FromHandlePermanent(window.m_hWnd), &window);
     }
@@ -218,15 +218,15 @@ TEST_F(FrameworkWindow, HundredInARowLeaveNothing)
 TEST_F(FrameworkWindow, TwoAtOnceGetTheirOwnMessages)
 {
     Log other_log;
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     LoggedWindow other(other_log);
     ASSERT_TRUE(window.Create());
     ASSERT_TRUE(other.Create());
-    log.clear();
+    log_.clear();
     other_log.clear();
     ::SendMessageW(window.m_hWnd, WM_TIMER, 1, 0);
     ::SendMessageW(other.m_hWnd, WM_TIMER, 2, 0);
-    EXPECT_THAT(log, ElementsAre("timer 1"));
+    EXPECT_THAT(log_, ElementsAre("timer 1"));
     EXPECT_THAT(other_log, ElementsAre("timer 2"));
 }
 
@@ -234,7 +234,7 @@ TEST_F(FrameworkWindow, TwoAtOnceGetTheirOwnMessages)
 
 TEST_F(FrameworkWindow, PlainWindowMadeWhileCreatingHasNoObject)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     HWND plain = nullptr;
     window.on_create = [&] {
         plain = ::CreateWindowExW(0, AfxRegisterWndClass(CS_OWNDC), L"plain", WS_OVERLAPPED, 0, 0, 10, 10,
@@ -244,17 +244,17 @@ TEST_F(FrameworkWindow, PlainWindowMadeWhileCreatingHasNoObject)
     ASSERT_NE(plain, nullptr);
     EXPECT_NE(plain, window.m_hWnd);
     EXPECT_EQ(CWnd::FromHandlePermanent(plain), nullptr);
-    log.clear();
+    log_.clear();
     ::SendMessageW(plain, WM_TIMER, 1, 0);
-    EXPECT_TRUE(log.empty());
+    EXPECT_TRUE(log_.empty());
     EXPECT_TRUE(::DestroyWindow(plain));
     EXPECT_TRUE(::IsWindow(window.m_hWnd));
 }
 
 TEST_F(FrameworkWindow, ObjectsCreatedInsideOneAnotherGetTheirOwnWindows)
 {
-    LoggedWindow parent(log);
-    LoggedWindow child(log);
+    LoggedWindow parent(log_);
+    LoggedWindow child(log_);
     parent.on_create = [&] { EXPECT_TRUE(child.Create(&parent)); };
     ASSERT_TRUE(parent.Create());
     EXPECT_EQ(CWnd::FromHandlePermanent(parent.m_hWnd), &parent);
@@ -264,7 +264,7 @@ TEST_F(FrameworkWindow, ObjectsCreatedInsideOneAnotherGetTheirOwnWindows)
 
 TEST_F(FrameworkWindow, ExceptionDuringCreationLeavesNoWindow)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     HWND during = nullptr;
     window.on_create = [&] {
         during = window.m_hWnd;
@@ -282,7 +282,7 @@ TEST_F(FrameworkWindow, ExceptionDuringCreationLeavesNoWindow)
 
 TEST_F(FrameworkWindow, HandleOfAnObjectAnswersTheObject)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     ASSERT_TRUE(window.Create());
     EXPECT_EQ(CWnd::FromHandle(window.m_hWnd), &window);
     EXPECT_EQ(CWnd::FromHandlePermanent(window.m_hWnd), &window);
@@ -315,7 +315,7 @@ TEST_F(FrameworkWindow, DroppingTemporaryObjectsKeepsTheirWindows)
 
 TEST_F(FrameworkWindow, DroppingTemporaryObjectsKeepsTheOthers)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     ASSERT_TRUE(window.Create());
     CWnd::DeleteTempMap();
     EXPECT_EQ(CWnd::FromHandle(window.m_hWnd), &window);
@@ -342,10 +342,10 @@ TEST_F(FrameworkWindow, TemporaryObjectOfAWindowThatIsGoneIsHarmless)
 
 TEST_F(FrameworkWindow, FocusAnswersTheWindowThatHadIt)
 {
-    LoggedWindow parent(log);
+    LoggedWindow parent(log_);
     ASSERT_TRUE(parent.Create());
-    LoggedWindow one(log);
-    LoggedWindow other(log);
+    LoggedWindow one(log_);
+    LoggedWindow other(log_);
     ASSERT_TRUE(one.Create(&parent));
     ASSERT_TRUE(other.Create(&parent));
     one.SetFocus();
@@ -356,10 +356,10 @@ TEST_F(FrameworkWindow, FocusAnswersTheWindowThatHadIt)
 
 TEST_F(FrameworkWindow, FocusOfAnObjectWithoutAWindowTakesItFromNobody)
 {
-    LoggedWindow window(log);
+    LoggedWindow window(log_);
     ASSERT_TRUE(window.Create());
     window.SetFocus();
-    LoggedWindow none(log);
+    LoggedWindow none(log_);
     EXPECT_EQ(none.SetFocus(), nullptr);
     EXPECT_EQ(::GetFocus(), window.m_hWnd);
 }
