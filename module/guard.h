@@ -29,8 +29,8 @@ struct FixedText {
 template <FixedText Name>
 consteval auto ClassOf()
 {
-    // NOTE: gcc 12 with sanitizers takes no comparison of pointers into a template argument as constant,
-    // which the searches of the standard library make.
+    // NOTE: with sanitizers, gcc 12 does not accept the standard library's searches in a template argument as
+    // constant expressions.
     constexpr std::size_t kLength = [] {
         std::size_t length = 0;
         while (Name.text[length] != L':' || Name.text[length + 1] != L':')
@@ -42,9 +42,10 @@ consteval auto ClassOf()
     return FixedText(text);
 }
 
-/// The file that fault reports of a class name: ".\Class.cpp", whichever source the operation is in.
+/// ".\Class.cpp" for a class.
 template <FixedText Class>
-inline constexpr auto kFaultFile = [] {
+consteval auto FileOf()
+{
     constexpr wchar_t kBefore[] = L".\\";
     constexpr wchar_t kAfter[] = L".cpp";
     wchar_t text[std::size(kBefore) + std::size(Class.text) + std::size(kAfter) - 2] = {};
@@ -52,7 +53,11 @@ inline constexpr auto kFaultFile = [] {
     end = std::ranges::copy(std::wstring_view(Class.text), end).out;
     std::ranges::copy(std::wstring_view(kAfter), end);
     return FixedText(text);
-}();
+}
+
+/// The file that fault reports of a class name, whichever of the class's sources the operation is in.
+template <FixedText Class>
+inline constexpr auto kFaultFile = FileOf<Class>();
 
 /// The number that an operation's fault reports add to its line in the source.
 ///
