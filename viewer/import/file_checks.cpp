@@ -97,7 +97,7 @@ void CheckBinaryGltf(const std::string& path, std::istream& stream, std::uintmax
 /// One element of a PLY header.
 struct PlyElement {
     std::uintmax_t count = 0;
-    std::uintmax_t least_bytes = 0; ///< of one such element in a binary file; lists count as empty
+    std::uintmax_t min_bytes = 0; ///< of one such element in a binary file; lists count as empty
 };
 
 std::uintmax_t PlyTypeSize(const std::string& type)
@@ -133,7 +133,7 @@ void ReadPlyHeaderLine(PlyHeader& header, const std::string& line)
         words >> count_type;
         type = count_type;
     }
-    header.elements.back().least_bytes += PlyTypeSize(type);
+    header.elements.back().min_bytes += PlyTypeSize(type);
 }
 
 void CheckPly(const std::string& path, std::istream& stream, std::uintmax_t size)
@@ -162,9 +162,9 @@ void CheckPly(const std::string& path, std::istream& stream, std::uintmax_t size
     const auto body = size - static_cast<std::uintmax_t>(stream.tellg());
     std::uintmax_t expected = 0;
     for (const PlyElement& element : header.elements) {
-        if (element.least_bytes != 0 && element.count > size / element.least_bytes)
+        if (element.min_bytes != 0 && element.count > size / element.min_bytes)
             ThrowTruncated(path, "says to hold " + std::to_string(element.count) + " elements");
-        expected += element.count * element.least_bytes;
+        expected += element.count * element.min_bytes;
     }
     if (body < expected)
         ThrowTruncated(path,

@@ -1,4 +1,4 @@
-#include "viewer/import/brep/document.h"
+#include "viewer/import/brep/bodies.h"
 
 #include "platform/host/cm/color.h"
 #include "viewer/text/file_error.h"
@@ -146,10 +146,10 @@ struct Inherited {
     std::string name;       ///< of the instance, where it has one
 };
 
-class TreeWalk
+class AssemblyWalk
 {
   public:
-    explicit TreeWalk(const Handle(TDocStd_Document) & document)
+    explicit AssemblyWalk(const Handle(TDocStd_Document) & document)
         : shapes_(XCAFDoc_DocumentTool::ShapeTool(document->Main())),
           colors_(XCAFDoc_DocumentTool::ColorTool(document->Main()))
     {
@@ -341,7 +341,7 @@ class TreeWalk
 
 } // namespace
 
-BrepContent ReadBrep(const std::string& path, BrepKind kind, const Message_ProgressRange& progress)
+BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const Message_ProgressRange& progress)
 {
     Document document;
     switch (kind) {
@@ -355,7 +355,7 @@ BrepContent ReadBrep(const std::string& path, BrepKind kind, const Message_Progr
         ReadShape(path, document.Get(), progress);
         break;
     }
-    return TreeWalk(document.Get()).Walk();
+    return AssemblyWalk(document.Get()).Walk();
 }
 
 } // namespace viewer

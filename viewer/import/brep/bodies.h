@@ -53,7 +53,7 @@ struct BrepContent {
 /// A body that reaches into infinity is left out too.
 ///
 /// Throws FileError, or what the library throws.
-[[nodiscard]] BrepContent ReadBrep(const std::string& path, BrepKind kind,
+[[nodiscard]] BrepContent ReadBrepContent(const std::string& path, BrepKind kind,
                                    const Message_ProgressRange& progress);
 
 } // namespace viewer

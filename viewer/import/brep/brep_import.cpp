@@ -1,9 +1,9 @@
 #include "viewer/import/brep/brep_import.h"
 
 #include "platform/host/cm/color.h"
-#include "viewer/import/brep/document.h"
+#include "viewer/import/brep/bodies.h"
 #include "viewer/import/brep/file_kind.h"
-#include "viewer/import/brep/surface.h"
+#include "viewer/import/brep/faceted_body.h"
 #include "viewer/text/file_error.h"
 
 #include <BRepBndLib.hxx>
@@ -178,7 +178,7 @@ class BrepConverter
     }
 
     struct Faceted {
-        std::unique_ptr<BrepSurface> surface;
+        std::unique_ptr<FacetedBody> surface;
         std::vector<std::pair<BrepColor, double>> areas; ///< of faces with colours of their own
         double plain_area = 0.0;
     };
@@ -186,7 +186,7 @@ class BrepConverter
     Faceted Facet(const BrepBody& body) const
     {
         Faceted faceted;
-        faceted.surface = std::make_unique<BrepSurface>(body.placement, tolerance_);
+        faceted.surface = std::make_unique<FacetedBody>(body.placement, tolerance_);
         for (TopExp_Explorer it(body.shape, TopAbs_FACE); it.More(); it.Next()) {
             const double area = faceted.surface->AddFace(TopoDS::Face(it.Current()));
             const BrepColor* color = body.labels->colors.Seek(it.Current());
@@ -329,7 +329,7 @@ Model Read(const std::string& path, BrepKind kind, const ImportOptions& options,
     const QuietLibrary quiet;
     const Handle(Message_ProgressIndicator) indicator = new LibraryProgress(report);
     Message_ProgressScope scope(indicator->Start(), nullptr, 1.0);
-    BrepContent content = ReadBrep(path, kind, scope.Next(0.5));
+    BrepContent content = ReadBrepContent(path, kind, scope.Next(0.5));
     if (content.bodies.empty())
         throw FileError(path, "holds no geometry that is finite");
     return BrepConverter(path, std::move(content)).Convert(options, scope.Next(0.5));

@@ -48,7 +48,7 @@ class ConvexJoiner
     void Join(const std::function<bool(int, int)>& must_stay)
     {
         for (const std::size_t edge : InnerEdges())
-            if (!must_stay(edges_[edge].from, To(edge)) && CanGo(edge))
+            if (!must_stay(edges_[edge].from, To(edge)) && CanBeRemoved(edge))
                 Remove(edge);
     }
 
@@ -121,7 +121,7 @@ class ConvexJoiner
         return sine > kStraight * size || (sine >= -kStraight * size && Dot(in, out) > 0.0);
     }
 
-    bool CanGo(std::size_t edge)
+    bool CanBeRemoved(std::size_t edge)
     {
         const std::size_t twin = edges_[edge].twin;
         if (PolygonOf(edge) == PolygonOf(twin))
@@ -155,7 +155,7 @@ class ConvexJoiner
 
 } // namespace
 
-std::vector<FacetCorners> JoinIntoConvex(const std::vector<std::array<int, 3>>& triangles,
+std::vector<FacetCorners> JoinIntoConvexPolygons(const std::vector<std::array<int, 3>>& triangles,
                                          const std::function<Point(int)>& point_of, const Point& normal,
                                          const std::function<bool(int, int)>& must_stay)
 {

@@ -19,7 +19,7 @@ using FacetCorners = std::vector<int>;
 /// kept. Edges at which more than two triangles meet stay, and so do those for which `must_stay` holds, asked
 /// in either direction. Each triangle has three different corners, and runs counter-clockwise about the
 /// normal or has no area.
-[[nodiscard]] std::vector<FacetCorners> JoinIntoConvex(const std::vector<std::array<int, 3>>& triangles,
+[[nodiscard]] std::vector<FacetCorners> JoinIntoConvexPolygons(const std::vector<std::array<int, 3>>& triangles,
                                                        const std::function<Point(int)>& point_of,
                                                        const Point& normal,
                                                        const std::function<bool(int, int)>& must_stay);

@@ -1,4 +1,4 @@
-#include "viewer/import/brep/surface.h"
+#include "viewer/import/brep/faceted_body.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepAdaptor_Surface.hxx>
@@ -116,19 +116,19 @@ int CornerNumbers::NumberOf(const Point& point)
     return entry->second;
 }
 
-int BrepSurface::NumberOf(const gp_Pnt& point, const gp_Trsf& placement)
+int FacetedBody::NumberOf(const gp_Pnt& point, const gp_Trsf& placement)
 {
     return corners_.NumberOf(ToPoint(point.Transformed(placement)));
 }
 
-BrepSurface::OwnEdge& BrepSurface::EdgeOf(const TopoDS_Edge& edge)
+FacetedBody::OwnEdge& FacetedBody::EdgeOf(const TopoDS_Edge& edge)
 {
     if (OwnEdge* known = edges_.ChangeSeek(edge))
         return *known;
     return edges_.ChangeFromIndex(edges_.Add(edge, {}));
 }
 
-void BrepSurface::SetEnds(const TopoDS_Edge& edge, std::vector<int>& corners)
+void FacetedBody::SetEnds(const TopoDS_Edge& edge, std::vector<int>& corners)
 {
     const auto forward = TopoDS::Edge(edge.Oriented(TopAbs_FORWARD));
     const TopoDS_Vertex first = TopExp::FirstVertex(forward);
@@ -139,7 +139,7 @@ void BrepSurface::SetEnds(const TopoDS_Edge& edge, std::vector<int>& corners)
         corners.back() = NumberOf(BRep_Tool::Pnt(last), placement_);
 }
 
-std::vector<int> BrepSurface::CutEdge(const TopoDS_Edge& edge)
+std::vector<int> FacetedBody::CutEdge(const TopoDS_Edge& edge)
 {
     std::vector<int> corners;
     for (const gp_Pnt& point : CutCurve(edge, tolerance_))
@@ -149,7 +149,7 @@ std::vector<int> BrepSurface::CutEdge(const TopoDS_Edge& edge)
     return corners;
 }
 
-void BrepSurface::NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* mesh, const gp_Trsf& placement,
+void FacetedBody::NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* mesh, const gp_Trsf& placement,
                             std::vector<int>& corner_of_node)
 {
     TopLoc_Location location;
@@ -183,7 +183,7 @@ void BrepSurface::NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* m
     }
 }
 
-BrepSurface::Triangles BrepSurface::TrianglesOf(const Poly_Triangulation& mesh,
+FacetedBody::Triangles FacetedBody::TrianglesOf(const Poly_Triangulation& mesh,
                                                 const std::vector<int>& corner_of_node, bool turn) const
 {
     Triangles triangles;
@@ -203,7 +203,7 @@ BrepSurface::Triangles BrepSurface::TrianglesOf(const Poly_Triangulation& mesh,
     return triangles;
 }
 
-double BrepSurface::AddFace(const TopoDS_Face& face)
+double FacetedBody::AddFace(const TopoDS_Face& face)
 {
     TopLoc_Location location;
     const auto& mesh = BRep_Tool::Triangulation(face, location);
@@ -229,7 +229,7 @@ double BrepSurface::AddFace(const TopoDS_Face& face)
     return size;
 }
 
-void BrepSurface::AddFacets(const TopoDS_Face& face, const Triangles& triangles, const Point& area)
+void FacetedBody::AddFacets(const TopoDS_Face& face, const Triangles& triangles, const Point& area)
 {
     const double length = Length(area);
     const Point normal = length > 0.0 ? area * (1.0 / length) : Point{0.0, 0.0, 1.0};
@@ -237,7 +237,7 @@ void BrepSurface::AddFacets(const TopoDS_Face& face, const Triangles& triangles,
         const std::set<std::pair<int, int>> own = OwnSegmentsOf(face);
         const auto point_of = [this](int corner) { return corners_.At(corner); };
         const auto must_stay = [&](int a, int b) { return own.contains(std::minmax(a, b)); };
-        for (FacetCorners& corners : JoinIntoConvex(triangles, point_of, normal, must_stay))
+        for (FacetCorners& corners : JoinIntoConvexPolygons(triangles, point_of, normal, must_stay))
             facets_.push_back({std::move(corners), normal});
         return;
     }
@@ -245,7 +245,7 @@ void BrepSurface::AddFacets(const TopoDS_Face& face, const Triangles& triangles,
         facets_.push_back({{triangle.begin(), triangle.end()}, normal});
 }
 
-std::set<std::pair<int, int>> BrepSurface::OwnSegmentsOf(const TopoDS_Face& face)
+std::set<std::pair<int, int>> FacetedBody::OwnSegmentsOf(const TopoDS_Face& face)
 {
     std::set<std::pair<int, int>> segments;
     for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next()) {
@@ -256,7 +256,7 @@ std::set<std::pair<int, int>> BrepSurface::OwnSegmentsOf(const TopoDS_Face& face
     return segments;
 }
 
-bool BrepSurface::Closes() const
+bool FacetedBody::Closes() const
 {
     std::unordered_set<std::uint64_t> sides;
     for (const Facet& facet : facets_)
@@ -269,7 +269,7 @@ bool BrepSurface::Closes() const
     });
 }
 
-double BrepSurface::SignedVolume() const
+double FacetedBody::SignedVolume() const
 {
     const Point origin = corners_.At(facets_.front().corners.front());
     double sixfold = 0.0;
@@ -282,7 +282,7 @@ double BrepSurface::SignedVolume() const
     return sixfold / 6.0;
 }
 
-void BrepSurface::MoveTo(Piece& piece)
+void FacetedBody::MoveTo(Piece& piece)
 {
     const bool closes = Closes();
     const bool is_inside_out = closes && SignedVolume() < 0.0;

@@ -52,16 +52,16 @@ struct BrepTolerance {
 /// Collects the faces of one solid, or of what is not one. Edges that divide a face from itself (the seams of
 /// closed surfaces, where these are smooth) and those without a length (the tip of a cone) are none of its
 /// own; all others are, smooth or not.
-class BrepSurface
+class FacetedBody
 {
   public:
     /// Points are moved by `placement`; a mirroring one is allowed.
-    BrepSurface(const gp_Trsf& placement, const BrepTolerance& tolerance)
+    FacetedBody(const gp_Trsf& placement, const BrepTolerance& tolerance)
         : placement_(placement), tolerance_(tolerance)
     {
     }
-    BrepSurface(const BrepSurface&) = delete;
-    BrepSurface& operator=(const BrepSurface&) = delete;
+    FacetedBody(const FacetedBody&) = delete;
+    FacetedBody& operator=(const FacetedBody&) = delete;
 
     /// Facets of the face. One without a mesh has none, but edges all the same. Returns its area, by the
     /// mesh.

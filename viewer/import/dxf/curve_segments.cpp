@@ -28,10 +28,10 @@ double LongerRadius(const EllipticArc& arc)
 int CountSegments(const EllipticArc& arc, double tolerance)
 {
     // Half the step is s away from the chord's middle by radius (1 - cos s) = 2 radius sin^2(s / 2).
-    constexpr double kWidestStep = kFullTurn / 8.0;
+    constexpr double kMaxStep = kFullTurn / 8.0;
     const double radius = LongerRadius(arc);
     const double ratio = radius > 0.0 ? tolerance / (2.0 * radius) : 1.0;
-    const double step = std::min(kWidestStep, 4.0 * std::asin(std::sqrt(std::clamp(ratio, 0.0, 1.0))));
+    const double step = std::min(kMaxStep, 4.0 * std::asin(std::sqrt(std::clamp(ratio, 0.0, 1.0))));
     // A little less, so that a sweep of whole steps is not cut once more for its last digit.
     const double count = step > 0.0 ? std::ceil(arc.sweep / step - 1e-9) : kMaxSegmentsPerCurve;
     return static_cast<int>(std::clamp(count, 1.0, static_cast<double>(kMaxSegmentsPerCurve)));

@@ -7,13 +7,13 @@
 namespace viewer
 {
 
-std::pair<std::size_t, bool> DxfNames::Number(std::string_view name)
+std::pair<std::size_t, bool> DxfNameNumbers::Number(std::string_view name)
 {
     const auto [entry, is_new] = numbers_.emplace(LowerCase(name), numbers_.size());
     return {entry->second, is_new};
 }
 
-std::size_t DxfDrawing::LayerNamed(std::string_view name)
+std::size_t DxfDrawing::LayerNumber(std::string_view name)
 {
     const auto [number, is_new] = layer_names_.Number(name);
     if (is_new)
@@ -21,7 +21,7 @@ std::size_t DxfDrawing::LayerNamed(std::string_view name)
     return number;
 }
 
-std::size_t DxfDrawing::BlockNamed(std::string_view name)
+std::size_t DxfDrawing::BlockNumber(std::string_view name)
 {
     const auto [number, is_new] = block_names_.Number(name);
     if (is_new)

@@ -64,7 +64,7 @@ struct DxfBlock {
 };
 
 /// Numbers for names, in the order of their coming; capitals do not count in drawings.
-class DxfNames
+class DxfNameNumbers
 {
   public:
     /// The number of the name, and whether it is new.
@@ -82,12 +82,12 @@ class DxfDrawing
     std::vector<DxfEntity> entities; ///< outside of blocks
 
     /// The number of the layer with this name, which is made where there is none yet.
-    std::size_t LayerNamed(std::string_view name);
-    std::size_t BlockNamed(std::string_view name);
+    std::size_t LayerNumber(std::string_view name);
+    std::size_t BlockNumber(std::string_view name);
 
   private:
-    DxfNames layer_names_;
-    DxfNames block_names_;
+    DxfNameNumbers layer_names_;
+    DxfNameNumbers block_names_;
 };
 
 } // namespace viewer

@@ -1,4 +1,4 @@
-#include "viewer/import/dxf/builder.h"
+#include "viewer/import/dxf/drawing_builder.h"
 
 #include "platform/host/cm/color.h"
 #include "viewer/import/dxf/extrusion_frame.h"
@@ -52,21 +52,21 @@ double Radians(double degrees)
 
 } // namespace
 
-DxfBuilder::DxfBuilder(std::string path, DxfDrawing& drawing) : path_(std::move(path)), drawing_(drawing) {}
+DxfDrawingBuilder::DxfDrawingBuilder(std::string path, DxfDrawing& drawing) : path_(std::move(path)), drawing_(drawing) {}
 
-void DxfBuilder::Fail(std::size_t line, const std::string& reason) const
+void DxfDrawingBuilder::Fail(std::size_t line, const std::string& reason) const
 {
     throw FileError(path_, "line " + std::to_string(line) + ": " + reason);
 }
 
-void DxfBuilder::Begin(const DxfEntityHead& head)
+void DxfDrawingBuilder::Begin(const DxfEntityHead& head)
 {
     finished_ = std::exchange(current_, head);
     TakeFaceRecord();
 }
 
 /// The library passes over the vertices of a polyface mesh that are its faces.
-void DxfBuilder::TakeFaceRecord()
+void DxfDrawingBuilder::TakeFaceRecord()
 {
     constexpr int kFace = 128;
     constexpr int kLocation = 64;
@@ -75,28 +75,28 @@ void DxfBuilder::TakeFaceRecord()
         polyline_->polyline.face_records.push_back({a, b, c, d});
 }
 
-int DxfBuilder::EntityColor()
+int DxfDrawingBuilder::EntityColor()
 {
     return ColorOf(getAttributes());
 }
 
-Affine DxfBuilder::Frame()
+Affine DxfDrawingBuilder::Frame()
 {
     const double* direction = getExtrusion()->getDirection();
     return FrameOfExtrusion({direction[0], direction[1], direction[2]});
 }
 
-void DxfBuilder::Add(decltype(DxfEntity::shape) shape)
+void DxfDrawingBuilder::Add(decltype(DxfEntity::shape) shape)
 {
     std::vector<DxfEntity>& entities = block_ ? drawing_.blocks[*block_].entities : drawing_.entities;
     entities.push_back(
-        {std::move(shape), drawing_.LayerNamed(getAttributes().getLayer()), EntityColor(), finished_.line});
+        {std::move(shape), drawing_.LayerNumber(getAttributes().getLayer()), EntityColor(), finished_.line});
 }
 
-void DxfBuilder::addLayer(const DL_LayerData& data)
+void DxfDrawingBuilder::addLayer(const DL_LayerData& data)
 {
     constexpr int kFrozen = 1;
-    DxfLayer& layer = drawing_.layers[drawing_.LayerNamed(data.name)];
+    DxfLayer& layer = drawing_.layers[drawing_.LayerNumber(data.name)];
     // The sign says that the layer is off, in the index alone.
     const DL_Attributes entry = getAttributes();
     const bool is_off = data.off || entry.getColor() < 0;
@@ -107,26 +107,26 @@ void DxfBuilder::addLayer(const DL_LayerData& data)
     layer.is_frozen = (data.flags & kFrozen) != 0;
 }
 
-void DxfBuilder::addBlock(const DL_BlockData& data)
+void DxfDrawingBuilder::addBlock(const DL_BlockData& data)
 {
-    block_ = drawing_.BlockNamed(data.name);
+    block_ = drawing_.BlockNumber(data.name);
     DxfBlock& block = drawing_.blocks[*block_];
     block.is_defined = true;
     block.base = {data.bpx, data.bpy, data.bpz};
     block.entities.clear();
 }
 
-void DxfBuilder::endBlock()
+void DxfDrawingBuilder::endBlock()
 {
     block_.reset();
 }
 
-void DxfBuilder::addLine(const DL_LineData& data)
+void DxfDrawingBuilder::addLine(const DL_LineData& data)
 {
     Add(Segment{{data.x1, data.y1, data.z1}, {data.x2, data.y2, data.z2}});
 }
 
-void DxfBuilder::addArc(const DL_ArcData& data)
+void DxfDrawingBuilder::addArc(const DL_ArcData& data)
 {
     const Affine frame = Frame();
     const double radius = std::abs(data.radius);
@@ -135,7 +135,7 @@ void DxfBuilder::addArc(const DL_ArcData& data)
                     SweepBetween(start, Radians(data.angle2))});
 }
 
-void DxfBuilder::addCircle(const DL_CircleData& data)
+void DxfDrawingBuilder::addCircle(const DL_CircleData& data)
 {
     const Affine frame = Frame();
     const double radius = std::abs(data.radius);
@@ -143,7 +143,7 @@ void DxfBuilder::addCircle(const DL_CircleData& data)
                     kFullTurn});
 }
 
-void DxfBuilder::addEllipse(const DL_EllipseData& data)
+void DxfDrawingBuilder::addEllipse(const DL_EllipseData& data)
 {
     const Point major{data.mx, data.my, data.mz};
     const Point minor = Cross(Frame().z, major) * data.ratio;
@@ -151,10 +151,10 @@ void DxfBuilder::addEllipse(const DL_EllipseData& data)
         {data.cx, data.cy, data.cz}, major, minor, data.angle1, SweepBetween(data.angle1, data.angle2)});
 }
 
-void DxfBuilder::addPolyline(const DL_PolylineData& data)
+void DxfDrawingBuilder::addPolyline(const DL_PolylineData& data)
 {
     OpenPolyline& open = polyline_.emplace();
-    open.entity = {{}, drawing_.LayerNamed(getAttributes().getLayer()), EntityColor(), finished_.line};
+    open.entity = {{}, drawing_.LayerNumber(getAttributes().getLayer()), EntityColor(), finished_.line};
     DxfPolyline& polyline = open.polyline;
     polyline.flags = data.flags;
     const bool is_light = finished_.kind == "LWPOLYLINE";
@@ -170,7 +170,7 @@ void DxfBuilder::addPolyline(const DL_PolylineData& data)
     }
 }
 
-void DxfBuilder::addVertex(const DL_VertexData& data)
+void DxfDrawingBuilder::addVertex(const DL_VertexData& data)
 {
     const bool is_frame =
         finished_.kind == "VERTEX" && (finished_.integers[0] & DxfPolyline::kFrameVertex) != 0;
@@ -178,12 +178,12 @@ void DxfBuilder::addVertex(const DL_VertexData& data)
         polyline_->polyline.vertices.push_back({{data.x, data.y, data.z}, data.bulge});
 }
 
-void DxfBuilder::endSequence()
+void DxfDrawingBuilder::endSequence()
 {
     FinishPolyline();
 }
 
-void DxfBuilder::endEntity()
+void DxfDrawingBuilder::endEntity()
 {
     if (finished_.kind == "LWPOLYLINE")
         FinishPolyline();
@@ -191,7 +191,7 @@ void DxfBuilder::endEntity()
         FinishSpline();
 }
 
-void DxfBuilder::FinishPolyline()
+void DxfDrawingBuilder::FinishPolyline()
 {
     if (!polyline_)
         return;
@@ -206,7 +206,7 @@ void DxfBuilder::FinishPolyline()
     }
 }
 
-void DxfBuilder::addSpline(const DL_SplineData& data)
+void DxfDrawingBuilder::addSpline(const DL_SplineData& data)
 {
     OpenSpline& open = spline_.emplace();
     open.spline.degree = static_cast<int>(data.degree);
@@ -215,7 +215,7 @@ void DxfBuilder::addSpline(const DL_SplineData& data)
     open.end_tangent = {data.tangentEndX, data.tangentEndY, data.tangentEndZ};
 }
 
-void DxfBuilder::addControlPoint(const DL_ControlPointData& data)
+void DxfDrawingBuilder::addControlPoint(const DL_ControlPointData& data)
 {
     if (!spline_)
         return;
@@ -223,19 +223,19 @@ void DxfBuilder::addControlPoint(const DL_ControlPointData& data)
     spline_->spline.weights.push_back(data.w);
 }
 
-void DxfBuilder::addFitPoint(const DL_FitPointData& data)
+void DxfDrawingBuilder::addFitPoint(const DL_FitPointData& data)
 {
     if (spline_)
         spline_->fit_points.push_back({data.x, data.y, data.z});
 }
 
-void DxfBuilder::addKnot(const DL_KnotData& data)
+void DxfDrawingBuilder::addKnot(const DL_KnotData& data)
 {
     if (spline_)
         spline_->spline.knots.push_back(data.k);
 }
 
-void DxfBuilder::FinishSpline()
+void DxfDrawingBuilder::FinishSpline()
 {
     if (!spline_)
         return;
@@ -245,7 +245,7 @@ void DxfBuilder::FinishSpline()
     if (spline.points.empty())
         spline =
             SplineThrough(std::move(open.fit_points), open.start_tangent, open.end_tangent, open.is_closed);
-    else if (spline.knots.empty() && spline.degree >= 1 && spline.degree <= kHighestDegree &&
+    else if (spline.knots.empty() && spline.degree >= 1 && spline.degree <= kMaxSplineDegree &&
              spline.points.size() > static_cast<std::size_t>(spline.degree))
         spline.knots = EvenKnots(spline.degree, spline.points.size());
     if (spline.points.empty())
@@ -255,10 +255,10 @@ void DxfBuilder::FinishSpline()
     Add(std::move(spline));
 }
 
-void DxfBuilder::addInsert(const DL_InsertData& data)
+void DxfDrawingBuilder::addInsert(const DL_InsertData& data)
 {
     DxfInsert insert;
-    insert.block = drawing_.BlockNamed(data.name);
+    insert.block = drawing_.BlockNumber(data.name);
     const Affine place = Frame() * Translation({data.ipx, data.ipy, data.ipz}) * RotationAboutZ(data.angle);
     insert.placement = place * Scaling(data.sx, data.sy, data.sz);
     insert.columns = std::max(1, data.cols);
@@ -269,7 +269,7 @@ void DxfBuilder::addInsert(const DL_InsertData& data)
 }
 
 /// Where the fourth corner is left out the library puts it at the origin.
-DxfFace DxfBuilder::FaceOf(const DL_TraceData& data, const Affine& frame) const
+DxfFace DxfDrawingBuilder::FaceOf(const DL_TraceData& data, const Affine& frame) const
 {
     DxfFace face;
     face.count = finished_.has_fourth_corner ? 4 : 3;
@@ -279,7 +279,7 @@ DxfFace DxfBuilder::FaceOf(const DL_TraceData& data, const Affine& frame) const
 }
 
 /// The third corner lies across from the first's neighbour: these are drawn as bands.
-void DxfBuilder::AddBand(const DL_TraceData& data)
+void DxfDrawingBuilder::AddBand(const DL_TraceData& data)
 {
     DxfFace face = FaceOf(data, Frame());
     if (face.count == 4)
@@ -287,17 +287,17 @@ void DxfBuilder::AddBand(const DL_TraceData& data)
     Add(face);
 }
 
-void DxfBuilder::addTrace(const DL_TraceData& data)
+void DxfDrawingBuilder::addTrace(const DL_TraceData& data)
 {
     AddBand(data);
 }
 
-void DxfBuilder::addSolid(const DL_SolidData& data)
+void DxfDrawingBuilder::addSolid(const DL_SolidData& data)
 {
     AddBand(data);
 }
 
-void DxfBuilder::add3dFace(const DL_3dFaceData& data)
+void DxfDrawingBuilder::add3dFace(const DL_3dFaceData& data)
 {
     DxfFace face = FaceOf(data, Affine{});
     for (std::size_t i = 0; i < 4; ++i)

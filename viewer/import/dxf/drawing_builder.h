@@ -31,11 +31,11 @@ struct OpenPolyline {
 };
 
 /// Throws FileError out of the library's calls, naming the file and the line where the entity begins.
-class DxfBuilder final : public DL_CreationAdapter
+class DxfDrawingBuilder final : public DL_CreationAdapter
 {
   public:
     /// `drawing` must outlive the object.
-    DxfBuilder(std::string path, DxfDrawing& drawing);
+    DxfDrawingBuilder(std::string path, DxfDrawing& drawing);
 
     /// The library is about to get this entity; it has not yet added the one before.
     void Begin(const DxfEntityHead& head);

@@ -1,9 +1,9 @@
 #include "viewer/import/dxf/dxf_import.h"
 
-#include "viewer/import/dxf/builder.h"
+#include "viewer/import/dxf/drawing_builder.h"
 #include "viewer/import/dxf/entity_stream.h"
-#include "viewer/import/dxf/pieces.h"
-#include "viewer/import/dxf/placement.h"
+#include "viewer/import/dxf/piece_builder.h"
+#include "viewer/import/dxf/placed_entities.h"
 #include "viewer/import/file_checks.h"
 #include "viewer/text/file_error.h"
 
@@ -28,7 +28,7 @@ constexpr double kReadingShare = 0.8;
 
 struct DrawingFile {
     DxfDrawing drawing;
-    std::map<std::string, std::size_t> left_out;
+    std::map<std::string, std::size_t> skipped;
     std::optional<double> meters_per_unit;
 };
 
@@ -71,7 +71,7 @@ DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progres
             progress(kReadingShare * part);
     };
     DrawingFile file;
-    DxfBuilder builder(path, file.drawing);
+    DxfDrawingBuilder builder(path, file.drawing);
     const std::function<void(const DxfEntityHead&)> begin = [&](const DxfEntityHead& head) {
         builder.Begin(head);
     };
@@ -79,24 +79,24 @@ DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progres
     std::istream stream(&text);
     DL_Dxf().in(stream, &builder);
     text.RethrowFault();
-    file.left_out = text.LeftOut();
+    file.skipped = text.SkippedEntities();
     file.meters_per_unit = MetersPerUnit(text.UnitNumber());
     return file;
 }
 
 /// Why a drawing shows nothing, out of what it holds.
-std::string NothingShown(const DrawingFile& file)
+std::string ReasonForNothing(const DrawingFile& file)
 {
     constexpr std::size_t kMaxKinds = 5;
     constexpr std::size_t kMaxKindLength = 30;
     if (!file.drawing.entities.empty())
         return "shows nothing: its " + std::to_string(file.drawing.entities.size()) +
                " entities are on layers that are off or frozen, or have no extent";
-    if (file.left_out.empty())
+    if (file.skipped.empty())
         return "holds no entities";
     std::string kinds;
     std::size_t named = 0;
-    for (const auto& [kind, count] : file.left_out) {
+    for (const auto& [kind, count] : file.skipped) {
         kinds += named == 0 ? "" : ", ";
         if (++named > kMaxKinds) {
             kinds += "...";
@@ -107,7 +107,7 @@ std::string NothingShown(const DrawingFile& file)
     return "holds nothing that can be shown, only " + kinds;
 }
 
-Box ExtentsOf(const std::string& path, DxfPlacement& placement)
+Box ExtentsOf(const std::string& path, DxfPlacedEntities& placement)
 {
     Box box;
     placement.ForEach([&](const PlacedEntity& placed) {
@@ -123,16 +123,16 @@ Box ExtentsOf(const std::string& path, DxfPlacement& placement)
 Model Read(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
 {
     const DrawingFile file = ReadDrawing(path, progress);
-    DxfPlacement placement(path, file.drawing);
+    DxfPlacedEntities placement(path, file.drawing);
     const Box box = ExtentsOf(path, placement);
     if (box.IsEmpty())
-        throw FileError(path, NothingShown(file));
-    DxfPieces pieces(path, file.drawing, placement,
+        throw FileError(path, ReasonForNothing(file));
+    DxfPieceBuilder pieces(path, file.drawing, placement,
                      options.deflection.value_or(kRelativeDeflection * box.Diagonal()));
     placement.ForEach([&](const PlacedEntity& placed) { pieces.Add(placed); });
     Model model = pieces.Finish();
     if (model.pieces.empty())
-        throw FileError(path, NothingShown(file));
+        throw FileError(path, ReasonForNothing(file));
     model.meters_per_unit = file.meters_per_unit;
     if (progress)
         progress(1.0);

@@ -20,7 +20,7 @@ namespace viewer
 /// The title is the file's name without folders.
 ///
 /// Throws FileError, with the line where known, where the file cannot be read, is binary, no DXF file,
-/// truncated or damaged, inserts a block into itself or blows up beyond what `DxfPlacement` and `DxfPieces`
+/// truncated or damaged, inserts a block into itself or blows up beyond what `DxfPlacedEntities` and `DxfPieceBuilder`
 /// allow, or where it shows nothing.
 [[nodiscard]] Model ImportDxf(const std::string& path, const ImportOptions& options,
                               const ProgressFunction& progress = {});

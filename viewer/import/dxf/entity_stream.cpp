@@ -157,7 +157,7 @@ void DxfEntityStream::ServeNext()
     const std::size_t line = next_.line;
     const std::string name = std::move(next_.value);
     if (name == "EOF" || name == "SECTION" || name == "ENDSEC")
-        CloseWhatIsOpen({});
+        CloseOpenSequences({});
     if (name == "EOF") {
         has_ended_ = true;
         on_entity_({});
@@ -205,9 +205,9 @@ void DxfEntityStream::ReadEntity(const std::string& name, std::size_t line)
     if (is_wanted && is_shown)
         Keep(name);
     else if (section_ == Section::kDrawn && !IsPartOfOther(name))
-        CountLeftOut(name);
+        CountSkipped(name);
     if (!IsPartOfOther(name) && !(is_wanted && is_shown))
-        CloseWhatIsOpen(name);
+        CloseOpenSequences(name);
 }
 
 bool DxfEntityStream::IsWanted(std::string_view name) const
@@ -222,7 +222,7 @@ bool DxfEntityStream::IsWanted(std::string_view name) const
 }
 
 /// Polylines without their SEQEND and blocks without their ENDBLK end where something else begins.
-void DxfEntityStream::CloseWhatIsOpen(std::string_view next)
+void DxfEntityStream::CloseOpenSequences(std::string_view next)
 {
     if (in_polyline_ && next != "VERTEX" && next != "SEQEND") {
         served_ += "0\nSEQEND\n";
@@ -236,7 +236,7 @@ void DxfEntityStream::CloseWhatIsOpen(std::string_view next)
 
 void DxfEntityStream::Keep(const std::string& name)
 {
-    CloseWhatIsOpen(name);
+    CloseOpenSequences(name);
     if (name == "POLYLINE" || name == "SEQEND")
         in_polyline_ = name == "POLYLINE";
     if (name == "BLOCK" || name == "ENDBLK")
@@ -281,15 +281,15 @@ void DxfEntityStream::Append(const DxfGroup& group)
     entity_.body += '\n';
 }
 
-void DxfEntityStream::CountLeftOut(const std::string& name)
+void DxfEntityStream::CountSkipped(const std::string& name)
 {
     // More kinds than there are would be a file of nonsense.
     constexpr std::size_t kMaxKinds = 200;
-    const auto found = left_out_.find(name);
-    if (found != left_out_.end())
+    const auto found = skipped_.find(name);
+    if (found != skipped_.end())
         ++found->second;
-    else if (left_out_.size() < kMaxKinds)
-        left_out_.emplace(name, 1);
+    else if (skipped_.size() < kMaxKinds)
+        skipped_.emplace(name, 1);
 }
 
 } // namespace viewer

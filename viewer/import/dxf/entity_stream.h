@@ -4,7 +4,7 @@
 // counted, all else left out. What an entity means is not known here.
 #pragma once
 
-#include "viewer/import/dxf/groups.h"
+#include "viewer/import/dxf/group_reader.h"
 #include "viewer/import/progress.h"
 
 #include <array>
@@ -43,7 +43,7 @@ class DxfEntityStream final : public std::streambuf
                     const std::function<void(const DxfEntityHead&)>& on_entity);
 
     /// How many entities were left out, by kind.
-    [[nodiscard]] const std::map<std::string, std::size_t>& LeftOut() const { return left_out_; }
+    [[nodiscard]] const std::map<std::string, std::size_t>& SkippedEntities() const { return skipped_; }
     /// The number of the drawing's unit, as the variable $INSUNITS has it; 0 for none.
     [[nodiscard]] long long UnitNumber() const { return unit_number_; }
     /// Throws the FileError that ended the stream, if any.
@@ -58,10 +58,10 @@ class DxfEntityStream final : public std::streambuf
     void EnterSection();
     void ReadEntity(const std::string& name, std::size_t line);
     void Append(const DxfGroup& group);
-    void CloseWhatIsOpen(std::string_view next);
+    void CloseOpenSequences(std::string_view next);
     [[nodiscard]] bool IsWanted(std::string_view name) const;
     void Keep(const std::string& name);
-    void CountLeftOut(const std::string& name);
+    void CountSkipped(const std::string& name);
 
     /// What an entity's groups said so far.
     struct Entity {
@@ -84,7 +84,7 @@ class DxfEntityStream final : public std::streambuf
     bool in_block_ = false;
     Entity entity_;
     std::string served_;
-    std::map<std::string, std::size_t> left_out_;
+    std::map<std::string, std::size_t> skipped_;
     long long unit_number_ = 0;
     std::exception_ptr fault_;
 };

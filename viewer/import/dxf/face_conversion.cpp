@@ -1,4 +1,4 @@
-#include "viewer/import/dxf/faces.h"
+#include "viewer/import/dxf/face_conversion.h"
 
 #include <algorithm>
 #include <array>
@@ -239,7 +239,7 @@ class Orientation
 
 } // namespace
 
-void AddDrawnFace(const DxfFace& face, const Affine& place, Piece& piece)
+void AppendDxfFace(const DxfFace& face, const Affine& place, Piece& piece)
 {
     Outline outline = OutlineOf(face, place);
     if (outline.size() < 3)
@@ -255,7 +255,7 @@ void AddDrawnFace(const DxfFace& face, const Affine& place, Piece& piece)
     AppendFaces(outline, piece.faces);
 }
 
-void UniteEdges(Piece& piece)
+void RemoveRepeatedEdges(Piece& piece)
 {
     if (!piece.edges)
         return;

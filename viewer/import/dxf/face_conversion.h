@@ -13,10 +13,10 @@ namespace viewer
 /// Appends a face in its place, as one or two convex flat ones, and its edges to the piece's; none of those
 /// that are hidden or that only split it. A face that shows nothing leaves no face. Where corners coincide
 /// they are one.
-void AddDrawnFace(const DxfFace& face, const Affine& place, Piece& piece);
+void AppendDxfFace(const DxfFace& face, const Affine& place, Piece& piece);
 
 /// Keeps each of the piece's edges once.
-void UniteEdges(Piece& piece);
+void RemoveRepeatedEdges(Piece& piece);
 
 /// Turns faces that share an edge the same way round, since drawings do not say which side of a face is
 /// outside: that of the first where they stay open, outwards where they close.

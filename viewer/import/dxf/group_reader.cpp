@@ -1,4 +1,4 @@
-#include "viewer/import/dxf/groups.h"
+#include "viewer/import/dxf/group_reader.h"
 
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr int kComment = 999;
-constexpr int kLastCode = 1071;
+constexpr int kMaxCode = 1071;
 
 } // namespace
 
@@ -87,7 +87,7 @@ bool DxfGroupReader::ReadLine(std::string& text)
 int DxfGroupReader::ParseCode(std::string_view text) const
 {
     const std::optional<long long> code = ParseWholeNumber(Trimmed(text));
-    if (code && *code >= -5 && *code <= kLastCode)
+    if (code && *code >= -5 && *code <= kMaxCode)
         return static_cast<int>(*code);
     if (line_ == 1 && text.ends_with("Binary DXF"))
         throw FileError(path_, "is a binary DXF file; only those of text are read");

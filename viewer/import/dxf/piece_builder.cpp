@@ -1,6 +1,6 @@
-#include "viewer/import/dxf/pieces.h"
+#include "viewer/import/dxf/piece_builder.h"
 
-#include "viewer/import/dxf/faces.h"
+#include "viewer/import/dxf/face_conversion.h"
 #include "viewer/text/file_error.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ void AddPoint(const Point& point, Box& box)
 {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     const bool is_near = IsFinite(point) && std::max({std::abs(point.x), std::abs(point.y),
-                                                      std::abs(point.z)}) <= kFarthestCoordinate;
+                                                      std::abs(point.z)}) <= kMaxCoordinate;
     box.Add(is_near ? point : Point{kInfinity, kInfinity, kInfinity});
 }
 
@@ -75,14 +75,14 @@ Box BoxOfEntity(const PlacedEntity& placed)
     return box;
 }
 
-DxfPieces::DxfPieces(std::string path, const DxfDrawing& drawing, const DxfPlacement& placement,
+DxfPieceBuilder::DxfPieceBuilder(std::string path, const DxfDrawing& drawing, const DxfPlacedEntities& placement,
                      double tolerance, std::size_t max_segments)
     : path_(std::move(path)), drawing_(drawing), placement_(placement), tolerance_(tolerance),
       max_segments_(max_segments)
 {
 }
 
-Piece& DxfPieces::NewPiece(const PlacedEntity& placed)
+Piece& DxfPieceBuilder::NewPiece(const PlacedEntity& placed)
 {
     Piece& piece = model_.pieces.emplace_back();
     piece.name = drawing_.layers[placed.layer].name;
@@ -92,27 +92,27 @@ Piece& DxfPieces::NewPiece(const PlacedEntity& placed)
     return piece;
 }
 
-Piece& DxfPieces::PieceOf(const PlacedEntity& placed)
+Piece& DxfPieceBuilder::PieceOf(const PlacedEntity& placed)
 {
     const auto [entry, is_new] =
         numbers_.emplace(std::tuple(placed.path, placed.layer, placed.color), model_.pieces.size());
     return is_new ? NewPiece(placed) : model_.pieces[entry->second];
 }
 
-void DxfPieces::Add(const PlacedEntity& placed)
+void DxfPieceBuilder::Add(const PlacedEntity& placed)
 {
     if (const auto* mesh = std::get_if<DxfMesh>(&placed.entity.shape)) {
         Piece& piece = NewPiece(placed);
         for (const DxfFace& face : *mesh)
-            AddDrawnFace(face, placed.place, piece);
+            AppendDxfFace(face, placed.place, piece);
     } else if (const auto* face = std::get_if<DxfFace>(&placed.entity.shape)) {
-        AddDrawnFace(*face, placed.place, PieceOf(placed));
+        AppendDxfFace(*face, placed.place, PieceOf(placed));
     } else {
         AddSegments(placed, PieceOf(placed));
     }
 }
 
-void DxfPieces::AddSegments(const PlacedEntity& placed, Piece& piece)
+void DxfPieceBuilder::AddSegments(const PlacedEntity& placed, Piece& piece)
 {
     const std::size_t before = piece.lines.size();
     if (const auto* line = std::get_if<Segment>(&placed.entity.shape))
@@ -127,10 +127,10 @@ void DxfPieces::AddSegments(const PlacedEntity& placed, Piece& piece)
                                    " segments; a larger deflection makes fewer");
 }
 
-Model DxfPieces::Finish()
+Model DxfPieceBuilder::Finish()
 {
     for (Piece& piece : model_.pieces) {
-        UniteEdges(piece);
+        RemoveRepeatedEdges(piece);
         OrientFaces(piece.faces);
     }
     std::erase_if(model_.pieces,

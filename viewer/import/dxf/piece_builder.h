@@ -1,7 +1,7 @@
 // The pieces of a drawing's model: placed entities sorted by block, layer and colour, with their curves cut.
 #pragma once
 
-#include "viewer/import/dxf/placement.h"
+#include "viewer/import/dxf/placed_entities.h"
 #include "viewer/scene/model.h"
 
 #include <cstddef>
@@ -15,18 +15,18 @@ namespace viewer
 inline constexpr std::size_t kMaxSegments = 20'000'000;
 
 /// No coordinate may be larger: its fourth power is still a number.
-inline constexpr double kFarthestCoordinate = 1e70;
+inline constexpr double kMaxCoordinate = 1e70;
 
 /// The smallest box around an entity in its place, or around the control points of a spline; infinite where
 /// something of it is farther away than that.
 [[nodiscard]] Box BoxOfEntity(const PlacedEntity& placed);
 
-class DxfPieces
+class DxfPieceBuilder
 {
   public:
     /// Curves are cut by `tolerance`, and all lines may come to `max_segments`. The others must outlive the
     /// object.
-    DxfPieces(std::string path, const DxfDrawing& drawing, const DxfPlacement& placement, double tolerance,
+    DxfPieceBuilder(std::string path, const DxfDrawing& drawing, const DxfPlacedEntities& placement, double tolerance,
               std::size_t max_segments = kMaxSegments);
 
     /// Throws FileError at more segments than those.
@@ -41,7 +41,7 @@ class DxfPieces
 
     std::string path_;
     const DxfDrawing& drawing_;
-    const DxfPlacement& placement_;
+    const DxfPlacedEntities& placement_;
     double tolerance_;
     std::size_t max_segments_;
     Model model_;

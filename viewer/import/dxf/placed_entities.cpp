@@ -1,4 +1,4 @@
-#include "viewer/import/dxf/placement.h"
+#include "viewer/import/dxf/placed_entities.h"
 
 #include "viewer/text/file_error.h"
 
@@ -26,7 +26,7 @@ std::size_t FloatingLayer(const DxfDrawing& drawing)
 
 } // namespace
 
-DxfPlacement::DxfPlacement(std::string path, const DxfDrawing& drawing)
+DxfPlacedEntities::DxfPlacedEntities(std::string path, const DxfDrawing& drawing)
     : path_(std::move(path)), drawing_(drawing), sizes_(drawing.blocks.size()),
       floating_layer_(FloatingLayer(drawing))
 {
@@ -34,7 +34,7 @@ DxfPlacement::DxfPlacement(std::string path, const DxfDrawing& drawing)
         throw FileError(path_, "its blocks come to more than 10 million entities");
 }
 
-DxfPlacement::Size DxfPlacement::SizeOf(const std::vector<DxfEntity>& entities, int depth)
+DxfPlacedEntities::Size DxfPlacedEntities::SizeOf(const std::vector<DxfEntity>& entities, int depth)
 {
     Size size;
     for (const DxfEntity& entity : entities) {
@@ -48,7 +48,7 @@ DxfPlacement::Size DxfPlacement::SizeOf(const std::vector<DxfEntity>& entities, 
     return size;
 }
 
-const DxfPlacement::Size& DxfPlacement::SizeOfBlock(const DxfEntity& insert, int depth)
+const DxfPlacedEntities::Size& DxfPlacedEntities::SizeOfBlock(const DxfEntity& insert, int depth)
 {
     const std::size_t number = std::get<DxfInsert>(insert.shape).block;
     const DxfBlock& block = drawing_.blocks[number];
@@ -63,18 +63,18 @@ const DxfPlacement::Size& DxfPlacement::SizeOfBlock(const DxfEntity& insert, int
         fail("is inserted into itself");
     if (!size.is_known) {
         size.is_being_counted = true;
-        const Size counted = depth > kDeepestNesting ? Size{} : SizeOf(block.entities, depth);
+        const Size counted = depth > kMaxBlockNesting ? Size{} : SizeOf(block.entities, depth);
         size = counted;
         size.is_known = true;
     }
-    if (depth + size.depth > kDeepestNesting)
-        fail("is nested more than " + std::to_string(kDeepestNesting) + " deep");
+    if (depth + size.depth > kMaxBlockNesting)
+        fail("is nested more than " + std::to_string(kMaxBlockNesting) + " deep");
     if (size.entities > kMaxPlacedEntities)
         fail("comes to more than 10 million entities");
     return size;
 }
 
-std::size_t DxfPlacement::PathTo(std::size_t outer, std::size_t block)
+std::size_t DxfPlacedEntities::PathTo(std::size_t outer, std::size_t block)
 {
     const std::uint64_t key = static_cast<std::uint64_t>(outer) << 32U | block;
     const auto [entry, is_new] = path_numbers_.emplace(key, paths_.size());
@@ -83,7 +83,7 @@ std::size_t DxfPlacement::PathTo(std::size_t outer, std::size_t block)
     return entry->second;
 }
 
-std::vector<std::string> DxfPlacement::NamesOf(std::size_t path) const
+std::vector<std::string> DxfPlacedEntities::NamesOf(std::size_t path) const
 {
     std::vector<std::string> names;
     for (; path != 0; path = paths_[path].outer)
@@ -92,14 +92,14 @@ std::vector<std::string> DxfPlacement::NamesOf(std::size_t path) const
     return names;
 }
 
-void DxfPlacement::ForEach(const std::function<void(const PlacedEntity&)>& take)
+void DxfPlacedEntities::ForEach(const std::function<void(const PlacedEntity&)>& take)
 {
     Context context;
     context.layer = floating_layer_;
     Place(drawing_.entities, context, take);
 }
 
-void DxfPlacement::Place(const std::vector<DxfEntity>& entities, const Context& context,
+void DxfPlacedEntities::Place(const std::vector<DxfEntity>& entities, const Context& context,
                          const std::function<void(const PlacedEntity&)>& take)
 {
     for (const DxfEntity& entity : entities) {
@@ -120,7 +120,7 @@ void DxfPlacement::Place(const std::vector<DxfEntity>& entities, const Context& 
     }
 }
 
-void DxfPlacement::PlaceInsert(const DxfInsert& insert, Context inner, const Context& outer,
+void DxfPlacedEntities::PlaceInsert(const DxfInsert& insert, Context inner, const Context& outer,
                                const std::function<void(const PlacedEntity&)>& take)
 {
     const DxfBlock& block = drawing_.blocks[insert.block];

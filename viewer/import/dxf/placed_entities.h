@@ -17,7 +17,7 @@ namespace viewer
 /// A drawing may show so many entities, each insert counted as often as it is put somewhere.
 inline constexpr double kMaxPlacedEntities = 1e7;
 /// Blocks may hold blocks so many times over.
-inline constexpr int kDeepestNesting = 100;
+inline constexpr int kMaxBlockNesting = 100;
 
 /// An entity at one of its places.
 struct PlacedEntity {
@@ -28,12 +28,12 @@ struct PlacedEntity {
     std::size_t path; ///< which blocks it comes out of; 0 for none
 };
 
-class DxfPlacement
+class DxfPlacedEntities
 {
   public:
     /// Throws FileError where a block holds itself, is not there, or holds more than the limits allow.
     /// `drawing` must outlive the object.
-    DxfPlacement(std::string path, const DxfDrawing& drawing);
+    DxfPlacedEntities(std::string path, const DxfDrawing& drawing);
 
     /// Calls `take` for every entity that is neither an insert nor hidden by its layer, in the drawing's
     /// order; as often as wanted, always the same. Entities on layer 0 of a block are on the layer of the

@@ -14,7 +14,7 @@ namespace viewer
 namespace
 {
 
-constexpr double kLargestParameter = 1e100;
+constexpr double kMaxParameter = 1e100;
 
 /// A control point times its weight, and the weight.
 struct Weighted {
@@ -125,7 +125,7 @@ class SpanCutter
 /// Whether products with it neither vanish nor overflow.
 bool IsMeasurable(double weight)
 {
-    return weight >= 1.0 / kLargestParameter && weight <= kLargestParameter;
+    return weight >= 1.0 / kMaxParameter && weight <= kMaxParameter;
 }
 
 /// Takes out points that repeat the one before, but for digits that would be lost.
@@ -254,7 +254,7 @@ Spline SplineOf(const Chords& chords, const std::vector<Point>& derivatives)
 
 const char* FaultOf(const Spline& spline)
 {
-    if (spline.degree < 1 || spline.degree > kHighestDegree)
+    if (spline.degree < 1 || spline.degree > kMaxSplineDegree)
         return "its degree is not between 1 and 25";
     if (spline.points.size() <= static_cast<std::size_t>(spline.degree))
         return "it has too few points for its degree";
@@ -262,7 +262,7 @@ const char* FaultOf(const Spline& spline)
         return "its knots are not one for each point and degree + 1 more";
     if (!std::is_sorted(spline.knots.begin(), spline.knots.end()))
         return "its knots decrease";
-    if (std::max(std::abs(spline.knots.front()), std::abs(spline.knots.back())) > kLargestParameter)
+    if (std::max(std::abs(spline.knots.front()), std::abs(spline.knots.back())) > kMaxParameter)
         return "one of its knots is beyond 1e100";
     if (!spline.weights.empty() && spline.weights.size() != spline.points.size())
         return "its weights are not one for each point";

@@ -10,7 +10,7 @@
 namespace viewer
 {
 
-inline constexpr int kHighestDegree = 25;
+inline constexpr int kMaxSplineDegree = 25;
 
 /// A non-uniform rational B-spline.
 struct Spline {

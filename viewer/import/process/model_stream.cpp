@@ -196,7 +196,7 @@ class ModelReader
             piece.edges = ReadItems(&ModelReader::ReadSegment);
         piece.lines = ReadItems(&ModelReader::ReadSegment);
         piece.category = bytes_.ReadNumber<std::int32_t>();
-        if (piece.category < 0 || piece.category > kHighestStreamCategory)
+        if (piece.category < 0 || piece.category > kMaxStreamCategory)
             throw StreamError("it holds a category that is out of range");
         piece.color = bytes_.ReadNumber<unsigned char>();
         piece.alpha = ReadFinite<float>();
@@ -219,7 +219,7 @@ class ModelReader
         model.title = ReadText();
         model.pieces = ReadItems(&ModelReader::ReadPiece);
         model.category_names = ReadItems(&ModelReader::ReadText);
-        if (model.category_names.size() > static_cast<std::size_t>(kHighestStreamCategory) + 1)
+        if (model.category_names.size() > static_cast<std::size_t>(kMaxStreamCategory) + 1)
             throw StreamError("it holds names of more categories than there can be");
         if (ReadFlag()) {
             model.meters_per_unit = ReadFinite<double>();

@@ -28,7 +28,7 @@ inline constexpr std::uint32_t kStreamVersion = 1;
 /// No text of a stream is longer, in bytes; longer ones are cut when they are written.
 inline constexpr std::size_t kMaxStreamText = 65536;
 /// No category of a stream is higher.
-inline constexpr int kHighestStreamCategory = 16'777'216;
+inline constexpr int kMaxStreamCategory = 16'777'216;
 
 /// Writes a stream, record by record. What it throws comes from its sink.
 class ModelStreamWriter

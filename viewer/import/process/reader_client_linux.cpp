@@ -197,7 +197,7 @@ class Import
             throw FileError(path_, OneLine(failure.what(), kMaxReasonBytes));
         } catch (const StreamError& error) {
             if (!has_ended_)
-                FailWhereItIs(std::string("the reader's answer is damaged: ") + error.what());
+                FailWithProgress(std::string("the reader's answer is damaged: ") + error.what());
             FailByStatus(process_.End());
         }
     }
@@ -212,7 +212,7 @@ class Import
             progress_(fraction);
     }
 
-    [[noreturn]] void FailWhereItIs(std::string reason) const
+    [[noreturn]] void FailWithProgress(std::string reason) const
     {
         if (fraction_ > 0.0)
             reason += ", at " + std::to_string(static_cast<int>(std::floor(fraction_ * 100.0))) + " %";
@@ -221,7 +221,7 @@ class Import
 
     [[noreturn]] void FailForMemory() const
     {
-        FailWhereItIs("needs more than " + std::to_string(limits_.memory / kMebibyte) +
+        FailWithProgress("needs more than " + std::to_string(limits_.memory / kMebibyte) +
                       " MiB of memory to be read");
     }
 
@@ -231,18 +231,18 @@ class Import
         if (WIFEXITED(status) && WEXITSTATUS(status) == kOutOfMemoryStatus)
             FailForMemory();
         if (WIFEXITED(status))
-            FailWhereItIs("the reader ended without an answer (status " +
+            FailWithProgress("the reader ended without an answer (status " +
                           std::to_string(WEXITSTATUS(status)) + ")");
         if (WTERMSIG(status) == SIGXCPU)
-            FailWhereItIs("takes more than " + SecondsText(limits_.processor) +
+            FailWithProgress("takes more than " + SecondsText(limits_.processor) +
                           " of processor time to be read");
-        FailWhereItIs("the reader crashed (" + std::string(strsignal(WTERMSIG(status))) + ")");
+        FailWithProgress("the reader crashed (" + std::string(strsignal(WTERMSIG(status))) + ")");
     }
 
     void CheckLimits()
     {
         if (Clock::now() >= end_)
-            FailWhereItIs("takes longer than " + SecondsText(limits_.wall) + " to be read");
+            FailWithProgress("takes longer than " + SecondsText(limits_.wall) + " to be read");
         if (received_ > limits_.memory || process_.ResidentMemory() > limits_.memory)
             FailForMemory();
     }
@@ -257,7 +257,7 @@ class Import
                                         pollfd{interrupts_.Descriptor(), POLLIN, 0}};
             poll(waits.data(), waits.size(), kMillisecondsBetweenLooks);
             if ((waits[1].revents & POLLIN) != 0)
-                FailWhereItIs("reading was cancelled");
+                FailWithProgress("reading was cancelled");
             CheckLimits();
             if ((waits[0].revents & kAnything) == 0)
                 continue;

@@ -21,7 +21,7 @@ class ConvexFacets : public testing::Test
         const std::function<bool(int, int)>& must_stay = [](int, int) { return false; })
     {
         const auto point_of = [this](int corner) { return points.at(static_cast<std::size_t>(corner)); };
-        return JoinIntoConvex(triangles, point_of, {0, 0, 1}, must_stay);
+        return JoinIntoConvexPolygons(triangles, point_of, {0, 0, 1}, must_stay);
     }
 
     std::vector<Point> points;

@@ -1,5 +1,5 @@
 #include "tests/viewer/import/dxf/dxf_fixture.h"
-#include "viewer/import/dxf/placement.h"
+#include "viewer/import/dxf/placed_entities.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

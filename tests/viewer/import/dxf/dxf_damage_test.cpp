@@ -1,5 +1,5 @@
 #include "tests/viewer/import/dxf/dxf_fixture.h"
-#include "viewer/import/dxf/pieces.h"
+#include "viewer/import/dxf/piece_builder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -201,10 +201,10 @@ TEST_F(DxfDamage, CurvesOfTooManySegmentsAreRefused)
 {
     DxfDrawing drawing;
     drawing.entities.push_back(
-        {EllipticArc{{}, {1, 0, 0}, {0, 1, 0}, 0.0, kFullTurn}, drawing.LayerNamed("0"), 7, 1});
-    DxfPlacement placement("round.dxf", drawing);
+        {EllipticArc{{}, {1, 0, 0}, {0, 1, 0}, 0.0, kFullTurn}, drawing.LayerNumber("0"), 7, 1});
+    DxfPlacedEntities placement("round.dxf", drawing);
     const auto cut = [&](std::size_t most) {
-        DxfPieces pieces("round.dxf", drawing, placement, 0.01, most); // 23 segments
+        DxfPieceBuilder pieces("round.dxf", drawing, placement, 0.01, most); // 23 segments
         placement.ForEach([&](const PlacedEntity& placed) { pieces.Add(placed); });
         return pieces.Finish().pieces.size();
     };

@@ -1,4 +1,4 @@
-#include "viewer/import/dxf/faces.h"
+#include "viewer/import/dxf/face_conversion.h"
 
 #include "tests/viewer/import/dxf/dxf_fixture.h"
 #include "viewer/scene/feature_edges.h"

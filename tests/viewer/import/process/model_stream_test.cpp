@@ -226,13 +226,13 @@ TEST(ModelStream, NormalThatIsNotOfUnitLengthIsRefused)
 
 TEST(ModelStream, CategoriesOutOfRangeAreRefused)
 {
-    for (const int category : {-1, kHighestStreamCategory + 1, std::numeric_limits<int>::max()}) {
+    for (const int category : {-1, kMaxStreamCategory + 1, std::numeric_limits<int>::max()}) {
         Model model;
         model.pieces.push_back(MakePiece("", {}, category));
         EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a category that is out of range") << category;
     }
     Model model;
-    model.pieces.push_back(MakePiece("", {}, kHighestStreamCategory));
+    model.pieces.push_back(MakePiece("", {}, kMaxStreamCategory));
     EXPECT_EQ(ReasonFor(StreamOf(model)), "");
 }
 
