@@ -1,4 +1,4 @@
-// The one way in which a file is refused.
+// The error for a file that cannot be read or written.
 #pragma once
 
 #include <stdexcept>
@@ -7,7 +7,7 @@
 namespace viewer
 {
 
-/// A file could not be read or written; the text is "FILE: reason", in one line.
+/// A file cannot be read or written. The text is "FILE: reason", in one line.
 class FileError : public std::runtime_error
 {
   public:
