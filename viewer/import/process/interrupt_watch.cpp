@@ -18,7 +18,7 @@ namespace
 
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
-// Signal handlers reach nothing else. One watch lives at a time, and these belong to it.
+// Globals, because signal handlers can reach nothing else. They belong to the one watch that exists.
 volatile std::sig_atomic_t descriptor = -1;
 std::array<struct sigaction, kSignals.size()> before;
 
@@ -26,7 +26,7 @@ extern "C" void NoteSignal(int /*signal*/)
 {
     const int saved = errno;
     const std::uint64_t one = 1;
-    // The counter can only be full, which says the same.
+    // Writing fails only if the counter is at its maximum; the descriptor is readable then too.
     static_cast<void>(!write(descriptor, &one, sizeof one));
     errno = saved;
 }

@@ -1,21 +1,21 @@
-// The user's wish to stop, while something takes its time: Ctrl-C, or a request to end the program.
+// Notes a signal that asks the process to stop, such as Ctrl-C, during a long operation.
 #pragma once
 
 namespace viewer
 {
 
-/// While it lives, SIGINT, SIGTERM and SIGHUP do not end the process but are noted; those that the process
-/// ignores stay ignored. Afterwards they do what they did before. Only one may live at a time.
+/// While it exists, SIGINT, SIGTERM and SIGHUP are noted instead of ending the process. Signals that the
+/// process ignores stay ignored. Its destructor restores the previous handlers. Only one may exist at a time.
 class InterruptWatch
 {
   public:
-    /// Throws std::system_error where the process has no descriptors left.
+    /// Throws std::system_error if the process has no descriptors left.
     InterruptWatch();
     InterruptWatch(const InterruptWatch&) = delete;
     InterruptWatch& operator=(const InterruptWatch&) = delete;
     ~InterruptWatch();
 
-    /// For poll: can be read from once a signal has come. Nobody needs to read.
+    /// A descriptor for poll, readable once a signal has arrived. Reading is not needed. The object owns it.
     [[nodiscard]] int Descriptor() const;
 };
 

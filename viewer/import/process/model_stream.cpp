@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace viewer
@@ -21,7 +20,7 @@ constexpr std::string_view kEnd = "END.";
 constexpr std::size_t kBlockSize = 65536;
 constexpr std::size_t kMinCorners = 3;
 
-/// The bytes on their way in, a block at a time.
+/// Reads bytes and numbers from the source, in blocks.
 class ByteReader
 {
   public:
@@ -53,7 +52,7 @@ class ByteReader
     [[nodiscard]] bool IsAtEnd() { return !Refill(); }
 
   private:
-    /// Whether there are bytes in the block; gets them if it must.
+    /// Ensures that the block has bytes. Returns false at the end of the stream.
     bool Refill()
     {
         if (next_ < end_)
@@ -152,13 +151,13 @@ class ModelReader
         return text;
     }
 
-    /// Items one by one: a count is only a promise.
+    /// Reads items one by one. The count is not trusted, so that little is reserved for it.
     template <typename Item>
-    std::vector<Item> ReadItems(Item (ModelReader::*read)(), std::uint64_t fewest = 0)
+    std::vector<Item> ReadItems(Item (ModelReader::*read)(), std::uint64_t min_count = 0)
     {
         constexpr std::uint64_t kMaxReserved = 64;
         const auto count = bytes_.ReadNumber<std::uint64_t>();
-        if (count < fewest)
+        if (count < min_count)
             throw StreamError("it holds a face of under three corners");
         std::vector<Item> items;
         items.reserve(static_cast<std::size_t>(std::min(count, kMaxReserved)));
@@ -169,7 +168,7 @@ class ModelReader
 
     Point ReadPoint()
     {
-        // The order of evaluation within braces is that of the text.
+        // Braces evaluate their elements from left to right.
         return Point{ReadFinite<double>(), ReadFinite<double>(), ReadFinite<double>()};
     }
 

@@ -1,10 +1,10 @@
-// What crosses from the process that parses a file to the one that shows it: progress, and then a model or
-// the reason why there is none, as bytes. The reader believes nothing that it reads. It knows nothing of
-// processes, pipes or files.
+// The byte stream from karv-reader to its client: progress, then a model or the reason why there is none. The
+// reading side validates everything. Processes and pipes are handled elsewhere.
 //
-// A stream is the magic bytes, the version, and records: a tag of one byte and what it says. Numbers stand as
-// they do in memory, because both ends are one program; counts have eight bytes, sizes of texts four. After
-// the model or the failure come the bytes of the end, and nothing more.
+// A stream consists of the magic bytes, the version and records. A record is a tag of one byte and its
+// content. Numbers have the machine's representation, because both processes run on one machine. Counts have
+// eight bytes, sizes of texts four. The end mark follows the model or the failure, and nothing follows the
+// end mark.
 #pragma once
 
 #include "viewer/import/progress.h"
@@ -22,29 +22,31 @@
 namespace viewer
 {
 
+/// The first bytes of a stream.
 inline constexpr std::string_view kStreamMagic = "KARVMODL";
+/// The version of the format. A reader and a client of different versions refuse each other's streams.
 inline constexpr std::uint32_t kStreamVersion = 1;
 
-/// No text of a stream is longer, in bytes; longer ones are cut when they are written.
+/// The maximum length of a text in bytes. Longer texts are cut when they are written.
 inline constexpr std::size_t kMaxStreamText = 65536;
-/// No category of a stream is higher.
+/// The maximum number of a category.
 inline constexpr int kMaxStreamCategory = 16'777'216;
 
-/// Writes a stream, record by record. What it throws comes from its sink.
+/// Writes a stream, record by record. It throws only exceptions of its sink.
 class ModelStreamWriter
 {
   public:
     using Sink = std::function<void(std::span<const char> bytes)>;
 
-    /// Writes magic and version. The sink must outlive the object; it gets blocks of some size, and all that
-    /// is written when a record is complete.
+    /// Writes magic bytes and version. The sink must outlive the object. It gets blocks of about 64 KiB, and
+    /// the rest at the end of each record.
     explicit ModelStreamWriter(const Sink& sink);
 
-    /// From 0 to 1.
+    /// Writes the fraction that is done. It is clamped to 0..1; NaN becomes 0.
     void WriteProgress(double fraction);
-    /// Ends the stream with a model. Nothing may be written after it.
+    /// Writes a model, which ends the stream. Nothing may be written after it.
     void WriteModel(const Model& model);
-    /// Ends the stream with the reason why there is no model. Nothing may be written after it.
+    /// Writes the reason why there is no model, which ends the stream. Nothing may be written after it.
     void WriteFailure(std::string_view reason);
 
   private:
@@ -62,30 +64,30 @@ class ModelStreamWriter
     std::string block_;
 };
 
-/// A stream is not what it must be; the text says how, in half a sentence.
+/// A stream is damaged. The text is the reason, as a clause about "it".
 class StreamError : public std::runtime_error
 {
   public:
     explicit StreamError(const std::string& reason) : std::runtime_error(reason) {}
 };
 
-/// The writer of the stream gave up; the text is its reason.
+/// The stream holds a failure instead of a model. The text is its reason.
 class ReportedFailure : public std::runtime_error
 {
   public:
     explicit ReportedFailure(const std::string& reason) : std::runtime_error(reason) {}
 };
 
-/// Fills the front of `buffer` with the next bytes and returns their number, 0 only at the end.
+/// Writes the next bytes to the front of `buffer` and returns their number; 0 only at the end.
 using StreamSource = std::function<std::size_t(std::span<char> buffer)>;
 
-/// Reads a whole stream, to its very end, and passes its progress on. Memory grows with the bytes that have
-/// arrived, never with what they promise.
+/// Reads a whole stream, up to its end, and forwards its progress. Memory grows with the bytes that have
+/// arrived, not with the counts that the stream states.
 ///
-/// Throws ReportedFailure where the stream ends with one; StreamError for a wrong magic or version, an
-/// unknown tag, numbers out of their range or not finite, faces of under three corners or whose normal is not
-/// of unit length, texts that are too long, a stream that ends early and one that does not end where it
-/// should. What the source and `progress` throw passes through.
+/// Throws ReportedFailure if the stream holds a failure. Throws StreamError for wrong magic bytes, another
+/// version, an unknown tag, a number that is out of range or not finite, a face of fewer than three corners
+/// or with a normal that is not of unit length, a text that is too long, a stream that ends early, and bytes
+/// after the end mark. Exceptions of `source` and `progress` pass through.
 [[nodiscard]] Model ReadModelStream(const StreamSource& source, const ProgressFunction& progress = {});
 
 } // namespace viewer

@@ -14,7 +14,7 @@ namespace
 void SetLimit(__rlimit_resource resource, rlim_t value)
 {
     rlimit limit{};
-    // What is lower already stays.
+    // A lower limit is kept.
     if (getrlimit(resource, &limit) == 0 && limit.rlim_max < value)
         value = limit.rlim_max;
     limit.rlim_cur = value;
@@ -26,10 +26,10 @@ void SetLimit(__rlimit_resource resource, rlim_t value)
 
 void LimitProcess(std::chrono::seconds processor, std::optional<std::size_t> address_space)
 {
-    // Parsers that run out of memory are known to go on with what they have; nothing of it would be of use.
+    // Some parsers continue after std::bad_alloc with an incomplete model, which is of no use.
     std::set_new_handler([] { _exit(kOutOfMemoryStatus); });
     SetLimit(RLIMIT_CORE, 0);
-    // A hard limit equal to the soft one would be a SIGKILL, which says nothing of its cause.
+    // With a hard limit equal to the soft one the signal would be SIGKILL, which does not tell the cause.
     const rlimit time{static_cast<rlim_t>(processor.count()), static_cast<rlim_t>(processor.count() + 1)};
     setrlimit(RLIMIT_CPU, &time);
     if (address_space)

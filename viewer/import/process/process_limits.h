@@ -8,12 +8,12 @@
 namespace viewer
 {
 
-/// The exit status of a process for which `operator new` has found no more memory.
+/// The exit status of a process whose `operator new` found no memory.
 inline constexpr int kOutOfMemoryStatus = 71;
 
-/// From now on the process is ended by SIGXCPU once it has used this much processor time, ends with
-/// `kOutOfMemoryStatus` where `operator new` finds no memory, and leaves no core file. `address_space` is in
-/// bytes; none for no limit, which a process under AddressSanitizer needs: its shadow is larger than any memory.
+/// Limits the calling process. SIGXCPU ends it when it has used `processor` of processor time. It exits with
+/// `kOutOfMemoryStatus` when `operator new` finds no memory. It leaves no core file. `address_space` is in
+/// bytes; no value means no limit, which AddressSanitizer needs, because its shadow exceeds any memory.
 void LimitProcess(std::chrono::seconds processor, std::optional<std::size_t> address_space);
 
 } // namespace viewer

@@ -11,10 +11,8 @@ namespace viewer
 namespace
 {
 
-/// Told apart from any other program's arguments.
-constexpr std::string_view kMark = "--karv-reader";
-/// Program, mark, parent, processor time, memory, deflection, path.
-constexpr int kArgumentCount = 7;
+/// The program's name, parent, processor time, memory, deflection and path.
+constexpr int kArgumentCount = 6;
 constexpr std::string_view kNoDeflection = "-";
 
 template <typename Number>
@@ -38,29 +36,25 @@ bool FromText(std::string_view text, Number& number)
 std::vector<std::string> WriteReaderArguments(const ReaderArguments& arguments)
 {
     const std::optional<double> deflection = arguments.options.deflection;
-    return {std::string(kMark),
-            ToText(arguments.parent),
-            ToText(arguments.processor.count()),
-            ToText(arguments.memory),
-            deflection ? ToText(*deflection) : std::string(kNoDeflection),
-            arguments.path};
+    return {ToText(arguments.parent), ToText(arguments.processor.count()), ToText(arguments.memory),
+            deflection ? ToText(*deflection) : std::string(kNoDeflection), arguments.path};
 }
 
 std::optional<ReaderArguments> ParseReaderArguments(int argc, const char* const* argv)
 {
-    if (argc != kArgumentCount || argv[1] != kMark)
+    if (argc != kArgumentCount)
         return std::nullopt;
     ReaderArguments arguments;
     std::chrono::seconds::rep processor = 0;
     double deflection = 0.0;
-    const bool has_deflection = argv[5] != kNoDeflection;
-    if (!FromText(argv[2], arguments.parent) || !FromText(argv[3], processor) ||
-        !FromText(argv[4], arguments.memory) || (has_deflection && !FromText(argv[5], deflection)))
+    const bool has_deflection = argv[4] != kNoDeflection;
+    if (!FromText(argv[1], arguments.parent) || !FromText(argv[2], processor) ||
+        !FromText(argv[3], arguments.memory) || (has_deflection && !FromText(argv[4], deflection)))
         return std::nullopt;
     arguments.processor = std::chrono::seconds(processor);
     if (has_deflection)
         arguments.options.deflection = deflection;
-    arguments.path = argv[6];
+    arguments.path = argv[5];
     return arguments;
 }
 

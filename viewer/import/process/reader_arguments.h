@@ -1,4 +1,4 @@
-// The command line of karv-reader, which its clients write and it reads. It has no form that is meant for people.
+// The command line of karv-reader, which clients write and karv-reader parses. It is not meant for users.
 #pragma once
 
 #include "viewer/import/import_options.h"
@@ -12,16 +12,17 @@ namespace viewer
 {
 
 struct ReaderArguments {
-    int parent = 0; ///< the id of the process that starts the reader
-    std::chrono::seconds processor{};
-    std::size_t memory = 0; ///< in bytes
+    int parent = 0;                   ///< the id of the client's process, which starts the reader
+    std::chrono::seconds processor{}; ///< limit of processor time
+    std::size_t memory = 0;           ///< limit of address space in bytes
     ImportOptions options;
-    std::string path;
+    std::string path; ///< of the model file
 };
 
-/// The arguments after the program's name.
+/// The command line without the program's name.
 [[nodiscard]] std::vector<std::string> WriteReaderArguments(const ReaderArguments& arguments);
-/// What `WriteReaderArguments` wrote; nothing for any other command line. `argv` begins with the program's name.
+/// Parses a command line that `WriteReaderArguments` wrote; no value for any other. `argv` begins with the
+/// program's name.
 [[nodiscard]] std::optional<ReaderArguments> ParseReaderArguments(int argc, const char* const* argv);
 
 } // namespace viewer

@@ -1,5 +1,5 @@
-// The client of karv-reader: has a model file parsed by a process of its own, under limits, and takes a whole
-// model from it or none.
+// The client of karv-reader, which parses a model file in a process of its own, under limits. The client gets
+// a complete model or an error.
 #pragma once
 
 #include "viewer/import/import_options.h"
@@ -13,20 +13,25 @@
 namespace viewer
 {
 
-struct Reader {
-    /// The program that parses.
+/// How karv-reader is run.
+struct ReaderSettings {
+    /// The path of the program.
     std::string program = ReaderBesideThisCode();
     ReaderLimits limits;
 };
 
-/// Reads a file of any kind (`ReadModelFile`) in a process of its own, which has ended when this returns or
-/// throws. On Windows, where no importer is built, throws FileError with that reason.
+/// Reads a file of any kind that `ReadModelFile` reads, in a process of its own. That process has ended when
+/// this returns or throws. Blocks until then; `progress` is called by the calling thread.
 ///
-/// Throws FileError, "FILE: reason" in one line, where `ReadModelFile` does, where the reader cannot be
-/// started, crashes, exceeds a limit or sends a damaged stream, and where the user stops it (SIGINT, SIGTERM,
-/// SIGHUP, which then do not end this process). The reason includes the progress that the reader reported.
-/// Exceptions of `progress` pass through. One thread at a time.
+/// Throws FileError, "FILE: reason" in one line, if `ReadModelFile` does, and if the reader cannot be
+/// started, crashes, exceeds a limit, sends a damaged stream, or is stopped by SIGINT, SIGTERM or SIGHUP to
+/// the calling process, which then do not end that process. The reason states the last progress that the
+/// reader reported. If the reader cannot be started, the reason names its path. Exceptions of `progress` pass
+/// through.
+///
+/// On Windows no importer is built, and every call throws FileError with that reason. Not thread-safe: one
+/// call at a time in a process.
 [[nodiscard]] Model ImportModel(const std::string& path, const ImportOptions& options,
-                                const ProgressFunction& progress = {}, const Reader& reader = {});
+                                const ProgressFunction& progress = {}, const ReaderSettings& reader = {});
 
 } // namespace viewer

@@ -7,7 +7,6 @@
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -33,7 +32,7 @@ namespace
 {
 
 constexpr std::size_t kMebibyte = 1U << 20U;
-/// Reasons may quote the file.
+/// A reason can quote the file's content.
 constexpr std::size_t kMaxReasonBytes = 500;
 
 /// Both ends of a pipe.
@@ -67,17 +66,17 @@ class Pipe
     std::array<int, 2> ends_{-1, -1};
 };
 
-/// What a process is started with.
+/// Attributes of a process that is started: its standard output, its process group and its signals.
 class SpawnSettings
 {
   public:
-    /// The process's standard output is the descriptor.
+    /// `output` becomes the standard output of the process.
     explicit SpawnSettings(int output)
     {
         posix_spawn_file_actions_init(&actions_);
         posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
         posix_spawnattr_init(&attributes_);
-        // In a group of its own, Ctrl-C reaches this process alone, and it decides.
+        // In a process group of its own the reader does not get Ctrl-C. The client does, and ends the reader.
         posix_spawnattr_setpgroup(&attributes_, 0);
         sigset_t signals;
         sigemptyset(&signals);
@@ -96,7 +95,7 @@ class SpawnSettings
         posix_spawnattr_destroy(&attributes_);
     }
 
-    /// Returns the process's id; throws std::system_error.
+    /// Starts the program and returns the id of its process. Throws std::system_error.
     [[nodiscard]] pid_t Start(const std::string& program, std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), "karv-reader");
@@ -118,14 +117,14 @@ class SpawnSettings
     posix_spawnattr_t attributes_{};
 };
 
-/// A process that reads, and the end of its stream; neither outlives the object.
+/// A reader's process and the reading end of its stream. Both end with the object.
 class ReaderProcess
 {
   public:
     explicit ReaderProcess(const std::string& program, std::vector<std::string> arguments)
     {
         id_ = SpawnSettings(stream_.Writing()).Start(program, std::move(arguments));
-        // The end of the stream is when the process has closed it, too.
+        // Otherwise the stream would not end when the reader's process closes it.
         stream_.CloseWriting();
     }
     ReaderProcess(const ReaderProcess&) = delete;
@@ -134,12 +133,12 @@ class ReaderProcess
 
     [[nodiscard]] int Stream() const { return stream_.Reading(); }
 
-    /// Ends the process, unless it has ended by itself, and returns its status as waitpid gives it.
+    /// Ends the process unless it has ended, and returns its status in the form of waitpid.
     int End()
     {
         if (id_ == 0)
             return status_;
-        // One that is about to end for another reason still ends for that one.
+        // A process that is ending already keeps its own status.
         kill(id_, SIGKILL);
         while (waitpid(id_, &status_, 0) < 0 && errno == EINTR) {
         }
@@ -147,7 +146,7 @@ class ReaderProcess
         return status_;
     }
 
-    /// In bytes; 0 where it cannot be told.
+    /// The resident memory of the process in bytes; 0 if it is unknown.
     [[nodiscard]] std::size_t ResidentMemory() const
     {
         std::ifstream file("/proc/" + std::to_string(id_) + "/statm");
@@ -173,12 +172,12 @@ std::string SecondsText(std::chrono::milliseconds time)
     return text + " s";
 }
 
-/// One file on its way in.
-class Import
+/// One run of karv-reader, from its start to its model or its failure.
+class ReaderSession
 {
   public:
-    Import(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
-           const Reader& reader)
+    ReaderSession(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
+                  const ReaderSettings& reader)
         : path_(path), progress_(progress), limits_(reader.limits),
           process_(reader.program, WriteReaderArguments({.parent = getpid(),
                                                          .processor = reader.limits.processor,
@@ -222,20 +221,20 @@ class Import
     [[noreturn]] void FailForMemory() const
     {
         FailWithProgress("needs more than " + std::to_string(limits_.memory / kMebibyte) +
-                      " MiB of memory to be read");
+                         " MiB of memory to be read");
     }
 
-    /// Says how the reader ended, which it did without an answer.
+    /// Throws the reason why the reader ended without an answer.
     [[noreturn]] void FailByStatus(int status) const
     {
         if (WIFEXITED(status) && WEXITSTATUS(status) == kOutOfMemoryStatus)
             FailForMemory();
         if (WIFEXITED(status))
             FailWithProgress("the reader ended without an answer (status " +
-                          std::to_string(WEXITSTATUS(status)) + ")");
+                             std::to_string(WEXITSTATUS(status)) + ")");
         if (WTERMSIG(status) == SIGXCPU)
             FailWithProgress("takes more than " + SecondsText(limits_.processor) +
-                          " of processor time to be read");
+                             " of processor time to be read");
         FailWithProgress("the reader crashed (" + std::string(strsignal(WTERMSIG(status))) + ")");
     }
 
@@ -247,7 +246,7 @@ class Import
             FailForMemory();
     }
 
-    /// Waits for bytes of the stream and takes them.
+    /// Waits for bytes of the stream, a signal or a limit. Returns the number of bytes read; 0 at the end.
     std::size_t Read(std::span<char> buffer)
     {
         constexpr int kMillisecondsBetweenLooks = 20;
@@ -283,26 +282,17 @@ class Import
 
 } // namespace
 
-std::size_t DefaultReaderMemory()
-{
-    constexpr std::size_t kMin = 1024 * kMebibyte;
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages <= 0 || page_size <= 0)
-        return kMin;
-    return std::max(kMin, static_cast<std::size_t>(pages) * static_cast<std::size_t>(page_size) / 2);
-}
-
 Model ImportModel(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
-                  const Reader& reader)
+                  const ReaderSettings& reader)
 {
-    std::optional<Import> import;
+    std::optional<ReaderSession> session;
     try {
-        import.emplace(path, options, progress, reader);
+        session.emplace(path, options, progress, reader);
     } catch (const std::system_error& error) {
-        throw FileError(path, "its reader cannot be started: " + error.code().message());
+        throw FileError(path,
+                        "its reader " + reader.program + " cannot be started: " + error.code().message());
     }
-    return import->Run();
+    return session->Run();
 }
 
 } // namespace viewer

@@ -1,3 +1,4 @@
+// No importer is built for Windows, so that no reader runs there.
 #include "viewer/import/process/reader_client.h"
 
 #include "viewer/text/file_error.h"
@@ -17,7 +18,7 @@ std::string ReaderBesideThisCode()
 }
 
 Model ImportModel(const std::string& path, const ImportOptions& /*options*/,
-                  const ProgressFunction& /*progress*/, const Reader& /*reader*/)
+                  const ProgressFunction& /*progress*/, const ReaderSettings& /*reader*/)
 {
     const std::string extension = LowerCaseExtension(path);
     throw FileError(path, (extension.empty() ? "files without an extension" : extension + " files") +

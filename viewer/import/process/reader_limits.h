@@ -1,4 +1,4 @@
-// What reading one file may cost.
+// Limits for reading one model file.
 #pragma once
 
 #include <chrono>
@@ -7,13 +7,16 @@
 namespace viewer
 {
 
-/// Half of the machine's memory, but at least a GiB, in bytes.
+/// Half of the machine's memory, but at least 1 GiB, in bytes. 0 on Windows, where no reader runs.
 [[nodiscard]] std::size_t DefaultReaderMemory();
 
 struct ReaderLimits {
+    /// Elapsed time.
     std::chrono::milliseconds wall = std::chrono::minutes(10);
+    /// Processor time of the reader.
     std::chrono::seconds processor = std::chrono::minutes(10);
-    /// In bytes: of address space, of resident memory (polled), and of the stream.
+    /// In bytes. The same limit applies to address space, to resident memory, which is polled, and to the
+    /// length of the stream.
     std::size_t memory = DefaultReaderMemory();
 };
 

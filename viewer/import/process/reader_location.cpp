@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <system_error>
-
-#include <link.h>
+#include <fstream>
+#include <sstream>
 
 namespace viewer
 {
@@ -12,37 +11,34 @@ namespace viewer
 namespace
 {
 
-struct CodeFile {
-    std::uintptr_t address = 0;
-    std::string path; ///< empty for the program itself
-};
-
-/// Takes the name of the loaded file that holds the address.
-int FindFile(dl_phdr_info* info, std::size_t /*size*/, void* data)
+/// The path of the file that is mapped at the address; empty where none is.
+std::string FileMappedAt(std::uintptr_t address)
 {
-    CodeFile& wanted = *static_cast<CodeFile*>(data);
-    for (ElfW(Half) i = 0; i < info->dlpi_phnum; ++i) {
-        const ElfW(Phdr)& segment = info->dlpi_phdr[i];
-        const std::uintptr_t begin = info->dlpi_addr + segment.p_vaddr;
-        if (segment.p_type != PT_LOAD || wanted.address < begin || wanted.address - begin >= segment.p_memsz)
-            continue;
-        wanted.path = info->dlpi_name;
-        return 1;
+    // NOTE: The dynamic linker's names for loaded files (dladdr, dl_iterate_phdr) are those that they were
+    // loaded by. Relative ones are wrong after a change of the working folder.
+    std::ifstream mappings("/proc/self/maps");
+    for (std::string line; std::getline(mappings, line);) {
+        std::istringstream range(line);
+        std::uintptr_t begin = 0;
+        std::uintptr_t end = 0;
+        char dash = 0;
+        range >> std::hex >> begin >> dash >> end;
+        const std::size_t path = line.find('/');
+        if (range && begin <= address && address < end && path != std::string::npos)
+            return line.substr(path);
     }
-    return 0;
+    return {};
 }
 
 } // namespace
 
 std::string ReaderBesideThisCode()
 {
-    CodeFile file{reinterpret_cast<std::uintptr_t>(&ReaderBesideThisCode), {}};
-    // NOTE: dladdr names the program as it was called, which is of no use after a change of the working folder.
-    dl_iterate_phdr(&FindFile, &file);
-    std::error_code error;
-    const std::filesystem::path path =
-        std::filesystem::canonical(file.path.empty() ? "/proc/self/exe" : file.path, error);
-    return (path.parent_path() / "karv-reader").string();
+    // A function with internal linkage, which no other library's can replace.
+    const std::string file = FileMappedAt(reinterpret_cast<std::uintptr_t>(&FileMappedAt));
+    if (file.empty())
+        return {};
+    return (std::filesystem::path(file).parent_path() / "karv-reader").string();
 }
 
 } // namespace viewer

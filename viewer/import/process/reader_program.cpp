@@ -1,5 +1,6 @@
 #include "viewer/import/process/reader_program.h"
 
+#include "viewer/import/library_message.h"
 #include "viewer/import/model_file.h"
 #include "viewer/import/process/model_stream.h"
 #include "viewer/import/process/process_limits.h"
@@ -40,21 +41,22 @@ constexpr bool kHasAddressSanitizer = false;
 void EndWithParent(int parent)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // It may have ended before that.
+    // The parent may have ended before prctl.
     if (getppid() != parent)
         _exit(kUsageStatus);
 }
 
-/// Keeps the stream's descriptor to itself; returns it. What libraries print goes nowhere.
+/// Redirects the standard streams to /dev/null, so that output of libraries is dropped. Returns a descriptor
+/// of the previous standard output, for the stream.
 int TakeOutput()
 {
     const int output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 #if defined(__SANITIZE_ADDRESS__)
-    // Parsers that crash do so by their signal, as they do without the sanitizer.
+    // A crash ends the process by its signal, as it does without the sanitizer.
     for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL})
         std::signal(signal, SIG_DFL);
-    // What else the sanitizer has to say is heard.
-    // NOTE: the sanitizer takes the descriptor in a pointer's clothes.
+    // Other reports of the sanitizer still go to the standard error stream.
+    // NOTE: The sanitizer takes the descriptor as a pointer.
     const int reports = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     // NOLINTNEXTLINE(performance-no-int-to-ptr)
     __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<std::intptr_t>(reports)));
@@ -72,14 +74,14 @@ void WriteAll(int descriptor, std::span<const char> bytes)
         const ssize_t count = write(descriptor, bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR)
             continue;
-        // Nobody reads any more.
+        // The client has closed its end of the pipe.
         if (count < 0)
             _exit(kUsageStatus);
         bytes = bytes.subspan(static_cast<std::size_t>(count));
     }
 }
 
-/// The reason of an error without the name of the file, which the other side puts before it.
+/// The reason of an error without the file's name, which the client adds.
 std::string ReasonOf(const FileError& error, const std::string& path)
 {
     const std::string text = error.what();
@@ -93,7 +95,7 @@ void ReadAndWrite(const std::string& path, const ImportOptions& options, int out
     ModelStreamWriter writer(sink);
     double written = 0.0;
     const auto report = [&](double fraction) {
-        // Some libraries report every entity.
+        // Some libraries report progress for every entity.
         constexpr double kStep = 0.005;
         if (fraction < written + kStep)
             return;
@@ -108,9 +110,9 @@ void ReadAndWrite(const std::string& path, const ImportOptions& options, int out
     } catch (const std::bad_alloc&) {
         _exit(kOutOfMemoryStatus);
     } catch (const std::exception& error) {
-        return writer.WriteFailure("cannot be read: " + std::string(error.what()));
+        return writer.WriteFailure(ReasonFromLibrary(error.what()));
     } catch (...) {
-        return writer.WriteFailure("cannot be read");
+        return writer.WriteFailure(ReasonFromLibrary({}));
     }
     writer.WriteModel(model);
 }
@@ -129,7 +131,7 @@ int RunReader(int argc, const char* const* argv)
     LimitProcess(arguments->processor,
                  kHasAddressSanitizer ? std::nullopt : std::optional(arguments->memory));
     ReadAndWrite(arguments->path, arguments->options, output);
-    // An orderly end of the libraries takes time and has no effect that matters.
+    // Destructors of the libraries take time and are not needed.
     _exit(0);
 }
 

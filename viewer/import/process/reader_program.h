@@ -1,13 +1,14 @@
-// The whole of karv-reader after its main function: a crash of a parser ends this process and not its client.
+// The program karv-reader, without its main function. If a parser crashes, this process ends and not its
+// client.
 #pragma once
 
 namespace viewer
 {
 
-/// Reads the file that the arguments (`ReaderArguments`) name and writes the stream of its model to the
-/// standard output. Output that a library prints is dropped. The process also ends when its parent does.
-/// Ends the process where the arguments are valid; otherwise writes one line to the standard error stream and
-/// returns the exit status 2. To be called first in the main function.
+/// Reads the file that the arguments name (`ReaderArguments`) and writes the stream of its model to the
+/// standard output, then ends the process. Output that libraries print is dropped. The process is also ended
+/// when its parent ends. With other arguments it writes one line to the standard error stream and returns the
+/// exit status 2. Must be called first in the main function.
 int RunReader(int argc, const char* const* argv);
 
 } // namespace viewer

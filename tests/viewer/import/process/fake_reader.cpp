@@ -1,4 +1,4 @@
-// A reader of the kind that karv-view starts, with a fault that the name of its file chooses.
+// Replaces karv-reader. The name of the model file selects its fault.
 #include "tests/viewer/import/process/stream_fixture.h"
 #include "viewer/import/process/process_limits.h"
 
@@ -41,12 +41,12 @@ std::string Failure(const std::string& reason)
 
 void Crash()
 {
-    // As it is without a sanitizer's own handler.
+    // Without a sanitizer's handler.
     std::signal(SIGSEGV, SIG_DFL);
     std::raise(SIGSEGV);
 }
 
-/// Takes memory that is really there, until somebody minds.
+/// Takes resident memory until the client ends the process.
 void Grow()
 {
     constexpr std::size_t kStep = 1U << 20U;
@@ -111,7 +111,7 @@ int main(int argc, char** argv)
         Grow();
     }
     if (fault == "spin")
-        Spin(argv[3]);
+        Spin(argv[2]);
     if (fault == "flood")
         Flood();
     return fault == "silent" ? 3 : 0;

@@ -1,5 +1,5 @@
-// Files of every kind that are cut, empty inside, lying or not what they seem, read as the program reads
-// them: by a process of its own, under limits. Each gives one line and a reason, in bounded time and memory.
+// Files of every kind that are cut, filled with zeros, or state wrong counts, read by karv-reader under its
+// limits. Each gives one line with a reason, in bounded time and memory.
 #include "tests/viewer/import/brep/brep_fixture.h"
 #include "tests/viewer/import/dxf/dxf_fixture.h"
 #include "viewer/import/process/reader_client.h"
@@ -33,7 +33,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// What came of reading a file: a model, or a reason without the file's name.
+/// The result of reading a file: a model, or a reason without the file's name.
 struct Outcome {
     std::optional<Model> model;
     std::string reason;
@@ -65,14 +65,14 @@ class HostileFiles : public BrepTest
         }
     }
 
-    /// The parser itself has to see what is wrong, not the limits around it.
+    /// Expects that the parser found the fault itself, and no limit or crash ended it.
     static void ExpectOrderly(const Outcome& outcome, const std::string& what)
     {
         EXPECT_THAT(outcome.reason, Not(AnyOf(HasSubstr("crashed"), HasSubstr("without an answer"),
                                               HasSubstr("to be read"), HasSubstr("answer is damaged"))))
             << what;
     }
-    /// Or the process around the parser has kept what it did from this one; no sanitizer had anything to say.
+    /// Allows crashes and limits too, but no report of a sanitizer and no damaged stream.
     static void ExpectContained(const Outcome& outcome, const std::string& what)
     {
         EXPECT_THAT(outcome.reason,
@@ -85,7 +85,7 @@ class HostileFiles : public BrepTest
         ExpectOrderly(outcome, what);
     }
 
-    /// A good file of this kind.
+    /// A valid file of this kind.
     [[nodiscard]] std::string Sample(const std::string& ending) const
     {
         const TopoDS_Shape shape = BRepPrimAPI_MakeCylinder(10.0, 20.0).Shape();
@@ -116,7 +116,7 @@ class HostileKind : public HostileFiles, public testing::WithParamInterface<std:
 {
   protected:
     [[nodiscard]] std::string Name() const { return "file." + GetParam(); }
-    /// Whether a file that has lost its end can be told from a smaller one.
+    /// Whether a truncated file can be distinguished from a smaller one.
     static bool TellsItsEnd() { return GetParam() != "obj"; }
 };
 
@@ -170,7 +170,7 @@ TEST_P(HostileKind, UnreadableFileIsRefused)
 {
     namespace fs = std::filesystem;
     fs::permissions(Write(Name(), Sample(GetParam())), fs::perms::none);
-    // Root reads every file, unless it gives that right up.
+    // Root can read every file unless it drops the capability.
     const std::string unprivileged =
         geteuid() == 0 ? "setpriv --bounding-set -dac_override,-dac_read_search " : "";
     const std::string command =
@@ -185,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(Files, HostileKind,
                          testing::Values("step", "igs", "brep", "dxf", "obj", "stl", "ply", "off", "gltf"),
                          [](const auto& test) { return test.param; });
 
-/// Files of kinds that are hard to write, out of a package.
+/// Files of kinds that a test cannot write easily, from a package.
 class HostileRealFile : public HostileFiles, public testing::WithParamInterface<std::string>
 {
 };
@@ -224,13 +224,13 @@ std::string Repeated(const std::string& text, std::size_t count)
 
 constexpr std::size_t kMillion = 1'000'000;
 
-/// A million of something with nothing in it.
+/// A file with a million empty entities.
 struct Emptiness {
     std::string name;
     std::function<std::string()> content;
 };
 
-/// For the name of the test.
+/// GoogleTest prints it with the test's name.
 void PrintTo(const Emptiness& emptiness, std::ostream* out)
 {
     *out << emptiness.name;
@@ -244,7 +244,7 @@ TEST_P(MillionEmptyEntities, AreRefusedWithinTheLimits)
 {
     const Outcome outcome = Import(Write(GetParam().name, GetParam().content()));
     EXPECT_FALSE(outcome.model);
-    // That they take too much memory is a reason, too.
+    // The limit of memory is a valid reason, too.
     ExpectContained(outcome, GetParam().name);
     EXPECT_THAT(outcome.reason, Not(HasSubstr("crashed")));
 }
@@ -265,7 +265,7 @@ std::string GltfOfNodes()
            Repeated(",{}", kMillion) + "]}";
 }
 
-/// A line of an IGES file: its content from the left, its section and number at the right end.
+/// A line of an IGES file: the content at the left, the section and the number at the right.
 std::string IgesLine(std::string content, const char* section, std::size_t number)
 {
     content.resize(72, ' ');
@@ -273,7 +273,7 @@ std::string IgesLine(std::string content, const char* section, std::size_t numbe
     return content + section + std::string(7 - digits.size(), ' ') + digits + '\n';
 }
 
-/// Entities of type 0, which stands for nothing.
+/// Entities of type 0, the null entity.
 std::string IgesOfNothing()
 {
     std::string text = IgesLine("", "S", 1) +
@@ -323,7 +323,7 @@ class NonFiniteCoordinates : public HostileFiles, public testing::WithParamInter
 {
 };
 
-/// The sample with a number in it that none is.
+/// The sample with one number replaced by text that is not a finite number.
 TEST_P(NonFiniteCoordinates, NeverReachTheModel)
 {
     const std::map<std::string, std::string> places = {{"step", "20."},  {"igs", "20."},     {"brep", "20"},
@@ -362,7 +362,7 @@ TEST_F(HostileFiles, BlocksThatHoldThemselvesAreRefused)
 
 TEST_F(HostileFiles, BlocksThatMultiplyAreRefusedOrLimited)
 {
-    // Each of 40 blocks holds the one before twice: 2^39 lines.
+    // Each of 40 blocks inserts the previous one twice: 2^39 lines.
     std::string blocks;
     for (int i = 0; i < 40; ++i) {
         const std::string name = "b" + std::to_string(i);
@@ -393,7 +393,7 @@ TEST_F(HostileFiles, AssembliesThatHoldThemselvesDoNoHarm)
     document.Place(document.AddAssembly("whole"), part, MovedBy(1, 2, 3));
     static_cast<void>(WriteStep(document, "whole.step"));
     std::string text = Read("whole.step");
-    // The usage of the part in the assembly becomes one of the assembly in itself.
+    // The usage of the part in the assembly becomes a usage of the assembly in itself.
     const std::string usage = "NEXT_ASSEMBLY_USAGE_OCCURRENCE(";
     const std::size_t at = text.find(usage);
     ASSERT_NE(at, std::string::npos);
@@ -403,7 +403,7 @@ TEST_F(HostileFiles, AssembliesThatHoldThemselvesDoNoHarm)
     text.replace(comma + 1, end - comma - 1, text.substr(whole, comma - whole));
     const Outcome outcome = Import(Write("self.step", text));
     ExpectContained(outcome, "an assembly in itself");
-    // The library leaves such a usage out, so that the part is what there is to show.
+    // The library drops such a usage, so that only the part remains.
     EXPECT_TRUE(!outcome.model || outcome.model->pieces.size() == 1);
 }
 

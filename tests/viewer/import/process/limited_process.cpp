@@ -1,4 +1,5 @@
-// A process under the limits of a reader, without any sanitizer, that asks for memory until it gets none.
+// A process under the limits of a reader, built without sanitizers, that allocates memory until there is
+// none.
 #include "viewer/import/process/process_limits.h"
 
 #include <cstdlib>

@@ -18,7 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// Why the bytes are refused; empty where they are not.
+/// The reason why the bytes are refused; empty if they are not.
 std::string ReasonFor(const std::string& bytes)
 {
     try {
@@ -29,7 +29,7 @@ std::string ReasonFor(const std::string& bytes)
     return {};
 }
 
-/// Replaces the only place where the bytes of one value stand by those of another.
+/// Replaces the bytes of a value, which must occur once, by those of another.
 std::string Replaced(std::string bytes, const std::string& from, const std::string& to)
 {
     const std::size_t place = bytes.find(from);
@@ -38,7 +38,7 @@ std::string Replaced(std::string bytes, const std::string& from, const std::stri
     return bytes.replace(place, from.size(), to);
 }
 
-/// The stream of a model with one value that is easily found.
+/// The stream of a model with one value that occurs once.
 std::string WithLine(double x)
 {
     Model model;
@@ -186,7 +186,7 @@ TEST(ModelStream, CoordinatesThatAreNotFiniteAreRefused)
 
 TEST(ModelStream, PromisesOfMoreThanThereIsCostNothing)
 {
-    // One line is promised to be 2^64 - 1, with room for no more than a few.
+    // The count of lines is 2^64 - 1, with bytes for a few.
     Model model;
     model.pieces.emplace_back().lines = {{{1, 2, 3}, {4, 5, 6}}};
     const std::string line = BytesOf(1.0) + BytesOf(2.0);
@@ -257,7 +257,7 @@ TEST(ModelStream, UnitWithoutALengthIsRefused)
 TEST(ModelStream, FlagThatIsNeitherIsRefused)
 {
     std::string bytes = StreamOf(Model{});
-    // The last one before the four bytes of the end says whether there is a unit.
+    // The last byte before the four bytes of the end mark is the flag of the unit.
     bytes[bytes.size() - 5] = '\2';
     EXPECT_EQ(ReasonFor(bytes), "it holds a flag that is neither 0 nor 1");
 }

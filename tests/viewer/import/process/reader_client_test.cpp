@@ -1,4 +1,4 @@
-// Readers that fail in every way there is, and the one of the program itself.
+// The client with readers that fail in every way, and with karv-reader.
 #include "viewer/import/process/reader_client.h"
 
 #include "tests/viewer/viewer_fixture.h"
@@ -38,7 +38,8 @@ ReaderLimits Generous()
     return limits;
 }
 
-/// The error that a faulty reader of this kind gives; it must be one line that begins with the file.
+/// The reason that the client gives for a reader with this fault. The error must be one line that begins with
+/// the file.
 std::string ReasonOf(const std::string& fault, const ReaderLimits& limits = Generous(),
                      const ProgressFunction& progress = {})
 {
@@ -53,7 +54,7 @@ std::string ReasonOf(const std::string& fault, const ReaderLimits& limits = Gene
     return "a model";
 }
 
-/// No child of this process is left, not even one that has ended.
+/// Expects that this process has no child left, not even one that has ended.
 void ExpectNoChild()
 {
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
@@ -191,7 +192,8 @@ TEST(ReaderProcess, ProgramThatIsNotThereIsAReason)
         static_cast<void>(ImportModel("a.stl", {}, {}, {"/none/karv-reader", Generous()}));
         FAIL() << "nothing can have been read";
     } catch (const FileError& error) {
-        EXPECT_STREQ(error.what(), "a.stl: its reader cannot be started: No such file or directory");
+        EXPECT_STREQ(error.what(),
+                     "a.stl: its reader /none/karv-reader cannot be started: No such file or directory");
     }
     ExpectNoChild();
 }
@@ -208,7 +210,7 @@ TEST(ReaderProcess, HundredReadersLeaveNoDescriptorBehind)
     EXPECT_EQ(open_descriptors(), before);
 }
 
-/// The exit status of a program that is run with these arguments; minus the signal where one ended it.
+/// Runs a program with these arguments and returns its exit status, or minus the signal that ended it.
 int StatusOf(const std::string& program, std::vector<std::string> arguments)
 {
     arguments.insert(arguments.begin(), program);
@@ -243,19 +245,12 @@ std::vector<std::string> ArgumentsFor(const std::string& path, int parent)
 
 TEST(ReaderProgram, ReaderWhoseParentHasEndedEndsAtOnce)
 {
-    // Nobody's parent has this number while the test itself is the parent.
+    // The test is the parent, so that any other id is wrong.
     const int nobody = getpid() + 1;
     EXPECT_EQ(StatusOf(KARV_READER, ArgumentsFor("none.obj", nobody)), 2);
 }
 
-TEST(ReaderProgram, ArgumentsThatAreNotNumbersEndIt)
-{
-    std::vector<std::string> arguments = ArgumentsFor("none.obj", getpid());
-    arguments.at(2) = "many";
-    EXPECT_EQ(StatusOf(KARV_READER, arguments), 2);
-}
-
-/// Files read by the reader that lies beside this program.
+/// Files read by karv-reader, which is in the folder of this program.
 class ReaderBesideThisProgram : public ViewerTest
 {
   protected:

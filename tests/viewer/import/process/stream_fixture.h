@@ -1,5 +1,4 @@
-// What tests of the stream between the two processes share: a model with every part in it, and streams as
-// bytes.
+// Shared by tests of the model stream: a model with all members set, and streams as bytes.
 #pragma once
 
 #include "viewer/import/process/model_stream.h"
@@ -33,7 +32,7 @@ inline Model SampleModel()
     return model;
 }
 
-/// All that is written to it.
+/// A writer and the bytes that it has written.
 class StreamBytes
 {
   public:
@@ -56,7 +55,7 @@ inline std::string StreamOf(const Model& model)
     return stream.Bytes();
 }
 
-/// The bytes of a number as a stream has them.
+/// The bytes of a number in a stream.
 template <typename Number>
 std::string BytesOf(Number number)
 {
@@ -65,7 +64,7 @@ std::string BytesOf(Number number)
     return bytes;
 }
 
-/// Gives these bytes, at most `block` at a time.
+/// A source of these bytes, at most `block` at a time.
 inline StreamSource SourceOf(std::string_view bytes, std::size_t block = 65536)
 {
     return [bytes, block](std::span<char> buffer) mutable {
