@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
     throw FileError(path, "truncated: " + what);
 }
 
-/// A 32-bit number, least significant byte first; 0 past the end.
+/// A 32-bit little-endian number; 0 past the end of the file.
 std::uint32_t ReadUint32(std::istream& stream, std::streamoff offset)
 {
     std::array<char, 4> bytes{};
@@ -40,7 +40,7 @@ std::uint32_t ReadUint32(std::istream& stream, std::streamoff offset)
     return value;
 }
 
-/// The last line that is not blank, looked for in the last bytes of the file.
+/// The last line that is not blank in the last 4 KiB of the file.
 std::string LastLine(std::istream& stream, std::uintmax_t size)
 {
     constexpr std::uintmax_t kTail = 4096;
@@ -97,7 +97,7 @@ void CheckBinaryGltf(const std::string& path, std::istream& stream, std::uintmax
 /// One element of a PLY header.
 struct PlyElement {
     std::uintmax_t count = 0;
-    std::uintmax_t min_bytes = 0; ///< of one such element in a binary file; lists count as empty
+    std::uintmax_t min_bytes = 0; ///< the minimum size of one element in a binary file, with empty lists
 };
 
 std::uintmax_t PlyTypeSize(const std::string& type)
@@ -171,7 +171,7 @@ void CheckPly(const std::string& path, std::istream& stream, std::uintmax_t size
                        "holds " + std::to_string(body) + " bytes of at least " + std::to_string(expected));
 }
 
-/// The next line of an OFF file that holds something besides a comment.
+/// The next line of an OFF file without its comment; blank lines are skipped.
 std::optional<std::string> NextOffLine(std::istream& stream)
 {
     for (std::string line; std::getline(stream, line);) {

@@ -1,6 +1,6 @@
-// What a model file promises about its own size, compared with what is there. Importers are lenient about
-// files that end early and would show a part as if it were the whole; they also trust counts that no memory
-// could hold. These checks read sizes and counts only, never geometry.
+// Compares the size that a model file states with the size that it has. The parsing libraries accept files
+// that end early, so that a part of a model would be shown as the whole. They also trust counts that exceed
+// any memory. These checks read sizes and counts only, no geometry.
 #pragma once
 
 #include <string>
@@ -8,9 +8,9 @@
 namespace viewer
 {
 
-/// Throws FileError where the file is missing, not a regular file, unreadable or empty, or shorter than it
-/// says itself (STL, PLY, OFF, binary glTF; by the file's ending). Files of other kinds are taken as they
-/// are.
+/// Throws FileError if the file is missing, is not a regular file, cannot be read, is empty, or is shorter
+/// than it states. The size is checked for STL, PLY, OFF and binary glTF files, which are told by their
+/// extension; files of other kinds pass. Each importer calls this once, before it parses.
 void CheckModelFile(const std::string& path);
 
 } // namespace viewer

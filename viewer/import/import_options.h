@@ -1,4 +1,4 @@
-// What a user may say about how files are read.
+// Options for reading a model file.
 #pragma once
 
 #include <optional>
@@ -6,12 +6,12 @@
 namespace viewer
 {
 
-/// The deflection by default: this part of the diagonal of what is being cut.
+/// The default deflection, as a fraction of the diagonal of the model's box.
 inline constexpr double kRelativeDeflection = 0.001;
 
 struct ImportOptions {
-    /// The farthest that the facets of a curved face and the segments of a curve may lie from it, in the
-    /// units of the file; above 0. None for `kRelativeDeflection` of the model's diagonal.
+    /// The maximum distance between a curved face and its facets, and between a curve and its segments. In
+    /// the unit of the file, above 0. If not set, `kRelativeDeflection` times the model's diagonal.
     std::optional<double> deflection;
 };
 

@@ -1,15 +1,13 @@
 #include "viewer/import/model_file.h"
 
 #include "viewer/import/brep/brep_import.h"
+#include "viewer/import/brep/file_kind.h"
 #include "viewer/import/dxf/dxf_import.h"
 #include "viewer/import/mesh/mesh_import.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
-#include <string_view>
 
 namespace viewer
 {
@@ -17,20 +15,11 @@ namespace viewer
 namespace
 {
 
-Model Dispatch(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
+Model Import(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
 {
-    constexpr std::array<std::string_view, 6> kBrepEndings = {".step", ".stp",  ".iges",
-                                                              ".igs",  ".brep", ".brp"};
-    // That importer converts STEP and IGES files to millimetres; BREP files have no unit.
-    constexpr double kMillimeter = 0.001;
-    const std::string ending = LowerCaseExtension(path);
-    if (std::ranges::find(kBrepEndings, ending) != kBrepEndings.end()) {
-        Model model = ImportBrep(path, options, progress);
-        if (!ending.starts_with(".b"))
-            model.meters_per_unit = kMillimeter;
-        return model;
-    }
-    if (ending == ".dxf")
+    if (BrepKindOf(path))
+        return ImportBrep(path, options, progress);
+    if (LowerCaseExtension(path) == ".dxf")
         return ImportDxf(path, options, progress);
     return ImportMesh(path, progress);
 }
@@ -39,7 +28,7 @@ Model Dispatch(const std::string& path, const ImportOptions& options, const Prog
 
 Model ReadModelFile(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
 {
-    Model model = Dispatch(path, options, progress);
+    Model model = Import(path, options, progress);
     const Box box = model.Extents();
     if (box.IsEmpty())
         throw FileError(path, "holds nothing to show");

@@ -1,4 +1,4 @@
-// Any model file, whatever its kind, parsed in this process.
+// Parses a model file of any kind in the calling process.
 #pragma once
 
 #include "viewer/import/import_options.h"
@@ -10,11 +10,11 @@
 namespace viewer
 {
 
-/// Reads a file by what its ending says, in letters of either case: STEP (.step .stp), IGES (.iges .igs) and
-/// BREP (.brep .brp) through `ImportBrep`, DXF (.dxf) through `ImportDxf`, all others through `ImportMesh`.
+/// Reads a file. Its extension, in either case, selects the importer: STEP (.step .stp), IGES (.iges .igs)
+/// and BREP (.brep .brp) are read by `ImportBrep`, DXF (.dxf) by `ImportDxf`, all others by `ImportMesh`.
 ///
-/// Throws FileError as those do, and where the model is empty or too large for its size to be a number. What
-/// else the libraries throw passes through.
+/// Throws FileError as the importers do, and if the model is empty or its diagonal is not finite. Other
+/// exceptions of the parsing libraries pass through.
 [[nodiscard]] Model ReadModelFile(const std::string& path, const ImportOptions& options,
                                   const ProgressFunction& progress = {});
 

@@ -1,4 +1,4 @@
-// How importers report progress.
+// Progress of an import.
 #pragma once
 
 #include <functional>
@@ -6,7 +6,7 @@
 namespace viewer
 {
 
-/// Called with the part that is done, from 0 to 1.
+/// Called with the fraction that is done, from 0 to 1.
 using ProgressFunction = std::function<void(double fraction)>;
 
 } // namespace viewer

@@ -18,7 +18,7 @@ using testing::StartsWith;
 class FileChecks : public ViewerTest
 {
   protected:
-    /// What is said of a file of this name and content, without the file's path; empty where nothing is.
+    /// The reason for a file with this name and content, without the path; empty if the file passes.
     std::string ReasonFor(const std::string& name, const std::string& content) const
     {
         const std::string path = Write(name, content);
@@ -30,8 +30,7 @@ class FileChecks : public ViewerTest
         return {};
     }
 
-    /// Every proper beginning of a file that ends before its last face is complete must be refused as a
-    /// whole.
+    /// Expects that each part of the file that ends before its last face is complete is refused.
     void ExpectEveryBeginningRefused(const std::string& name, const std::string& content,
                                      std::size_t complete) const
     {

@@ -2,6 +2,7 @@
 
 #include "platform/host/cm/color.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <BRepBndLib.hxx>
 #include <BRepTools.hxx>
@@ -38,7 +39,7 @@ namespace viewer
 namespace
 {
 
-/// A document of the library's, which its application keeps until it is closed.
+/// A document of the library. The library's application holds it until it is closed.
 class Document
 {
   public:
@@ -104,21 +105,16 @@ void ReadShape(const std::string& path, const Handle(TDocStd_Document) & documen
     XCAFDoc_DocumentTool::ShapeTool(document->Main())->AddShape(shape, Standard_False);
 }
 
-/// The label's name in UTF-8, without control characters.
+/// The label's name in UTF-8, in one line.
 std::string NameOf(const TDF_Label& label)
 {
     Handle(TDataStd_Name) name;
     if (!label.FindAttribute(TDataStd_Name::GetID(), name))
         return {};
-    std::string text(TCollection_AsciiString(name->Get()).ToCString());
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
-    text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
+    return std::string(Trimmed(OneLine(TCollection_AsciiString(name->Get()).ToCString())));
 }
 
-/// The name of an instance, unless a program numbered it instead of its user naming it.
+/// The name of an instance; empty if a program generated it.
 std::string InstanceNameOf(const TDF_Label& label)
 {
     std::string name = NameOf(label);
@@ -136,14 +132,14 @@ BrepColor ColorFrom(const Quantity_ColorRGBA& color)
     return {NearestColorIndex(channel(0), channel(1), channel(2)), std::clamp(color.Alpha(), 0.0F, 1.0F)};
 }
 
-/// What a branch of the tree hands down to its leaves.
+/// The properties that an assembly's components inherit.
 struct Inherited {
     gp_Trsf placement;
     std::vector<std::string> parents;
     std::optional<BrepColor> color;
     bool overrides_colors = false;
-    TDF_LabelSequence path; ///< components from the top
-    std::string name;       ///< of the instance, where it has one
+    TDF_LabelSequence path; ///< the components from the root
+    std::string name;       ///< of the instance; empty if it has none
 };
 
 class AssemblyWalk
@@ -166,7 +162,7 @@ class AssemblyWalk
     }
 
   private:
-    /// The product of a component; any other label is its own.
+    /// The product of a component; a label that is not a component is returned unchanged.
     static TDF_Label ProductOf(const TDF_Label& label)
     {
         TDF_Label product;
@@ -180,7 +176,7 @@ class AssemblyWalk
         return entry.ToCString();
     }
 
-    /// Groups are the products of the first level that has several of them.
+    /// Finds the groups: the products on the first level that has several components.
     void FindGroups(TDF_LabelSequence level)
     {
         while (level.Size() == 1 && XCAFDoc_ShapeTool::IsAssembly(ProductOf(level.First()))) {
@@ -207,7 +203,7 @@ class AssemblyWalk
         return std::nullopt;
     }
 
-    /// The colour that an assembly gives to an instance somewhere below it.
+    /// The colour that an assembly assigns to an instance on any level below it.
     std::optional<BrepColor> ColorOfUsage(const TDF_LabelSequence& path) const
     {
         TDF_LabelSequence usage = path;

@@ -1,5 +1,5 @@
-// A B-rep file as the library reads it, taken apart: the bodies in it, wherever an assembly puts them, each
-// with its place, its name and its colours. Nothing is faceted here.
+// The bodies in a B-rep file, one for each place where an assembly puts them, with placement, name and
+// colours. Nothing is faceted here.
 #pragma once
 
 #include "viewer/import/brep/file_kind.h"
@@ -26,34 +26,32 @@ struct BrepColor {
     bool operator==(const BrepColor&) const = default;
 };
 
-/// What the file says of the shapes inside one part.
+/// The colours of shapes inside one part.
 struct BrepLabels {
     NCollection_DataMap<TopoDS_Shape, BrepColor, TopTools_ShapeMapHasher> colors;
 };
 
-/// A solid, a shell outside of any, or what is left of a part: loose faces, or loose edges.
+/// A solid, a shell outside of solids, or the loose faces or loose edges of a part.
 struct BrepBody {
-    TopoDS_Shape shape; ///< where its part has it
+    TopoDS_Shape shape; ///< in the part's coordinates
     gp_Trsf placement;  ///< of the part
     std::string name;
     std::vector<std::string> parents;
-    std::optional<BrepColor> color; ///< of all that has none of its own
-    bool overrides_colors =
-        false; ///< the colour is that of this one instance, and goes before its faces' own
+    std::optional<BrepColor> color; ///< of faces without a colour of their own
+    /// `color` is that of this instance and applies to all faces, whatever their own colours.
+    bool overrides_colors = false;
     std::shared_ptr<const BrepLabels> labels;
-    std::size_t group = 0; ///< which component at the top it belongs to
+    std::size_t group = 0; ///< its product, as an index into `BrepContent::group_names`
 };
 
 struct BrepContent {
     std::vector<BrepBody> bodies;
-    std::vector<std::string> group_names; ///< under two where the file has no components to tell apart
+    std::vector<std::string> group_names; ///< of products; fewer than two if the file has no groups
 };
 
-/// Reads the file. Lengths are millimetres but for BREP files, which have no unit. Hidden parts are left out.
-/// A body that reaches into infinity is left out too.
-///
-/// Throws FileError, or what the library throws.
+/// Reads a file. Lengths of STEP and IGES files are millimetres; BREP files have no unit. Hidden parts and
+/// unbounded bodies are dropped. Throws FileError, and passes the library's exceptions on.
 [[nodiscard]] BrepContent ReadBrepContent(const std::string& path, BrepKind kind,
-                                   const Message_ProgressRange& progress);
+                                          const Message_ProgressRange& progress);
 
 } // namespace viewer

@@ -2,8 +2,9 @@
 
 #include "platform/host/cm/color.h"
 #include "viewer/import/brep/bodies.h"
-#include "viewer/import/brep/file_kind.h"
 #include "viewer/import/brep/faceted_body.h"
+#include "viewer/import/brep/file_kind.h"
+#include "viewer/import/library_message.h"
 #include "viewer/text/file_error.h"
 
 #include <BRepBndLib.hxx>
@@ -31,7 +32,6 @@
 #include <new>
 #include <numbers>
 #include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -41,7 +41,7 @@ namespace viewer
 namespace
 {
 
-/// Keeps the library from writing to the terminal, and from making names up, while it lives.
+/// While it exists, the library writes nothing to the terminal and generates no names.
 class QuietLibrary
 {
   public:
@@ -66,7 +66,7 @@ class QuietLibrary
     Standard_Boolean makes_names_;
 };
 
-/// Hands the library's progress on.
+/// Forwards the library's progress.
 class LibraryProgress final : public Message_ProgressIndicator
 {
   public:
@@ -98,7 +98,7 @@ Box BoxOf(const BrepBody& body)
     return box;
 }
 
-/// Content on its way to a model.
+/// Converts the bodies of a file to a model.
 class BrepConverter
 {
   public:
@@ -108,7 +108,7 @@ class BrepConverter
     {
         CheckVertices();
         ChooseTolerance(options);
-        // Meshes that came with the file are of another tolerance.
+        // Meshes that are stored in the file have another tolerance.
         for (const BrepBody& body : content_.bodies)
             BRepTools::Clean(body.shape);
         Message_ProgressScope scope(progress, nullptr, static_cast<double>(content_.bodies.size()));
@@ -130,7 +130,7 @@ class BrepConverter
 
     void CheckPoint(const gp_Pnt& point) const
     {
-        // The library's mark for infinite is a number as well.
+        // The library represents infinity by a large finite number.
         for (const double coordinate : {point.X(), point.Y(), point.Z()})
             if (!std::isfinite(coordinate) || Precision::IsInfinite(coordinate))
                 throw FileError(path_, "holds coordinates that are not finite");
@@ -144,31 +144,31 @@ class BrepConverter
         const double diagonal = box.IsEmpty() ? 0.0 : box.Diagonal();
         if (!std::isfinite(diagonal))
             throw FileError(path_, "holds coordinates that are not finite");
-        // The library's meshes go no finer than the distance at which points are one to it.
+        // The library's mesher takes no deflection below the distance at which it merges points.
         default_deflection_ = std::max(kRelativeDeflection * diagonal, Precision::Confusion());
         tolerance_.deflection =
             std::max(options.deflection.value_or(default_deflection_), Precision::Confusion());
         tolerance_.angle = kFacetAngle * std::numbers::pi / 180.0;
     }
 
-    /// Facets the faces of the shape, unless that was done for another instance of it.
+    /// Meshes the faces of the shape, unless another instance of it is meshed already.
     void Mesh(const TopoDS_Shape& shape, const BrepTolerance& tolerance,
               const Message_ProgressRange& progress) const
     {
         IMeshTools_Parameters parameters;
-        // NOTE: The library's first algorithm (seen in 7.6) bites notches into narrow rounded faces along
-        // long arcs.
+        // NOTE: The library's default algorithm (in 7.6) leaves notches in narrow rounded faces along long
+        // arcs.
         parameters.MeshAlgo = IMeshTools_MeshAlgoType_Delabella;
-        // NOTE: The library keeps the deflection along each direction of a surface, and not strictly. Across
-        // a facet of a surface that curves both ways they add up.
+        // NOTE: The library applies the deflection to each direction of a surface separately, and not
+        // strictly. The deflections add up in a facet of a surface that is curved in both directions.
         constexpr double kAlongOneDirection = 0.45;
         parameters.Deflection = tolerance.deflection;
         parameters.DeflectionInterior = kAlongOneDirection * tolerance.deflection;
         parameters.ForceFaceDeflection = Standard_True;
         parameters.Angle = tolerance.angle;
         parameters.AngleInterior = tolerance.angle;
-        // Facets of distorted surfaces get no smaller than a part of the deflection; but a coarse deflection
-        // must not keep small holes from being round.
+        // The minimum size keeps facets of distorted surfaces from getting too small. It does not grow with a
+        // coarse deflection, so that small holes stay round.
         constexpr double kMinDeflectionShare = 0.1;
         parameters.MinSize =
             std::max(kMinDeflectionShare * std::min(tolerance.deflection, default_deflection_),
@@ -179,7 +179,8 @@ class BrepConverter
 
     struct Faceted {
         std::unique_ptr<FacetedBody> surface;
-        std::vector<std::pair<BrepColor, double>> areas; ///< of faces with colours of their own
+        /// Of the faces with a colour of their own, by colour.
+        std::vector<std::pair<BrepColor, double>> areas;
         double plain_area = 0.0;
     };
 
@@ -243,8 +244,8 @@ class BrepConverter
         model_.pieces.push_back(std::move(piece));
     }
 
-    /// Meshes the body, and once more much finer where it closes but its facets do not: chords of edges that
-    /// run close to each other cross, as those of a thin pipe's.
+    /// Meshes the body. If the body is closed but its facets are not, meshes it again, much finer: chords of
+    /// edges that run close to each other can cross, for example in a thin pipe.
     Faceted FacetClosed(const BrepBody& body, const Message_ProgressRange& progress) const
     {
         Message_ProgressScope scope(progress, nullptr, 2);
@@ -252,7 +253,7 @@ class BrepConverter
         Faceted faceted = Facet(body);
         if (!HasClosedShells(body.shape) || faceted.surface->Closes())
             return faceted;
-        // A chord's distance from its arc goes with the square of its angle.
+        // The distance of a chord from its arc is proportional to the square of its angle.
         constexpr double kFinerAngle = 1.0 / 4.0;
         BrepTolerance finer = tolerance_;
         finer.angle *= kFinerAngle;
@@ -312,14 +313,14 @@ class BrepConverter
         }
     }
 
-    /// Where a file gives no colour: a middle grey.
+    /// A medium grey, for bodies without a colour.
     static inline const unsigned char kUncolored = NearestColorIndex(153, 153, 153);
 
     const std::string& path_;
     BrepContent content_;
     BrepTolerance tolerance_;
     double default_deflection_ = 0.0;
-    std::vector<std::size_t> groups_; ///< of the model's pieces
+    std::vector<std::size_t> groups_; ///< for each piece of the model
     Model model_;
 };
 
@@ -336,18 +337,6 @@ Model Read(const std::string& path, BrepKind kind, const ImportOptions& options,
 }
 
 constexpr double kMillimeter = 0.001;
-
-/// The library's words in one line of reasonable length.
-std::string ReasonFrom(std::string_view message)
-{
-    constexpr std::size_t kMaxLength = 200;
-    std::string reason = "cannot be read";
-    if (!message.empty())
-        reason += ": " + std::string(message.substr(0, kMaxLength));
-    std::replace_if(
-        reason.begin(), reason.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
-    return reason;
-}
 
 } // namespace
 
@@ -366,11 +355,11 @@ Model ImportBrep(const std::string& path, const ImportOptions& options, const Pr
     } catch (const FileError&) {
         throw;
     } catch (const Standard_Failure& failure) {
-        throw FileError(path, ReasonFrom(failure.GetMessageString()));
+        throw FileError(path, ReasonFromLibrary(failure.GetMessageString()));
     } catch (const std::bad_alloc&) {
         throw FileError(path, "needs more memory than there is");
     } catch (const std::exception& error) {
-        throw FileError(path, ReasonFrom(error.what()));
+        throw FileError(path, ReasonFromLibrary(error.what()));
     }
 }
 

@@ -1,5 +1,5 @@
-// STEP, IGES and BREP files, read by the Open CASCADE library into the host's own model: flat faces stay
-// polygons, curved ones are faceted. How the library reads and meshes is known next door.
+// Reads STEP, IGES and BREP files by the Open CASCADE library. Flat faces become convex polygons, curved
+// faces become facets.
 #pragma once
 
 #include "viewer/import/import_options.h"
@@ -11,34 +11,35 @@
 namespace viewer
 {
 
-/// Reads a file, its kind by its ending (`BrepKindOf`). Each solid of each instance in an assembly becomes a
-/// piece whose faces close, where the solid itself does; so does each shell outside of solids, and what is
-/// left of a part: its loose faces in one piece for each colour, its loose edges in another, as lines. Loose
-/// points are left out, and so is what the file hides.
+/// Reads a file; its extension gives its kind (`BrepKindOf`).
 ///
-/// Lengths of STEP and IGES files are millimetres, whatever unit the file states: it is converted. BREP files
-/// have no unit. The axes are the file's.
+/// Pieces: each solid of each instance in an assembly becomes one piece, and so does each shell outside of
+/// solids. The loose faces of a part become one piece for each colour, and its loose edges become pieces of
+/// lines in the same way. Loose points and hidden parts are dropped. If a solid is closed, the faces of its
+/// piece are closed too.
 ///
-/// A flat face is one convex polygon with all its corners, or several that fill it; corners of facets of
-/// neighbouring faces are the same. Facets and segments lie within the deflection of their surface or curve,
-/// as nearly as the library meshes (it takes 1e-7 for a smaller one), and no segment turns by more than
-/// `kFacetAngle` from the last. `Piece::edges` are the file's own edges without
-/// the seams at which a closed surface meets itself smoothly and those of no length.
+/// Unit: STEP and IGES files are converted to millimetres. BREP files have no unit. The axes are not changed.
 ///
-/// A piece has the colour of its instance; without one, the colour that most of its area has, by its faces,
-/// itself, its part and the assemblies around it, the nearest first; without any, grey. Its name is that of
-/// the instance, or else of the part; where the bodies of a part have names, the part is one of its parents.
+/// Faces: a flat face becomes one convex polygon with all its corners, or several that fill it. Neighbouring
+/// faces share the corners along their common edge. Facets and segments lie within the deflection of their
+/// surface or curve, as far as the library's mesher keeps it; its minimum deflection is 1e-7. Two consecutive
+/// segments differ in direction by at most `kFacetAngle`. `Piece::edges` are the edges of the file, without
+/// edges of length 0 and without smooth seams, where a closed surface meets itself.
 ///
-/// Categories are the products on the first level of the assembly that has several, with their names; in a
-/// file without such a level, the colours.
+/// Colour of a piece: that of its instance. Without one, the colour that covers the largest area of its
+/// faces. A face has its own colour, or that of the body, the part or an assembly, the innermost one first.
+/// Grey if there is none. Name: that of the instance, or else of the part. If a body has a name of its own,
+/// the part's name is one of its parents.
 ///
-/// Throws FileError where the file is missing, empty, truncated, damaged or without geometry, or holds
-/// coordinates that are not finite. The library writes nothing to the terminal. Only one thread may be in
-/// here at a time.
+/// Categories: the products on the first level of the assembly that has several of them, with their names. In
+/// a file without such a level, one category for each colour.
+///
+/// Throws FileError if the file is missing, empty, truncated, damaged or without geometry, or if a coordinate
+/// is not finite. The library writes nothing to the terminal meanwhile. Not thread-safe: one call at a time.
 [[nodiscard]] Model ImportBrep(const std::string& path, const ImportOptions& options,
                                const ProgressFunction& progress = {});
 
-/// In degrees: a full circle has 24 segments at least.
+/// The maximum angle between consecutive segments, in degrees: a full circle has at least 24 segments.
 inline constexpr double kFacetAngle = 15.0;
 
 } // namespace viewer

@@ -15,7 +15,7 @@ namespace
 
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
-/// One side of an edge, in the loop of its polygon.
+/// A half-edge in the loop of its polygon.
 struct HalfEdge {
     int from = 0;
     std::size_t next = 0;
@@ -25,8 +25,9 @@ struct HalfEdge {
     bool is_removed = false;
 };
 
-/// Takes edges away, the longest first, as long as what they divide is convex without them (after Hertel and
-/// Mehlhorn). Long ones first, because a sliver then goes with its long side, and what remains is plump.
+/// Removes edges, the longest first, while the polygon without the edge is convex (after Hertel and
+/// Mehlhorn). The longest first, because a sliver is then joined along its long side and the polygons stay
+/// compact.
 class ConvexJoiner
 {
   public:
@@ -73,7 +74,7 @@ class ConvexJoiner
 
     void FindTwins()
     {
-        // More than two sides between the same corners cannot be paired.
+        // More than two half-edges between the same corners cannot be paired.
         std::map<std::pair<int, int>, std::vector<std::size_t>> sides;
         for (std::size_t i = 0; i < edges_.size(); ++i)
             sides[std::minmax(edges_[i].from, To(i))].push_back(i);
@@ -109,10 +110,10 @@ class ConvexJoiner
         return polygon;
     }
 
-    /// Whether the way from one corner over the next to the third turns left, or not at all.
+    /// Whether the path a, b, c turns left or goes straight on.
     bool TurnsLeft(int a, int b, int c) const
     {
-        // Sines below this are what rounding leaves of corners in one line.
+        // Sines below this are rounding errors of collinear corners.
         constexpr double kStraight = 1e-9;
         const Point in = point_of_(b) - point_of_(a);
         const Point out = point_of_(c) - point_of_(b);
@@ -150,14 +151,15 @@ class ConvexJoiner
     const std::function<Point(int)>& point_of_;
     Point normal_;
     std::vector<HalfEdge> edges_;
-    std::vector<std::size_t> polygon_of_; ///< of each triangle, by way of others that it was joined to
+    std::vector<std::size_t> polygon_of_; ///< union-find: for each triangle, one that it is joined to
 };
 
 } // namespace
 
 std::vector<FacetCorners> JoinIntoConvexPolygons(const std::vector<std::array<int, 3>>& triangles,
-                                         const std::function<Point(int)>& point_of, const Point& normal,
-                                         const std::function<bool(int, int)>& must_stay)
+                                                 const std::function<Point(int)>& point_of,
+                                                 const Point& normal,
+                                                 const std::function<bool(int, int)>& must_stay)
 {
     ConvexJoiner joiner(triangles, point_of, normal);
     joiner.Join(must_stay);

@@ -1,5 +1,5 @@
-// The triangles of a flat face, joined into convex polygons: the viewport draws faces as fans, which fill no
-// others. It knows nothing of files; corners are numbers, and where they lie is asked for.
+// Joins the triangles of a flat face into convex polygons, because the viewport draws faces as fans, which
+// fill only convex polygons. Corners are given by number; a function returns their positions.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -11,17 +11,18 @@
 namespace viewer
 {
 
-/// Corners by number, counter-clockwise as seen from the face's outside.
+/// Corner numbers, counter-clockwise as seen from outside.
 using FacetCorners = std::vector<int>;
 
-/// Convex polygons that together fill the triangles, which lie in one plane with this unit normal, and that
-/// have no other corners: a single one where the triangles fill a convex outline. Corners in one line are
-/// kept. Edges at which more than two triangles meet stay, and so do those for which `must_stay` holds, asked
-/// in either direction. Each triangle has three different corners, and runs counter-clockwise about the
-/// normal or has no area.
-[[nodiscard]] std::vector<FacetCorners> JoinIntoConvexPolygons(const std::vector<std::array<int, 3>>& triangles,
-                                                       const std::function<Point(int)>& point_of,
-                                                       const Point& normal,
-                                                       const std::function<bool(int, int)>& must_stay);
+/// Joins triangles into convex polygons that fill the same area and have the same corners. Triangles that
+/// fill a convex outline become one polygon. Collinear corners are kept. Edges with more than two triangles
+/// are kept, and so are edges for which `must_stay(from, to)` is true; it is called in either direction.
+///
+/// The triangles lie in one plane with the unit normal `normal`. Each has three different corners, and is
+/// counter-clockwise about the normal or has no area.
+[[nodiscard]] std::vector<FacetCorners>
+JoinIntoConvexPolygons(const std::vector<std::array<int, 3>>& triangles,
+                       const std::function<Point(int)>& point_of, const Point& normal,
+                       const std::function<bool(int, int)>& must_stay);
 
 } // namespace viewer

@@ -35,7 +35,7 @@ Point ToPoint(const gp_Pnt& point)
     return {point.X(), point.Y(), point.Z()};
 }
 
-/// Corners along the curve; the tolerance is not met by fewer.
+/// The corners of segments along the edge's curve, within the tolerance.
 std::vector<gp_Pnt> CutCurve(const TopoDS_Edge& edge, const BrepTolerance& tolerance)
 {
     double first = 0.0;
@@ -60,8 +60,8 @@ std::optional<gp_Dir> NormalAt(const BRepAdaptor_Surface& surface, const gp_Pnt2
     return properties.Normal();
 }
 
-/// The edges that a face runs along more than once: the seams of closed surfaces. That an edge lies on the
-/// seam of the surface says nothing, since faces that share the surface may meet there.
+/// The edges that occur more than once in a face: the seams of closed surfaces. Whether an edge lies on the
+/// seam of the surface is not used, because two faces of the same surface can meet there.
 TopTools_MapOfShape SeamsOf(const TopoDS_Face& face)
 {
     TopTools_MapOfShape seen;
@@ -72,7 +72,7 @@ TopTools_MapOfShape SeamsOf(const TopoDS_Face& face)
     return seams;
 }
 
-/// Whether the face meets itself smoothly at its seam, as at that of a cylinder.
+/// Whether the face is smooth across its seam, as a cylinder is.
 bool IsSmoothSeam(const TopoDS_Edge& edge, const TopoDS_Face& face)
 {
     constexpr double kSmooth = 1.0 * std::numbers::pi / 180.0;
@@ -92,7 +92,7 @@ bool IsSmoothSeam(const TopoDS_Edge& edge, const TopoDS_Face& face)
     return !left_normal || !right_normal || left_normal->Angle(*right_normal) < kSmooth;
 }
 
-/// Whether the surface under the face is a plane, by whatever name.
+/// Whether the face's surface is planar, of any type of surface.
 bool IsPlane(const TopoDS_Face& face)
 {
     TopLoc_Location location;
@@ -121,9 +121,9 @@ int FacetedBody::NumberOf(const gp_Pnt& point, const gp_Trsf& placement)
     return corners_.NumberOf(ToPoint(point.Transformed(placement)));
 }
 
-FacetedBody::OwnEdge& FacetedBody::EdgeOf(const TopoDS_Edge& edge)
+FacetedBody::EdgeCorners& FacetedBody::EdgeOf(const TopoDS_Edge& edge)
 {
-    if (OwnEdge* known = edges_.ChangeSeek(edge))
+    if (EdgeCorners* known = edges_.ChangeSeek(edge))
         return *known;
     return edges_.ChangeFromIndex(edges_.Add(edge, {}));
 }
@@ -158,9 +158,9 @@ void FacetedBody::NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* m
     for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next()) {
         const TopoDS_Edge& edge = TopoDS::Edge(it.Current());
         const bool is_degenerate = BRep_Tool::Degenerated(edge);
-        OwnEdge& known = EdgeOf(edge);
+        EdgeCorners& known = EdgeOf(edge);
         if (is_degenerate || (seams.Contains(edge) && IsSmoothSeam(edge, face)))
-            known.is_own = false;
+            known.is_shown = false;
         if (mesh == nullptr)
             continue;
         const auto& polygon = BRep_Tool::PolygonOnTriangulation(edge, triangulation, location);
@@ -174,7 +174,7 @@ void FacetedBody::NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* m
             if (is_degenerate)
                 std::fill(known.corners.begin(), known.corners.end(), known.corners.front());
         }
-        // Faces of one mesh cut a shared edge alike; meshes from files need not.
+        // The library's mesher cuts a shared edge alike in all faces. Meshes from files can differ.
         if (known.corners.size() != count)
             continue;
         for (std::size_t i = 0; i < count; ++i)
@@ -196,7 +196,8 @@ FacetedBody::Triangles FacetedBody::TrianglesOf(const Poly_Triangulation& mesh,
         std::array<int, 3> corners{};
         for (std::size_t k = 0; k < 3; ++k)
             corners.at(k) = corner_of_node[static_cast<std::size_t>(nodes.at(k))];
-        // At the tip of a cone two corners are one: the triangle is gone, and its two sides cancel out.
+        // At the tip of a cone two corners of a triangle coincide. The triangle is dropped, and its other two
+        // sides cancel out.
         if (corners[0] != corners[1] && corners[1] != corners[2] && corners[2] != corners[0])
             triangles.push_back(corners);
     }
@@ -234,9 +235,9 @@ void FacetedBody::AddFacets(const TopoDS_Face& face, const Triangles& triangles,
     const double length = Length(area);
     const Point normal = length > 0.0 ? area * (1.0 / length) : Point{0.0, 0.0, 1.0};
     if (triangles.size() > 1 && length > 0.0 && IsPlane(face)) {
-        const std::set<std::pair<int, int>> own = OwnSegmentsOf(face);
+        const std::set<std::pair<int, int>> shown = ShownSegmentsOf(face);
         const auto point_of = [this](int corner) { return corners_.At(corner); };
-        const auto must_stay = [&](int a, int b) { return own.contains(std::minmax(a, b)); };
+        const auto must_stay = [&](int a, int b) { return shown.contains(std::minmax(a, b)); };
         for (FacetCorners& corners : JoinIntoConvexPolygons(triangles, point_of, normal, must_stay))
             facets_.push_back({std::move(corners), normal});
         return;
@@ -245,12 +246,12 @@ void FacetedBody::AddFacets(const TopoDS_Face& face, const Triangles& triangles,
         facets_.push_back({{triangle.begin(), triangle.end()}, normal});
 }
 
-std::set<std::pair<int, int>> FacetedBody::OwnSegmentsOf(const TopoDS_Face& face)
+std::set<std::pair<int, int>> FacetedBody::ShownSegmentsOf(const TopoDS_Face& face)
 {
     std::set<std::pair<int, int>> segments;
     for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next()) {
-        const OwnEdge& edge = EdgeOf(TopoDS::Edge(it.Current()));
-        for (std::size_t i = 1; edge.is_own && i < edge.corners.size(); ++i)
+        const EdgeCorners& edge = EdgeOf(TopoDS::Edge(it.Current()));
+        for (std::size_t i = 1; edge.is_shown && i < edge.corners.size(); ++i)
             segments.insert(std::minmax(edge.corners[i - 1], edge.corners[i]));
     }
     return segments;
@@ -305,8 +306,8 @@ void FacetedBody::MoveTo(Piece& piece)
     if (!piece.edges)
         piece.edges.emplace();
     for (int i = 1; i <= edges_.Extent(); ++i) {
-        OwnEdge& edge = edges_.ChangeFromIndex(i);
-        if (!edge.is_own)
+        EdgeCorners& edge = edges_.ChangeFromIndex(i);
+        if (!edge.is_shown)
             continue;
         if (edge.corners.empty())
             edge.corners = CutEdge(TopoDS::Edge(edges_.FindKey(i)));

@@ -1,6 +1,5 @@
-// The facets of B-rep faces that were meshed before, and the edges between them. Faces that share an edge get
-// the very same corners along it, so that what closes in the file closes here. Files, names and colours are
-// not known here.
+// Collects the facets and edges of a body whose faces are meshed. Faces that share an edge share the corners
+// along it, so that a closed solid gives closed facets.
 #pragma once
 
 #include "viewer/import/brep/convex_facets.h"
@@ -25,7 +24,7 @@ class Poly_Triangulation;
 namespace viewer
 {
 
-/// Numbers for points: the same one for the same coordinates.
+/// Numbers points; equal coordinates get the same number.
 class CornerNumbers
 {
   public:
@@ -43,19 +42,18 @@ class CornerNumbers
     std::vector<Point> points_;
 };
 
-/// How curves are cut into segments.
+/// How closely segments follow curves.
 struct BrepTolerance {
-    double deflection = 0.0; ///< the farthest that a segment may be from its curve
-    double angle = 0.0;      ///< the most that it may turn from one segment to the next, in radians
+    double deflection = 0.0; ///< the maximum distance between a segment and its curve
+    double angle = 0.0;      ///< the maximum angle between consecutive segments, in radians
 };
 
-/// Collects the faces of one solid, or of what is not one. Edges that divide a face from itself (the seams of
-/// closed surfaces, where these are smooth) and those without a length (the tip of a cone) are none of its
-/// own; all others are, smooth or not.
+/// The faces of one body, as facets. Two kinds of edges are not shown: smooth seams, where a closed surface
+/// meets itself, and edges of length 0, such as the tip of a cone. All other edges are shown, smooth or not.
 class FacetedBody
 {
   public:
-    /// Points are moved by `placement`; a mirroring one is allowed.
+    /// Points are transformed by `placement`, which may mirror.
     FacetedBody(const gp_Trsf& placement, const BrepTolerance& tolerance)
         : placement_(placement), tolerance_(tolerance)
     {
@@ -63,28 +61,28 @@ class FacetedBody
     FacetedBody(const FacetedBody&) = delete;
     FacetedBody& operator=(const FacetedBody&) = delete;
 
-    /// Facets of the face. One without a mesh has none, but edges all the same. Returns its area, by the
-    /// mesh.
+    /// Adds the facets and edges of a face; only edges if it has no mesh. Returns the area of its mesh.
     double AddFace(const TopoDS_Face& face);
-    /// Whether every edge of a facet has its twin.
+    /// Whether each side of a facet has exactly one facet on its other side, running in the opposite
+    /// direction; false without facets.
     [[nodiscard]] bool Closes() const;
-    /// Adds faces and edges to the piece. Where they close they are turned to show their outside. Facets
-    /// without area are left out where they do not.
+    /// Moves the faces and edges into the piece. If the facets are closed they are turned outwards, and
+    /// facets without area are kept; otherwise those are dropped.
     void MoveTo(Piece& piece);
 
   private:
-    struct OwnEdge {
+    struct EdgeCorners {
         std::vector<int> corners; ///< along the edge
-        bool is_own = true;
+        bool is_shown = true;
     };
     struct Facet {
         FacetCorners corners; ///< counter-clockwise
-        Point normal;         ///< of the face, for facets that have none themselves
+        Point normal;         ///< of the face, for facets without area
     };
     using Triangles = std::vector<std::array<int, 3>>;
 
     int NumberOf(const gp_Pnt& point, const gp_Trsf& placement);
-    OwnEdge& EdgeOf(const TopoDS_Edge& edge);
+    EdgeCorners& EdgeOf(const TopoDS_Edge& edge);
     void SetEnds(const TopoDS_Edge& edge, std::vector<int>& corners);
     void NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* mesh, const gp_Trsf& placement,
                    std::vector<int>& corner_of_node);
@@ -92,18 +90,18 @@ class FacetedBody
     Triangles TrianglesOf(const Poly_Triangulation& mesh, const std::vector<int>& corner_of_node,
                           bool turn) const;
     void AddFacets(const TopoDS_Face& face, const Triangles& triangles, const Point& area);
-    /// Between which corners the face's own edges run, the lower number first.
-    std::set<std::pair<int, int>> OwnSegmentsOf(const TopoDS_Face& face);
+    /// The segments of the face's shown edges, as pairs of corners with the lower number first.
+    std::set<std::pair<int, int>> ShownSegmentsOf(const TopoDS_Face& face);
     [[nodiscard]] double SignedVolume() const;
 
     gp_Trsf placement_;
     BrepTolerance tolerance_;
     CornerNumbers corners_;
-    NCollection_IndexedDataMap<TopoDS_Shape, OwnEdge, TopTools_ShapeMapHasher> edges_;
+    NCollection_IndexedDataMap<TopoDS_Shape, EdgeCorners, TopTools_ShapeMapHasher> edges_;
     std::vector<Facet> facets_;
 };
 
-/// Appends the segments of an edge that belongs to no face; none for one without end.
+/// Appends the segments of an edge that belongs to no face; none for an unbounded edge.
 void CutFreeEdge(const TopoDS_Edge& edge, const gp_Trsf& placement, const BrepTolerance& tolerance,
                  std::vector<Segment>& segments);
 

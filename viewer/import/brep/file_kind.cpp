@@ -19,7 +19,7 @@ namespace viewer
 namespace
 {
 
-constexpr std::size_t kLooked = 4096;
+constexpr std::size_t kEndBytes = 4096;
 
 struct Ends {
     std::string head;
@@ -30,20 +30,21 @@ Ends ReadEnds(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     const auto size = std::filesystem::file_size(path);
-    const auto looked = static_cast<std::size_t>(std::min<std::uintmax_t>(size, kLooked));
+    const auto looked = static_cast<std::size_t>(std::min<std::uintmax_t>(size, kEndBytes));
     const auto read = [&](std::uintmax_t from) {
         std::string text(looked, '\0');
         file.seekg(static_cast<std::streamoff>(from));
         file.read(text.data(), static_cast<std::streamsize>(looked));
         return text;
     };
-    Ends ends{read(0), read(size - looked)};
+    Ends ends{.head = read(0), .tail = {}};
+    ends.tail = looked < size ? read(size - looked) : ends.head;
     if (!file)
         throw FileError(path, "cannot be read");
     return ends;
 }
 
-/// The lines that are not blank; those of a tail may begin with a part of one.
+/// The lines that are not blank. The first line of a tail can be incomplete.
 std::vector<std::string_view> LinesOf(std::string_view text)
 {
     std::vector<std::string_view> lines;
@@ -67,7 +68,7 @@ bool IsWholeStep(const Ends& ends)
     return Trimmed(ends.tail).ends_with("END-ISO-10303-21;");
 }
 
-/// The letter that says to which section a line of 80 columns belongs; 0 for a shorter one.
+/// The section letter of a line of 80 columns; 0 for a line that is too short.
 char IgesSection(std::string_view line)
 {
     constexpr std::size_t kSectionColumn = 72;
@@ -92,7 +93,7 @@ bool IsBrep(const Ends& ends)
     return ends.head.find("CASCADE Topology V") != std::string::npos;
 }
 
-/// Whether the line names a shape and its location, as "+1 0".
+/// Whether the line refers to a shape and its location, for example "+1 0".
 bool IsShapeReference(std::string_view line)
 {
     constexpr std::string_view kDigits = "0123456789";
@@ -110,8 +111,8 @@ bool IsShapeReference(std::string_view line)
     return is_number(shape) && is_number(location);
 }
 
-/// The list of shapes ends with the parts of the last one, which end with a star; then comes which of them
-/// the file is about, and from old programs a zero.
+/// The list of shapes ends with a star. The next line refers to the shape that the file stores. Old programs
+/// write a line "0" after it.
 bool IsWholeBrep(const Ends& ends)
 {
     auto lines = LinesOf(ends.tail);
@@ -126,14 +127,12 @@ bool IsWholeBrep(const Ends& ends)
 std::optional<BrepKind> BrepKindOf(const std::string& path)
 {
     const std::string ending = LowerCaseExtension(path);
-    constexpr std::array<std::pair<std::string_view, BrepKind>, 8> kEndings{{{".step", BrepKind::kStep},
+    constexpr std::array<std::pair<std::string_view, BrepKind>, 6> kEndings{{{".step", BrepKind::kStep},
                                                                              {".stp", BrepKind::kStep},
-                                                                             {".p21", BrepKind::kStep},
                                                                              {".iges", BrepKind::kIges},
                                                                              {".igs", BrepKind::kIges},
                                                                              {".brep", BrepKind::kBrep},
-                                                                             {".brp", BrepKind::kBrep},
-                                                                             {".rle", BrepKind::kBrep}}};
+                                                                             {".brp", BrepKind::kBrep}}};
     for (const auto& [known, kind] : kEndings)
         if (ending == known)
             return kind;

@@ -1,5 +1,5 @@
-// Whether the text of a B-rep file is whole: how it begins, and that it ends as its kind does. The library
-// that parses it takes what is left of a file that was cut as if it were all.
+// The kind of a B-rep file, and a check of its first and last bytes. The library accepts a truncated file and
+// returns a part of the model as if it were the whole.
 #pragma once
 
 #include <optional>
@@ -10,12 +10,12 @@ namespace viewer
 
 enum class BrepKind { kStep, kIges, kBrep };
 
-/// The kind by the file's ending, in any case: .step, .stp, .p21, .iges, .igs, .brep, .brp, .rle. Nothing
-/// for others.
+/// The kind by the file's extension, in either case: .step, .stp, .iges, .igs, .brep, .brp. No value for
+/// other extensions.
 [[nodiscard]] std::optional<BrepKind> BrepKindOf(const std::string& path);
 
-/// Throws FileError where the file is missing, not a regular file, unreadable or empty, of another kind than
-/// its ending says, or does not end as its kind does.
+/// Throws FileError as `CheckModelFile` does, and if the file does not begin and end as files of this kind
+/// do. Reads at most 4 KiB at each end.
 void CheckBrepFile(const std::string& path, BrepKind kind);
 
 } // namespace viewer

@@ -9,10 +9,10 @@ namespace viewer
 namespace
 {
 
-/// What a file's rounding leaves between a full turn and the difference of its two angles, in radians.
+/// The maximum rounding error of a full turn in a file, in radians.
 constexpr double kAngleRounding = 1e-6;
 
-/// Half the longer axis, from any two conjugate half axes.
+/// Half of the longer axis of the ellipse, from two conjugate half axes.
 double LongerRadius(const EllipticArc& arc)
 {
     const double reach = std::max(Length(arc.u), Length(arc.v));
@@ -27,12 +27,13 @@ double LongerRadius(const EllipticArc& arc)
 
 int CountSegments(const EllipticArc& arc, double tolerance)
 {
-    // Half the step is s away from the chord's middle by radius (1 - cos s) = 2 radius sin^2(s / 2).
+    // With s for half the step, the arc is radius (1 - cos s) = 2 radius sin^2(s / 2) away from the middle of
+    // the chord.
     constexpr double kMaxStep = kFullTurn / 8.0;
     const double radius = LongerRadius(arc);
     const double ratio = radius > 0.0 ? tolerance / (2.0 * radius) : 1.0;
     const double step = std::min(kMaxStep, 4.0 * std::asin(std::sqrt(std::clamp(ratio, 0.0, 1.0))));
-    // A little less, so that a sweep of whole steps is not cut once more for its last digit.
+    // The offset keeps rounding from adding a segment to a sweep of whole steps.
     const double count = step > 0.0 ? std::ceil(arc.sweep / step - 1e-9) : kMaxSegmentsPerCurve;
     return static_cast<int>(std::clamp(count, 1.0, static_cast<double>(kMaxSegmentsPerCurve)));
 }
@@ -42,6 +43,11 @@ int CountSegments(const EllipticArc& arc, double tolerance)
 Point EllipticArc::At(double angle) const
 {
     return center + u * std::cos(angle) + v * std::sin(angle);
+}
+
+EllipticArc Transformed(const EllipticArc& arc, const Affine& map)
+{
+    return {map.Apply(arc.center), map.ApplyToVector(arc.u), map.ApplyToVector(arc.v), arc.start, arc.sweep};
 }
 
 double SweepBetween(double start, double end)
@@ -56,7 +62,8 @@ double SweepBetween(double start, double end)
 
 std::optional<EllipticArc> ArcOfBulge(const Point& from, const Point& to, double bulge)
 {
-    // Less lies within a billionth of the chord, and its centre so far away that digits would be lost.
+    // A smaller bulge lies within a billionth of the chord, and its center is so far away that digits are
+    // lost.
     constexpr double kStraight = 1e-9;
     const Point chord{to.x - from.x, to.y - from.y, 0.0};
     if (std::abs(bulge) < kStraight || Length(chord) == 0.0)

@@ -1,5 +1,5 @@
-// A drawing as its file gives it: layers, and entities in blocks that may hold each other. Curves are kept as
-// curves, in the coordinates of the block that they stand in; nothing is placed, cut or hidden here.
+// A drawing as its file states it: layers, entities, and blocks of entities, which can be nested. Curves are
+// kept as curves, in the coordinates of their block. Nothing is placed, cut into segments or hidden here.
 #pragma once
 
 #include "viewer/import/dxf/curve_segments.h"
@@ -18,7 +18,7 @@
 namespace viewer
 {
 
-/// Colours of an entity that are not of its own; the others are palette indices.
+/// Colour numbers of entities without a colour of their own. Other numbers are palette indices.
 inline constexpr int kColorByBlock = 0;
 inline constexpr int kColorByLayer = 256;
 
@@ -29,23 +29,23 @@ struct DxfLayer {
     bool is_frozen = false;
 };
 
-/// Three or four corners. The edges run from each corner to the next, and from the last to the first.
+/// Three or four corners. Edge i runs from corner i to the next one, the last edge to the first corner.
 struct DxfFace {
     std::array<Point, 4> corners;
     std::size_t count = 4;
     std::array<bool, 4> hidden_edges{};
 };
 
-/// Faces that belong together.
+/// The faces of one polygon or polyface mesh.
 using DxfMesh = std::vector<DxfFace>;
 
-/// A block, put somewhere: once, or in columns and rows.
+/// A reference that inserts a block once, or in columns and rows.
 struct DxfInsert {
     std::size_t block = 0;
-    Affine placement; ///< of the block's base point as the origin, for the first column and row
+    Affine placement; ///< of the first column and row; it maps the block with its base point at the origin
     int columns = 1;
     int rows = 1;
-    Point column_step; ///< from one column to the next, in the space of `placement`'s result
+    Point column_step; ///< from one column to the next, in the coordinates around the insert
     Point row_step;
 };
 
@@ -53,21 +53,21 @@ struct DxfEntity {
     std::variant<Segment, EllipticArc, Spline, DxfFace, DxfMesh, DxfInsert> shape;
     std::size_t layer = 0;
     int color = kColorByLayer;
-    std::size_t line = 0; ///< of the file, where it begins
+    std::size_t line = 0; ///< the line of the file where it begins
 };
 
 struct DxfBlock {
     std::string name;
-    bool is_defined = false; ///< false where it is only referred to
+    bool is_defined = false; ///< false if the file only refers to it
     Point base;
     std::vector<DxfEntity> entities;
 };
 
-/// Numbers for names, in the order of their coming; capitals do not count in drawings.
+/// Numbers names in the order of their first use. Names in drawings are case-insensitive.
 class DxfNameNumbers
 {
   public:
-    /// The number of the name, and whether it is new.
+    /// Returns the name's number, and whether the name is new.
     std::pair<std::size_t, bool> Number(std::string_view name);
 
   private:
@@ -79,9 +79,9 @@ class DxfDrawing
   public:
     std::vector<DxfLayer> layers;
     std::vector<DxfBlock> blocks;
-    std::vector<DxfEntity> entities; ///< outside of blocks
+    std::vector<DxfEntity> entities; ///< those outside of blocks
 
-    /// The number of the layer with this name, which is made where there is none yet.
+    /// The index of the layer or block with this name. It is added if there is none.
     std::size_t LayerNumber(std::string_view name);
     std::size_t BlockNumber(std::string_view name);
 

@@ -18,7 +18,7 @@ namespace
 
 constexpr int kForeground = 7;
 
-/// The nearest palette index of a colour of 24 bits.
+/// The nearest palette index to a 24-bit colour.
 int NearestIndexOf(int color24)
 {
     const auto channel = [&](unsigned int shift) {
@@ -27,10 +27,10 @@ int NearestIndexOf(int color24)
     return NearestColorIndex(channel(16), channel(8), channel(0));
 }
 
-/// The palette index of a colour of 24 bits, where there is one.
+/// The palette index of an entity's 24-bit colour, if it has one.
 std::optional<int> TrueColorOf(const DL_Attributes& attributes)
 {
-    // NOTE: programs with white paper write the foreground, index 7, with black beside it.
+    // NOTE: Programs with a white background write the foreground, index 7, together with black.
     const bool is_foreground = attributes.getColor() == kForeground && attributes.getColor24() == 0;
     if (attributes.getColor24() < 0 || is_foreground)
         return std::nullopt;
@@ -52,7 +52,10 @@ double Radians(double degrees)
 
 } // namespace
 
-DxfDrawingBuilder::DxfDrawingBuilder(std::string path, DxfDrawing& drawing) : path_(std::move(path)), drawing_(drawing) {}
+DxfDrawingBuilder::DxfDrawingBuilder(std::string path, DxfDrawing& drawing)
+    : path_(std::move(path)), drawing_(drawing)
+{
+}
 
 void DxfDrawingBuilder::Fail(std::size_t line, const std::string& reason) const
 {
@@ -65,7 +68,7 @@ void DxfDrawingBuilder::Begin(const DxfEntityHead& head)
     TakeFaceRecord();
 }
 
-/// The library passes over the vertices of a polyface mesh that are its faces.
+/// The library ignores those vertices of a polyface mesh that define its faces.
 void DxfDrawingBuilder::TakeFaceRecord()
 {
     constexpr int kFace = 128;
@@ -97,7 +100,7 @@ void DxfDrawingBuilder::addLayer(const DL_LayerData& data)
 {
     constexpr int kFrozen = 1;
     DxfLayer& layer = drawing_.layers[drawing_.LayerNumber(data.name)];
-    // The sign says that the layer is off, in the index alone.
+    // A negative index means that the layer is off.
     const DL_Attributes entry = getAttributes();
     const bool is_off = data.off || entry.getColor() < 0;
     const int color =
@@ -160,7 +163,7 @@ void DxfDrawingBuilder::addPolyline(const DL_PolylineData& data)
     const bool is_light = finished_.kind == "LWPOLYLINE";
     if (is_light)
         polyline.flags &= DxfPolyline::kClosed;
-    // Of a smoothed mesh the vertices on the surface count, in their own numbers.
+    // A smoothed mesh has separate counts for the vertices on its surface; those on its frame are not drawn.
     const bool is_smooth = (polyline.flags & DxfPolyline::kSplineFit) != 0;
     polyline.rows = finished_.integers[is_smooth ? 3 : 1];
     polyline.columns = finished_.integers[is_smooth ? 4 : 2];
@@ -268,7 +271,7 @@ void DxfDrawingBuilder::addInsert(const DL_InsertData& data)
     Add(insert);
 }
 
-/// Where the fourth corner is left out the library puts it at the origin.
+/// The library sets a missing fourth corner to the origin.
 DxfFace DxfDrawingBuilder::FaceOf(const DL_TraceData& data, const Affine& frame) const
 {
     DxfFace face;
@@ -278,7 +281,8 @@ DxfFace DxfDrawingBuilder::FaceOf(const DL_TraceData& data, const Affine& frame)
     return face;
 }
 
-/// The third corner lies across from the first's neighbour: these are drawn as bands.
+/// Traces and solids list their corners as bands: the third corner is opposite to the second, so that the
+/// last two corners are swapped.
 void DxfDrawingBuilder::AddBand(const DL_TraceData& data)
 {
     DxfFace face = FaceOf(data, Frame());

@@ -1,5 +1,5 @@
-// What the parsing library calls while it reads: each entity that it reports becomes one of the drawing, out
-// of its own coordinate system. Limits, hiding and placing are not known here.
+// Builds a DxfDrawing from the calls of the parsing library. Entities are converted from their object
+// coordinate system to that of the drawing. Limits, hidden layers and inserts are handled later.
 #pragma once
 
 #include "viewer/import/dxf/drawing.h"
@@ -15,7 +15,7 @@
 namespace viewer
 {
 
-/// A spline whose points are still to come.
+/// A spline whose points are not complete yet.
 struct OpenSpline {
     Spline spline;
     std::vector<Point> fit_points;
@@ -24,20 +24,21 @@ struct OpenSpline {
     bool is_closed = false;
 };
 
-/// A polyline whose vertices are still to come.
+/// A polyline whose vertices are not complete yet.
 struct OpenPolyline {
     DxfEntity entity;
     DxfPolyline polyline;
 };
 
-/// Throws FileError out of the library's calls, naming the file and the line where the entity begins.
+/// Receives the library's calls. They throw FileError, with the file and the line where the entity begins.
 class DxfDrawingBuilder final : public DL_CreationAdapter
 {
   public:
     /// `drawing` must outlive the object.
     DxfDrawingBuilder(std::string path, DxfDrawing& drawing);
 
-    /// The library is about to get this entity; it has not yet added the one before.
+    /// Announces the entity that the library reads next. The library adds the previous entity only after this
+    /// call.
     void Begin(const DxfEntityHead& head);
 
     void addLayer(const DL_LayerData& data) override;
@@ -75,7 +76,7 @@ class DxfDrawingBuilder final : public DL_CreationAdapter
     DxfDrawing& drawing_;
     std::optional<std::size_t> block_;
     DxfEntityHead current_;
-    DxfEntityHead finished_; ///< the one that the library adds now
+    DxfEntityHead finished_; ///< of the entity that the library adds now
     std::optional<OpenPolyline> polyline_;
     std::optional<OpenSpline> spline_;
 };

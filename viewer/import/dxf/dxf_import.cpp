@@ -23,7 +23,7 @@ namespace viewer
 namespace
 {
 
-/// The part of the whole that reading takes; placing and cutting take the rest.
+/// Reading's share of the progress; placing and cutting are the rest.
 constexpr double kReadingShare = 0.8;
 
 struct DrawingFile {
@@ -32,7 +32,8 @@ struct DrawingFile {
     std::optional<double> meters_per_unit;
 };
 
-/// The length of the unit with this number; nothing for drawings without a unit and for rare ones.
+/// The length of a unit by its number in $INSUNITS. No value for 0, drawings without a unit, and for rare
+/// units.
 std::optional<double> MetersPerUnit(long long number)
 {
     constexpr double kInch = 0.0254;
@@ -84,7 +85,7 @@ DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progres
     return file;
 }
 
-/// Why a drawing shows nothing, out of what it holds.
+/// The reason why a drawing shows nothing.
 std::string ReasonForNothing(const DrawingFile& file)
 {
     constexpr std::size_t kMaxKinds = 5;
@@ -128,7 +129,7 @@ Model Read(const std::string& path, const ImportOptions& options, const Progress
     if (box.IsEmpty())
         throw FileError(path, ReasonForNothing(file));
     DxfPieceBuilder pieces(path, file.drawing, placement,
-                     options.deflection.value_or(kRelativeDeflection * box.Diagonal()));
+                           options.deflection.value_or(kRelativeDeflection * box.Diagonal()));
     placement.ForEach([&](const PlacedEntity& placed) { pieces.Add(placed); });
     Model model = pieces.Finish();
     if (model.pieces.empty())

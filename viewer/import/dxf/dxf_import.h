@@ -1,6 +1,5 @@
-// Drawings in DXF text files, parsed by the dxflib library, into the host's own model: lines and cut curves,
-// faces, layers and blocks. Units stay those of the drawing, whose length the
-// model knows where the drawing says it; z is up.
+// Reads DXF text files by the dxflib library: lines, curves as segments, and faces, with layers and blocks.
+// Coordinates stay in the drawing's unit, z is up. The model states the unit if the drawing does.
 #pragma once
 
 #include "viewer/import/import_options.h"
@@ -12,16 +11,21 @@
 namespace viewer
 {
 
-/// Reads what a drawing shows in model space. Layers become categories, in the order of the layer table,
-/// then of first use. What is on one layer, in one colour and comes out of the same blocks is one piece,
-/// named after its layer, with the blocks' names as its parents; a mesh is a piece of its own. Edges are
-/// those of the file that are not marked as hidden. What is on a layer that is off or frozen, invisible or
-/// in paper space is left out, and so are points, texts, dimensions, hatches and all other kinds of entities.
+/// Reads the model space of a drawing.
+///
+/// Categories: the layers, in the order of the layer table, then of first use. Pieces: all entities with the
+/// same layer, colour and path of blocks become one piece; a mesh is a piece of its own. A piece has the name
+/// of its layer; its parents are the names of the blocks. Edges are those that the file does not mark as
+/// hidden.
+///
+/// Dropped: entities on layers that are off or frozen, invisible entities, paper space, points, texts,
+/// dimensions, hatches, and all other kinds of entities.
+///
 /// The title is the file's name without folders.
 ///
-/// Throws FileError, with the line where known, where the file cannot be read, is binary, no DXF file,
-/// truncated or damaged, inserts a block into itself or blows up beyond what `DxfPlacedEntities` and `DxfPieceBuilder`
-/// allow, or where it shows nothing.
+/// Throws FileError, with the line if known, if the file cannot be read, is binary, is no DXF file, is
+/// truncated or damaged, inserts a block into itself, exceeds the limits of `DxfPlacedEntities` or
+/// `DxfPieceBuilder`, or shows nothing.
 [[nodiscard]] Model ImportDxf(const std::string& path, const ImportOptions& options,
                               const ProgressFunction& progress = {});
 

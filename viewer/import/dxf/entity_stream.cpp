@@ -16,9 +16,9 @@ namespace viewer
 namespace
 {
 
-/// What follows belongs to an object inside the entity, under the entity's own codes.
+/// Begins an embedded object, whose groups have the same codes as those of the entity.
 constexpr int kEmbeddedObject = 101;
-/// The name of a variable in the header, whose value follows it.
+/// The name of a header variable; the value is in the next group.
 constexpr int kVariable = 9;
 constexpr int kFourthCorner = 13;
 constexpr int kFirstInteger = 70;
@@ -59,7 +59,7 @@ bool IsInteger(int code)
            code == 420;
 }
 
-/// Whether a plus sign stands before a number, which may be left out.
+/// Whether a number begins with a plus sign, which can be omitted.
 bool IsSigned(std::string_view text)
 {
     return text.size() > 1 && text.front() == '+' && text[1] != '-';
@@ -72,7 +72,7 @@ bool IsFiniteNumber(std::string_view text)
     return error == std::errc() && end == text.data() + text.size() && std::isfinite(value);
 }
 
-/// Whether it is a number too small to be told from 0.
+/// Whether it is a number that underflows to 0.
 bool IsTiny(std::string_view text)
 {
     double value = 0.0;
@@ -90,7 +90,7 @@ bool IsIntegerFor(int code, std::string_view text)
                                     : static_cast<long long>(std::numeric_limits<std::int32_t>::max()));
 }
 
-/// The library's arrays get the sizes that they need, whatever the file says.
+/// Groups with the actual counts, because the library allocates its arrays by them and trusts the file's.
 std::string CountsFor(std::string_view kind, const std::map<int, std::size_t>& counts)
 {
     const auto count = [&](int said_by, int of) {
@@ -221,7 +221,7 @@ bool DxfEntityStream::IsWanted(std::string_view name) const
     return IsDrawn(name) || name == "BLOCK" || (name == "ENDBLK" && in_block_);
 }
 
-/// Polylines without their SEQEND and blocks without their ENDBLK end where something else begins.
+/// Ends a polyline without SEQEND, and a block without ENDBLK, where another entity begins.
 void DxfEntityStream::CloseOpenSequences(std::string_view next)
 {
     if (in_polyline_ && next != "VERTEX" && next != "SEQEND") {
@@ -243,7 +243,7 @@ void DxfEntityStream::Keep(const std::string& name)
         in_block_ = name == "BLOCK";
     if ((name == "BLOCK" || name == "INSERT") && entity_.counts[2] == 0)
         Fail(entity_.head.line, name + " without the name of a block");
-    // Without a single point the library would make arrays of no length.
+    // Without points the library would allocate arrays of length 0.
     const bool is_empty =
         (name == "LWPOLYLINE" || name == "SPLINE") && entity_.counts[10] + entity_.counts[11] == 0;
     if (is_empty)
@@ -283,7 +283,7 @@ void DxfEntityStream::Append(const DxfGroup& group)
 
 void DxfEntityStream::CountSkipped(const std::string& name)
 {
-    // More kinds than there are would be a file of nonsense.
+    // A damaged file can have any number of kinds.
     constexpr std::size_t kMaxKinds = 200;
     const auto found = skipped_.find(name);
     if (found != skipped_.end())

@@ -1,7 +1,7 @@
-// The text of a DXF file on its way to the library that parses it. The library trusts what it reads: its
-// lines have a fixed length, counts are believed, and anything passes for a number. So it gets the file
-// through this stream: whole entities of the kinds that are drawn, their numbers checked, their counts
-// counted, all else left out. What an entity means is not known here.
+// Filters a DXF file for the library that parses it. The library does not validate its input: its line
+// buffers have a fixed length, it trusts counts, and it accepts any text as a number. This stream passes only
+// complete entities of the kinds that are drawn, with checked numbers and recomputed counts. It does not
+// interpret them.
 #pragma once
 
 #include "viewer/import/dxf/group_reader.h"
@@ -19,32 +19,33 @@
 namespace viewer
 {
 
-/// What of an entity the library tells nobody.
+/// Data of an entity that the library does not report.
 ///
-/// NOTE: it has a call for every group, but makes it only for files that it opens itself.
+/// NOTE: The library has a callback for every group, but calls it only for files that it opens itself.
 struct DxfEntityHead {
     std::string kind;
-    std::size_t line = 0;          ///< where it begins
-    std::array<int, 5> integers{}; ///< of the group codes 70 to 74
+    std::size_t line = 0;          ///< the line where it begins
+    std::array<int, 5> integers{}; ///< values of the group codes 70 to 74
     bool has_fourth_corner = false;
 };
 
-/// Serves one entity at a time: each is out of the buffer before the next is read.
+/// The filtered text as a stream buffer. It holds one entity at a time: an entity is consumed before the next
+/// one is read from the file.
 ///
-/// Does not throw while it is read from, since the library would leak: after a fault it ends, and
-/// `RethrowFault` tells.
+/// Reading does not throw, because the library would leak memory. After an error the stream ends;
+/// `RethrowFault` then throws the error.
 class DxfEntityStream final : public std::streambuf
 {
   public:
-    /// Throws FileError where the file cannot be opened. `progress` gets the part of the bytes that have been
-    /// read, `on_entity` the head of each entity before it is served: the library has not yet added the
-    /// one before it. Both must outlive the object.
+    /// Throws FileError if the file cannot be opened. `progress` gets the fraction of the bytes that are
+    /// read. `on_entity` gets the head of each entity before the library reads it; the library has not yet
+    /// added the previous entity then. Both must outlive the object.
     DxfEntityStream(const std::string& path, const ProgressFunction& progress,
                     const std::function<void(const DxfEntityHead&)>& on_entity);
 
-    /// How many entities were left out, by kind.
+    /// The number of entities that were not passed on, by kind.
     [[nodiscard]] const std::map<std::string, std::size_t>& SkippedEntities() const { return skipped_; }
-    /// The number of the drawing's unit, as the variable $INSUNITS has it; 0 for none.
+    /// The number of the drawing's unit, from the variable $INSUNITS; 0 for none.
     [[nodiscard]] long long UnitNumber() const { return unit_number_; }
     /// Throws the FileError that ended the stream, if any.
     void RethrowFault() const;
@@ -63,13 +64,13 @@ class DxfEntityStream final : public std::streambuf
     void Keep(const std::string& name);
     void CountSkipped(const std::string& name);
 
-    /// What an entity's groups said so far.
+    /// The groups of an entity that were read so far.
     struct Entity {
         DxfEntityHead head;
         std::string body;
-        std::map<int, std::size_t> counts; ///< of groups by code
+        std::map<int, std::size_t> counts; ///< number of groups, by code
         bool is_hidden = false;
-        bool has_ended = false; ///< what follows belongs to something embedded in it
+        bool has_ended = false; ///< the groups that follow belong to an embedded object
     };
     enum class Section { kNone, kTables, kDrawn, kOther };
 

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <map>
 #include <tuple>
 #include <unordered_map>
@@ -19,12 +18,12 @@ namespace
 
 struct Corner {
     Point point;
-    bool hides_edge = false; ///< the one to the next corner
+    bool hides_edge = false; ///< of the edge to the next corner
 };
 
 using Outline = std::vector<Corner>;
 
-/// The corners of a face in its place. Of corners that coincide the last one's edge goes on.
+/// The transformed corners of a face. Of coincident corners the last one is kept, with its edge.
 Outline OutlineOf(const DxfFace& face, const Affine& place)
 {
     Outline outline;
@@ -45,14 +44,15 @@ Point AreaOf(const Point& a, const Point& b, const Point& c)
     return Cross(b - a, c - a);
 }
 
-/// Whether both triangles on a diagonal of the four corners, from corner `first`, turn the same way.
+/// Whether the diagonal from corner `first` splits the four corners into two triangles of the same
+/// orientation.
 bool SplitsAt(const Outline& outline, std::size_t first)
 {
     const auto corner = [&](std::size_t i) { return outline[(first + i) % 4].point; };
     return Dot(AreaOf(corner(0), corner(1), corner(2)), AreaOf(corner(0), corner(2), corner(3))) > 0.0;
 }
 
-/// Whether the fourth corner lies in the plane of the others, but for what the digits of a file leave.
+/// Whether the four corners lie in one plane, within a file's rounding.
 bool IsFlat(const Outline& outline)
 {
     constexpr double kFlatness = 1e-5;
@@ -102,11 +102,11 @@ EdgeKey KeyOf(const Segment& edge)
     return key;
 }
 
-/// Faces by the edges that they share, and which way each turns.
-class Orientation
+/// Orients the faces of each surface alike, from face to face over shared edges.
+class FaceOrienter
 {
   public:
-    explicit Orientation(std::vector<ModelFace>& faces) : faces_(faces), states_(faces.size())
+    explicit FaceOrienter(std::vector<ModelFace>& faces) : faces_(faces), states_(faces.size())
     {
         for (std::size_t face = 0; face < faces.size(); ++face)
             for (std::size_t i = 0; i < faces[face].corners.size(); ++i)
@@ -133,11 +133,11 @@ class Orientation
     };
     struct Neighbor {
         std::size_t face = 0;
-        bool is_turned = false; ///< the other way round than this one
+        bool is_turned = false; ///< its orientation is opposite to that of this face
     };
     struct State {
         std::vector<Neighbor> neighbors;
-        bool is_open = false; ///< an edge of it has no face on its other side, or several
+        bool is_open = false; ///< one of its edges has no face on its other side, or several
         bool is_settled = false;
         bool is_flipped = false;
     };
@@ -198,7 +198,8 @@ class Orientation
                 Flip(faces_[face]);
     }
 
-    /// False where the surface has one side only.
+    /// Orients a neighbour. Returns false if it has the opposite orientation already, as on a one-sided
+    /// surface.
     bool Reach(const State& from, const Neighbor& neighbor, std::vector<std::size_t>& surface)
     {
         State& to = states_[neighbor.face];
@@ -211,7 +212,8 @@ class Orientation
         return to.is_flipped == is_flipped;
     }
 
-    /// Six times the volume, relative to a corner of the surface, so that digits stay far from the origin.
+    /// Six times the volume. It is computed relative to a corner of the surface, which keeps precision far
+    /// from the origin.
     [[nodiscard]] double VolumeOf(const std::vector<std::size_t>& surface) const
     {
         const Point base = faces_[surface.front()].corners.front();
@@ -249,7 +251,7 @@ void AppendDxfFace(const DxfFace& face, const Affine& place, Piece& piece)
     for (std::size_t i = 0; i < outline.size(); ++i)
         if (!outline[i].hides_edge)
             piece.edges->push_back({outline[i].point, outline[(i + 1) % outline.size()].point});
-    // A mirror shows the other side.
+    // A mirroring reverses the orientation.
     if (place.Mirrors())
         std::reverse(outline.begin(), outline.end());
     AppendFaces(outline, piece.faces);
@@ -275,7 +277,7 @@ void RemoveRepeatedEdges(Piece& piece)
 
 void OrientFaces(std::vector<ModelFace>& faces)
 {
-    Orientation(faces).Settle();
+    FaceOrienter(faces).Settle();
 }
 
 } // namespace viewer

@@ -1,5 +1,5 @@
-// Faces of a drawing made fit for the viewport, which draws each as a fan: those that are bent or concave are
-// split, faces of one surface are turned the same way round, and their own edges are told from the others.
+// Converts faces of a drawing to those of the viewport, which draws each face as a fan. Non-planar and
+// concave faces are split, and the faces of a surface get the same orientation.
 #pragma once
 
 #include "viewer/import/dxf/drawing.h"
@@ -10,16 +10,16 @@
 namespace viewer
 {
 
-/// Appends a face in its place, as one or two convex flat ones, and its edges to the piece's; none of those
-/// that are hidden or that only split it. A face that shows nothing leaves no face. Where corners coincide
-/// they are one.
+/// Transforms a face by `place` and appends it to the piece as one or two convex planar faces, none if it has
+/// no area. Its edges are appended too, without hidden edges and without the diagonal that splits it.
+/// Coincident neighbouring corners are merged.
 void AppendDxfFace(const DxfFace& face, const Affine& place, Piece& piece);
 
-/// Keeps each of the piece's edges once.
+/// Removes all but the first of equal edges of the piece; direction does not count.
 void RemoveRepeatedEdges(Piece& piece);
 
-/// Turns faces that share an edge the same way round, since drawings do not say which side of a face is
-/// outside: that of the first where they stay open, outwards where they close.
+/// Orients faces that share an edge alike, because drawings do not define the outside of a face. A closed
+/// surface is turned outwards, an open one keeps the orientation of its first face.
 void OrientFaces(std::vector<ModelFace>& faces);
 
 } // namespace viewer

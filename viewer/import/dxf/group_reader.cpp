@@ -22,11 +22,8 @@ constexpr int kMaxCode = 1071;
 
 std::string QuotedForMessage(std::string_view text)
 {
-    constexpr std::size_t kMaxLength = 40;
-    std::string result = "'";
-    for (const char c : text.substr(0, kMaxLength))
-        result += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
-    return result + (text.size() > kMaxLength ? "...'" : "'");
+    constexpr std::size_t kMaxBytes = 40;
+    return '\'' + OneLine(text, kMaxBytes) + '\'';
 }
 
 std::optional<long long> ParseWholeNumber(std::string_view text)
@@ -63,7 +60,8 @@ int DxfGroupReader::ReadByte()
     return static_cast<unsigned char>(block_[block_next_++]);
 }
 
-/// False at the end of the file. A longer line than the longest has one byte too many.
+/// Returns false at the end of the file. Of a line longer than `kMaxDxfLine`, one byte more than that is
+/// kept.
 bool DxfGroupReader::ReadLine(std::string& text)
 {
     text.clear();

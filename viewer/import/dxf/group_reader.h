@@ -1,5 +1,5 @@
-// A DXF file as groups: a line with a code that says what the value is, and a line with the value. What is no
-// such file is told here, and a file that ends too early; what groups mean is not known.
+// Reads a DXF file as groups. A group is a line with a code, which gives the meaning of the value, and a line
+// with the value. Files of other kinds and truncated files are detected here. Groups are not interpreted.
 #pragma once
 
 #include "viewer/import/progress.h"
@@ -15,29 +15,30 @@
 namespace viewer
 {
 
-/// No line is kept beyond this, in bytes.
+/// The maximum length of a line, in bytes.
 inline constexpr std::size_t kMaxDxfLine = 1000;
 
 struct DxfGroup {
     int code = 0;
-    std::string value;    ///< without blanks around it; of a longer line one byte more than the longest has
-    std::size_t line = 0; ///< where the code stands, counted from 1
+    std::string value;    ///< trimmed; of a line longer than `kMaxDxfLine`, the first `kMaxDxfLine` + 1 bytes
+    std::size_t line = 0; ///< the line of the code, counted from 1
 };
 
-/// Text of a file as it can stand in a message: in quotes, printable and short.
+/// Text of a file for a message: in quotes, without control characters, at most 40 bytes.
 [[nodiscard]] std::string QuotedForMessage(std::string_view text);
 
-/// A whole number, with nothing around it but a plus sign; nothing for other texts.
+/// A whole number, with an optional plus sign and nothing else around it. No value for other texts.
 [[nodiscard]] std::optional<long long> ParseWholeNumber(std::string_view text);
 
 class DxfGroupReader
 {
   public:
-    /// Throws FileError where the file cannot be opened. `progress` gets the part of the bytes that have been
-    /// read, and must outlive the object.
+    /// Throws FileError if the file cannot be opened. `progress` gets the fraction of the bytes that are
+    /// read. It must outlive the object.
     DxfGroupReader(std::string path, const ProgressFunction& progress);
 
-    /// The next group that is no comment. Throws FileError where the file ends, or a code is none.
+    /// The next group that is not a comment. Throws FileError at the end of the file, and if a code is not
+    /// valid.
     [[nodiscard]] DxfGroup Read();
 
   private:

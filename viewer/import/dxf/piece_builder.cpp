@@ -14,21 +14,16 @@ namespace viewer
 namespace
 {
 
-EllipticArc Placed(const EllipticArc& arc, const Affine& place)
+Spline Transformed(const Spline& spline, const Affine& map)
 {
-    return {place.Apply(arc.center), place.ApplyToVector(arc.u), place.ApplyToVector(arc.v), arc.start,
-            arc.sweep};
+    Spline transformed = spline;
+    for (Point& point : transformed.points)
+        point = map.Apply(point);
+    return transformed;
 }
 
-Spline Placed(const Spline& spline, const Affine& place)
-{
-    Spline placed = spline;
-    for (Point& point : placed.points)
-        point = place.Apply(point);
-    return placed;
-}
-
-/// What is too far away, or no number, which comparisons would pass over, makes the box infinite.
+/// Adds a point. The box becomes infinite if a coordinate exceeds the maximum or is not finite: comparisons
+/// with NaN would ignore it.
 void AddPoint(const Point& point, Box& box)
 {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -62,7 +57,7 @@ Box BoxOfEntity(const PlacedEntity& placed)
         AddPoint(placed.place.Apply(line->from), box);
         AddPoint(placed.place.Apply(line->to), box);
     } else if (const auto* arc = std::get_if<EllipticArc>(&shape)) {
-        AddArc(Placed(*arc, placed.place), box);
+        AddArc(Transformed(*arc, placed.place), box);
     } else if (const auto* spline = std::get_if<Spline>(&shape)) {
         for (const Point& point : spline->points)
             AddPoint(placed.place.Apply(point), box);
@@ -75,8 +70,9 @@ Box BoxOfEntity(const PlacedEntity& placed)
     return box;
 }
 
-DxfPieceBuilder::DxfPieceBuilder(std::string path, const DxfDrawing& drawing, const DxfPlacedEntities& placement,
-                     double tolerance, std::size_t max_segments)
+DxfPieceBuilder::DxfPieceBuilder(std::string path, const DxfDrawing& drawing,
+                                 const DxfPlacedEntities& placement, double tolerance,
+                                 std::size_t max_segments)
     : path_(std::move(path)), drawing_(drawing), placement_(placement), tolerance_(tolerance),
       max_segments_(max_segments)
 {
@@ -118,9 +114,9 @@ void DxfPieceBuilder::AddSegments(const PlacedEntity& placed, Piece& piece)
     if (const auto* line = std::get_if<Segment>(&placed.entity.shape))
         AppendSegment(placed.place.Apply(line->from), placed.place.Apply(line->to), piece.lines);
     else if (const auto* arc = std::get_if<EllipticArc>(&placed.entity.shape))
-        CutArc(Placed(*arc, placed.place), tolerance_, piece.lines);
+        CutArc(Transformed(*arc, placed.place), tolerance_, piece.lines);
     else if (const auto* spline = std::get_if<Spline>(&placed.entity.shape))
-        CutSpline(Placed(*spline, placed.place), tolerance_, piece.lines);
+        CutSpline(Transformed(*spline, placed.place), tolerance_, piece.lines);
     segments_ += piece.lines.size() - before;
     if (segments_ > max_segments_)
         throw FileError(path_, "its lines come to more than " + std::to_string(max_segments_) +

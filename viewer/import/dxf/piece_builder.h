@@ -1,4 +1,5 @@
-// The pieces of a drawing's model: placed entities sorted by block, layer and colour, with their curves cut.
+// Builds the pieces of a drawing's model: placed entities, grouped by blocks, layer and colour, with curves
+// as segments.
 #pragma once
 
 #include "viewer/import/dxf/placed_entities.h"
@@ -12,26 +13,27 @@
 namespace viewer
 {
 
+/// The maximum number of segments of all lines of a model.
 inline constexpr std::size_t kMaxSegments = 20'000'000;
 
-/// No coordinate may be larger: its fourth power is still a number.
+/// The maximum of a coordinate: its fourth power is still finite.
 inline constexpr double kMaxCoordinate = 1e70;
 
-/// The smallest box around an entity in its place, or around the control points of a spline; infinite where
-/// something of it is farther away than that.
+/// The smallest box around a placed entity; for a spline, around its control points. Infinite if a coordinate
+/// exceeds `kMaxCoordinate` or is not finite. Empty for an insert.
 [[nodiscard]] Box BoxOfEntity(const PlacedEntity& placed);
 
 class DxfPieceBuilder
 {
   public:
-    /// Curves are cut by `tolerance`, and all lines may come to `max_segments`. The others must outlive the
-    /// object.
-    DxfPieceBuilder(std::string path, const DxfDrawing& drawing, const DxfPlacedEntities& placement, double tolerance,
-              std::size_t max_segments = kMaxSegments);
+    /// Segments lie within `tolerance` of their curves. `drawing` and `placement` must outlive the object.
+    DxfPieceBuilder(std::string path, const DxfDrawing& drawing, const DxfPlacedEntities& placement,
+                    double tolerance, std::size_t max_segments = kMaxSegments);
 
-    /// Throws FileError at more segments than those.
+    /// Throws FileError if the lines exceed `max_segments` segments.
     void Add(const PlacedEntity& placed);
-    /// All pieces that show something, with their faces' edges and sides settled, and the layers' names.
+    /// Returns the model: all pieces with faces or lines, their faces oriented and equal edges merged, and
+    /// the names of the layers as categories.
     [[nodiscard]] Model Finish();
 
   private:

@@ -16,7 +16,7 @@ double TimesPlaced(const DxfInsert& insert)
     return static_cast<double>(insert.columns) * static_cast<double>(insert.rows);
 }
 
-/// The layer of a block's entities that are on the layer of its insert.
+/// Layer 0, whose entities in a block are on the layer of the insert; the number of layers if there is none.
 std::size_t FloatingLayer(const DxfDrawing& drawing)
 {
     const auto found = std::find_if(drawing.layers.begin(), drawing.layers.end(),
@@ -100,7 +100,7 @@ void DxfPlacedEntities::ForEach(const std::function<void(const PlacedEntity&)>& 
 }
 
 void DxfPlacedEntities::Place(const std::vector<DxfEntity>& entities, const Context& context,
-                         const std::function<void(const PlacedEntity&)>& take)
+                              const std::function<void(const PlacedEntity&)>& take)
 {
     for (const DxfEntity& entity : entities) {
         const std::size_t layer_number = entity.layer == floating_layer_ ? context.layer : entity.layer;
@@ -121,7 +121,7 @@ void DxfPlacedEntities::Place(const std::vector<DxfEntity>& entities, const Cont
 }
 
 void DxfPlacedEntities::PlaceInsert(const DxfInsert& insert, Context inner, const Context& outer,
-                               const std::function<void(const PlacedEntity&)>& take)
+                                    const std::function<void(const PlacedEntity&)>& take)
 {
     const DxfBlock& block = drawing_.blocks[insert.block];
     const Affine first = insert.placement * Translation(block.base * -1.0);

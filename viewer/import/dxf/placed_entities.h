@@ -1,5 +1,5 @@
-// A drawing with its blocks put where their inserts say: what is shown, where, on which layer and in which
-// colour. Blocks that hold themselves are refused here, and those that blow up beyond all measure.
+// The visible entities of a drawing with all inserts expanded: their placement, layer and colour. Blocks that
+// contain themselves are refused here, and so are drawings that expand to too many entities.
 #pragma once
 
 #include "viewer/import/dxf/drawing.h"
@@ -14,37 +14,37 @@
 namespace viewer
 {
 
-/// A drawing may show so many entities, each insert counted as often as it is put somewhere.
+/// The maximum number of entities after expansion.
 inline constexpr double kMaxPlacedEntities = 1e7;
-/// Blocks may hold blocks so many times over.
+/// The maximum depth of nested blocks.
 inline constexpr int kMaxBlockNesting = 100;
 
-/// An entity at one of its places.
+/// An entity at one of its placements.
 struct PlacedEntity {
     const DxfEntity& entity;
     const Affine& place;
     std::size_t layer;
     unsigned char color;
-    std::size_t path; ///< which blocks it comes out of; 0 for none
+    std::size_t path; ///< the number of its path of blocks, for `NamesOf`; 0 outside of blocks
 };
 
 class DxfPlacedEntities
 {
   public:
-    /// Throws FileError where a block holds itself, is not there, or holds more than the limits allow.
-    /// `drawing` must outlive the object.
+    /// Throws FileError if a block contains itself, is not defined, or exceeds the limits. `drawing` must
+    /// outlive the object.
     DxfPlacedEntities(std::string path, const DxfDrawing& drawing);
 
-    /// Calls `take` for every entity that is neither an insert nor hidden by its layer, in the drawing's
-    /// order; as often as wanted, always the same. Entities on layer 0 of a block are on the layer of the
-    /// insert. A frozen layer hides what is inserted on it, one that is off does not.
+    /// Calls `take` for every entity that is not an insert and not hidden by its layer, in the order of the
+    /// drawing. Can be repeated, with the same result. Entities on layer 0 of a block are on the layer of the
+    /// insert. An insert on a frozen layer is hidden, an insert on a layer that is off is not.
     void ForEach(const std::function<void(const PlacedEntity&)>& take);
 
-    /// The names of the blocks on a path, outermost first.
+    /// The names of the blocks on a path, the outermost first.
     [[nodiscard]] std::vector<std::string> NamesOf(std::size_t path) const;
 
   private:
-    /// What the blocks in a block come to.
+    /// The size of a block with all inserts expanded.
     struct Size {
         double entities = 0.0;
         int depth = 0;
@@ -55,7 +55,7 @@ class DxfPlacedEntities
         std::size_t outer = 0;
         std::size_t block = 0;
     };
-    /// What an insert hands down.
+    /// The placement, layer and colour that a block's entities inherit from its insert.
     struct Context {
         Affine place;
         std::size_t layer = 0;

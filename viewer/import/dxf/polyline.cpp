@@ -1,6 +1,5 @@
 #include "viewer/import/dxf/polyline.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
@@ -13,13 +12,7 @@ namespace
 
 using Shape = decltype(DxfEntity::shape);
 
-EllipticArc Placed(const EllipticArc& arc, const Affine& frame)
-{
-    return {frame.Apply(arc.center), frame.ApplyToVector(arc.u), frame.ApplyToVector(arc.v), arc.start,
-            arc.sweep};
-}
-
-/// A flat polyline's height is its own; where it has none, its vertices may have theirs.
+/// The elevation of a flat polyline replaces the z coordinates of its vertices, unless it is 0.
 Point CornerOf(const DxfPolyline& polyline, std::size_t index)
 {
     Point corner = polyline.vertices[index].point;
@@ -38,7 +31,7 @@ std::vector<Shape> CurveShapes(const DxfPolyline& polyline)
         const Point to = CornerOf(polyline, (i + 1) % count);
         const double bulge = polyline.IsFlat() ? polyline.vertices[i].bulge : 0.0;
         if (const auto arc = ArcOfBulge(from, to, bulge))
-            shapes.emplace_back(Placed(*arc, polyline.frame));
+            shapes.emplace_back(Transformed(*arc, polyline.frame));
         else
             shapes.emplace_back(Segment{polyline.frame.Apply(from), polyline.frame.Apply(to)});
     }

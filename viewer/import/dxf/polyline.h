@@ -1,5 +1,5 @@
-// The five things that a drawing calls polyline: flat ones with arcs, ones in space, polygon meshes and
-// polyface meshes, taken apart into segments, arcs and faces.
+// Converts the polylines of a drawing to segments, arcs and faces. A polyline is flat with arcs, spatial, a
+// polygon mesh or a polyface mesh.
 #pragma once
 
 #include "viewer/import/dxf/drawing.h"
@@ -11,7 +11,7 @@
 namespace viewer
 {
 
-/// A polyline as its vertices come in.
+/// A polyline with its vertices.
 struct DxfPolyline {
     /// Bits of `flags`.
     static constexpr int kClosed = 1;
@@ -20,20 +20,20 @@ struct DxfPolyline {
     static constexpr int kPolygonMesh = 16;
     static constexpr int kClosedInN = 32;
     static constexpr int kPolyfaceMesh = 64;
-    /// Bit of a vertex's flags: it only steers the curve or surface that was fitted.
+    /// Bit of a vertex's flags: a control point of the fitted curve or surface, which is not drawn.
     static constexpr int kFrameVertex = 16;
 
     struct Vertex {
         Point point;
         double bulge = 0.0;
     };
-    /// Numbers of vertices, counted from 1; 0 for none, negative before an edge that is not seen.
+    /// Numbers of vertices, counted from 1; 0 for none, negative if the edge that begins there is hidden.
     using FaceRecord = std::array<int, 4>;
 
     int flags = 0;
     int rows = 0;    ///< of a polygon mesh
     int columns = 0; ///< of a polygon mesh
-    Affine frame;    ///< of a flat one: the space of its vertices
+    Affine frame;    ///< of a flat polyline: the frame of its vertices
     double elevation = 0.0;
     std::vector<Vertex> vertices;
     std::vector<FaceRecord> face_records;
@@ -42,8 +42,8 @@ struct DxfPolyline {
     [[nodiscard]] bool IsFlat() const { return (flags & (kInSpace | kPolygonMesh | kPolyfaceMesh)) == 0; }
 };
 
-/// Its shapes, in order. Throws std::runtime_error with the reason where a mesh does not hold what it refers
-/// to.
+/// The shapes of the polyline, in order. Throws std::runtime_error with the reason if a mesh has the wrong
+/// number of vertices or refers to a vertex that does not exist.
 [[nodiscard]] std::vector<decltype(DxfEntity::shape)> ShapesOf(const DxfPolyline& polyline);
 
 } // namespace viewer

@@ -16,7 +16,7 @@ namespace
 
 constexpr double kMaxParameter = 1e100;
 
-/// A control point times its weight, and the weight.
+/// A control point in homogeneous coordinates: the point times its weight, and the weight.
 struct Weighted {
     Point point;
     double weight = 1.0;
@@ -42,7 +42,8 @@ double DistanceToSegment(const Point& point, const Point& from, const Point& to)
     return Length(point - (from + direction * along));
 }
 
-/// The curve lies in the hull of its control points, because the weights are above 0.
+/// Whether the curve is within the tolerance of its chord. It lies in the convex hull of its control points,
+/// because the weights are above 0.
 bool IsFlat(const Bezier& bezier, double tolerance)
 {
     const Point from = bezier.front().Project();
@@ -52,7 +53,7 @@ bool IsFlat(const Bezier& bezier, double tolerance)
     });
 }
 
-/// Cuts off the first half; the second is what stays.
+/// Splits the curve in the middle. Returns the first half; `bezier` becomes the second.
 Bezier TakeFirstHalf(Bezier& bezier)
 {
     Bezier first;
@@ -74,7 +75,7 @@ void CutBezier(Bezier bezier, double tolerance, int halvings, std::vector<Segmen
     AppendSegment(bezier.front().Project(), bezier.back().Project(), segments);
 }
 
-/// Cuts a spline span by span, each as the Bezier curve that it is.
+/// Converts the spans of a spline to Bezier curves.
 class SpanCutter
 {
   public:
@@ -99,8 +100,9 @@ class SpanCutter
         return {spline_.points[index] * weight, weight};
     }
 
-    /// The polar form of the span at its start, and in the last `ends` arguments at its end: a control point
-    /// of its Bezier curve. All divisors are at least the length of the span.
+    /// The polar form (blossom) of the span, with the end of the span for the last `ends` arguments and its
+    /// start for the others. This is control point number `ends` of its Bezier curve. All divisors are at
+    /// least the length of the span.
     [[nodiscard]] Weighted Blossom(std::size_t span, std::size_t ends) const
     {
         const std::vector<double>& knots = spline_.knots;
@@ -122,13 +124,13 @@ class SpanCutter
     std::size_t degree_;
 };
 
-/// Whether products with it neither vanish nor overflow.
+/// Whether products with the weight neither underflow nor overflow.
 bool IsMeasurable(double weight)
 {
     return weight >= 1.0 / kMaxParameter && weight <= kMaxParameter;
 }
 
-/// Takes out points that repeat the one before, but for digits that would be lost.
+/// Removes points that equal the previous one, within rounding errors.
 void DropRepeats(std::vector<Point>& points, bool is_closed)
 {
     constexpr double kNothing = 1e-12;
@@ -141,7 +143,7 @@ void DropRepeats(std::vector<Point>& points, bool is_closed)
         points.pop_back();
 }
 
-/// Solves a x[i-1] + b x[i] + c x[i+1] = d for all rows, a of the first and c of the last being 0.
+/// Solves a x[i-1] + b x[i] + c x[i+1] = d for all rows. `a` of the first row and `c` of the last are 0.
 std::vector<Point> SolveTridiagonal(const std::vector<std::array<double, 3>>& rows, std::vector<Point> right)
 {
     std::vector<double> above(rows.size());
@@ -156,7 +158,7 @@ std::vector<Point> SolveTridiagonal(const std::vector<std::array<double, 3>>& ro
     return right;
 }
 
-/// The points that an interpolating cubic runs through and their distances.
+/// The points that a cubic interpolates and the distances between them.
 struct Chords {
     std::vector<Point> points;
     std::vector<double> lengths;
@@ -167,7 +169,7 @@ struct Chords {
     }
 };
 
-/// One inner row of the equations for the derivatives: curvature is the same on both sides.
+/// One inner row of the equations for the derivatives, for equal curvature on both sides.
 std::array<double, 3> InnerRow(double before, double after)
 {
     return {after, 2.0 * (before + after), before};
@@ -199,8 +201,8 @@ std::vector<Point> OpenDerivatives(const Chords& chords, const Point& start_tang
     return SolveTridiagonal(rows, std::move(right));
 }
 
-/// The rows run in a ring here. The corner entries are split off as a product of two vectors, and the
-/// solution put together from those for the right side and for the first vector.
+/// Solves the cyclic system by the Sherman-Morrison formula: the corner entries are split off as a product of
+/// two vectors, and the solution is combined from those for the right side and for the first vector.
 std::vector<Point> ClosedDerivatives(const Chords& chords)
 {
     const std::size_t count = chords.lengths.size();
@@ -231,7 +233,7 @@ std::vector<Point> ClosedDerivatives(const Chords& chords)
     return derivatives;
 }
 
-/// Cubic Bezier curves, one for each chord, as one spline.
+/// One spline of cubic Bezier curves, one for each chord.
 Spline SplineOf(const Chords& chords, const std::vector<Point>& derivatives)
 {
     Spline spline;
@@ -287,7 +289,7 @@ Spline SplineThrough(std::vector<Point> points, const Point& start_tangent, cons
     DropRepeats(points, is_closed);
     if (points.size() < 2)
         return {};
-    // There and back again would be no loop.
+    // A loop of two points would be a line there and back.
     const bool is_ring = is_closed && points.size() > 2;
     if (is_ring)
         points.push_back(points.front());

@@ -1,5 +1,5 @@
-// Splines, given by control points or by the points they run through, and their cutting into straight
-// segments. It knows nothing of files; every unit is the caller's.
+// Splines, given by control points or by the points that they interpolate, and their approximation by
+// segments. Lengths are in the caller's unit.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -10,32 +10,33 @@
 namespace viewer
 {
 
+/// The maximum degree of a valid spline.
 inline constexpr int kMaxSplineDegree = 25;
 
 /// A non-uniform rational B-spline.
 struct Spline {
     int degree = 3;
     std::vector<Point> points;
-    std::vector<double> knots;   ///< not decreasing, one for each point and degree + 1 more
-    std::vector<double> weights; ///< above 0, one for each point; none for all the same
+    std::vector<double> knots;   ///< not decreasing; number of points + degree + 1 of them
+    std::vector<double> weights; ///< above 0, one for each point; empty if all are equal
 };
 
-/// What keeps the spline from being one: in a few words, or null where nothing does.
+/// The reason why the spline is not valid, in a few words; null if it is valid.
 [[nodiscard]] const char* FaultOf(const Spline& spline);
 
-/// Knots for a spline that has none: even ones, and it ends in its first and last point.
+/// Uniform knots with which a spline begins in its first point and ends in its last.
 [[nodiscard]] std::vector<double> EvenKnots(int degree, std::size_t points);
 
-/// The cubic that runs through all points, with continuous curvature over their distances. A tangent gives
-/// the direction in which it starts and ends; a zero one leaves that end without curvature. A closed one
-/// runs back to its first point, as smooth there as elsewhere. Repeated points count once; no points at
-/// all for fewer than two different ones.
+/// The cubic spline that interpolates the points, with continuous curvature over chord lengths. The tangents
+/// give the directions at its start and end; at an end with a zero tangent the curvature is 0. A closed
+/// spline returns to its first point and is as smooth there as elsewhere. Repeated points are merged. For
+/// fewer than two different points the result has no points.
 [[nodiscard]] Spline SplineThrough(std::vector<Point> points, const Point& start_tangent,
                                    const Point& end_tangent, bool is_closed);
 
-/// Appends the segments of a spline without faults, none farther from it than `tolerance` as long as
-/// `kMaxSegmentsPerCurve` to the span suffice. Corners lie on the spline. Where its knots let it jump, there
-/// is a gap.
+/// Appends segments that lie within `tolerance` of a valid spline, unless that takes more than
+/// `kMaxSegmentsPerCurve` for a span. Corners lie on the spline. There is a gap where the knots make the
+/// spline discontinuous.
 void CutSpline(const Spline& spline, double tolerance, std::vector<Segment>& segments);
 
 } // namespace viewer

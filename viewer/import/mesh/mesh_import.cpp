@@ -2,6 +2,7 @@
 
 #include "platform/host/cm/color.h"
 #include "viewer/import/file_checks.h"
+#include "viewer/import/library_message.h"
 #include "viewer/scene/affine.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
@@ -37,7 +38,7 @@ Point ToPoint(const aiVector3D& v)
     return {static_cast<double>(v.x), static_cast<double>(v.y), static_cast<double>(v.z)};
 }
 
-/// A node's transformation, in double precision from here on.
+/// The transformation in double precision.
 Affine ToAffine(const aiMatrix4x4& m)
 {
     const auto column = [&](unsigned int i) {
@@ -47,13 +48,13 @@ Affine ToAffine(const aiMatrix4x4& m)
     return {column(0), column(1), column(2), column(3)};
 }
 
-/// How the space of a file lies in the viewer's, whose z axis points up, and how long its unit is.
+/// A file's coordinate system: the map to the viewer's axes, with z up, and the length of its unit.
 struct Convention {
     Affine root;
     std::optional<double> meters_per_unit;
 };
 
-/// Turns the axis of this number, or its opposite, to where z is.
+/// The rotation that maps the axis with this number, or its opposite, to z.
 Affine UprightFrom(int axis, bool is_opposite)
 {
     Affine turn;
@@ -65,7 +66,7 @@ Affine UprightFrom(int axis, bool is_opposite)
     return is_opposite ? half_turn_about_x * turn : turn;
 }
 
-/// FBX files say themselves which axis points up and how many centimetres their unit has.
+/// FBX files state their up axis and the length of their unit in centimetres.
 Convention FbxConvention(const aiScene& scene)
 {
     int axis = 1;
@@ -82,9 +83,9 @@ Convention FbxConvention(const aiScene& scene)
     return convention;
 }
 
-/// NOTE: the importer itself turns Collada, 3DS, ASE and IFC files so that y points up, and scales Collada
-/// and IFC files to metres; glTF and X3D are defined that way. About the axes of OBJ, STL, PLY and OFF files
-/// nothing is known.
+/// NOTE: The library rotates Collada, 3DS, ASE and IFC files so that y is up, and scales Collada and IFC
+/// files to metres. glTF and X3D define both in this way. OBJ, STL, PLY and OFF files do not define their
+/// axes.
 Convention ConventionOf(const std::string& path, const aiScene& scene)
 {
     constexpr std::array<std::string_view, 7> kMetersUpwardsY = {".gltf", ".glb", ".dae", ".zae",
@@ -101,18 +102,18 @@ Convention ConventionOf(const std::string& path, const aiScene& scene)
     return {};
 }
 
-/// The names of the nodes around one that the file's author gave; more than this are left out.
+/// The maximum number of a piece's parents; further ones are dropped.
 constexpr std::size_t kMaxParents = 64;
 
 void AddParent(std::vector<std::string>& parents, const aiString& name)
 {
-    // NOTE: the importer's own helpers have a $ at the end of a word in their names.
+    // NOTE: The library names nodes that it adds itself "..._$AssimpFbx$_...".
     const std::string_view text(name.C_Str());
     if (!text.empty() && text.find("$Assimp") == std::string_view::npos && parents.size() < kMaxParents)
         parents.emplace_back(text);
 }
 
-/// Hands the importer's own progress on; it takes the first part of the whole.
+/// Forwards the library's progress as the first `kShare` of the import's.
 class ImporterProgress final : public Assimp::ProgressHandler
 {
   public:
@@ -148,7 +149,7 @@ unsigned char ColorOf(const aiMaterial& material)
 
 float AlphaOf(const aiMaterial& material)
 {
-    // glTF says in so many words whether the opacity counts.
+    // glTF states whether the opacity applies.
     aiString mode;
     if (material.Get(AI_MATKEY_GLTF_ALPHAMODE, mode) == AI_SUCCESS &&
         std::string_view(mode.C_Str()) != "BLEND")
@@ -159,7 +160,7 @@ float AlphaOf(const aiMaterial& material)
     return std::clamp(alpha, 0.0F, 1.0F);
 }
 
-/// One read scene on its way to a model.
+/// Converts the library's scene to a model.
 class SceneConverter
 {
   public:
@@ -184,7 +185,7 @@ class SceneConverter
             for (unsigned int i = 0; i < node.mNumMeshes; ++i)
                 AddMesh(MeshAt(node.mMeshes[i]), node, current.parents, transform);
             std::vector<std::string> parents = current.parents;
-            // The root is named after the file or by the importer.
+            // The root has the name of the file, or one that the library generates.
             if (&node != scene_.mRootNode)
                 AddParent(parents, node.mName);
             for (unsigned int i = node.mNumChildren; i-- > 0;)
@@ -197,7 +198,7 @@ class SceneConverter
   private:
     struct PendingNode {
         const aiNode* node;
-        Affine transform; ///< of what is around it
+        Affine transform; ///< of its parent
         std::vector<std::string> parents;
     };
 
@@ -222,7 +223,7 @@ class SceneConverter
         piece.parents = parents;
         if (&node != scene_.mRootNode && piece.name != node.mName.C_Str())
             AddParent(piece.parents, node.mName);
-        // The material for now; categories are numbered when it is known which materials have faces.
+        // The material's number for now: categories are numbered when all materials with faces are known.
         piece.category = static_cast<int>(mesh.mMaterialIndex);
         if (mesh.mMaterialIndex < scene_.mNumMaterials) {
             piece.color = ColorOf(*scene_.mMaterials[mesh.mMaterialIndex]);
@@ -279,7 +280,7 @@ class SceneConverter
         ++faces_seen_;
         if (!progress_ || faces_seen_ % kFacesPerReport != 0)
             return;
-        // Meshes that several nodes show are seen more often than they are counted.
+        // A mesh that several nodes use is counted once, but converted for each of them.
         const double done = static_cast<double>(faces_seen_) / static_cast<double>(faces_total_);
         progress_(ImporterProgress::kShare + (1.0 - ImporterProgress::kShare) * std::min(done, 1.0));
     }
@@ -292,29 +293,12 @@ class SceneConverter
     Model model_;
 };
 
-/// The importer's words in one line of reasonable length.
-std::string ReasonFrom(const std::string& message)
-{
-    constexpr std::size_t kMaxLength = 200;
-    std::string reason;
-    for (const char c : message) {
-        const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-        if (!control)
-            reason += c;
-        else if (!reason.empty() && reason.back() != ' ')
-            reason += ' ';
-    }
-    if (reason.size() > kMaxLength)
-        reason = reason.substr(0, kMaxLength) + "...";
-    return reason.empty() ? "cannot be read" : "cannot be read: " + reason;
-}
-
 std::string ReasonOf(const Assimp::Importer& importer, const std::string& path)
 {
     const std::string message = importer.GetErrorString();
     if (message.find("No suitable reader") == std::string::npos)
-        return ReasonFrom(message);
-    // Some importers look into the file first, and are not there for one they do not recognise.
+        return ReasonFromLibrary(message);
+    // NOTE: The library reports a file that its parsers do not recognize like one of an unknown kind.
     const bool known = importer.IsExtensionSupported(std::filesystem::path(path).extension().string());
     return known ? "damaged or truncated" : "unknown kind of file";
 }
@@ -322,7 +306,7 @@ std::string ReasonOf(const Assimp::Importer& importer, const std::string& path)
 Model Read(const std::string& path, const ProgressFunction& progress)
 {
     Assimp::Importer importer;
-    // Files without meshes must not be given made-up ones.
+    // The library would add meshes for skeletons to a file without meshes.
     importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
     importer.SetProgressHandler(new ImporterProgress(progress)); // the importer owns it
     // No post-processing: it would triangulate, merge or smooth.
@@ -345,7 +329,7 @@ Model ImportMesh(const std::string& path, const ProgressFunction& progress)
     } catch (const std::bad_alloc&) {
         throw FileError(path, "needs more memory than there is");
     } catch (const std::exception& error) {
-        throw FileError(path, ReasonFrom(error.what()));
+        throw FileError(path, ReasonFromLibrary(error.what()));
     }
     if (model.pieces.empty())
         throw FileError(path, "holds no faces");

@@ -1,4 +1,4 @@
-// B-rep files that are not what they should be.
+// Damaged and truncated B-rep files, and files of other kinds.
 #include "tests/viewer/import/brep/brep_fixture.h"
 #include "viewer/import/brep/file_kind.h"
 
@@ -29,7 +29,7 @@ class BrepDamage : public BrepTest
   protected:
     static TopoDS_Shape Shape() { return BRepPrimAPI_MakeCylinder(10.0, 20.0).Shape(); }
 
-    /// Cuts the file at twenty places, and after its last but one character that is not blank.
+    /// Cuts the file at twenty places, and before its last two characters that are not blank.
     void ExpectCutsToBeRefused(const std::string& whole)
     {
         const std::string text = Read(std::filesystem::path(whole).filename().string());
@@ -46,7 +46,7 @@ class BrepDamage : public BrepTest
         EXPECT_EQ(ErrorOf(whole), "read without an error");
     }
 
-    /// The text with the first of something replaced.
+    /// The text with the first occurrence replaced.
     static std::string With(std::string text, const std::string& what, const std::string& by)
     {
         const auto at = text.find(what);

@@ -1,4 +1,4 @@
-// What tests of B-rep files share: shapes written by the library's own writers, and figures of what was read.
+// Shared by tests of B-rep files: files written by the library's writers, and measures of models and shapes.
 #pragma once
 
 #include "tests/viewer/viewer_fixture.h"
@@ -18,7 +18,7 @@
 namespace viewer
 {
 
-/// An empty document of the library's for names, colours and assemblies.
+/// An empty document of the library, for names, colours and assemblies.
 class BrepTestDocument
 {
   public:
@@ -29,13 +29,13 @@ class BrepTestDocument
 
     TDF_Label AddPart(const TopoDS_Shape& shape, const std::string& name);
     TDF_Label AddAssembly(const std::string& name);
-    /// Puts a part or an assembly into an assembly; with a name of its own where one is given.
+    /// Puts a part or an assembly into an assembly. The instance gets a name if one is given.
     TDF_Label Place(const TDF_Label& assembly, const TDF_Label& part, const TopLoc_Location& location,
                     const std::string& name = {});
     void SetColor(const TDF_Label& label, double red, double green, double blue, float alpha = 1.0F);
-    /// Of a face or a solid of the part.
+    /// Sets the colour of a face or a solid of the part.
     void SetColorOf(const TDF_Label& part, const TopoDS_Shape& shape, double red, double green, double blue);
-    /// Of one use of a part: by the components that lead to it, from the top.
+    /// Sets the colour of one use of a part, given by the components that lead to it from the root.
     void SetColorOfUse(const std::vector<TDF_Label>& components, double red, double green, double blue);
     void SetNameOf(const TDF_Label& part, const TopoDS_Shape& shape, const std::string& name);
     void Hide(const TDF_Label& label);
@@ -57,32 +57,32 @@ class BrepTest : public ViewerTest
     [[nodiscard]] std::string WriteStep(const TopoDS_Shape& shape,
                                         const std::string& name = "shape.step") const;
     [[nodiscard]] std::string WriteIges(BrepTestDocument& document) const;
-    /// Of trimmed surfaces, or of solids.
+    /// Writes trimmed surfaces, or solids.
     [[nodiscard]] std::string WriteIges(const TopoDS_Shape& shape, bool as_solids) const;
-    /// The text of the error that reading the file gives.
+    /// The error's text when the file is read.
     [[nodiscard]] static std::string ErrorOf(const std::string& path);
 };
 
 [[nodiscard]] TopLoc_Location MovedBy(double x, double y, double z);
 
-/// By the facets.
+/// Computed from the facets.
 [[nodiscard]] double VolumeOf(const Piece& piece);
 [[nodiscard]] double AreaOf(const Piece& piece);
 [[nodiscard]] Box BoxOfFaces(const Piece& piece);
-/// By the library, from the exact surfaces.
+/// Computed by the library from the exact surfaces.
 [[nodiscard]] double ExactVolumeOf(const TopoDS_Shape& shape);
 [[nodiscard]] double ExactAreaOf(const TopoDS_Shape& shape);
 
-/// How many edges the shape has without those of no length and those that a face has twice.
+/// The number of the shape's edges, without edges of length 0 and edges that a face has twice.
 [[nodiscard]] std::size_t OwnEdgesOf(const TopoDS_Shape& shape);
-/// How many edges the segments make, which end at the shape's vertices: each vertex ends so many of them.
+/// The number of edges that the piece's segments form. Edges end at the shape's vertices.
 [[nodiscard]] std::size_t EdgesOf(const Piece& piece, const TopoDS_Shape& shape);
-/// Whether each segment of the edges runs along a side of a face, from the very same corner to the other.
+/// Whether each segment of the edges is a side of a face, with exactly equal ends.
 [[nodiscard]] bool EdgesRunAlongFaces(const Piece& piece);
-/// Whether no face turns right anywhere, as the fans that they are drawn by need it.
+/// Whether all faces are convex, so that they can be drawn as fans.
 [[nodiscard]] bool FacesAreConvex(const Piece& piece);
 [[nodiscard]] bool ClosesToABody(const Piece& piece);
-/// How many edges the body of the piece shows; 0 where it does not close.
+/// The number of edges that the body of the piece shows; 0 if it is not closed.
 [[nodiscard]] std::size_t ShownEdgesOf(const Piece& piece);
 
 } // namespace viewer

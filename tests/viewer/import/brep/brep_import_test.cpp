@@ -98,7 +98,7 @@ TopoDS_Edge CircleEdge(double radius)
     return BRepBuilderAPI_MakeEdge(gp_Circ(gp::XOY(), radius)).Edge();
 }
 
-/// How near a triangle comes to the origin, by a grid of points on it.
+/// The distance of a triangle from the origin, by a grid of points on it.
 double LeastLength(const ModelFace& triangle)
 {
     constexpr int kSteps = 12;
@@ -132,9 +132,9 @@ class BrepImport : public BrepTest
     }
 
     /// The facets lie within the deflection of the surface, so that the volume between the two is at most the
-    /// area by it. Along a curve of radius r a chord is shorter than its arc by the part h / 3r at a height
-    /// of h; a surface that curves both ways loses twice as much. Boxes can only shrink, by the deflection on
-    /// each side, but a body's exact box is not known here: that of the closed form is given.
+    /// area times the deflection. A chord of height h in an arc of radius r is shorter than the arc by the
+    /// fraction h / 3r; a surface that is curved in both directions loses twice as much. Boxes can only
+    /// shrink, by the deflection on each side. The exact box is that of the closed form.
     static void ExpectFigures(const Piece& piece, const TopoDS_Shape& shape, double deflection,
                               double least_radius, const Box& box)
     {
@@ -173,7 +173,7 @@ TEST_F(BrepImport, BoxWithAHoleClosesAroundIt)
     const TopoDS_Shape shape = BoxWithHole();
     const Piece piece = ReadOne(shape, With(0.01));
     ExpectFigures(piece, shape, 0.01, 5.0, BoxOf({0, 0, 0}, {40, 30, 10}));
-    // Twelve of the box and two circles; the seam of the hole is none.
+    // Twelve edges of the box and two circles; the seam of the hole is not an edge.
     EXPECT_EQ(EdgesOf(piece, shape), 14U);
     // Nothing covers the hole.
     for (const ModelFace& face : piece.faces) {
@@ -218,7 +218,7 @@ TEST_F(BrepImport, ConeClosesAtItsTip)
 {
     const TopoDS_Shape shape = BRepPrimAPI_MakeCone(10.0, 0.0, 20.0).Shape();
     const Piece piece = ReadOne(shape, With(0.05));
-    // Near the tip the radius is as small as can be, but the area is too: half the height stands for it.
+    // Near the tip both radius and area approach 0; half the height is used.
     ExpectFigures(piece, shape, 0.05, 5.0, BoxOf({-10, -10, 0}, {10, 10, 20}));
     EXPECT_EQ(EdgesOf(piece, shape), 1U);
 }
@@ -254,7 +254,7 @@ TEST_F(BrepImport, MirroredCopyShowsItsOutside)
 
 TEST_F(BrepImport, FaceInAMirroredPlaceFacesTheMirroredWay)
 {
-    // Seen from above, where its normal goes; the mirror at the plane x = 0 leaves that as it is.
+    // Seen from above, the direction of its normal; mirroring at the plane x = 0 does not change the normal.
     BRepBuilderAPI_MakePolygon outline(gp_Pnt(0, 0, 0), gp_Pnt(2, 0, 0), gp_Pnt(2, 1, 0), gp_Pnt(0, 1, 0),
                                        true);
     gp_Trsf mirror;

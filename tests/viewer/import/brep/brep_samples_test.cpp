@@ -1,4 +1,4 @@
-// B-rep files of other programs, as the library's own package of sample data has them.
+// B-rep files of other programs, from the library's package of sample data.
 #include "tests/viewer/import/brep/brep_fixture.h"
 
 #include <BRepTools.hxx>
@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <filesystem>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -52,13 +53,25 @@ void PrintTo(const Sample& sample, std::ostream* out)
     *out << sample.file;
 }
 
-class BrepSolidSamples : public testing::TestWithParam<Sample>
+class BrepSolidSamples : public ViewerTest, public testing::WithParamInterface<Sample>
 {
+  protected:
+    /// The sample's path, or a link to it with the extension of its kind: the package names some BREP files
+    /// otherwise.
+    [[nodiscard]] std::string Path() const
+    {
+        const std::filesystem::path path = PathOfSample(GetParam().file);
+        if (path.extension() != ".rle")
+            return path.string();
+        const std::string link = PathOf(path.stem().string() + ".brep");
+        std::filesystem::create_symlink(path, link);
+        return link;
+    }
 };
 
 TEST_P(BrepSolidSamples, SolidsCloseAndHaveTheLibrarysFigures)
 {
-    const std::string path = PathOfSample(GetParam().file);
+    const std::string path = Path();
     const Model model = ImportBrep(path, {});
     const TopoDS_Shape shape = ShapeOf(path);
     std::vector<TopoDS_Shape> solids;
@@ -67,7 +80,7 @@ TEST_P(BrepSolidSamples, SolidsCloseAndHaveTheLibrarysFigures)
             solids.push_back(it.Current());
     ASSERT_EQ(solids.size(), GetParam().solids);
     ASSERT_EQ(model.pieces.size(), solids.size());
-    // The model's box may have been taken a little larger than that of its facets.
+    // The importer's box of the model can be a little larger than that of the facets.
     const double deflection = 1.1 * kRelativeDeflection * model.Extents().Diagonal();
     for (std::size_t i = 0; i < solids.size(); ++i) {
         const Piece& piece = model.pieces[i];
@@ -76,7 +89,7 @@ TEST_P(BrepSolidSamples, SolidsCloseAndHaveTheLibrarysFigures)
         EXPECT_TRUE(EdgesRunAlongFaces(piece)) << i;
         EXPECT_EQ(ShownEdgesOf(piece), piece.edges->size()) << i;
         EXPECT_EQ(EdgesOf(piece, solids[i]), OwnEdgesOf(solids[i])) << i;
-        // What the surface can have moved is its area by the deflection.
+        // The volume changes by at most the area times the deflection.
         const double area = ExactAreaOf(solids[i]);
         EXPECT_NEAR(VolumeOf(piece), std::abs(ExactVolumeOf(solids[i])), area * deflection) << i;
         EXPECT_NEAR(AreaOf(piece), area, 0.01 * area) << i;

@@ -23,7 +23,7 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The palette's first hues, by the field's own numbers.
+// The palette's first hues.
 constexpr unsigned char kRed = 1;
 constexpr unsigned char kYellow = 2;
 constexpr unsigned char kGreen = 3;
@@ -266,7 +266,7 @@ TEST_F(BrepStructure, BodiesOfOnePartKeepTheirNamesAndColours)
     EXPECT_EQ(model.pieces[0].name, "small");
     EXPECT_EQ(model.pieces[1].name, "large");
     EXPECT_THAT(model.pieces[1].parents, ElementsAre("pair"));
-    // One part: the colours are what tells the bodies apart.
+    // One part: the bodies differ by their colours.
     EXPECT_EQ(model.CategoryCount(), 2);
     EXPECT_THAT(model.category_names, ElementsAre("colour 1", "colour 5"));
 }

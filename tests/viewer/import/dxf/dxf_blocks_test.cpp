@@ -68,7 +68,7 @@ TEST_F(DxfBlocks, UnequalScalesMakeAnEllipseOfACircle)
         LinesOf("0 INSERT 2 ring 10 1 20 1 41 3 42 2", "0 BLOCK 2 ring 0 CIRCLE 40 1 0 ENDBLK");
     for (const Segment& line : lines)
         EXPECT_NEAR(std::pow((line.to.x - 1) / 3, 2) + std::pow((line.to.y - 1) / 2, 2), 1, 1e-9);
-    // The tolerance counts where the circle ends up: as for the larger radius, 39 chords.
+    // The tolerance applies to the placed circle, which has the larger radius: 39 chords.
     EXPECT_EQ(lines.size(), 39U);
 }
 
@@ -115,7 +115,7 @@ TEST_F(DxfBlocks, ArrayOfNoneIsOne)
 
 TEST_F(DxfBlocks, ExtrusionOfAnInsertTurnsWhatItHolds)
 {
-    // Downwards: x is mirrored, for the point as for the block.
+    // The extrusion points down: x is mirrored, for the insertion point and for the block.
     ExpectArc(LinesOf("0 INSERT 2 quarter 10 10 20 1 30 2 210 0 220 0 230 -1", kQuarter), {-10, 1, -2}, 1,
               {-11, 1, -2}, {-10, 2, -2});
 }
@@ -214,7 +214,7 @@ TEST_F(DxfBlocks, NamelessBlocksAndInsertsAreRefused)
               "line 5: BLOCK without the name of a block");
 }
 
-/// Blocks b1, b2, ... of which each inserts the one before it `times` times; b0 holds a line.
+/// Blocks b1, b2, ... Each inserts the previous one `times` times; b0 has a line.
 std::string Tower(int height, int times)
 {
     std::string blocks = "0 BLOCK 2 b0 0 LINE 11 1 0 ENDBLK";

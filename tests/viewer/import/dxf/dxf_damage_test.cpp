@@ -17,7 +17,7 @@ using testing::StartsWith;
 
 using DxfDamage = DxfTest;
 
-/// A drawing with something of everything.
+/// A drawing with entities of all kinds.
 std::string WholeDrawing()
 {
     return Drawing(

@@ -137,7 +137,7 @@ TEST_F(DxfFaces, FaceWithoutAreaShowsNothing)
     EXPECT_THAT(ErrorOf(Drawing("0 3DFACE")), HasSubstr("shows nothing"));
 }
 
-/// A tetrahedron as a polyface mesh, its faces turned inwards or not at all alike, the first with a hidden
+/// A tetrahedron as a polyface mesh. Its faces are oriented inwards or differently; the first has a hidden
 /// edge.
 std::string Tetrahedron(const std::string& faces)
 {

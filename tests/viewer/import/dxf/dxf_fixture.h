@@ -1,4 +1,4 @@
-// What tests of drawings share: DXF files from one line of words, and what comes of reading them.
+// Shared by tests of drawings: DXF files from a line of words, and the models read from them.
 #pragma once
 
 #include "tests/viewer/viewer_fixture.h"
@@ -12,14 +12,14 @@
 namespace viewer
 {
 
-/// Words, each on a line of its own, as codes and values stand in a DXF file.
+/// The words, one on each line, as codes and values are in a DXF file.
 inline std::string Lines(std::string words)
 {
     std::replace(words.begin(), words.end(), ' ', '\n');
     return words.empty() ? words : words + '\n';
 }
 
-/// A drawing of these entities; `blocks` and `layers` are the contents of their sections. Words without
+/// A drawing with these entities. `blocks` and `layers` are the contents of their sections. Words have no
 /// blanks.
 inline std::string Drawing(const std::string& entities, const std::string& blocks = {},
                            const std::string& layers = {})
@@ -46,7 +46,7 @@ class DxfTest : public ViewerTest
     {
         return ImportText(Drawing(entities, blocks, layers));
     }
-    /// The text of the error that reading gives, without the file's name.
+    /// The error's text when the drawing is read, without the file's name.
     [[nodiscard]] std::string ErrorOf(const std::string& text) const
     {
         try {
@@ -87,7 +87,7 @@ class DxfTest : public ViewerTest
         ExpectNear(line.from, from);
         ExpectNear(line.to, to);
     }
-    /// One chain from `from` to `to` of corners at this distance from a point.
+    /// Expects one chain of segments from `from` to `to`, with corners at this distance from a point.
     static void ExpectArc(const std::vector<Segment>& lines, const Point& center, double radius,
                           const Point& from, const Point& to)
     {

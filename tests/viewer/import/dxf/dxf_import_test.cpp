@@ -159,7 +159,7 @@ TEST_F(DxfImport, EllipseIsGivenByItsMajorAxisAndARatio)
 
 TEST_F(DxfImport, EllipticArcRunsBetweenItsParameters)
 {
-    // From the end of the major axis a quarter on: the end of the minor one, along z cross the major axis.
+    // A quarter turn from the end of the major axis: the end of the minor axis, along z cross the major axis.
     const auto lines = LinesOf("0 ELLIPSE 10 0 20 0 11 4 21 0 40 0.5 41 0 42 1.5707963267948966");
     ExpectLine({lines.front().from, lines.back().to}, {4, 0, 0}, {0, 2, 0});
 }
@@ -191,8 +191,8 @@ TEST_F(DxfImport, SplineWithoutKnotsHasEvenOnes)
 
 TEST_F(DxfImport, SplineOfFitPointsRunsThroughThem)
 {
-    // Its first control points are (1/3, 1/2) and (2/3, 1): in the middle of the first span it stands at
-    // x = 1/2 and y = (3 x 1/2 + 3 x 1 + 1) / 8.
+    // Its first control points are (1/3, 1/2) and (2/3, 1): in the middle of the first span it is at x = 1/2
+    // and y = (3 x 1/2 + 3 x 1 + 1) / 8.
     const auto lines = LinesOf("0 SPLINE 70 8 71 3 74 3 11 0 21 0 31 0 11 1 21 1 31 0 11 2 21 0 31 0");
     ExpectLine({lines.front().from, lines.back().to}, {0, 0, 0}, {2, 0, 0});
     const auto passes = [&](const Point& point) {

@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 const fs::path kMeshes = fs::path(KARV_ASSIMP_MODELS) / "DXF";
 const fs::path kSymbols = KARV_LIBRECAD_LIBRARY;
 
-/// What stands in the section of the entities, by a reading of its own.
+/// The kinds in the section of entities, counted without the importer.
 struct Contents {
     std::size_t lines = 0;
     std::size_t others = 0;

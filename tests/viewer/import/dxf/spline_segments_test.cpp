@@ -47,7 +47,7 @@ TEST(SplineSegments, DegreeOneIsItsPolygon)
 
 TEST(SplineSegments, CornersLieOnTheCubicAtEvenParts)
 {
-    // A tolerance that is not met before the halves of the halves: the arch is 0.75 high.
+    // The arch is 0.75 high, so that this tolerance takes several halvings.
     const std::vector<Segment> segments = Cut(kArch, 1e-4);
     ExpectNear(segments[segments.size() / 2].from, {0.5, 0.75, 0});
     for (const Segment& segment : segments) {
@@ -56,7 +56,7 @@ TEST(SplineSegments, CornersLieOnTheCubicAtEvenParts)
         double high = 1.0;
         for (int i = 0; i < 60; ++i)
             (ArchAt((low + high) / 2).x < segment.to.x ? low : high) = (low + high) / 2;
-        ExpectNear(segment.to, ArchAt(low), 1e-7); // x stands still at both ends
+        ExpectNear(segment.to, ArchAt(low), 1e-7); // the derivative of x is 0 at both ends
     }
 }
 

@@ -18,7 +18,7 @@ using testing::HasSubstr;
 class MeshImport : public ViewerTest
 {
   protected:
-    /// The text of the error that reading the file gives.
+    /// The error's text when the file is read.
     static std::string ErrorOf(const std::string& path)
     {
         try {
@@ -124,7 +124,7 @@ TEST_F(MeshImport, GltfWithAnEmbeddedBuffer)
     const Model model = ImportMesh(
         Write("t.gltf", Gltf(R"("pbrMetallicRoughness":{"baseColorFactor":[0,1,0,0.25]},"alphaMode":"BLEND")",
                              R"([{"mesh":0}])")));
-    // Its axis y points up: (0,1,0) stands above the origin.
+    // The file's y axis is up: (0,1,0) is above the origin.
     ASSERT_EQ(model.FaceCount(), 1U);
     const ModelFace& face = model.pieces[0].faces[0];
     EXPECT_THAT(face.corners, ElementsAre(Point{0, 0, 1}, Point{1, 0, 0}, Point{0, 0, 0}));
@@ -175,7 +175,7 @@ TEST_F(MeshImport, NamesOfMaterialsMeshesAndNodesAreKept)
                                             R"({"name":"wheel","children":[2]},{"name":"rim","mesh":0}])")));
     ASSERT_EQ(model.pieces.size(), 1U);
     EXPECT_THAT(model.category_names, ElementsAre("steel"));
-    // The mesh has no name, so that the importer makes one up; the node's name stands above it.
+    // The mesh has no name, so that the library generates one; the node's name is the parent.
     EXPECT_THAT(model.pieces[0].parents, ElementsAre("wheel", "rim"));
 }
 
@@ -278,8 +278,7 @@ TEST_F(MeshImport, FaceThatRefersToAMissingVertexIsRefused)
 TEST_F(MeshImport, CoordinatesThatAreNotFiniteAreRefused)
 {
     std::string facet = BinaryFacet();
-    // The first coordinate of the first corner becomes the float 0x7F800000, infinity, then 0x7FC00000, not a
-    // number.
+    // The first coordinate of the first corner becomes the float 0x7F800000, infinity, then 0x7FC00000, NaN.
     for (const char third_byte : {'\x80', '\xC0'}) {
         facet[14] = third_byte;
         facet[15] = '\x7F';
