@@ -11,22 +11,21 @@
 class PartWindow : public CWnd
 {
   public:
-    void ShowPart(const std::vector<KARVGLFace>& faces, AcGePoint3d min_corner, AcGePoint3d max_corner);
+    /// `min` and `max` are the corners of the part's box with a margin around it.
+    void ShowPart(const std::vector<KARVGLFace>& faces, AcGePoint3d min, AcGePoint3d max);
     [[nodiscard]] HWND Viewport() const { return viewport_.m_hWnd; }
 
   private:
     KARVOpenGLControl viewport_;
 };
 
-/// The corners are those of the part's box, with a margin around it.
-void PartWindow::ShowPart(const std::vector<KARVGLFace>& faces, AcGePoint3d min_corner,
-                          AcGePoint3d max_corner)
+void PartWindow::ShowPart(const std::vector<KARVGLFace>& faces, AcGePoint3d min, AcGePoint3d max)
 {
     constexpr unsigned short kCyan = 4;
     viewport_.CreateCtrl(CRect(0, 0, 640, 480), this, false);
     viewport_.ComputeExtents(false);
     viewport_.AppendGeometry(faces, KARVGraphicalEntity::EntityType0, kCyan, 1.0F);
-    viewport_.OverrideExtents(min_corner, max_corner);
+    viewport_.OverrideExtents(min, max);
     viewport_.CameraViewSE();
     viewport_.OnDraw(nullptr);
 }
@@ -51,13 +50,12 @@ std::vector<KARVGLFace> MakeCube(double edge)
     }};
     std::vector<KARVGLFace> faces;
     for (const Side& side : sides) {
-        KARVGLFace face;
+        KARVGLFace& face = faces.emplace_back();
         face.normal = side.normal;
         for (const int corner : side.corners) {
             const auto bit = [&](int axis) { return ((corner >> axis) & 1) != 0 ? edge : 0.0; };
             face.vertices.emplace_back(bit(0), bit(1), bit(2));
         }
-        faces.push_back(face);
     }
     return faces;
 }
@@ -68,14 +66,12 @@ bool ShowFrames(HWND viewport, unsigned long frames)
 {
     MSG message{};
     unsigned long drawn = 0;
-    while (drawn < frames) {
-        if (GetMessageW(&message, nullptr, 0, 0) <= 0)
-            return false;
+    while (drawn < frames && GetMessageW(&message, nullptr, 0, 0) > 0) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
         drawn += message.hwnd == viewport && message.message == WM_TIMER ? 1 : 0;
     }
-    return true;
+    return drawn == frames;
 }
 
 } // namespace
