@@ -429,14 +429,25 @@ TEST(CameraTilt, ToleranceOfStraightAboveIsThatOfTheProcess)
     EXPECT_TRUE(IsAt(camera.position, 0.5, -10.0 * Sin(30), 10.0 * Cos(30)));
 }
 
-TEST(CameraTilt, EyeOnTheTargetTurnsNothing)
+TEST(CameraTilt, EyeOnTheTargetTurnsTheFrameAboutWorldX)
 {
     KARVGLCamera camera;
     camera.RotateCamera(30.0F, X);
     EXPECT_TRUE(IsAt(camera.position, 0, 0, 0, 0));
-    EXPECT_TRUE(IsAt(camera.xAxis, 1, 0, 0, 0));
-    EXPECT_TRUE(IsAt(camera.yAxis, 0, 1, 0, 0));
-    EXPECT_TRUE(IsAt(camera.zAxis, 0, 0, 1, 0));
+    EXPECT_TRUE(IsAt(camera.xAxis, 1, 0, 0));
+    EXPECT_TRUE(IsAt(camera.yAxis, 0, Cos(30), -Sin(30)));
+    EXPECT_TRUE(IsAt(camera.zAxis, 0, Sin(30), Cos(30)));
+}
+
+TEST(CameraTilt, EyeOnTheTargetCountsAsStraightUpInTheLimit)
+{
+    // The angle between a zero vector and the vertical is 0, so each step by itself must lie in [1, 179]
+    // degrees.
+    EXPECT_FALSE(Tilts(KARVGLCamera(), 0.5F));
+    EXPECT_FALSE(Tilts(KARVGLCamera(), -30.0F));
+    EXPECT_FALSE(Tilts(KARVGLCamera(), 179.5F));
+    EXPECT_TRUE(Tilts(KARVGLCamera(), -90.0F));
+    EXPECT_TRUE(Tilts(KARVGLCamera(), 178.0F));
 }
 
 TEST(CameraTilt, NaNAndInfiniteAnglesAreRefused)

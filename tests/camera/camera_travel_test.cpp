@@ -146,13 +146,13 @@ TEST(CameraPan, CloserThanTheToleranceUpIsNotNormalized)
     EXPECT_NEAR(camera.target.z, 4.0 * 1e-12, 1e-24);
 }
 
-TEST(CameraPan, EyeOnTheTargetMovesNothing)
+TEST(CameraPan, EyeOnTheTargetMovesAlongWorldXAlone)
 {
     KARVGLCamera camera;
     camera.PanCamera(3.0F, X);
-    camera.PanCamera(3.0F, Z);
-    EXPECT_TRUE(IsAt(camera.position, 0, 0, 0, 0));
-    EXPECT_TRUE(IsAt(camera.target, 0, 0, 0, 0));
+    camera.PanCamera(4.0F, Z);
+    EXPECT_TRUE(IsAt(camera.position, 3, 0, 0, 0));
+    EXPECT_TRUE(IsAt(camera.target, 3, 0, 0, 0));
 }
 
 TEST(CameraPan, NaNSpoilsThePlaceAndNotTheFrame)

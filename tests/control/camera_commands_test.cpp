@@ -211,6 +211,91 @@ TEST_F(ControlCamera, ViewsWorkBeforeThereIsAWindow)
     EXPECT_THAT(trace.Faults(), IsEmpty());
 }
 
+/// A control without a scene: its size is 0, so every standard view puts the eye on the target.
+class EmptyControlCamera : public ControlTest
+{
+  protected:
+    EmptyControlCamera() : control_(NewControl()) {}
+
+    void TearDown() override
+    {
+        control_.reset();
+        ControlTest::TearDown();
+    }
+
+    void ExpectAxes(const AcGeVector3d& right, const AcGeVector3d& forward, const AcGeVector3d& up)
+    {
+        AcGeVector3d x;
+        AcGeVector3d y;
+        AcGeVector3d z;
+        control_->GetCameraAxes(x, y, z);
+        EXPECT_LE((x - right).length(), kRounding) << "right";
+        EXPECT_LE((y - forward).length(), kRounding) << "forward";
+        EXPECT_LE((z - up).length(), kRounding) << "up";
+    }
+
+    void ExpectEyeAndTargetAt(const AcGePoint3d& place)
+    {
+        EXPECT_EQ(control_->camera.position.distanceTo(place), 0.0);
+        EXPECT_EQ(control_->camera.target.distanceTo(place), 0.0);
+    }
+
+    void TiltBy(float degrees)
+    {
+        control_->pendingRotateX = degrees;
+        control_->OnDraw(nullptr);
+    }
+
+    std::unique_ptr<KARVOpenGLControl> control_;
+};
+
+TEST_F(EmptyControlCamera, TheTopViewLooksDownWithNorthUp)
+{
+    control_->CameraViewTop();
+    ExpectEyeAndTargetAt({0.0, 0.0, 0.0});
+    ExpectAxes({1.0, 0.0, 0.0}, {0.0, 0.0, -1.0}, {0.0, 1.0, 0.0});
+}
+
+TEST_F(EmptyControlCamera, TheBottomViewLooksUp)
+{
+    control_->CameraViewBottom();
+    ExpectEyeAndTargetAt({0.0, 0.0, 0.0});
+    ExpectAxes({1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {0.0, -1.0, 0.0});
+}
+
+TEST_F(EmptyControlCamera, PanningGoesAlongWorldXAlone)
+{
+    control_->CameraViewTop();
+    control_->pendingPanX = -2.0F; // the control inverts the sign: to the right
+    control_->pendingPanZ = 5.0F;
+    control_->OnDraw(nullptr);
+    ExpectEyeAndTargetAt({2.0, 0.0, 0.0});
+}
+
+/// Each step is measured from the vertical anew, because the eye does not leave the target.
+TEST_F(EmptyControlCamera, TiltingTurnsTheAxesPastEveryLimit)
+{
+    control_->CameraViewFront();
+    for (int step = 0; step < 5; ++step)
+        TiltBy(60.0F);
+    // 300 degrees about -X are 60 about +X.
+    const double cosine = 0.5;
+    const double sine = std::sqrt(0.75);
+    ExpectEyeAndTargetAt({0.0, 0.0, 0.0});
+    ExpectAxes({1.0, 0.0, 0.0}, {0.0, cosine, sine}, {0.0, -sine, cosine});
+}
+
+TEST_F(EmptyControlCamera, TheNextStandardViewBringsTheAxesBack)
+{
+    TiltBy(60.0F);
+    TiltBy(60.0F);
+    control_->CameraViewFront();
+    ExpectAxes({1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0});
+    TiltBy(60.0F);
+    control_->CameraViewTop();
+    ExpectAxes({1.0, 0.0, 0.0}, {0.0, 0.0, -1.0}, {0.0, 1.0, 0.0});
+}
+
 TEST_F(ControlCamera, SetCameraKeepsTheThreeValuesAndZoomsIn)
 {
     const GlRecording gl;

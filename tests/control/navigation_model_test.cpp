@@ -84,7 +84,8 @@ struct Model {
     {
         const Vec view = Sum(target, eye, -1.0);
         const Vec across{view[1], -view[0], 0.0};
-        const bool is_vertical = Length(view) > 0.0 && Length(across) <= 1e-10 * Length(view);
+        // A line of sight of no length counts as vertical.
+        const bool is_vertical = Length(view) <= 1e-10 || Length(across) <= 1e-10 * Length(view);
         return is_vertical ? Vec{1.0, 0.0, 0.0} : across;
     }
 

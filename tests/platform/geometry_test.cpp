@@ -267,16 +267,34 @@ TEST(Geometry, DirectionsAgreeUpToTheTolerance)
     EXPECT_FALSE(AcGeVector3d(5.0, 5.0 * 1.01e-10, 0.0).isCodirectionalTo(AcGeVector3d::kXAxis));
 }
 
-TEST(Geometry, ZeroVectorIsParallelToNothing)
+TEST(Geometry, VectorNoLongerThanTheToleranceIsParallelToEveryVector)
 {
     const AcGeVector3d zero;
     const AcGeVector3d short_one(1e-10, 0.0, 0.0);
-    EXPECT_FALSE(zero.isParallelTo(zero));
-    EXPECT_FALSE(zero.isParallelTo(AcGeVector3d::kXAxis));
-    EXPECT_FALSE(AcGeVector3d::kXAxis.isParallelTo(short_one));
+    EXPECT_TRUE(zero.isParallelTo(zero));
+    EXPECT_TRUE(zero.isParallelTo(AcGeVector3d::kXAxis));
+    EXPECT_TRUE(AcGeVector3d::kZAxis.isParallelTo(zero));
+    EXPECT_TRUE(short_one.isParallelTo(AcGeVector3d::kZAxis));
+    EXPECT_TRUE(AcGeVector3d::kZAxis.isParallelTo(short_one));
+    EXPECT_FALSE(AcGeVector3d::kZAxis.isParallelTo({1.0001e-10, 0.0, 0.0}));
+    EXPECT_TRUE(AcGeVector3d::kXAxis.isParallelTo({1.0001e-10, 0.0, 0.0}));
+}
+
+TEST(Geometry, LengthUpToWhichVectorsAreParallelToEveryVectorIsTheTolerances)
+{
+    AcGeTol coarse;
+    coarse.setEqualVector(0.5);
+    EXPECT_TRUE(AcGeVector3d::kZAxis.isParallelTo({0.5, 0.0, 0.0}, coarse));
+    EXPECT_FALSE(AcGeVector3d::kZAxis.isParallelTo({0.51, 0.0, 0.0}, coarse));
+}
+
+TEST(Geometry, ZeroVectorIsCodirectionalWithNothing)
+{
+    const AcGeVector3d zero;
+    const AcGeVector3d short_one(1e-10, 0.0, 0.0);
     EXPECT_FALSE(zero.isCodirectionalTo(zero));
+    EXPECT_FALSE(zero.isCodirectionalTo(AcGeVector3d::kXAxis));
     EXPECT_FALSE(AcGeVector3d::kXAxis.isCodirectionalTo(short_one));
-    EXPECT_TRUE(AcGeVector3d::kXAxis.isParallelTo(AcGeVector3d(1.0001e-10, 0.0, 0.0)));
 }
 
 // Angles.
@@ -302,7 +320,7 @@ TEST(Geometry, AngleAtTheEndsIsExact)
     EXPECT_EQ(vector.angleTo(vector * -4.0), kPi);
 }
 
-// A slope s makes the angle atan(s) = s - s^3 / 3; an arc cosine would lose a slope of 1e-9 altogether.
+// A slope s makes the angle atan(s) = s - s^3 / 3; an arc cosine would lose a slope of 1e-9.
 TEST(Geometry, AngleNearZeroAndNearPiIsAccurate)
 {
     for (const double slope : {1e-5, 1e-7, 1e-9}) {

@@ -22,7 +22,7 @@ void SetTranslation(AcGeMatrix3d& matrix, const AcGeVector3d& offset) noexcept
     matrix.entry[2][3] = offset.z;
 }
 
-/// Chooses the translation so that the matrix, whose linear part stands, carries `from` to `to`.
+/// Sets the translation so that the matrix, whose linear part is set already, maps `from` to `to`.
 void SetFixedPoint(AcGeMatrix3d& matrix, const AcGePoint3d& from, const AcGePoint3d& to) noexcept
 {
     AcGeVector3d moved = from.asVector();
@@ -42,7 +42,7 @@ double AcGeVector3d::angleTo(const AcGeVector3d& other) const noexcept
 {
     const double sine = crossProduct(other).length();
     const double cosine = dotProduct(other);
-    // The arc tangent tells a negative zero from a positive one, and would make half a turn of it.
+    // atan2(0, -0.0) is pi: a negative zero would become half a turn.
     return sine == 0.0 && cosine == 0.0 ? 0.0 : std::atan2(sine, cosine);
 }
 
@@ -53,6 +53,8 @@ AcGeVector3d AcGeVector3d::normal(const AcGeTol& tol) const noexcept
 
 bool AcGeVector3d::isParallelTo(const AcGeVector3d& other, const AcGeTol& tol) const noexcept
 {
+    if (isZeroLength(tol) || other.isZeroLength(tol))
+        return true;
     return isCodirectionalTo(other, tol) || isCodirectionalTo(-other, tol);
 }
 
@@ -85,7 +87,7 @@ AcGeMatrix3d& AcGeMatrix3d::setToRotation(double angle, const AcGeVector3d& axis
     const AcGeVector3d unit = axis.normal();
     const double sine = std::sin(angle);
     const double cosine = std::cos(angle);
-    // Each column is the turned world axis: its part along the unit axis stays, the rest turns.
+    // Each column is a rotated world axis: its part along the unit axis stays, the rest rotates.
     const auto turned = [&](const AcGeVector3d& world_axis) {
         const AcGeVector3d along = unit * (unit.dotProduct(world_axis) * (1.0 - cosine));
         return (along + world_axis * cosine) + unit.crossProduct(world_axis) * sine;
@@ -108,19 +110,19 @@ AcGeMatrix3d& AcGeMatrix3d::setToAlignCoordSys(const AcGePoint3d& from_origin, c
                                                const AcGePoint3d& to_origin, const AcGeVector3d& to_x,
                                                const AcGeVector3d& to_y, const AcGeVector3d& to_z) noexcept
 {
-    // The cross products over the volume are the rows of the first frame's inverse: they measure a world axis
-    // in that frame, and the second frame's axes at those measures are where it goes.
+    // The cross products divided by the volume are the rows of the first frame's inverse. They give the
+    // coordinates of a world axis in that frame; the same coordinates in the second frame are its image.
     const AcGeVector3d inverse_x = from_y.crossProduct(from_z);
     const AcGeVector3d inverse_y = from_z.crossProduct(from_x);
     const AcGeVector3d inverse_z = from_x.crossProduct(from_y);
     const double volume = from_x.dotProduct(inverse_x);
-    const auto carried = [&](double along_x, double along_y, double along_z) {
+    const auto image_of = [&](double along_x, double along_y, double along_z) {
         return ((to_x * along_x + to_y * along_y) + to_z * along_z) / volume;
     };
     setToIdentity();
-    SetColumns(*this, carried(inverse_x.x, inverse_y.x, inverse_z.x),
-               carried(inverse_x.y, inverse_y.y, inverse_z.y),
-               carried(inverse_x.z, inverse_y.z, inverse_z.z));
+    SetColumns(*this, image_of(inverse_x.x, inverse_y.x, inverse_z.x),
+               image_of(inverse_x.y, inverse_y.y, inverse_z.y),
+               image_of(inverse_x.z, inverse_y.z, inverse_z.z));
     SetFixedPoint(*this, from_origin, to_origin);
     return *this;
 }

@@ -1,16 +1,17 @@
 // The host's geometry library: points, vectors, matrices and tolerances in double precision.
 //
-// Plain values: components are never checked and no operation throws; NaN and infinities flow through, and
-// a comparison with NaN in it is false. Angles are radians. Sums are taken from left to right, x first.
-// Lengths are the plain root of the sum of squares, good from about 1e-150 to 1e150. Any thread, but for the
-// tolerance of the process.
+// All types are plain values. Components are never checked and no operation throws. NaN and infinities
+// propagate, and a comparison with NaN is false. Angles are in radians. Sums are taken from left to right,
+// x first. A length is the root of the sum of squares, which is accurate from about 1e-150 to 1e150. Any
+// thread, except for AcGeContext::gTol, which must not be changed while another thread compares.
 #pragma once
 
 #include "platform/export.h"
 
 #include <cmath>
 
-/// Tolerances of comparisons, in model units for points and as a length for vectors.
+/// The tolerances of comparisons: a distance for points and a length of the difference for vectors, in
+/// model units.
 struct AcGeTol {
     double equal_point = 1e-10;
     double equal_vector = 1e-10;
@@ -21,7 +22,7 @@ struct AcGeTol {
     void setEqualVector(double value) noexcept { equal_vector = value; }
 };
 
-/// The process-wide defaults.
+/// The defaults of the process.
 struct AcGeContext {
     KARV_PLATFORM_API static AcGeTol gTol;
 };
@@ -29,7 +30,7 @@ struct AcGeContext {
 class AcGeMatrix3d;
 class AcGePoint3d;
 
-/// A direction with a length.
+/// A vector in space.
 class AcGeVector3d
 {
   public:
@@ -57,36 +58,37 @@ class AcGeVector3d
     {
         return {y * other.z - z * other.y, z * other.x - x * other.z, x * other.y - y * other.x};
     }
-    /// The angle between the two, in [0, pi], accurate near both ends; 0 where either is the zero vector.
+    /// The angle between the vectors, in [0, pi], accurate near both ends; 0 where one of them is the zero
+    /// vector.
     [[nodiscard]] KARV_PLATFORM_API double angleTo(const AcGeVector3d& other) const noexcept;
 
-    /// This vector at length 1; a vector no longer than the tolerance stays as it is.
+    /// This vector scaled to length 1. A vector no longer than the tolerance is returned unchanged.
     [[nodiscard]] KARV_PLATFORM_API AcGeVector3d
     normal(const AcGeTol& tol = AcGeContext::gTol) const noexcept;
     AcGeVector3d& normalize(const AcGeTol& tol = AcGeContext::gTol) noexcept { return *this = normal(tol); }
     AcGeVector3d& negate() noexcept { return *this = -*this; }
 
-    /// Whether the difference is no longer than the tolerance.
+    /// Whether the length of the difference is at most the tolerance.
     [[nodiscard]] bool isEqualTo(const AcGeVector3d& other,
                                  const AcGeTol& tol = AcGeContext::gTol) const noexcept
     {
         return (*this - other).isZeroLength(tol);
     }
-    /// Whether the unit vectors are equal or opposite; a vector no longer than the tolerance is parallel to
-    /// nothing.
+    /// Whether the unit vectors are equal or opposite. A vector no longer than the tolerance is parallel to
+    /// every vector, whatever that vector holds.
     [[nodiscard]] KARV_PLATFORM_API bool isParallelTo(const AcGeVector3d& other,
                                                       const AcGeTol& tol = AcGeContext::gTol) const noexcept;
-    /// Whether the unit vectors are equal; a vector no longer than the tolerance is codirectional with
-    /// nothing.
+    /// Whether the unit vectors are equal. A vector no longer than the tolerance is codirectional with no
+    /// vector.
     [[nodiscard]] KARV_PLATFORM_API bool
     isCodirectionalTo(const AcGeVector3d& other, const AcGeTol& tol = AcGeContext::gTol) const noexcept;
-    /// Whether the vector is no longer than the tolerance.
+    /// Whether the length is at most the tolerance.
     [[nodiscard]] bool isZeroLength(const AcGeTol& tol = AcGeContext::gTol) const noexcept
     {
         return length() <= tol.equalVector();
     }
 
-    /// Applies the linear part of the matrix; translations leave vectors as they are.
+    /// Applies the linear part of the matrix. Translations do not change vectors.
     KARV_PLATFORM_API AcGeVector3d& transformBy(const AcGeMatrix3d& matrix) noexcept;
 
     AcGeVector3d operator+(const AcGeVector3d& other) const noexcept
@@ -107,7 +109,7 @@ inline constexpr AcGeVector3d AcGeVector3d::kXAxis{1.0, 0.0, 0.0};
 inline constexpr AcGeVector3d AcGeVector3d::kYAxis{0.0, 1.0, 0.0};
 inline constexpr AcGeVector3d AcGeVector3d::kZAxis{0.0, 0.0, 1.0};
 
-/// A place in space.
+/// A point in space.
 class AcGePoint3d
 {
   public:
@@ -126,7 +128,7 @@ class AcGePoint3d
     {
         return (other - *this).length();
     }
-    /// Whether the two lie no further apart than the tolerance.
+    /// Whether the distance is at most the tolerance.
     [[nodiscard]] bool isEqualTo(const AcGePoint3d& other,
                                  const AcGeTol& tol = AcGeContext::gTol) const noexcept
     {
@@ -152,21 +154,22 @@ class AcGePoint3d
 
 inline constexpr AcGePoint3d AcGePoint3d::kOrigin{0.0, 0.0, 0.0};
 
-/// A 4x4 transformation for column vectors: `entry[row][column]`, the translation in column 3. Points and
-/// vectors are transformed without a perspective: the last row is not read.
+/// A 4x4 transformation of column vectors: `entry[row][column]`, with the translation in column 3.
+/// Transforming points and vectors does not read the last row: there is no perspective.
 class AcGeMatrix3d
 {
   public:
     double entry[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
 
     AcGeMatrix3d& setToIdentity() noexcept { return *this = AcGeMatrix3d(); }
-    /// A turn by `angle` radians about `axis` through `center`, by the right-hand rule. The axis need not
-    /// have unit length; about one no longer than `AcGeContext::gTol` the result is the identity.
+    /// A rotation by `angle` radians about `axis` through `center`, by the right-hand rule. The axis need
+    /// not have unit length. Where it is no longer than `AcGeContext::gTol` the result is the identity.
     KARV_PLATFORM_API AcGeMatrix3d& setToRotation(double angle, const AcGeVector3d& axis,
                                                   const AcGePoint3d& center = AcGePoint3d::kOrigin) noexcept;
     KARV_PLATFORM_API AcGeMatrix3d& setToTranslation(const AcGeVector3d& offset) noexcept;
-    /// The transformation that carries the first frame (origin and axes) to the second. Axes need be neither
-    /// unit nor perpendicular; the entries are not finite where those of the first frame lie in one plane.
+    /// The transformation that maps the first frame (origin and axes) to the second. The axes need be
+    /// neither of unit length nor perpendicular. Where the axes of the first frame lie in one plane the
+    /// entries are not finite.
     KARV_PLATFORM_API AcGeMatrix3d&
     setToAlignCoordSys(const AcGePoint3d& from_origin, const AcGeVector3d& from_x, const AcGeVector3d& from_y,
                        const AcGeVector3d& from_z, const AcGePoint3d& to_origin, const AcGeVector3d& to_x,
@@ -181,6 +184,6 @@ class AcGeMatrix3d
                                                  to_z);
     }
 
-    /// The transformation by `other` first, then by this one.
+    /// The transformation that applies `other` first, then this one.
     [[nodiscard]] KARV_PLATFORM_API AcGeMatrix3d operator*(const AcGeMatrix3d& other) const noexcept;
 };
