@@ -9,7 +9,7 @@ namespace
 using Palette = std::array<Adesk::UInt32, 256>;
 
 constexpr int kFirstHueIndex = 10;
-constexpr int kFirstGreyIndex = 250;
+constexpr int kFirstGrayIndex = 250;
 constexpr int kShadesPerHue = 10;
 constexpr int kStepsPerSixth = 4; // 60 degrees in steps of 15
 constexpr std::array<int, 5> kValues{255, 165, 127, 76, 38};
@@ -20,8 +20,9 @@ constexpr Adesk::UInt32 Pack(int red, int green, int blue)
            static_cast<Adesk::UInt32>(blue);
 }
 
-/// A hue in steps of 15 degrees from red over green to blue, with its strongest and its weakest channel. The
-/// third channel lies between them in proportion to the angle, rounded down.
+/// The colour of a hue, in steps of 15 degrees from red over green to blue. `high` and `low` are its
+/// strongest and its weakest channel. The third channel lies between them in proportion to the angle,
+/// rounded down.
 constexpr Adesk::UInt32 PackHue(int hue, int high, int low)
 {
     const int step = hue % kStepsPerSixth;
@@ -43,7 +44,8 @@ constexpr Adesk::UInt32 PackHue(int hue, int high, int low)
     }
 }
 
-/// Even shades are saturated, odd ones half so: their weakest channel is half the value, rounded down.
+/// The colour of a shade of a hue. Even shades are fully saturated. Odd ones are half saturated: their
+/// weakest channel is half the value, rounded down.
 constexpr Adesk::UInt32 PackShade(int hue, int shade)
 {
     const int value = kValues[static_cast<std::size_t>(shade / 2)];
@@ -55,13 +57,13 @@ constexpr Palette MakePalette()
     Palette palette{Pack(255, 255, 255), Pack(255, 0, 0),    Pack(255, 255, 0), Pack(0, 255, 0),
                     Pack(0, 255, 255),   Pack(0, 0, 255),    Pack(255, 0, 255), Pack(255, 255, 255),
                     Pack(128, 128, 128), Pack(192, 192, 192)};
-    for (int index = kFirstHueIndex; index < kFirstGreyIndex; ++index) {
+    for (int index = kFirstHueIndex; index < kFirstGrayIndex; ++index) {
         const int place = index - kFirstHueIndex;
         palette[static_cast<std::size_t>(index)] = PackShade(place / kShadesPerHue, place % kShadesPerHue);
     }
-    std::size_t index = kFirstGreyIndex;
-    for (const int grey : {51, 91, 132, 173, 214, 255})
-        palette[index++] = Pack(grey, grey, grey);
+    std::size_t index = kFirstGrayIndex;
+    for (const int gray : {51, 91, 132, 173, 214, 255})
+        palette[index++] = Pack(gray, gray, gray);
     return palette;
 }
 
@@ -99,7 +101,7 @@ bool AcCmColor::setColorIndex(Adesk::UInt16 index) noexcept
     return true;
 }
 
-// By layer, 256, is cut to 0 and so takes the foreground as by block does.
+// 256, by layer, is masked to 0, by block: both are the foreground.
 
 Adesk::UInt8 AcCmColor::red() const noexcept
 {

@@ -1,19 +1,19 @@
-// The host's colours: the standard 255-colour index of the CAD field, by two routes.
+// The host's colours: the standard 255-colour index of the CAD field, through two classes. Any thread.
 #pragma once
 
 #include "platform/host/db/entities.h"
 
-/// The index of an entity that takes the colour of its layer.
+/// The index of an entity that has the colour of its layer.
 inline constexpr Adesk::UInt16 kByLayerIndex = 256;
 
-/// The palette by 8-bit index: 1 to 9 are red, yellow, green, cyan, blue, magenta, white and two greys; 10 to
-/// 249 are 24 hues, each in five values, full and half saturation alternating; 250 to 255 are greys from dark
-/// to white.
+/// The palette by 8-bit index. 1 to 9 are red, yellow, green, cyan, blue, magenta, white and two greys. 10
+/// to 249 are 24 hues, each with five values, full and half saturation alternating. 250 to 255 are greys
+/// from dark to white.
 class KARV_PLATFORM_API AcCmEntityColor
 {
   public:
-    /// The colour of an index: red in bits 16 to 23, green in 8 to 15, blue in 0 to 7, the rest 0.
-    /// Index 0 takes the foreground, white.
+    /// The colour of an index: red in bits 16 to 23, green in 8 to 15, blue in 0 to 7, the rest 0. Index 0
+    /// is the foreground, white.
     [[nodiscard]] static Adesk::UInt32 lookUpRGB(Adesk::UInt8 index) noexcept;
 };
 
@@ -21,14 +21,14 @@ class KARV_PLATFORM_API AcCmEntityColor
 class KARV_PLATFORM_API AcCmColor
 {
   public:
-    /// White, index 7.
+    /// Index 7, white.
     AcCmColor() = default;
     virtual ~AcCmColor();
     AcCmColor(const AcCmColor&) = default;
     AcCmColor& operator=(const AcCmColor&) = default;
 
-    /// Indices 1 to 255 are colours of the palette; 0 (by block) and 256 (by layer) take the foreground,
-    /// white. Any other index is refused: the colour stays as it was and the result is false.
+    /// Sets the index. 1 to 255 are colours of the palette; 0 (by block) and 256 (by layer) are the
+    /// foreground, white. Returns false, and changes nothing, for any other index.
     bool setColorIndex(Adesk::UInt16 index) noexcept;
     [[nodiscard]] Adesk::UInt16 colorIndex() const noexcept { return index_; }
     [[nodiscard]] Adesk::UInt8 red() const noexcept;
@@ -39,7 +39,7 @@ class KARV_PLATFORM_API AcCmColor
     Adesk::UInt16 index_ = 7;
 };
 
-/// The palette index whose colour lies nearest to the given one, by squared distance over the three channels;
-/// of several the lowest. Never 0, which is no colour of its own.
+/// The palette index whose colour is nearest to the given one, by squared distance over the three channels;
+/// the lowest of several. Never 0, which has no colour of its own.
 [[nodiscard]] KARV_PLATFORM_API Adesk::UInt8 NearestColorIndex(Adesk::UInt8 red, Adesk::UInt8 green,
                                                                Adesk::UInt8 blue) noexcept;

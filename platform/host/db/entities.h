@@ -1,4 +1,5 @@
-// The host's database entities, as far as a viewer reads them: a colour index, and the ends of a line.
+// The host's database entities, with the data that a viewer reads: the colour index, and the ends of a
+// line. Lengths are in model units. Any thread, one at a time for each object.
 #pragma once
 
 #include "platform/host/ge/geometry.h"
@@ -13,14 +14,14 @@ using UInt16 = std::uint16_t;
 using UInt32 = std::uint32_t;
 } // namespace Adesk
 
-/// Anything that can be drawn from the database.
+/// A drawable object of the database.
 class KARV_PLATFORM_API AcDbEntity : public AcRxObject
 {
   public:
     [[nodiscard]] static AcRxClass* desc();
     [[nodiscard]] AcRxClass* isA() const override;
 
-    /// The entity's colour index; 256 means "by layer". A new entity has 256.
+    /// The entity's colour index (platform/host/cm/color.h). A new entity has 256, by layer.
     [[nodiscard]] Adesk::UInt16 colorIndex() const noexcept { return color_index_; }
     void setColorIndex(Adesk::UInt16 index) noexcept { color_index_ = index; }
 
@@ -28,7 +29,7 @@ class KARV_PLATFORM_API AcDbEntity : public AcRxObject
     Adesk::UInt16 color_index_ = 256;
 };
 
-/// An entity with a start and an end.
+/// The base of curves.
 class KARV_PLATFORM_API AcDbCurve : public AcDbEntity
 {
   public:

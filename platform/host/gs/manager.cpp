@@ -12,7 +12,7 @@ class DisplayDevice final : public AcGsDevice
     AcGsColor background = kDefaultHostBackground;
 };
 
-/// The host's manager, which knows that one drawing area.
+/// The host's manager, with its only drawing area.
 class HostManager final : public AcGsManager
 {
   public:

@@ -1,5 +1,5 @@
-// The host's graphics-system manager, as far as it tells the background colour of the host's own
-// drawing area.
+// The host's graphics-system manager. Only the background colour of the host's own drawing area is offered.
+// For the host's user-interface thread.
 #pragma once
 
 #include "platform/export.h"
@@ -8,7 +8,7 @@
 
 class CWnd;
 
-/// A colour in bytes.
+/// A colour, 0 to 255 for each channel.
 struct AcGsColor {
     std::uint8_t red = 0;
     std::uint8_t green = 0;
@@ -25,7 +25,7 @@ class KARV_PLATFORM_API AcGsDevice
     AcGsDevice(const AcGsDevice&) = delete;
     AcGsDevice& operator=(const AcGsDevice&) = delete;
     virtual ~AcGsDevice();
-    /// The surface's background.
+    /// The colour of the surface's background.
     [[nodiscard]] virtual AcGsColor backgroundColor() const = 0;
 };
 
@@ -37,16 +37,16 @@ class KARV_PLATFORM_API AcGsManager
     AcGsManager(const AcGsManager&) = delete;
     AcGsManager& operator=(const AcGsManager&) = delete;
     virtual ~AcGsManager();
-    /// The host's own drawing area; owned by the manager.
+    /// The host's own drawing area. Owned by the manager, never null.
     [[nodiscard]] virtual AcGsDevice* displayDevice() = 0;
 };
 
-/// The process's manager; `view` is accepted for a view of the caller's own and may be null. Never null.
+/// The process's manager, never null. `view` may be null and is not used: the process has one manager.
 [[nodiscard]] KARV_PLATFORM_API AcGsManager* acgsGetGsManager(CWnd* view = nullptr);
 
-/// Sets the background colour that the host's drawing area reports from now on. A new process reports
-/// kDefaultHostBackground.
+/// Sets the background colour that the host's drawing area reports from now on. Before the first call it
+/// reports kDefaultHostBackground.
 KARV_PLATFORM_API void SetHostBackgroundColor(AcGsColor color) noexcept;
 
-/// The background of a fresh host: a dark neutral grey.
+/// The background of a host that has not set one: a dark neutral grey.
 inline constexpr AcGsColor kDefaultHostBackground{58, 62, 68};

@@ -1,5 +1,5 @@
-// Compiled into every module rather than into the host's libraries, so that a module tells the release that
-// it was built for and not the one that it runs in.
+// Compiled into every module and not into the host's libraries, so that a module reports the release that
+// it was built for and not the release that it runs in.
 #include "platform/export.h"
 #include "platform/host/rx/entry_points.h"
 

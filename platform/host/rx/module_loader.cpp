@@ -23,14 +23,14 @@ struct ModuleLoader::Module {
 namespace
 {
 
-/// A handle that no module had before.
+/// A handle that was never used before.
 void* NewApplication()
 {
     static std::uintptr_t last = 0;
     return reinterpret_cast<void*>(++last);
 }
 
-/// The error of a file, on one line whatever its name is or its reason holds.
+/// The error of a file. Line breaks in the file's name and in the reason become spaces.
 std::runtime_error FileError(const std::filesystem::path& file, const std::string& reason)
 {
     const std::u8string name = file.u8string();
@@ -45,8 +45,8 @@ std::string ReleaseText(int version)
     return std::to_string(version >> 16) + "." + std::to_string(version & 0xFFFF);
 }
 
-/// Runs a function of a module and returns why it failed, empty where it did not. An exception of the
-/// module's has ended by then: the module may be unloaded, and with it the code of its type.
+/// Runs a function of a module and returns why it failed, empty where it did not. Exceptions are caught and
+/// destroyed here, because the code of their type goes when the module is unloaded.
 template <typename Function>
 std::string ReasonOfFailure(const Function& function)
 {
@@ -59,7 +59,8 @@ std::string ReasonOfFailure(const Function& function)
     }
 }
 
-/// Throws std::runtime_error with the reason where the library is no module for this release of the host.
+/// The entry point of a module. Throws std::runtime_error with the reason where the library is not a module
+/// for this release of the host.
 EntryPoint CheckedEntryPoint(const SharedLibrary& library)
 {
     const auto entry_point = library.Find<EntryPoint>(kEntryPointName);
@@ -91,7 +92,7 @@ std::string Send(EntryPoint entry_point, void* application, Message message)
     });
 }
 
-/// Sets a flag for the time of a scope.
+/// Sets a flag for the duration of a scope.
 class FlagInScope
 {
   public:
@@ -213,9 +214,14 @@ ModuleLoader::Module* ModuleLoader::Find(void* application) const
 
 ModuleLoader& ProcessModuleLoader()
 {
-    // Never destroyed: the libraries' own teardown at the end of the process takes modules down.
+    // Never destroyed: at the end of the process the libraries' own teardown unloads the modules.
     static ModuleLoader* const loader = std::make_unique<ModuleLoader>().release();
     return *loader;
+}
+
+std::filesystem::path LoadedModuleFile(const std::string& name)
+{
+    return SharedLibrary::FileOfLoaded(name);
 }
 
 } // namespace host

@@ -1,7 +1,7 @@
-// The host's side of the dynamic linker: it loads application modules by their files, gives them the host's
-// messages and keeps what they register. For hosts and tests; modules see AcRxDynamicLinker alone.
+// The host's side of the dynamic linker: it loads application modules by their files, sends them the host's
+// messages and stores what they register. For hosts and tests; modules use AcRxDynamicLinker only.
 //
-// Everything here is for the host's user-interface thread.
+// For the host's user-interface thread.
 #pragma once
 
 #include "platform/host/rx/dynamic_linker.h"
@@ -15,43 +15,45 @@
 namespace host
 {
 
-/// A loaded application module, as the loader knows it.
+/// The loader's record of a loaded application module.
 struct LoadedModule {
-    void* application = nullptr;        ///< its handle, never used again for another one
+    void* application = nullptr;        ///< its handle, never used for another module
     std::filesystem::path file;         ///< absolute
-    int loads = 0;                      ///< how many calls of `Load` have not been undone
+    int loads = 0;                      ///< the calls of `Load` that no `Unload` has undone
     bool may_be_unloaded = false;       ///< it called `allowUnload`
     bool serves_many_documents = false; ///< it called `allowManyDocuments`
 };
 
-/// A dynamic linker that loads modules. Its run-time class is that of its base. Not copyable. Modules may
-/// call it from their entry points.
+/// A dynamic linker that loads modules. Its run-time class is that of its base. Modules may call it from
+/// their entry points.
 class KARV_PLATFORM_API ModuleLoader final : public AcRxDynamicLinker
 {
   public:
     ModuleLoader();
     ModuleLoader(const ModuleLoader&) = delete;
     ModuleLoader& operator=(const ModuleLoader&) = delete;
-    /// Unloads all its modules, the last one loaded first, whatever they answer or allowed.
+    /// Sends `Message::Unload` to all its modules and unloads them, the last loaded first. Their answers and
+    /// permissions are ignored.
     ~ModuleLoader() override;
 
     /// Loads a module, checks that it exports both entry points and was built for this release of the host,
-    /// and sends it `Message::Initialise`. Returns its handle. A file that this loader has loaded already, by
-    /// whatever name, is counted once more and gets no message.
+    /// and sends it `Message::Initialise`. Returns its handle. Where this loader has loaded the file
+    /// already, under this name or another, only its count grows and it gets no message.
     ///
-    /// Throws std::runtime_error with one line that names the file and the reason; then the file is unloaded,
-    /// its registrations are forgotten, and other modules stay as they are. So too where the module's entry
-    /// point throws, answers with an error, or asks for the module itself to be loaded or unloaded.
+    /// Throws std::runtime_error with one line, "FILE: reason"; then the file is unloaded, its
+    /// registrations are dropped, and other modules stay as they are. This includes an entry point that
+    /// throws, answers with an error, or asks for its own module to be loaded or unloaded.
     void* Load(const std::filesystem::path& file);
 
-    /// Undoes one `Load`. With the last one the module gets `Message::Unload` and is unloaded, unless the
-    /// process uses its file otherwise.
+    /// Undoes one `Load`. The last one sends `Message::Unload` and unloads the module, unless the process
+    /// uses its file in another way too.
     ///
-    /// Throws std::runtime_error with one line where the handle is of no loaded module; and, naming the file,
-    /// where the module has not allowed it, answers with an error or throws: then it stays loaded.
+    /// Throws std::runtime_error with one line where the handle belongs to no loaded module. Throws it with
+    /// the file's name, and leaves the module loaded, where the module has not allowed it, answers with an
+    /// error or throws.
     void Unload(void* application);
 
-    /// The loaded modules in the order of their loading.
+    /// The loaded modules in the order of loading.
     [[nodiscard]] std::vector<LoadedModule> Modules() const;
 
     bool allowUnload(void* application) override;
@@ -65,13 +67,13 @@ class KARV_PLATFORM_API ModuleLoader final : public AcRxDynamicLinker
     std::map<void*, std::unique_ptr<Module>> modules_;
 };
 
-/// The process's loader, which the system registry holds under kDynamicLinkerKey. It ends with the process,
-/// and what is loaded then gets no message.
+/// The process's loader, which the system registry holds under kDynamicLinkerKey. It is never destroyed:
+/// modules that are loaded at the end of the process get no message.
 [[nodiscard]] KARV_PLATFORM_API ModuleLoader& ProcessModuleLoader();
 
-/// The file of a library that the process has loaded or was linked to, by the library's name without what
-/// the system puts before and after it; empty where there is none. So a program that is linked to a module
-/// finds the file by which to load it as the host does.
+/// The file of a library that the process has loaded or was linked to. `name` is without the system's
+/// prefix and ending. Empty where no such library is loaded. With it, a program that is linked to a module
+/// can load the module as the host does.
 [[nodiscard]] KARV_PLATFORM_API std::filesystem::path LoadedModuleFile(const std::string& name);
 
 } // namespace host

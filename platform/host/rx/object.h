@@ -1,4 +1,4 @@
-// The host's run-time classes: which class an object is of, and whether that class derives from another.
+// The host's run-time classes: the class of an object, and whether it derives from another class. Any thread.
 #pragma once
 
 #include "platform/export.h"
@@ -9,14 +9,14 @@
 class KARV_PLATFORM_API AcRxClass
 {
   public:
-    /// `parent` is null for the root class and must outlive this description.
+    /// The name is copied. `parent` is null for the root class and must outlive this description.
     AcRxClass(const wchar_t* name, const AcRxClass* parent);
     AcRxClass(const AcRxClass&) = delete;
     AcRxClass& operator=(const AcRxClass&) = delete;
 
     [[nodiscard]] const wchar_t* name() const noexcept { return name_.c_str(); }
     [[nodiscard]] const AcRxClass* myParent() const noexcept { return parent_; }
-    /// Whether this class is `other` or derived from it; false for null.
+    /// Whether this class is `other` or derives from it; false for null.
     [[nodiscard]] bool isDerivedFrom(const AcRxClass* other) const noexcept;
 
   private:
@@ -24,7 +24,7 @@ class KARV_PLATFORM_API AcRxClass
     const AcRxClass* parent_;
 };
 
-/// The root of the host's objects.
+/// The root class of the host's objects.
 class KARV_PLATFORM_API AcRxObject
 {
   public:
@@ -33,9 +33,10 @@ class KARV_PLATFORM_API AcRxObject
     AcRxObject& operator=(const AcRxObject&) = default;
     virtual ~AcRxObject();
 
+    /// The description of this class.
     [[nodiscard]] static AcRxClass* desc();
-    /// The class of this very object.
+    /// The description of the object's own class.
     [[nodiscard]] virtual AcRxClass* isA() const;
-    /// Whether the object's class is `other` or derived from it.
+    /// Whether the object's class is `other` or derives from it; false for null.
     [[nodiscard]] bool isKindOf(const AcRxClass* other) const;
 };

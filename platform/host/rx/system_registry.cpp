@@ -31,7 +31,7 @@ AcRxObject* AcRxSystemRegistry::put(std::wstring_view name, AcRxObject* object)
 
 AcRxSystemRegistry* acrxSysRegistry()
 {
-    // Never destroyed: modules that are unloaded at the very end may still look something up.
+    // Never destroyed: modules that are unloaded at the end of the process may still look up a name.
     static AcRxSystemRegistry* const registry = [] {
         auto made = std::make_unique<AcRxSystemRegistry>();
         made->put(kDynamicLinkerKey, &host::ProcessModuleLoader());

@@ -1,5 +1,4 @@
-// The host's system registry: a dictionary in which the host keeps its services for modules to find by name.
-// It knows nothing of what the services do.
+// The host's system registry: a dictionary of the host's services, which modules look up by name.
 #pragma once
 
 #include "platform/host/rx/object.h"
@@ -9,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-/// Objects by name. Names are compared as they are, capitals too. Objects belong to whoever put them in, who
-/// must take them out before they end.
+/// Objects by name. Comparison of names is case-sensitive. The registry does not own the objects: who puts
+/// one in must take it out before destroying it.
 class KARV_PLATFORM_API AcRxSystemRegistry
 {
   public:
@@ -19,10 +18,10 @@ class KARV_PLATFORM_API AcRxSystemRegistry
     AcRxSystemRegistry& operator=(const AcRxSystemRegistry&) = delete;
     ~AcRxSystemRegistry();
 
-    /// The object of that name; null where there is none.
+    /// The object with that name; null where there is none.
     [[nodiscard]] AcRxObject* at(std::wstring_view name) const noexcept;
-    /// Puts an object in place of the one that had the name, which is returned (null for none). A null object
-    /// takes the name out.
+    /// Sets the object of a name and returns the one before it, null for none. A null object removes the
+    /// name.
     AcRxObject* put(std::wstring_view name, AcRxObject* object);
     /// The number of names.
     [[nodiscard]] std::size_t size() const noexcept { return objects_.size(); }
@@ -31,6 +30,6 @@ class KARV_PLATFORM_API AcRxSystemRegistry
     std::map<std::wstring, AcRxObject*, std::less<>> objects_;
 };
 
-/// The process's registry; never null. It holds the process's dynamic linker from the first call on and ends
-/// with the process. For the host's user-interface thread.
+/// The process's registry, never null. From the first call on it holds the process's dynamic linker. It is
+/// never destroyed. For the host's user-interface thread.
 [[nodiscard]] KARV_PLATFORM_API AcRxSystemRegistry* acrxSysRegistry();
