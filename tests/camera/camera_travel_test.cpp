@@ -102,11 +102,18 @@ TEST(CameraPan, ToleranceIsThatOfTheProcess)
     steep.PanCamera(2.0F, X);
     EXPECT_TRUE(IsAt(steep.target, 2, 0, 0));
 
-    // The line of sight is 0.0625 long, and so is the right direction: below the tolerance it is not
-    // normalized.
-    KARVGLCamera close = FrontCamera(0.0625);
+    // The eye leans by 0.0625 in 0.25 to +X. The right direction is +Y, of length 0.0625, and is not
+    // brought to length 1.
+    KARVGLCamera leaning;
+    leaning.position = {0.0625, 0.0, 0.25};
+    leaning.PanCamera(2.0F, X);
+    EXPECT_TRUE(IsAt(leaning.target, 0, 0.125, 0));
+
+    // A line of sight of 0.0625 has no length. Otherwise the right direction from the back would be -X.
+    KARVGLCamera close;
+    close.position = {0.0, 0.0625, 0.0};
     close.PanCamera(2.0F, X);
-    EXPECT_TRUE(IsAt(close.target, 0.125, 0, 0));
+    EXPECT_TRUE(IsAt(close.target, 2, 0, 0));
 }
 
 TEST(CameraPan, ZeroAmountMovesNothing)
