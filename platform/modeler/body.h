@@ -1,13 +1,14 @@
 // Solids as polyhedral boundary representations: faces bounded by loops of edges, edges that join vertices.
-// It knows nothing of how bodies are made (body_builder.h) or drawn.
+// Bodies are made by BodyBuilder (body_builder.h). Drawing is not known here.
 //
-// An edge here is one side of an edge of the solid: it runs along the loop of one face, and its partner runs
-// the other way along the neighbour's. Loops run clockwise as seen from outside, and planes' normals point
-// outwards. Any thread, one at a time for each body.
+// An Edge is a half-edge: it runs along the loop of one face, and its partner runs the other way along the
+// loop of the neighbouring face. Loops run clockwise as seen from outside. Normals point outwards. Lengths
+// are in model units. Any thread, one at a time for each body.
 #pragma once
 
 #include "platform/export.h"
 #include "platform/host/ge/geometry.h"
+#include "platform/modeler/plane.h"
 
 #include <cstddef>
 #include <vector>
@@ -19,17 +20,10 @@ class BodyBuilder;
 class Edge;
 class Face;
 
-/// Through all points p with `normal` . p + `offset` = 0.
-struct Plane {
-    AcGeVector3d normal;
-    double offset = 0.0;
-};
-
 /// A corner of the solid.
 class Vertex
 {
   public:
-    /// In model units.
     [[nodiscard]] const AcGePoint3d& point() const noexcept { return point_; }
 
   private:
@@ -37,20 +31,21 @@ class Vertex
     AcGePoint3d point_;
 };
 
-/// One side of an edge of the solid.
+/// A half-edge: one side of an edge of the solid.
 class Edge
 {
   public:
-    /// Where the edge starts; it ends where the next one of its loop starts.
+    /// Where the edge starts. It ends where the next edge of its loop starts.
     [[nodiscard]] Vertex* vertex() const noexcept { return vertex_; }
-    /// The next edge of the loop; that of the last one is the first.
+    /// The next edge of the loop. The last edge is followed by the first.
     [[nodiscard]] Edge* next() const noexcept { return next_; }
-    /// The other side of the edge, in the loop of the neighbouring face, or of the same one at a bridge.
+    /// The other half of the edge, in the loop of the neighbouring face, or of the same face where an outline
+    /// runs to a hole and back along one edge.
     [[nodiscard]] Edge* partner() const noexcept { return partner_; }
     [[nodiscard]] Face* face() const noexcept { return face_; }
-    /// Whether it is an edge of the solid to the eye; edges that only divide a face are not.
+    /// Whether it is a visible edge of the solid. Edges that only divide a face or a smooth surface are not.
     [[nodiscard]] bool isPhysical() const noexcept { return is_physical_; }
-    /// For both sides of the edge.
+    /// Sets it for both halves of the edge.
     KARV_PLATFORM_API void setPhysical(bool is_physical) noexcept;
 
   private:
@@ -74,12 +69,12 @@ class Face
     [[nodiscard]] Face* next() const noexcept { return next_; }
 
     [[nodiscard]] bool isPlaneEvaluated() const noexcept { return is_plane_evaluated_; }
-    /// The plane that was evaluated last; zeros before.
+    /// The plane that was evaluated last; zeros before the first time.
     [[nodiscard]] const Plane& plane() const noexcept { return plane_; }
-    /// Computes the plane from the whole loop (Newell's method), so that corners in one line do no harm: a
-    /// normal of unit length that points to whoever sees the loop run clockwise, through the mean of the
-    /// corners. A loop that encloses no area, or whose corners are not a finite way apart, gives the zero
-    /// plane.
+    /// Computes the plane from the whole loop by Newell's method, so that corners in one line are allowed.
+    /// The normal has unit length and points to the side from which the loop runs clockwise. The plane goes
+    /// through the mean of the corners. A loop that encloses no area, or whose corners are not a finite
+    /// distance apart, gives the zero plane.
     KARV_PLATFORM_API void evaluatePlane();
 
   private:
@@ -91,8 +86,8 @@ class Face
     bool is_plane_evaluated_ = false;
 };
 
-/// Owns its faces, edges and vertices, which stay where they are when the body is moved. A new or moved-from
-/// body is empty.
+/// A solid. It owns its faces, edges and vertices; moving the body keeps their addresses. A new body and
+/// one that was moved from are empty.
 class Body
 {
   public:
@@ -107,21 +102,22 @@ class Body
     /// The first face, null for an empty body.
     [[nodiscard]] Face* faceList() noexcept { return faces_.empty() ? nullptr : faces_.data(); }
 
-    /// Appends the physical edges, one side of each, and the vertices where physical edges end, each once and
-    /// each as asked; both in the order in which the faces' loops come to them.
+    /// Appends the physical edges, one half of each, where `with_edges` is set, and the vertices at their
+    /// ends, each once, where `with_vertices` is set. Both are in the order in which the faces' loops reach
+    /// them.
     KARV_PLATFORM_API void getPhysicalEdgesAndVertices(bool with_edges, bool with_vertices,
                                                        std::vector<Edge*>& edges,
                                                        std::vector<Vertex*>& vertices);
 
-    /// Makes every edge non-physical at which the normals of the two faces differ by less than this angle, in
-    /// degrees: the surface counts as smooth there. Makes none physical again. Evaluates the planes that are
-    /// not; faces that enclose no area keep their edges.
+    /// Makes an edge non-physical where the normals of its two faces differ by less than `angle` degrees:
+    /// the surface counts as smooth there. Makes no edge physical. Evaluates the planes that are not
+    /// evaluated yet. Edges of a face that encloses no area stay as they are.
     KARV_PLATFORM_API void markSmoothEdges(double angle);
 
   private:
     friend class BodyBuilder;
 
-    // None of these grows once the body is made, because the parts point to each other.
+    // Never resized once the body is made: the parts point to each other.
     std::vector<Vertex> vertices_;
     std::vector<Edge> edges_;
     std::vector<Face> faces_;

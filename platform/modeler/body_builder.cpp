@@ -13,6 +13,8 @@ namespace AModeler
 namespace
 {
 
+constexpr std::size_t kMinCorners = 3; ///< of a loop
+
 std::string FaceText(std::size_t face)
 {
     return "face " + std::to_string(face);
@@ -94,7 +96,6 @@ void BodyBuilder::CheckPoints() const
 
 void BodyBuilder::CheckLoops() const
 {
-    constexpr std::size_t kFewestCorners = 3;
     for (std::size_t face = 0; face < faces_.size(); ++face) {
         if (faces_[face] == EndLoopOf(face))
             throw BodyError(FaceText(face) + " has no loop");
@@ -102,7 +103,7 @@ void BodyBuilder::CheckLoops() const
             const Loop& loop = loops_[i];
             if (!loop.is_ended)
                 throw BodyError("a loop of " + FaceText(face) + " is open");
-            if (loop.end_corner - loop.first_corner < kFewestCorners)
+            if (loop.end_corner - loop.first_corner < kMinCorners)
                 throw BodyError("a loop of " + FaceText(face) + " has under three corners");
             for (std::size_t corner = loop.first_corner; corner < loop.end_corner; ++corner) {
                 const int point = corners_[corner];
@@ -142,7 +143,7 @@ EdgeTable BodyBuilder::CheckEdges() const
     return uses;
 }
 
-BodyBuilder::Facets BodyBuilder::SplitFaces(FaceSplitting splitting) const
+BodyBuilder::Facets BodyBuilder::SplitFaces() const
 {
     Facets facets;
     facets.corners.reserve(corners_.size());
@@ -157,9 +158,8 @@ BodyBuilder::Facets BodyBuilder::SplitFaces(FaceSplitting splitting) const
     for (std::size_t face = 0; face < faces_.size(); ++face) {
         const Loop& outline = loops_[faces_[face]];
         const bool is_simple = EndLoopOf(face) == faces_[face] + 1;
-        // Most faces of large bodies are triangles, for which nothing needs to be copied.
-        if (is_simple &&
-            (splitting == FaceSplitting::Bridges || outline.end_corner - outline.first_corner == 3)) {
+        // Most faces of large bodies are triangles: they are not copied to be examined.
+        if (is_simple && outline.end_corner - outline.first_corner == kMinCorners) {
             append(corners_.data() + outline.first_corner, corners_.data() + outline.end_corner, face);
             continue;
         }
@@ -168,26 +168,21 @@ BodyBuilder::Facets BodyBuilder::SplitFaces(FaceSplitting splitting) const
             loops.push_back(CornersOf(loops_[i]));
         if (is_simple && IsConvex(loops.front(), points_)) {
             append(loops.front().begin(), loops.front().end(), face);
-        } else if (splitting == FaceSplitting::ConvexFacets) {
-            const auto parts = SplitIntoConvex(loops, points_);
-            if (!parts)
-                throw BodyError(FaceText(face) +
-                                " has loops that cross, touch, run in wrong directions or enclose no area");
-            for (const Outline& part : *parts)
-                append(part.begin(), part.end(), face);
-        } else {
-            const auto joined = JoinHoles(loops, points_);
-            if (!joined)
-                throw BodyError(FaceText(face) + " has a hole that cannot be joined to its outline");
-            append(joined->begin(), joined->end(), face);
+            continue;
         }
+        const auto parts = SplitIntoConvex(loops, points_);
+        if (!parts)
+            throw BodyError(FaceText(face) +
+                            " has loops that cross, touch, run in wrong directions or enclose no area");
+        for (const Outline& part : *parts)
+            append(part.begin(), part.end(), face);
     }
     if (facets.ends.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         throw BodyError("there are more faces than can be counted");
     return facets;
 }
 
-void BodyBuilder::LayOut(const Facets& facets, Body& body) const
+void BodyBuilder::FillBody(const Facets& facets, Body& body) const
 {
     body.vertices_.resize(points_.size());
     for (std::size_t i = 0; i < points_.size(); ++i)
@@ -228,7 +223,7 @@ void BodyBuilder::SharePlanes(const Facets& facets, Body& body) const
     }
 }
 
-void BodyBuilder::JoinEdges(const Facets& facets, const EdgeTable& uses, Body& body)
+void BodyBuilder::PairEdges(const Facets& facets, const EdgeTable& uses, Body& body)
 {
     const auto point_of = [&](const Vertex* vertex) {
         return static_cast<int>(vertex - body.vertices_.data());
@@ -236,8 +231,8 @@ void BodyBuilder::JoinEdges(const Facets& facets, const EdgeTable& uses, Body& b
     const auto source_of = [&](const Edge& edge) {
         return facets.sources[static_cast<std::size_t>(edge.face_ - body.faces_.data())];
     };
-    // Edges between two faces of the caller's are those of the solid. All others lie within one face, and
-    // other faces may have edges between the same points: the number of the face keeps them apart.
+    // An edge between two of the caller's faces is an edge of the solid. All others lie within one face.
+    // Another face may have an edge between the same points, so these are paired face by face.
     EdgeTable given(body.edges_.size());
     EdgeTable added(0);
     for (std::size_t first = 0; first < body.edges_.size();) {
@@ -266,16 +261,16 @@ void BodyBuilder::JoinEdges(const Facets& facets, const EdgeTable& uses, Body& b
     }
 }
 
-Body BodyBuilder::Build(FaceSplitting splitting) const
+Body BodyBuilder::Build() const
 {
     CheckPoints();
     CheckLoops();
     const EdgeTable uses = CheckEdges();
-    const Facets facets = SplitFaces(splitting);
+    const Facets facets = SplitFaces();
     Body body;
-    LayOut(facets, body);
+    FillBody(facets, body);
     SharePlanes(facets, body);
-    JoinEdges(facets, uses, body);
+    PairEdges(facets, uses, body);
     return body;
 }
 

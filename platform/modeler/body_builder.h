@@ -1,4 +1,4 @@
-// How bodies are made from shared points and polygons. What is not a closed solid is refused with a reason.
+// Makes bodies from shared points and polygons. Anything but a closed solid is refused with a reason.
 #pragma once
 
 #include "platform/export.h"
@@ -15,8 +15,8 @@ namespace AModeler
 
 class EdgeTable;
 
-/// Why no body could be made; the text is half a sentence that names faces and points by their numbers, from
-/// 0.
+/// Why a body could not be made. `what()` is one line without an end mark, which names faces and points by
+/// their numbers from 0.
 class KARV_PLATFORM_API BodyError : public std::runtime_error
 {
   public:
@@ -24,45 +24,41 @@ class KARV_PLATFORM_API BodyError : public std::runtime_error
     ~BodyError() override;
 };
 
-/// What becomes of a face that a fan from its first corner would not fill: a concave one, or one with holes.
-enum class FaceSplitting {
-    /// Several faces, all convex and with one plane; the edges between them are not physical.
-    ConvexFacets,
-    /// One face: its holes are joined to its outline by edges that run there and back and are not physical. A
-    /// concave outline stays as it is.
-    Bridges,
-};
-
-/// Collects points and faces; `Build` makes the body. Time and memory are linear in the number of corners;
-/// the time of a face that is split can grow as the square of its own. One thread.
+/// Collects points and faces; `Build` makes the body. Time and memory are linear in the number of corners.
+/// The time of a face that is split can grow as the square of its corners. Any thread, one at a time for
+/// each builder.
 class KARV_PLATFORM_API BodyBuilder
 {
   public:
-    /// Returns the point's number, counted from 0. Faces that share a point must name the same number.
+    /// Adds a point and returns its number, counted from 0. Faces that share a point must use the same
+    /// number. Throws BodyError where there are more points than an int can count.
     int AddPoint(const AcGePoint3d& point);
 
-    /// Begins a face. Its first loop is the outline, clockwise as seen from outside; further ones are holes,
-    /// the other way round.
+    /// Begins a face. Its first loop is the outline, clockwise as seen from outside. Further loops are holes,
+    /// counter-clockwise.
     void BeginFace();
-    /// Begins a loop of the face begun last. Throws BodyError where there is none.
+    /// Begins a loop of the face begun last. Throws BodyError where no face was begun.
     void BeginLoop();
-    /// The next corner of the loop, by the point's number. Throws BodyError outside a loop.
+    /// Adds a corner to the loop, by the point's number. Throws BodyError outside a loop.
     void AddCorner(int point);
-    /// Closes the loop: its last corner is joined to its first. Throws BodyError outside a loop.
+    /// Ends the loop: its last corner is joined to its first. Throws BodyError outside a loop.
     void EndLoop();
-    /// A whole face without holes.
+    /// Adds a face without holes.
     void AddFace(std::span<const int> outline);
 
-    /// Makes the body of all faces so far; the builder keeps them. No face at all makes an empty body.
+    /// Makes the body of all faces so far; the builder keeps them. Without faces the body is empty.
     ///
-    /// Edges are physical but where a face meets itself, as along a bridge to a hole. Faces of one loop that
-    /// enclose no area stay as they are.
+    /// A face that a fan from its first corner would not fill, because it is concave or has holes, becomes
+    /// several convex faces with one plane. The edges between these are not physical, nor are those where a
+    /// face meets itself, as where an outline runs to a hole and back along one edge. All other edges are
+    /// physical. A face of one loop that encloses no area stays as it is.
     ///
-    /// Throws BodyError, and makes nothing, for a point that is not finite; for a face without a loop; for a
-    /// loop that is not ended, has under three corners or names a point that is not there; for an edge from a
-    /// point to itself, one that is used twice in one direction and one that is not used in the other; and
-    /// for a face to be split whose loops cross or run in wrong directions.
-    [[nodiscard]] Body Build(FaceSplitting splitting = FaceSplitting::ConvexFacets) const;
+    /// Throws BodyError, and makes nothing, for a point that is not finite; for a face without a loop; for
+    /// a loop that is not ended, has under three corners or names a point that does not exist; for an edge
+    /// from a point to itself, an edge that is used twice in one direction, and an edge that is not used in
+    /// the other direction; and for a face that has to be split and whose loops cross or run in wrong
+    /// directions.
+    [[nodiscard]] Body Build() const;
 
   private:
     struct Loop {
@@ -71,28 +67,28 @@ class KARV_PLATFORM_API BodyBuilder
         bool is_ended = false;
     };
 
-    /// The outlines of the body's faces, one after the other.
+    /// The outlines of the body's faces, one after another.
     struct Facets {
         std::vector<int> corners;
-        std::vector<std::size_t> ends;    ///< of each one's corners
-        std::vector<std::size_t> sources; ///< the face that each one is a part of
+        std::vector<std::size_t> ends;    ///< where the corners of each outline end
+        std::vector<std::size_t> sources; ///< the number of the face that each outline is a part of
     };
 
     [[nodiscard]] std::vector<int> CornersOf(const Loop& loop) const;
     [[nodiscard]] std::size_t EndLoopOf(std::size_t face) const;
     void CheckPoints() const;
     void CheckLoops() const;
-    /// Returns the faces that use the edges.
+    /// Returns the edges with the face that uses each.
     [[nodiscard]] EdgeTable CheckEdges() const;
-    [[nodiscard]] Facets SplitFaces(FaceSplitting splitting) const;
-    void LayOut(const Facets& facets, Body& body) const;
+    [[nodiscard]] Facets SplitFaces() const;
+    void FillBody(const Facets& facets, Body& body) const;
     void SharePlanes(const Facets& facets, Body& body) const;
-    static void JoinEdges(const Facets& facets, const EdgeTable& uses, Body& body);
+    static void PairEdges(const Facets& facets, const EdgeTable& uses, Body& body);
 
     std::vector<AcGePoint3d> points_;
     std::vector<int> corners_;
     std::vector<Loop> loops_;
-    std::vector<std::size_t> faces_; ///< the first loop of each
+    std::vector<std::size_t> faces_; ///< the number of the first loop of each
 };
 
 } // namespace AModeler

@@ -11,7 +11,6 @@
 #include <memory>
 #include <numbers>
 #include <numeric>
-#include <unordered_map>
 #include <utility>
 
 namespace AModeler
@@ -20,13 +19,13 @@ namespace AModeler
 namespace
 {
 
-/// A point of a face's own plane, at lengths of about 1.
+/// A point in the plane of a face, scaled to lengths of about 1.
 struct FlatPoint {
     double x = 0.0;
     double y = 0.0;
 };
 
-/// What the way from a over b to c does at b.
+/// The change of direction at b on the path from a over b to c.
 class Turn
 {
   public:
@@ -36,14 +35,14 @@ class Turn
     {
     }
 
-    /// Whether it turns right, by more than an angle that is not seen: corners are drawn in single precision.
-    /// The way straight back, which rounding may show on either side, is no turn to the right.
+    /// Whether the path turns right by more than an angle that shows: corners are drawn in single
+    /// precision. A path straight back, which rounding may put on either side, does not count as right.
     [[nodiscard]] bool IsRight() const
     {
         constexpr double kStraight = 1e-6;
         return cross_ < -kStraight * std::hypot(cross_, dot_);
     }
-    /// To the left, in radians from -pi to pi; 0 where two of the points are one.
+    /// The turn to the left in radians, from -pi to pi; 0 where two of the points coincide.
     [[nodiscard]] double Angle() const { return std::atan2(cross_, dot_); }
 
   private:
@@ -51,7 +50,7 @@ class Turn
     double dot_;
 };
 
-/// The first loop's plane, in which that loop runs counter-clockwise.
+/// Coordinates in the plane of a face's first loop, in which that loop runs counter-clockwise.
 class FacePlane
 {
   public:
@@ -63,16 +62,15 @@ class FacePlane
                 visit(Point(corner));
         };
         reach_ = ReachOfLoop(for_each_corner);
-        // Loops run clockwise to whoever the plane's normal points to.
+        // Negated: loops run clockwise as seen from the side that the plane's normal points to.
         normal_ = -PlaneOfLoop(for_each_corner).normal;
     }
 
     /// Whether the loop encloses an area.
     [[nodiscard]] bool IsValid() const { return normal_.lengthSqrd() > 0.0; }
 
-    /// Leaves out the coordinate that changes least in the plane: corners that are in one line stay so
-    /// exactly.
-    [[nodiscard]] FlatPoint Flat(int corner) const
+    /// Drops the coordinate that changes least in the plane. Corners in one line stay exactly in one line.
+    [[nodiscard]] FlatPoint Project(int corner) const
     {
         const AcGeVector3d arm = (Point(corner) - origin_) / reach_;
         const AcGeVector3d sizes{std::fabs(normal_.x), std::fabs(normal_.y), std::fabs(normal_.z)};
@@ -113,8 +111,8 @@ void ForEachEdge(const std::vector<Outline>& loops, const Visit& visit)
 class Triangulation
 {
   public:
-    /// The corners of the triangles one after the other, counter-clockwise. Nothing where the loops cross.
-    static std::optional<std::vector<int>> Of(const std::vector<Outline>& loops, const FacePlane& plane)
+    /// The corners of the triangles one after the other, counter-clockwise. None where the loops cross.
+    static std::optional<std::vector<int>> Run(const std::vector<Outline>& loops, const FacePlane& plane)
     {
         Triangulation run(loops, plane);
         const std::unique_ptr<GLUtesselator, Deleter> tessellator(gluNewTess());
@@ -141,11 +139,11 @@ class Triangulation
         corners_.reserve(count);
         for (const Outline& loop : loops)
             for (const int corner : loop) {
-                const FlatPoint flat = plane.Flat(corner);
+                const FlatPoint flat = plane.Project(corner);
                 corners_.push_back({{flat.x, flat.y, 0.0}, corner});
             }
-        // Each hole adds two triangles to the two less than corners. Made now, because the callbacks must not
-        // throw.
+        // An outline of n corners has n - 2 triangles, and each hole adds two. Reserved now, because the
+        // callbacks must not throw.
         found_.reserve(3 * (count + 2 * loops.size()));
     }
 
@@ -155,9 +153,9 @@ class Triangulation
             gluTessCallback(tessellator, which, reinterpret_cast<GluTessCallback>(callback));
         };
         set_callback(GLU_TESS_VERTEX_DATA, &OnVertex);
-        // Being told of edges keeps it from making fans and strips.
+        // With an edge-flag callback the tessellator makes no fans and strips.
         set_callback(GLU_TESS_EDGE_FLAG_DATA, &OnEdgeFlag);
-        // With no callback that makes new corners, loops that cross are an error.
+        // There is no combine callback, so loops that cross are an error.
         set_callback(GLU_TESS_ERROR_DATA, &OnError);
         gluTessNormal(tessellator, 0.0, 0.0, 1.0);
         gluTessBeginPolygon(tessellator, this);
@@ -185,29 +183,29 @@ class Triangulation
         static_cast<Triangulation*>(self)->has_failed_ = true;
     }
 
-    std::vector<Corner> corners_; ///< fixed while the tessellator runs, which keeps pointers to them
+    std::vector<Corner> corners_; ///< never resized while the tessellator runs: it keeps pointers to them
     std::vector<int> found_;
     bool has_failed_ = false;
 };
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-/// A face cut into parts along edges between its corners. It begins with triangles; parts become one where
-/// the edge between them is taken out.
+/// A face cut into parts along edges between its corners. At first the parts are triangles; removing the edge
+/// between two parts merges them.
 class Subdivision
 {
   public:
     explicit Subdivision(const FacePlane& plane) : plane_(&plane) {}
 
-    /// False where triangles do not fill the loops exactly.
+    /// Cuts the loops into triangles; false where triangles do not fill them exactly.
     [[nodiscard]] bool Triangulate(const std::vector<Outline>& loops)
     {
-        const auto triangles = Triangulation::Of(loops, *plane_);
+        const auto triangles = Triangulation::Run(loops, *plane_);
         if (!triangles)
             return false;
         EdgeTable given(CountCorners(loops));
         ForEachEdge(loops, [&](int from, int to, std::size_t loop) { given.Add(from, to, loop); });
-        std::size_t given_left = CountCorners(loops);
+        std::size_t missing = CountCorners(loops);
 
         EdgeTable known(triangles->size());
         sides_.reserve(triangles->size());
@@ -222,7 +220,7 @@ class Subdivision
             const int from = StartOf(i);
             const int to = EndOf(i);
             if (given.Find(from, to)) {
-                --given_left;
+                --missing;
                 continue;
             }
             const auto partner = known.Find(to, from);
@@ -230,67 +228,43 @@ class Subdivision
                 return false;
             sides_[i].partner = *partner;
         }
-        return given_left == 0;
+        return missing == 0;
     }
 
-    /// Takes out every edge that leaves convex corners at both its ends.
+    /// Removes every edge without which the corners at both its ends are convex.
     void MergeWhereConvex()
     {
         for (std::size_t i = 0; i < sides_.size(); ++i) {
             const std::size_t partner = sides_[i].partner;
             if (partner != kNone && i < partner && LeavesConvexCorner(i) && LeavesConvexCorner(partner))
-                TakeOut(i);
-        }
-    }
-
-    /// Takes out all edges but the shortest that keep the loops connected.
-    void MergeAroundBridges(const std::vector<Outline>& loops)
-    {
-        std::vector<std::size_t> group(loops.size());
-        std::iota(group.begin(), group.end(), std::size_t{0});
-        const auto group_of = [&](std::size_t loop) {
-            while (group[loop] != loop)
-                loop = group[loop] = group[group[loop]];
-            return loop;
-        };
-        std::unordered_map<int, std::size_t> loop_of_point;
-        ForEachEdge(loops, [&](int point, int, std::size_t loop) {
-            group[group_of(loop)] = group_of(loop_of_point.emplace(point, loop).first->second);
-        });
-        for (const std::size_t side : InnerSidesByLength()) {
-            const std::size_t start = group_of(loop_of_point.at(StartOf(side)));
-            const std::size_t end = group_of(loop_of_point.at(EndOf(side)));
-            if (start == end)
-                TakeOut(side);
-            else
-                group[start] = end;
+                RemoveEdge(i);
         }
     }
 
     [[nodiscard]] std::vector<Outline> Parts() const
     {
         std::vector<Outline> parts;
-        std::vector<bool> is_told(sides_.size());
+        std::vector<bool> is_listed(sides_.size());
         for (std::size_t first = 0; first < sides_.size(); ++first) {
-            if (is_told[first] || sides_[first].is_out)
+            if (is_listed[first] || sides_[first].is_removed)
                 continue;
             Outline& part = parts.emplace_back();
-            for (std::size_t i = first; !is_told[i]; i = sides_[i].next) {
+            for (std::size_t i = first; !is_listed[i]; i = sides_[i].next) {
                 part.push_back(StartOf(i));
-                is_told[i] = true;
+                is_listed[i] = true;
             }
         }
         return parts;
     }
 
   private:
-    /// One side of an edge, along the part on its left.
+    /// A half-edge, along the part on its left.
     struct Side {
         int start = 0;
         std::size_t next = kNone;
         std::size_t previous = kNone;
-        std::size_t partner = kNone; ///< none at the border of the face
-        bool is_out = false;
+        std::size_t partner = kNone; ///< kNone at the border of the face
+        bool is_removed = false;
     };
 
     [[nodiscard]] int StartOf(std::size_t side) const { return sides_[side].start; }
@@ -298,36 +272,19 @@ class Subdivision
 
     [[nodiscard]] bool LeavesConvexCorner(std::size_t side) const
     {
-        const std::size_t way_on = sides_[sides_[side].partner].next;
-        const Turn turn(plane_->Flat(StartOf(sides_[side].previous)), plane_->Flat(StartOf(side)),
-                        plane_->Flat(EndOf(way_on)));
+        const std::size_t following = sides_[sides_[side].partner].next;
+        const Turn turn(plane_->Project(StartOf(sides_[side].previous)), plane_->Project(StartOf(side)),
+                        plane_->Project(EndOf(following)));
         return !turn.IsRight();
     }
 
-    /// Inner edges, one side of each, the shortest first.
-    [[nodiscard]] std::vector<std::size_t> InnerSidesByLength() const
-    {
-        std::vector<std::pair<double, std::size_t>> order;
-        for (std::size_t i = 0; i < sides_.size(); ++i) {
-            if (sides_[i].partner == kNone || sides_[i].partner < i)
-                continue;
-            const FlatPoint start = plane_->Flat(StartOf(i));
-            const FlatPoint end = plane_->Flat(EndOf(i));
-            order.emplace_back(std::hypot(end.x - start.x, end.y - start.y), i);
-        }
-        std::ranges::sort(order);
-        std::vector<std::size_t> sides(order.size());
-        std::ranges::transform(order, sides.begin(), [](const auto& entry) { return entry.second; });
-        return sides;
-    }
-
-    void TakeOut(std::size_t side)
+    void RemoveEdge(std::size_t side)
     {
         const std::size_t partner = sides_[side].partner;
         Join(sides_[side].previous, sides_[partner].next);
         Join(sides_[partner].previous, sides_[side].next);
-        sides_[side].is_out = true;
-        sides_[partner].is_out = true;
+        sides_[side].is_removed = true;
+        sides_[partner].is_removed = true;
     }
     void Join(std::size_t side, std::size_t next)
     {
@@ -346,17 +303,17 @@ bool IsConvex(const Outline& outline, std::span<const AcGePoint3d> points)
     const FacePlane plane(outline, points);
     if (!plane.IsValid())
         return true;
-    double whole_turn = 0.0;
+    double total_turn = 0.0;
     const std::size_t count = outline.size();
     for (std::size_t i = 0; i < count; ++i) {
-        const Turn turn(plane.Flat(outline[i]), plane.Flat(outline[(i + 1) % count]),
-                        plane.Flat(outline[(i + 2) % count]));
+        const Turn turn(plane.Project(outline[i]), plane.Project(outline[(i + 1) % count]),
+                        plane.Project(outline[(i + 2) % count]));
         if (turn.IsRight())
             return false;
-        whole_turn += turn.Angle();
+        total_turn += turn.Angle();
     }
-    // Outlines that go around more than once turn left all the way, too.
-    return whole_turn < 3.0 * std::numbers::pi;
+    // An outline that goes around more than once turns left everywhere too.
+    return total_turn < 3.0 * std::numbers::pi;
 }
 
 std::optional<std::vector<Outline>> SplitIntoConvex(const std::vector<Outline>& loops,
@@ -368,19 +325,6 @@ std::optional<std::vector<Outline>> SplitIntoConvex(const std::vector<Outline>& 
         return std::nullopt;
     subdivision.MergeWhereConvex();
     return subdivision.Parts();
-}
-
-std::optional<Outline> JoinHoles(const std::vector<Outline>& loops, std::span<const AcGePoint3d> points)
-{
-    const FacePlane plane(loops.front(), points);
-    Subdivision subdivision(plane);
-    if (!plane.IsValid() || !subdivision.Triangulate(loops))
-        return std::nullopt;
-    subdivision.MergeAroundBridges(loops);
-    std::vector<Outline> parts = subdivision.Parts();
-    if (parts.size() != 1)
-        return std::nullopt;
-    return std::move(parts.front());
 }
 
 } // namespace AModeler

@@ -1,14 +1,14 @@
-// The plane of a loop of corners, for the modeler's own sources.
+// The plane of a loop of corners. For the modeler's own sources.
 #pragma once
 
-#include "platform/modeler/body.h"
+#include "platform/modeler/plane.h"
 
 #include <cmath>
 
 namespace AModeler
 {
 
-/// How far the corners reach from the first one, along any axis.
+/// The largest distance of a corner from the first one, along any axis.
 template <typename ForEachCorner>
 double ReachOfLoop(const ForEachCorner& for_each_corner)
 {
@@ -26,17 +26,17 @@ double ReachOfLoop(const ForEachCorner& for_each_corner)
     return reach;
 }
 
-/// The plane by Newell's method, with a unit normal that points to whoever sees the corners run clockwise;
-/// the zero plane where they enclose no area. `for_each_corner(visit)` calls `visit(point)` for each corner
-/// in order, the same ones each time.
+/// The plane by Newell's method. Its unit normal points to the side from which the corners run clockwise.
+/// The zero plane where the corners enclose no area. `for_each_corner(visit)` must call `visit(point)` for
+/// each corner in order, and for the same corners each time.
 template <typename ForEachCorner>
 Plane PlaneOfLoop(const ForEachCorner& for_each_corner)
 {
     const double reach = ReachOfLoop(for_each_corner);
     if (!(reach > 0.0) || !std::isfinite(reach))
         return {};
-    // From the first corner, so that a small face far from the origin keeps its digits, and at lengths of
-    // about 1, so that tiny and huge faces stay within what products can hold.
+    // Relative to the first corner, so that a small face far from the origin keeps its digits, and scaled to
+    // about 1, so that the products of tiny and huge faces neither vanish nor overflow.
     AcGePoint3d origin;
     AcGeVector3d before;
     AcGeVector3d sum;
@@ -46,15 +46,14 @@ Plane PlaneOfLoop(const ForEachCorner& for_each_corner)
         if (count++ == 0)
             origin = corner;
         const AcGeVector3d arm = (corner - origin) / reach;
-        // The product turns to whoever sees the corners run counter-clockwise.
+        // Subtracted: the product points to the side from which the corners run counter-clockwise.
         sum = sum - before.crossProduct(arm);
         mean = mean + arm;
         before = arm;
     });
-    // What rounding leaves of corners in one line is no area.
-    constexpr double kNoArea = 1e-14;
+    constexpr double kMinArea = 1e-14; // rounding leaves less than this of corners in one line
     const double length = sum.length();
-    if (!(length > kNoArea))
+    if (!(length > kMinArea))
         return {};
     Plane plane;
     plane.normal = sum / length;

@@ -1,4 +1,4 @@
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 
 #include "platform/modeler/loop_plane.h"
 
@@ -16,28 +16,29 @@ namespace AModeler
 namespace
 {
 
-/// The vector at a length from 1 to 2, which products of huge and of tiny ones would not keep; zero stays
-/// zero.
-AcGeVector3d Shortened(const AcGeVector3d& vector)
+/// The vector scaled so that its largest component is 1: products of huge and of tiny vectors would
+/// overflow or vanish. Zero stays zero.
+AcGeVector3d Rescaled(const AcGeVector3d& vector)
 {
     const double largest = std::max({std::fabs(vector.x), std::fabs(vector.y), std::fabs(vector.z)});
     return largest > 0.0 ? vector / largest : vector;
 }
 
-/// The loops with the outline clockwise as seen from where the way leads, and the holes the other way round.
-Profile Oriented(Profile profile, const AcGeVector3d& way)
+/// The loops turned so that, seen from the far end of the sweep, the outline runs clockwise and the holes
+/// counter-clockwise.
+Profile Oriented(Profile profile, const AcGeVector3d& sweep)
 {
-    const AcGeVector3d direction = Shortened(way);
+    const AcGeVector3d direction = Rescaled(sweep);
     for (std::size_t i = 0; i < profile.size(); ++i) {
         const Plane plane = PlaneOfLoop([&](const auto& visit) {
             for (const AcGePoint3d& corner : profile[i])
                 visit(corner);
         });
         const double side = plane.normal.dotProduct(direction);
-        // What rounding leaves of a right angle.
-        constexpr double kNone = 1e-12;
-        if (!(std::fabs(side) > kNone))
-            throw BodyError("loop " + std::to_string(i) + " of the profile encloses no area across the way");
+        constexpr double kMinSide = 1e-12; // rounding leaves less than this of a right angle
+        if (!(std::fabs(side) > kMinSide))
+            throw BodyError("loop " + std::to_string(i) +
+                            " of the profile encloses no area across the direction");
         const bool is_clockwise = side > 0.0;
         if (is_clockwise != (i == 0))
             std::reverse(profile[i].begin(), profile[i].end());
@@ -53,46 +54,46 @@ void AddLoop(BodyBuilder& builder, int first, int count, bool backwards)
     builder.EndLoop();
 }
 
-/// Whether two edges of the closed line cross; points in order.
-bool CrossesItself(const std::vector<TurnedPoint>& profile)
+/// Whether two edges of the closed profile cross.
+bool CrossesItself(const std::vector<ProfilePoint>& profile)
 {
-    const auto side = [](const TurnedPoint& a, const TurnedPoint& b, const TurnedPoint& c) {
+    const auto side = [](const ProfilePoint& a, const ProfilePoint& b, const ProfilePoint& c) {
         return (b.radius - a.radius) * (c.height - a.height) - (b.height - a.height) * (c.radius - a.radius);
     };
     const std::size_t count = profile.size();
     for (std::size_t i = 0; i < count; ++i)
         for (std::size_t k = i + 1; k < count; ++k) {
-            const TurnedPoint& a = profile[i];
-            const TurnedPoint& b = profile[(i + 1) % count];
-            const TurnedPoint& c = profile[k];
-            const TurnedPoint& d = profile[(k + 1) % count];
+            const ProfilePoint& a = profile[i];
+            const ProfilePoint& b = profile[(i + 1) % count];
+            const ProfilePoint& c = profile[k];
+            const ProfilePoint& d = profile[(k + 1) % count];
             if (side(a, b, c) * side(a, b, d) < 0.0 && side(c, d, a) * side(c, d, b) < 0.0)
                 return true;
         }
     return false;
 }
 
-/// Twice the profile's area; positive where it runs counter-clockwise with the radius to the right and the
-/// height up.
-double SignedArea(const std::vector<TurnedPoint>& profile)
+/// Twice the profile's area; positive where the profile runs counter-clockwise, the radius to the right and
+/// the height up.
+double SignedArea(const std::vector<ProfilePoint>& profile)
 {
     double sum = 0.0;
     for (std::size_t i = 0; i < profile.size(); ++i) {
-        const TurnedPoint& a = profile[i];
-        const TurnedPoint& b = profile[(i + 1) % profile.size()];
+        const ProfilePoint& a = profile[i];
+        const ProfilePoint& b = profile[(i + 1) % profile.size()];
         sum += a.radius * b.height - b.radius * a.height;
     }
     return sum;
 }
 
-void CheckTurned(const std::vector<TurnedPoint>& profile, int segments)
+void CheckRevolution(const std::vector<ProfilePoint>& profile, int segments)
 {
-    constexpr int kFewest = 3;
-    if (segments < kFewest)
+    constexpr int kMinCount = 3;
+    if (segments < kMinCount)
         throw BodyError("a turn has under three steps");
-    if (profile.size() < static_cast<std::size_t>(kFewest))
+    if (profile.size() < static_cast<std::size_t>(kMinCount))
         throw BodyError("the profile has under three points");
-    for (const TurnedPoint& point : profile)
+    for (const ProfilePoint& point : profile)
         if (!(point.radius >= 0.0) || !std::isfinite(point.radius) || !std::isfinite(point.height))
             throw BodyError("the profile has a point that is not finite or lies beyond the axis");
     if (!(SignedArea(profile) != 0.0))
@@ -101,8 +102,8 @@ void CheckTurned(const std::vector<TurnedPoint>& profile, int segments)
         throw BodyError("the profile crosses itself");
 }
 
-/// The points of each step of one profile point: one for all steps where it lies on the axis.
-std::vector<int> AddRing(BodyBuilder& builder, const TurnedPoint& point, int segments)
+/// The numbers of one profile point at each step; the same number at all steps where it lies on the axis.
+std::vector<int> AddRing(BodyBuilder& builder, const ProfilePoint& point, int segments)
 {
     constexpr double kTurn = 2.0 * std::numbers::pi;
     std::vector<int> ring;
@@ -118,8 +119,9 @@ std::vector<int> AddRing(BodyBuilder& builder, const TurnedPoint& point, int seg
     return ring;
 }
 
-/// Makes the edges between the steps of each band of faces non-physical.
-void MarkSteps(Body& body, const std::vector<int>& band_sizes)
+/// Makes the edges between neighbouring steps non-physical. The faces come in bands, one for each edge of the
+/// profile, of `band_sizes` faces.
+void SmoothSteps(Body& body, const std::vector<int>& band_sizes)
 {
     std::unordered_map<const Face*, std::size_t> band_of_face;
     Face* face = body.faceList();
@@ -145,22 +147,22 @@ Body MakeBox(const AcGePoint3d& min, const AcGePoint3d& max)
     return MakePrism(profile, {0.0, 0.0, max.z - min.z});
 }
 
-Body MakePrism(const Profile& profile, const AcGeVector3d& way, FaceSplitting splitting)
+Body MakePrism(const Profile& profile, const AcGeVector3d& direction)
 {
     if (profile.empty())
         throw BodyError("the profile has no loop");
     BodyBuilder builder;
-    std::vector<std::pair<int, int>> loops; // the first point at the near end, and how many
-    for (const std::vector<AcGePoint3d>& loop : Oriented(profile, way)) {
+    std::vector<std::pair<int, int>> loops; // the first point at the near end, and the number of points
+    for (const std::vector<AcGePoint3d>& loop : Oriented(profile, direction)) {
         const int count = static_cast<int>(loop.size());
         const int first = count == 0 ? 0 : builder.AddPoint(loop.front());
         for (int i = 1; i < count; ++i)
             builder.AddPoint(loop[static_cast<std::size_t>(i)]);
         for (const AcGePoint3d& point : loop)
-            builder.AddPoint(point + way);
+            builder.AddPoint(point + direction);
         loops.emplace_back(first, count);
     }
-    // The far cap is seen from where the way leads, the near one from the other side.
+    // The far cap is seen from the far end, the near cap from the other side.
     builder.BeginFace();
     for (const auto& [first, count] : loops)
         AddLoop(builder, first + count, count, false);
@@ -173,19 +175,19 @@ Body MakePrism(const Profile& profile, const AcGeVector3d& way, FaceSplitting sp
             const std::array side{first + i, first + next, first + count + next, first + count + i};
             builder.AddFace(side);
         }
-    return builder.Build(splitting);
+    return builder.Build();
 }
 
-Body MakeRevolution(const std::vector<TurnedPoint>& profile, int segments)
+Body MakeRevolution(const std::vector<ProfilePoint>& profile, int segments)
 {
-    CheckTurned(profile, segments);
-    std::vector<TurnedPoint> counterclockwise = profile;
+    CheckRevolution(profile, segments);
+    std::vector<ProfilePoint> counterclockwise = profile;
     if (SignedArea(profile) < 0.0)
         std::reverse(counterclockwise.begin(), counterclockwise.end());
     BodyBuilder builder;
     std::vector<std::vector<int>> rings;
     rings.reserve(counterclockwise.size());
-    for (const TurnedPoint& point : counterclockwise)
+    for (const ProfilePoint& point : counterclockwise)
         rings.push_back(AddRing(builder, point, segments));
     std::vector<int> band_sizes(rings.size());
     for (std::size_t i = 0; i < rings.size(); ++i) {
@@ -193,7 +195,7 @@ Body MakeRevolution(const std::vector<TurnedPoint>& profile, int segments)
         const std::vector<int>& to = rings[(i + 1) % rings.size()];
         for (std::size_t step = 0; step < from.size(); ++step) {
             const std::size_t next = (step + 1) % from.size();
-            // Steps lead from x to y; outside, the profile's way has the solid on its left.
+            // Steps go from x towards y, and the profile has the solid on its left: clockwise from outside.
             std::vector<int> corners{from[step], to[step], to[next], from[next]};
             corners.erase(std::unique(corners.begin(), corners.end()), corners.end());
             if (corners.size() > 1 && corners.front() == corners.back())
@@ -205,7 +207,7 @@ Body MakeRevolution(const std::vector<TurnedPoint>& profile, int segments)
         }
     }
     Body body = builder.Build();
-    MarkSteps(body, band_sizes);
+    SmoothSteps(body, band_sizes);
     return body;
 }
 

@@ -4,7 +4,7 @@
 // 0.5).
 #include "tests/support/control_test.h"
 
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 #include "platform/winsys/opengl.h"
 #include "tests/support/modeler_hooks.h"
 

@@ -1,7 +1,7 @@
 // Builds a body from any bytes: it closes, or there is a reason why it does not.
 //
-// The first byte chooses how concave faces are treated. Each later command begins with a byte: add a point
-// with the coordinates in the next bytes, begin a face or a loop, end one, or add a corner.
+// Each call begins with a byte that chooses it: add a point, whose coordinates are the next bytes, begin a
+// face or a loop, end one, or add a corner.
 #include "platform/modeler/body_builder.h"
 
 #include <bit>
@@ -17,7 +17,6 @@ namespace
 {
 
 using AModeler::BodyBuilder;
-using AModeler::FaceSplitting;
 
 /// Splitting a face is quadratic in its corners; longer inputs would only be slow.
 constexpr std::size_t kMaxBytes = 4096;
@@ -133,12 +132,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0 || size > kMaxBytes)
         return 0;
     Bytes bytes(std::span(data, size));
-    const FaceSplitting splitting =
-        bytes.Next() % 2 == 0 ? FaceSplitting::ConvexFacets : FaceSplitting::Bridges;
     try {
         BodyBuilder builder;
         Fill(builder, bytes);
-        AModeler::Body body = builder.Build(splitting);
+        AModeler::Body body = builder.Build();
         CheckBody(body);
     } catch (const AModeler::BodyError&) {
     }

@@ -70,7 +70,7 @@ class Calls
         }
     }
 
-    std::string bytes_ = std::string(1, '\0');
+    std::string bytes_;
 };
 
 /// Outlines run clockwise as seen from outside.
@@ -117,11 +117,7 @@ int main(int argc, char** argv)
     Write(folder / "model_stream/empty", viewer::StreamOf(viewer::Model{}));
     Write(folder / "model_stream/failure", FailureStream());
     for (const auto& [name, calls] :
-         {std::pair("box", Box()), std::pair("angle", Angle()), std::pair("frame", Frame())}) {
+         {std::pair("box", Box()), std::pair("angle", Angle()), std::pair("frame", Frame())})
         Write(folder / "body_builder" / name, calls.Bytes());
-        std::string bridged = calls.Bytes();
-        bridged.front() = '\1';
-        Write(folder / "body_builder" / (std::string(name) + "-bridged"), bridged);
-    }
     return 0;
 }

@@ -39,11 +39,17 @@ constexpr const char* kConstructor = "KARVGraphicalEntity::KARVGraphicalEntity";
 constexpr const char* kCreateCache = "KARVGraphicalEntity::CreateGLCache";
 constexpr const char* kGrowBox = "KARVGraphicalEntity::DoesPointContainExtent";
 
-/// A prism over an L of area 3, whose concave ends are not split. The two ends are the first faces.
+/// A prism over an L of area 3 whose ends are one concave face each, as other modelers make them. The ends
+/// come first.
 Body ConcavePrism()
 {
-    return AModeler::MakePrism({{{2, 0, 0}, {2, 1, 0}, {1, 1, 0}, {1, 2, 0}, {0, 2, 0}, {0, 0, 0}}},
-                               {0, 0, 1}, AModeler::FaceSplitting::Bridges);
+    // Built over a convex profile, whose ends are not split. Then the corner at (1.5, 1.5) moves to (1, 1).
+    Body prism = AModeler::MakePrism({{{2, 0, 0}, {2, 1, 0}, {1.5, 1.5, 0}, {1, 2, 0}, {0, 2, 0}, {0, 0, 0}}},
+                                     {0, 0, 1});
+    for (AModeler::Vertex& vertex : prism.vertices_)
+        if (vertex.point_.x == 1.5)
+            vertex.point_ = {1, 1, vertex.point_.z};
+    return prism;
 }
 
 } // namespace

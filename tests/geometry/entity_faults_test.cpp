@@ -2,7 +2,7 @@
 #include "tests/geometry/shapes.h"
 
 #include "platform/host/db/entities.h"
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 #include "tests/support/trace_recording.h"
 
 #include <gmock/gmock.h>

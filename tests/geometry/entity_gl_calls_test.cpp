@@ -4,7 +4,7 @@
 #include "geometry/KARVGraphicalEntity.h"
 #include "platform/host/cm/color.h"
 #include "platform/host/db/entities.h"
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 #include "tests/support/gl_recorder.h"
 #include "tests/support/modeler_hooks.h"
 #include "tests/support/trace_recording.h"

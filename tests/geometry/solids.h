@@ -1,7 +1,7 @@
 // Solids shared by the tests of their conversion.
 #pragma once
 
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 #include "tests/geometry/shapes.h"
 
 #include <gtest/gtest.h>

@@ -5,7 +5,7 @@
 #include "module/guard.h"
 #include "platform/host/db/entities.h"
 #include "platform/host/rx/entry_points.h"
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 #include "tests/support/processor_state.h"
 #include "tests/support/trace_recording.h"
 

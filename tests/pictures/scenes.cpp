@@ -1,7 +1,7 @@
 #include "tests/pictures/scenes.h"
 
 #include "platform/host/db/entities.h"
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,4 +1,4 @@
-// Bodies from points and loops: how their parts hang together, and what is refused with which words.
+// Bodies from points and loops: how their parts are linked, and the reasons of refusals.
 #include "tests/platform/modeler_checks.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +14,7 @@ using testing::IsEmpty;
 namespace
 {
 
-// The corner of a unit cube, with its faces clockwise seen from outside.
+// A tetrahedron, the corner of a unit cube. Its faces run clockwise as seen from outside.
 const Points kTetrahedron{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 const std::vector<Loop> kTetrahedronFaces{{0, 1, 2}, {0, 3, 1}, {0, 2, 3}, {1, 3, 2}};
 
@@ -287,7 +287,7 @@ TEST(ModelerBuilderRefusal, EdgeUsedTwiceByOneFace)
 TEST(ModelerBuilderRefusal, FaceThatIsMissing)
 {
     const std::vector<Loop> three(kTetrahedronFaces.begin() + 1, kTetrahedronFaces.end());
-    // Without the first face, 1-0 of what is now face 0 has nothing on its other side.
+    // Without the first face, edge 1-0 of the next one, now face 0, has no twin.
     EXPECT_EQ(RefusalOf(BuilderOf(kTetrahedron, three)),
               "the edge from point 1 to point 0 of face 0 has no twin, so the body is open");
 }
@@ -462,7 +462,7 @@ TEST(ModelerBody, EdgesWithoutPartnersStayAsTheyAre)
     edge->partner_->partner_ = nullptr;
     edge->partner_ = nullptr;
     body.markSmoothEdges(180.0);
-    EXPECT_EQ(PhysicalEdgesOf(body).size(), 2U); // both sides of it, which know nothing of each other
+    EXPECT_EQ(PhysicalEdgesOf(body).size(), 2U); // its halves, which have no partner
     edge->setPhysical(false);
     EXPECT_EQ(PhysicalEdgesOf(body).size(), 1U);
 }
@@ -486,7 +486,7 @@ TEST(ModelerBody, MovingKeepsThePartsInPlace)
     EXPECT_EQ(body.faceList()->edgeLoop(), edge);
     ExpectSound(body);
     EXPECT_NEAR(VolumeOf(body), 1.0 / 6.0, 1e-15);
-    EXPECT_EQ(source.faceCount(), 0); // NOLINT(bugprone-use-after-move): what is left is promised to be empty
+    EXPECT_EQ(source.faceCount(), 0); // NOLINT(bugprone-use-after-move): documented to be empty
     EXPECT_EQ(source.faceList(), nullptr);
 }
 

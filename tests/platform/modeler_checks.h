@@ -1,4 +1,4 @@
-// What the modeler's tests share: bodies from listed corners, and what must hold of every body.
+// Shared by the modeler's tests: bodies from listed corners, and checks that hold for every body.
 #pragma once
 
 #include "platform/modeler/body.h"
@@ -31,12 +31,11 @@ inline AModeler::BodyBuilder BuilderOf(const Points& points, const std::vector<L
     return builder;
 }
 
-/// Why the builder refuses, empty where it does not.
-inline std::string RefusalOf(const AModeler::BodyBuilder& builder,
-                             AModeler::FaceSplitting splitting = AModeler::FaceSplitting::ConvexFacets)
+/// Why the builder refuses; empty where it does not.
+inline std::string RefusalOf(const AModeler::BodyBuilder& builder)
 {
     try {
-        static_cast<void>(builder.Build(splitting));
+        static_cast<void>(builder.Build());
     } catch (const AModeler::BodyError& error) {
         return error.what();
     }
@@ -55,8 +54,7 @@ inline void AddFaceWithHoles(AModeler::BodyBuilder& builder, const std::vector<L
     }
 }
 
-/// A closed body without thickness: one face of these loops, whose corners run clockwise seen from its
-/// normal, and the same face seen from behind.
+/// A closed body without thickness: one face of these loops, and the same face the other way round.
 inline AModeler::BodyBuilder LaminaOf(const std::vector<Points>& loops)
 {
     AModeler::BodyBuilder builder;
@@ -113,7 +111,8 @@ inline std::vector<AModeler::Edge*> PhysicalEdgesOf(AModeler::Body& body)
     return edges;
 }
 
-/// The area of the triangles of the fan from the first corner, those that run the other way taken off.
+/// The area of the triangles of the fan from the first corner; triangles that run the other way count
+/// negative.
 inline double FanArea(AModeler::Face& face)
 {
     const Points corners = CornersOf(face);
@@ -147,8 +146,8 @@ inline int EulerCharacteristic(AModeler::Body& body)
     return static_cast<int>(vertices.size()) - sides / 2 + body.faceCount();
 }
 
-/// Every loop closes, every edge belongs to its face and runs against its partner, and both agree on being
-/// physical.
+/// Expects that every loop closes, that every edge belongs to its face and runs against its partner, and
+/// that both halves are physical or neither.
 inline void ExpectSound(AModeler::Body& body)
 {
     const std::vector<AModeler::Face*> faces = FacesOf(body);
@@ -168,7 +167,7 @@ inline void ExpectSound(AModeler::Body& body)
     }
 }
 
-/// Whether the loop turns the same way all around, going on straight allowed, and once only.
+/// Whether the loop goes around once and never turns the other way. Corners in one line are allowed.
 inline bool IsConvexFace(AModeler::Face& face)
 {
     const Points corners = CornersOf(face);

@@ -1,4 +1,4 @@
-// Memory of large bodies, counted: it grows as the number of faces does.
+// The memory of large bodies, counted: it grows linearly with the number of faces.
 #include "platform/modeler/body_builder.h"
 #include "tests/support/allocation_count.h"
 

@@ -1,4 +1,4 @@
-// Faces that a fan would not fill: split into convex facets, or their holes joined to the outline.
+// Faces that a fan would not fill: they are split into convex facets.
 #include "tests/platform/modeler_checks.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +8,6 @@
 #include <numbers>
 
 using namespace karv_test;
-using AModeler::FaceSplitting;
 
 namespace
 {
@@ -22,7 +21,7 @@ Points Rectangle(double left, double bottom, double right, double top)
     return {{left, bottom, 0}, {left, top, 0}, {right, top, 0}, {right, bottom, 0}};
 }
 
-/// The same the other way round, as holes run.
+/// A rectangle, counter-clockwise, as holes run.
 Points Hole(double left, double bottom, double right, double top)
 {
     const Points loop = Rectangle(left, bottom, right, top);
@@ -52,8 +51,8 @@ std::size_t CornersIn(const std::vector<Points>& loops)
     return count;
 }
 
-/// Splits a lamina of these loops and checks what must hold of both sides: convex facets of one plane, of
-/// this area in all, the loops' edges physical and no others. Returns the number of facets of one side.
+/// Splits a lamina of these loops and checks both sides: the facets are convex, have one plane and this
+/// area in all, and only the loops' edges are physical. Returns the number of facets of one side.
 int ExpectConvexFacets(const std::vector<Points>& loops, double area)
 {
     AModeler::Body body = LaminaOf(loops).Build();
@@ -77,48 +76,6 @@ int ExpectConvexFacets(const std::vector<Points>& loops, double area)
     EXPECT_NEAR(back_area / area, 1.0, 1e-9);
     EXPECT_EQ(PhysicalEdgesOf(body).size(), CornersIn(loops));
     return front_faces;
-}
-
-/// The one face that a face with holes becomes.
-AModeler::Body Bridged(const std::vector<Points>& loops)
-{
-    return LaminaOf(loops).Build(FaceSplitting::Bridges);
-}
-
-/// Checks a lamina whose holes are joined: one face on either side, of this area, with a bridge for each
-/// hole.
-void ExpectBridged(const std::vector<Points>& loops, double area)
-{
-    AModeler::Body body = Bridged(loops);
-    ExpectSound(body);
-    ASSERT_EQ(body.faceCount(), 2);
-    const std::size_t bridges = loops.size() - 1;
-    for (AModeler::Face* face : FacesOf(body)) {
-        EXPECT_NEAR(FanArea(*face) / area, 1.0, 1e-9); // parts that run the other way are taken off
-        EXPECT_EQ(static_cast<std::size_t>(face->edgeCount()), CornersIn(loops) + 2 * bridges);
-        std::size_t inner = 0;
-        for (const AModeler::Edge* edge : EdgesOf(*face))
-            if (edge->partner()->face() == face) {
-                ++inner;
-                EXPECT_FALSE(edge->isPhysical());
-            }
-        EXPECT_EQ(inner, 2 * bridges);
-    }
-    EXPECT_EQ(PhysicalEdgesOf(body).size(), CornersIn(loops));
-}
-
-double Side(const AcGePoint3d& a, const AcGePoint3d& b, const AcGePoint3d& c)
-{
-    return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
-}
-
-bool Cross(const AModeler::Edge* one, const AModeler::Edge* other)
-{
-    const AcGePoint3d& a = one->vertex()->point();
-    const AcGePoint3d& b = one->next()->vertex()->point();
-    const AcGePoint3d& c = other->vertex()->point();
-    const AcGePoint3d& d = other->next()->vertex()->point();
-    return Side(a, b, c) * Side(a, b, d) < 0.0 && Side(c, d, a) * Side(c, d, b) < 0.0;
 }
 
 /// A plate of `count` x `count` square holes of side 1, 1 apart: its side is 2 count + 1.
@@ -198,7 +155,7 @@ TEST(ModelerFacets, LIsTwoOrThree)
 {
     const int facets = ExpectConvexFacets({kL}, 3.0);
     EXPECT_GE(facets, 2);
-    EXPECT_LE(facets, 3); // an inner corner leaves at most two cuts that cannot be taken out
+    EXPECT_LE(facets, 3); // an inner corner leaves at most two cuts that cannot be removed
 }
 
 TEST(ModelerFacets, EveryStartOfTheLoopIsTheSame)
@@ -357,22 +314,13 @@ TEST(ModelerFacets, RoundHoleOfManyCorners)
                        16.0 - RegularArea(1000, 1.0));
 }
 
-TEST(ModelerFacets, OutlineThatRunsAlongABridgeInBothDirections)
+TEST(ModelerFacets, OutlineThatRunsAlongAnEdgeInBothDirections)
 {
     AModeler::Body body = Tube({{0, 1, 2, 3, 0, 4, 5, 6, 7, 4}}).Build();
     ExpectSound(body);
     for (AModeler::Face* face : FacesOf(body))
         EXPECT_TRUE(IsConvexFace(*face));
     EXPECT_NEAR(VolumeOf(body), 12.0, 1e-12);
-    EXPECT_EQ(PhysicalEdgesOf(body).size(), 24U);
-}
-
-TEST(ModelerFacets, BridgeOfTheCallersIsNotPhysicalInAWholeFaceEither)
-{
-    AModeler::Body body = Tube({{0, 1, 2, 3, 0, 4, 5, 6, 7, 4}}).Build(FaceSplitting::Bridges);
-    ExpectSound(body);
-    EXPECT_EQ(body.faceCount(), 10);
-    EXPECT_EQ(body.faceList()->edgeCount(), 10);
     EXPECT_EQ(PhysicalEdgesOf(body).size(), 24U);
 }
 
@@ -413,7 +361,7 @@ TEST(ModelerFacetsRefusal, OutlineThatCrossesItself)
 
 TEST(ModelerFacetsRefusal, OutlineThatGoesAroundTwice)
 {
-    // A five-pointed star along its chords turns right all the way.
+    // A five-pointed star along its chords turns right everywhere.
     const Points circle = RegularPolygon(5, 1.0);
     EXPECT_EQ(RefusalOf(LaminaOf({{circle[0], circle[2], circle[4], circle[1], circle[3]}})), kCannotSplit);
 }
@@ -460,7 +408,7 @@ TEST(ModelerFacetsRefusal, OutlineWithoutAreaThatHasAHole)
 
 TEST(ModelerFacetsRefusal, NamesTheFace)
 {
-    // The lamina's back is refused only after its front, which is whole here.
+    // Faces 0 and 1 are sound. Of the bow tie's two faces the first is refused.
     AModeler::BodyBuilder builder = LaminaOf({Rectangle(0, 0, 4, 4)});
     for (const AcGePoint3d& point : Points{{0, 0, 0}, {3, 3, 0}, {3, 0, 0}, {0, 2, 0}})
         builder.AddPoint(point);
@@ -469,64 +417,9 @@ TEST(ModelerFacetsRefusal, NamesTheFace)
     EXPECT_THAT(RefusalOf(builder), testing::StartsWith("face 2 has loops that cross"));
 }
 
-TEST(ModelerBridges, HoleIsJoinedByOneEdgeThereAndBack)
+TEST(ModelerFacets, HoleBesideAnEdgeThereAndBackOfTheCallers)
 {
-    ExpectBridged({Rectangle(0, 0, 4, 4), Hole(1, 1, 3, 3)}, 12.0);
-}
-
-TEST(ModelerBridges, BridgeIsTheShortestThatCanBeCut)
-{
-    AModeler::Body body = Bridged({Rectangle(0, 0, 10, 10), Hole(1, 5, 2, 6), Hole(3, 5, 4, 6)});
-    // The holes stand 1 apart. The nearest corner of the outline is sqrt(1 + 16) from (1, 6).
-    std::multiset<double> lengths;
-    for (const AModeler::Edge* edge : EdgesOf(*body.faceList()))
-        if (!edge->isPhysical())
-            lengths.insert(edge->vertex()->point().distanceTo(edge->next()->vertex()->point()));
-    ASSERT_EQ(lengths.size(), 4U);
-    EXPECT_NEAR(*lengths.begin(), 1.0, 1e-12);
-    EXPECT_NEAR(*lengths.rbegin(), std::sqrt(17.0), 1e-12);
-}
-
-TEST(ModelerBridges, TwoHoles)
-{
-    ExpectBridged({Rectangle(0, 0, 7, 3), Hole(1, 1, 2, 2), Hole(4, 1, 6, 2)}, 18.0);
-}
-
-TEST(ModelerBridges, HundredHoles)
-{
-    ExpectBridged(Sieve(10), 21.0 * 21.0 - 100.0);
-}
-
-TEST(ModelerBridges, BridgesCrossNothing)
-{
-    AModeler::Body body = Bridged(Sieve(6));
-    const std::vector<AModeler::Edge*> edges = EdgesOf(*body.faceList());
-    int bridge_sides = 0;
-    for (const AModeler::Edge* bridge : edges) {
-        if (bridge->isPhysical())
-            continue;
-        ++bridge_sides;
-        for (const AModeler::Edge* edge : edges)
-            EXPECT_FALSE(Cross(bridge, edge));
-    }
-    EXPECT_EQ(bridge_sides, 72);
-}
-
-TEST(ModelerBridges, HoleInASlantedPlane)
-{
-    const auto slant = [](AcGePoint3d p) { return AcGePoint3d{p.x, p.y, p.x + p.y}; };
-    ExpectBridged(Mapped({Rectangle(0, 0, 4, 4), Hole(1, 1, 3, 3)}, slant), 12.0 * std::sqrt(3.0));
-}
-
-TEST(ModelerBridges, ConcaveOutlineStaysWhole)
-{
-    ExpectBridged({kL}, 3.0);
-    ExpectBridged({kL, Hole(0.25, 0.25, 0.75, 0.75)}, 2.75);
-}
-
-TEST(ModelerBridges, HoleBesideABridgeOfTheCallers)
-{
-    // A plate with two holes. Its upper end takes the left one in by hand.
+    // A plate with two holes. The outline of its upper end runs to the left hole and back.
     AModeler::BodyBuilder builder;
     for (const double z : {1.0, 0.0}) {
         for (const Points& loop : {Rectangle(0, 0, 9, 4), Hole(1, 1, 3, 3), Hole(6, 1, 8, 3)})
@@ -541,31 +434,10 @@ TEST(ModelerBridges, HoleBesideABridgeOfTheCallers)
             const int to = first + (i + 1) % 4;
             builder.AddFace(Loop{to, from, from + 12, to + 12});
         }
-    AModeler::Body body = builder.Build(FaceSplitting::Bridges);
+    AModeler::Body body = builder.Build();
     ExpectSound(body);
-    ASSERT_EQ(body.faceCount(), 14);
-    EXPECT_EQ(body.faceList()->edgeCount(), 16);
+    for (AModeler::Face* face : FacesOf(body))
+        EXPECT_TRUE(IsConvexFace(*face));
     EXPECT_NEAR(VolumeOf(body), 28.0, 1e-12); // 36 - 4 - 4
     EXPECT_EQ(PhysicalEdgesOf(body).size(), 36U);
-}
-
-TEST(ModelerBridges, HoleThatTouchesTheOutlineAtASharedPointNeedsNone)
-{
-    // Both loops use point 0.
-    AModeler::BodyBuilder builder =
-        BuilderOf({{0, 0, 0}, {0, 4, 0}, {4, 4, 0}, {4, 0, 0}, {2, 1, 0}, {1, 2, 0}}, {});
-    AddFaceWithHoles(builder, {{0, 1, 2, 3}, {0, 4, 5}});
-    AddFaceWithHoles(builder, {{3, 2, 1, 0}, {5, 4, 0}});
-    AModeler::Body body = builder.Build(FaceSplitting::Bridges);
-    ExpectSound(body);
-    ASSERT_EQ(body.faceCount(), 2);
-    EXPECT_EQ(body.faceList()->edgeCount(), 7);
-    EXPECT_NEAR(FanArea(*body.faceList()), 14.5, 1e-12); // 16 - (2 x 2 - 1 x 1) / 2
-    EXPECT_EQ(PhysicalEdgesOf(body).size(), 7U);
-}
-
-TEST(ModelerBridges, HoleThatCannotBeJoinedIsRefused)
-{
-    EXPECT_EQ(RefusalOf(LaminaOf({Rectangle(0, 0, 4, 4), Hole(5, 1, 6, 2)}), FaceSplitting::Bridges),
-              "face 0 has a hole that cannot be joined to its outline");
 }

@@ -1,4 +1,4 @@
-// The planes of faces: the direction, the length and the place of the normal, whatever the loop.
+// The planes of faces: direction and length of the normal, and the plane's place, for loops of every kind.
 #include "tests/platform/modeler_checks.h"
 
 #include <limits>
@@ -8,10 +8,19 @@ using namespace karv_test;
 namespace
 {
 
-/// The plane of the first face of a body of this loop, left as it is.
+/// The plane of a face with this loop. The body is built with a convex loop of as many corners, which stays
+/// one face, and its corners are moved afterwards.
 AModeler::Plane PlaneOf(const Points& corners)
 {
-    AModeler::Body body = LaminaOf({corners}).Build(AModeler::FaceSplitting::Bridges);
+    Points convex;
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const double along = static_cast<double>(i);
+        convex.emplace_back(along, along * along, 0.0); // on a parabola
+    }
+    AModeler::Body body = LaminaOf({convex}).Build();
+    EXPECT_EQ(body.faceCount(), 2);
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        body.vertices_[i].point_ = corners[i];
     body.faceList()->evaluatePlane();
     EXPECT_TRUE(body.faceList()->isPlaneEvaluated());
     return body.faceList()->plane();
@@ -52,7 +61,7 @@ TEST(ModelerPlane, IsNotThereBeforeItIsEvaluated)
     ExpectNoPlane(body.faceList()->plane());
 }
 
-TEST(ModelerPlane, NormalPointsToWhoeverSeesTheLoopRunClockwise)
+TEST(ModelerPlane, NormalPointsToTheSideFromWhichTheLoopRunsClockwise)
 {
     ExpectNormal(PlaneOf(kSquare), 0, 0, 1);
     ExpectNormal(PlaneOf({kSquare.rbegin(), kSquare.rend()}), 0, 0, -1);
@@ -80,7 +89,7 @@ TEST(ModelerPlane, OffsetPutsTheCornersOnThePlane)
     EXPECT_NEAR(plane.normal.z * 7.0 + plane.offset, 0.0, 1e-12);
 }
 
-TEST(ModelerPlane, CornersInOneLineAtTheStartDoNoHarm)
+TEST(ModelerPlane, CornersInOneLineAtTheStartAreAllowed)
 {
     ExpectNormal(PlaneOf({{0, 0, 0}, {0, 1, 0}, {0, 2, 0}, {2, 2, 0}, {2, 0, 0}}), 0, 0, 1);
 }
@@ -92,7 +101,7 @@ TEST(ModelerPlane, ConcaveStartDoesNotTurnItRound)
     ExpectNormal(PlaneOf({{1, 1, 0}, {2, 0, 0}, {-4, 1, 0}, {2, 2, 0}}), 0, 0, 1);
 }
 
-TEST(ModelerPlane, EqualCornersDoNoHarm)
+TEST(ModelerPlane, EqualCornersAreAllowed)
 {
     ExpectNormal(PlaneOf({{0, 0, 0}, {0, 0, 0}, {0, 2, 0}, {2, 2, 0}, {2, 0, 0}, {2, 0, 0}}), 0, 0, 1);
 }

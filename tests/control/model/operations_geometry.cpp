@@ -2,7 +2,7 @@
 #include "tests/control/model/operations.h"
 
 #include "platform/host/db/entities.h"
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 
 #include <algorithm>
 #include <cmath>
@@ -170,8 +170,8 @@ Operation DrawAppendOther(Random& random)
         });
 }
 
-/// A box, or a prism over an L, whose concave caps are fans or are split. Solids are finite and have a
-/// volume.
+/// A box (kind 0), or a prism over an L whose caps are one concave face each (kind 1) or split (kind 2).
+/// Solids are finite and enclose a volume.
 struct SolidShape {
     AcGePoint3d corner;
     AcGeVector3d size;
@@ -184,11 +184,25 @@ struct SolidShape {
             return AModeler::MakeBox(c, c + size);
         const AcGeVector3d right{size.x, 0.0, 0.0};
         const AcGeVector3d up{0.0, size.y, 0.0};
-        const AModeler::Profile profile{
-            {c, c + right, c + right + up * 0.4, c + right * 0.4 + up * 0.4, c + right * 0.4 + up, c + up}};
-        return AModeler::MakePrism(profile, {0.0, 0.0, size.z},
-                                   kind == 1 ? AModeler::FaceSplitting::Bridges
-                                             : AModeler::FaceSplitting::ConvexFacets);
+        const AcGePoint3d inner = c + right * 0.4 + up * 0.4;
+        if (kind == 2)
+            return AModeler::MakePrism(Outline(inner), {0.0, 0.0, size.z});
+        // The modeler keeps convex caps whole; their corner is moved inwards afterwards.
+        const AcGePoint3d outer = c + right * 0.8 + up * 0.8;
+        AModeler::Body body = AModeler::MakePrism(Outline(outer), {0.0, 0.0, size.z});
+        for (AModeler::Vertex& vertex : body.vertices_)
+            if (vertex.point_.x == outer.x && vertex.point_.y == outer.y)
+                vertex.point_ = {inner.x, inner.y, vertex.point_.z};
+        return body;
+    }
+
+    /// The L with this corner in the place of its inner one.
+    [[nodiscard]] AModeler::Profile Outline(const AcGePoint3d& fourth) const
+    {
+        const AcGePoint3d& c = corner;
+        const AcGeVector3d right{size.x, 0.0, 0.0};
+        const AcGeVector3d up{0.0, size.y, 0.0};
+        return {{c, c + right, c + right + up * 0.4, fourth, c + right * 0.4 + up, c + up}};
     }
 };
 
