@@ -1,17 +1,16 @@
 #include "platform/tools/chrome_trace_sink.h"
 
+#include "platform/tools/atomic_file.h"
 #include "platform/tools/utf8.h"
 
 #include <nlohmann/json.hpp>
 
 #include <atomic>
-#include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -36,8 +35,8 @@ int ProcessId()
 #endif
 }
 
-/// A number for the calling thread, from 1 in the order of asking. The system's own identifiers return
-/// after a thread has ended, and two threads would share one row.
+/// A number for the calling thread, from 1 in the order of first use.
+/// NOTE: systems use a thread's own identifier again after its end, so that two threads would share a row.
 int ThreadNumber()
 {
     static std::atomic<int> last{0};
@@ -45,51 +44,22 @@ int ThreadNumber()
     return number;
 }
 
-/// A name beside `path` that no other sink uses, in this process or another one that is alive.
-std::string TemporaryName(const std::string& path)
+[[noreturn]] void Refuse(const std::string& path, std::errc error)
 {
-    static std::atomic<int> last{0};
-    return path + "." + std::to_string(ProcessId()) + "-" + std::to_string(++last) + ".part";
+    throw std::runtime_error("cannot write " + path + ": " + std::make_error_code(error).message());
 }
-
-[[noreturn]] void Refuse(const std::string& path, int error)
-{
-    throw std::runtime_error("cannot write " + path + ": " + std::generic_category().message(error));
-}
-
-/// Why `path` cannot become the file, as an error number; 0 where nothing speaks against it.
-/// A device or a pipe is refused because the finished file would replace it.
-int ReasonAgainst(const std::string& path)
-{
-    std::error_code ignored;
-    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
-    if (path.empty())
-        return ENOENT;
-    if (std::filesystem::is_directory(status))
-        return EISDIR;
-    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) ? EINVAL : 0;
-}
-
-using Stream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 } // namespace
 
-/// The file as it grows, under a temporary name until it is complete. All members need `mutex` held.
+/// The events so far and the file that they go to. All members need `mutex` held.
 struct ChromeTraceSink::File {
     std::mutex mutex;
     std::string path;
-    std::string temporary;
-    Stream stream{nullptr, &std::fclose};
+    std::optional<AtomicFile> output; ///< none once the sink is closed
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     std::map<int, std::vector<const wchar_t*>> open_calls; ///< by thread, innermost last
-    int error = 0;                                         ///< the first failure; nothing is written after it
-    bool empty = true;
-
-    void Write(const std::string& text) noexcept
-    {
-        if (error == 0 && std::fwrite(text.data(), 1, text.size(), stream.get()) != text.size())
-            error = errno != 0 ? errno : EIO;
-    }
+    std::optional<std::errc> error;                        ///< the first failure; nothing is written after it
+    bool is_empty = true;
 
     [[nodiscard]] Json NewEvent(const std::string& name, const char* phase, int thread) const
     {
@@ -100,8 +70,8 @@ struct ChromeTraceSink::File {
 
     void WriteEvent(const Json& event)
     {
-        Write((empty ? "\n" : ",\n") + event.dump());
-        empty = false;
+        output->Write((is_empty ? "\n" : ",\n") + event.dump());
+        is_empty = false;
     }
 
     void Begin(const wchar_t* name)
@@ -136,46 +106,32 @@ struct ChromeTraceSink::File {
         WriteEvent(event);
     }
 
-    /// Runs `step` on an open file; a step that memory cannot be had for spoils the file, since it would no
-    /// longer tell the truth.
+    /// Runs `step` while the file is open and sound. A step that runs out of memory spoils the file too,
+    /// because an event is missing from it.
     template <typename Step>
     void Run(Step step) noexcept
     {
-        if (stream == nullptr || error != 0)
+        if (!output.has_value() || error.has_value())
             return;
         try {
             step();
+        } catch (const AtomicFileError& failure) {
+            error = failure.Code();
         } catch (const std::exception&) {
-            error = ENOMEM;
+            error = std::errc::not_enough_memory;
         }
-    }
-
-    /// Closes the stream and gives the file its name, or removes it. Returns the error, 0 for none.
-    [[nodiscard]] int Finish() noexcept
-    {
-        if (std::fclose(stream.release()) != 0 && error == 0)
-            error = errno;
-        if (error == 0) {
-            std::error_code failure;
-            std::filesystem::rename(temporary, path, failure);
-            error = failure.value();
-        }
-        if (error != 0)
-            std::remove(temporary.c_str());
-        return error;
     }
 };
 
 ChromeTraceSink::ChromeTraceSink(const std::string& path) : file_(std::make_unique<File>())
 {
-    if (const int reason = ReasonAgainst(path); reason != 0)
-        Refuse(path, reason);
     file_->path = path;
-    file_->temporary = TemporaryName(path);
-    file_->stream.reset(std::fopen(file_->temporary.c_str(), "wb"));
-    if (file_->stream == nullptr)
-        Refuse(path, errno);
-    file_->Write("{\"traceEvents\":[");
+    try {
+        file_->output.emplace(path);
+    } catch (const AtomicFileError& failure) {
+        Refuse(path, failure.Code());
+    }
+    file_->Run([&] { file_->output->Write("{\"traceEvents\":["); });
 }
 
 ChromeTraceSink::~ChromeTraceSink()
@@ -183,8 +139,7 @@ ChromeTraceSink::~ChromeTraceSink()
     try {
         Close();
     } catch (const std::exception&) {
-        // Whoever wants to know calls Close; the unfinished file is removed either way.
-        return;
+        return; // the unfinished file is removed; who needs the reason calls Close
     }
 }
 
@@ -209,12 +164,14 @@ void ChromeTraceSink::ReportFault(const wchar_t* file, int line) noexcept
 void ChromeTraceSink::Close()
 {
     const std::lock_guard lock(file_->mutex);
-    if (file_->stream == nullptr)
+    if (!file_->output.has_value())
         return;
     file_->Run([&] {
         file_->EndAll();
-        file_->Write("\n]}\n");
+        file_->output->Write("\n]}\n");
+        file_->output->Commit();
     });
-    if (const int error = file_->Finish(); error != 0)
-        Refuse(file_->path, error);
+    file_->output.reset();
+    if (file_->error.has_value())
+        Refuse(file_->path, *file_->error);
 }

@@ -1,5 +1,5 @@
-// What the handlers of the systems share in deciding whether a fault is caught: the images whose faults are,
-// and what the unwinder's tables say about a function on the way.
+// The part of the decision whether a fault is caught that is the same on all systems: the images whose
+// faults are caught, and what the unwinder's tables say about each active function.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 namespace fault_search
 {
 
-/// The addresses of an image, the end excluded.
+/// The addresses of an image (program or library), `end` excluded.
 struct ImageRange {
     std::uintptr_t begin = 0;
     std::uintptr_t end = 0;
@@ -17,50 +17,53 @@ struct ImageRange {
     bool operator==(const ImageRange&) const = default;
 };
 
-/// Whether an image whose faults are caught contains the address. Takes no lock: for handlers.
+/// Whether the address lies in an image whose faults are caught. Takes no lock, so that handlers may call it.
 [[nodiscard]] bool IsInCaughtImage(std::uintptr_t address) noexcept;
 
-/// Calls `body`. The frame of this function marks the guard that called it.
+/// Calls `body` and returns true. The frame of this function on the stack marks its caller as a guard.
 bool RunBody(void (*body)(void*), void* argument);
 
-/// A function under way, as the system's unwinder shows it.
+/// An active function, as the system's unwinder shows it.
 struct Frame {
-    std::uintptr_t function = 0;          ///< where it begins
-    std::uintptr_t call = 0;              ///< inside the instruction by which it called the one before it
+    std::uintptr_t function = 0;          ///< its first address
+    std::uintptr_t call = 0;              ///< an address inside its active call instruction
     std::uintptr_t stack = 0;             ///< its stack pointer at that instruction
-    const unsigned char* table = nullptr; ///< of its handlers, null where it has none
+    const unsigned char* table = nullptr; ///< its table of exception handlers, null for none
 };
 
-/// Goes from the caller of the function that faulted outwards until it knows whether a guard catches the
-/// fault, and finds the call from which it can be thrown on.
+/// Examines the active functions, from the caller of the faulting function outwards, until it is known
+/// whether a guard catches the fault, and finds the call from which the exception can be thrown.
 class Search
 {
   public:
     enum class Step {
-        GoOn,     ///< show the next function outwards
-        LeaveToo, ///< the same, but nothing can be thrown from this function's call: the next one's may do
-        Stop,     ///< it is known
+        Continue, ///< examine the next function outwards
+        SkipCall, ///< the same, but the exception cannot be thrown from this function's call
+        Stop,     ///< the result is known
     };
 
-    [[nodiscard]] Step After(const Frame& frame) noexcept;
+    /// Examines the next function outwards.
+    [[nodiscard]] Step Examine(const Frame& frame) noexcept;
     [[nodiscard]] bool HasFoundGuard() const noexcept { return has_found_guard_; }
 
   private:
-    bool is_to_throw_ = true; ///< whether the next function would be the first to be thrown through
+    bool is_throwing_call_next_ = true; ///< whether the exception is to be thrown from the next function
     bool is_guard_next_ = false;
     bool has_found_guard_ = false;
 };
 
-/// Throws. A handler lets the thread go on here, as if the function that called the faulting one had called
-/// this one instead.
+/// Throws an exception. A handler makes the thread continue here, as if this function had been called
+/// instead of the faulting one.
 [[noreturn]] void ThrowProcessorFault();
 
-// What each system supplies.
+// Supplied by each system.
 
 /// The image that contains the address; none where no image does.
 [[nodiscard]] std::optional<ImageRange> ImageAt(const void* address) noexcept;
-/// Both are called for one thread at a time, in turn, installation first.
+/// Installs the handler; false where the system refuses. Install and remove are called in turn, by one
+/// thread at a time.
 [[nodiscard]] bool InstallHandler() noexcept;
+/// Removes the handler.
 void RemoveHandler() noexcept;
 
 } // namespace fault_search

@@ -37,7 +37,7 @@ void MemoryTraceSink::Keep(TraceRecord::Kind kind, const wchar_t* name, int line
         const std::lock_guard lock(mutex_);
         records_.push_back(std::move(record));
     } catch (const std::exception&) {
-        // No memory, or a broken lock: a trace must not end the process that it watches.
+        // No memory, or a broken lock: tracing must not end the process.
         return;
     }
 }

@@ -1,4 +1,4 @@
-// A sink that keeps every record in memory, in the order of arrival.
+// A trace sink that keeps every record in memory, in the order of arrival.
 #pragma once
 
 #include "platform/tools/trace.h"
@@ -18,7 +18,7 @@ struct TraceRecord {
     bool operator==(const TraceRecord&) const = default;
 };
 
-/// Keeps records until they are taken. A record that memory cannot be had for is dropped.
+/// Keeps the records until `Clear`. A record for which there is no memory is dropped. Any thread.
 class KARV_PLATFORM_API MemoryTraceSink final : public TraceSink
 {
   public:
@@ -28,6 +28,7 @@ class KARV_PLATFORM_API MemoryTraceSink final : public TraceSink
 
     /// A copy of the records so far.
     [[nodiscard]] std::vector<TraceRecord> Records() const;
+    /// Removes all records.
     void Clear() noexcept;
 
   private:

@@ -14,9 +14,9 @@ namespace fault_search
 namespace
 {
 
-constexpr std::size_t kMaxImages = 9; // karv_platform's own and eight more
+constexpr std::size_t kMaxImages = 9; // karv_platform and eight more
 
-/// Ranges are written before `image_count` covers them and never changed while it does.
+/// A range is written before `image_count` includes it, and does not change while it is included.
 std::array<ImageRange, kMaxImages> images;
 std::atomic<std::size_t> image_count{0};
 std::mutex switching;
@@ -45,7 +45,7 @@ void Add(const ImageRange& image)
     image_count.store(count + 1, std::memory_order_release);
 }
 
-/// Goes through a table of handlers from front to back.
+/// Reads a function's table of exception handlers from front to back.
 class TableReader
 {
   public:
@@ -71,13 +71,13 @@ class TableReader
     const unsigned char* place_;
 };
 
-// The one form in which this compiler writes tables for shared libraries; others are not understood.
+// The only form in which the compiler writes these tables for shared libraries. Others are not understood.
 constexpr unsigned char kOmitted = 0xFF;
 constexpr unsigned char kUnsignedVariable = 0x01;
 
-/// Whether an exception may come out of the function's call: the table lists all calls that may throw, and
-/// one that it does not list ends the process. What handlers there are does not matter: those outside guards
-/// are the standard library's, and throw on.
+/// Whether an exception may pass the function's call. The table lists all calls that may throw; an
+/// exception from another call ends the process. The handlers themselves do not matter: outside guards only
+/// the standard library has handlers, and they rethrow.
 bool MayThrow(const Frame& frame)
 {
     if (frame.table == nullptr)
@@ -116,11 +116,11 @@ bool IsInCaughtImage(std::uintptr_t address) noexcept
 bool RunBody(void (*body)(void*), void* argument)
 {
     body(argument);
-    // Something is left to do, so that the call above is one and no jump.
+    // The result keeps the compiler from turning the call above into a jump.
     return true;
 }
 
-Search::Step Search::After(const Frame& frame) noexcept
+Search::Step Search::Examine(const Frame& frame) noexcept
 {
     if (!IsInCaughtImage(frame.call))
         return Step::Stop;
@@ -130,21 +130,21 @@ Search::Step Search::After(const Frame& frame) noexcept
         return Step::Stop;
     }
     is_guard_next_ = frame.function == reinterpret_cast<std::uintptr_t>(&RunBody);
-    // Where the function called is known to need no aligned stack, the compiler leaves it as it is. Such a
-    // caller destroys nothing.
+    // The compiler does not align the stack for a call of a function that is known not to need it. A
+    // function that makes such a call has no objects to destroy.
     constexpr std::uintptr_t kAlignment = 16;
-    if (may_throw && is_to_throw_ && frame.stack % kAlignment != 0)
-        return Step::LeaveToo;
-    is_to_throw_ = !may_throw;
+    if (may_throw && is_throwing_call_next_ && frame.stack % kAlignment != 0)
+        return Step::SkipCall;
+    is_throwing_call_next_ = !may_throw;
     if (may_throw)
-        return Step::GoOn;
-    // Functions of karv_platform may hold locks of the whole process, which nobody would give back.
-    return OwnImage().Contains(frame.call) ? Step::Stop : Step::LeaveToo;
+        return Step::Continue;
+    // Functions of karv_platform may hold locks of the process, which would stay locked.
+    return OwnImage().Contains(frame.call) ? Step::Stop : Step::SkipCall;
 }
 
 void ThrowProcessorFault()
 {
-    // Of a type that no handler names: what catches everything catches it.
+    // Only `catch (...)` catches a type that no other function can name.
     struct ProcessorFault {
     };
     throw ProcessorFault{};
@@ -171,7 +171,7 @@ bool CatchProcessorFaults(const void* address) noexcept
     return true;
 }
 
-void LetProcessorFaultsPass() noexcept
+void StopCatchingProcessorFaults() noexcept
 {
     using namespace fault_search;
     const std::lock_guard lock(switching);

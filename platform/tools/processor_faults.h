@@ -1,38 +1,38 @@
-// Processor faults inside wrapped operations, answered like exceptions where the host process asks for it: an
-// access violation in one of the images named here ends at the innermost guard with one report. Until then,
-// and for every other fault, nothing changes. It does not know the module: a guard is whoever runs the
-// bodies of its operations by CTqLogEntry::RunWatched.
+// Processor faults inside guarded operations, handled like exceptions where the host process asks for it:
+// an access violation in one of the given images ends at the innermost guard with one report. Without a
+// call here, and for every other fault, nothing changes.
 //
-// On 64-bit Windows and x86-64 Linux.
+// The module is not known here: a guard is any function that runs the body of an operation by
+// CTqLogEntry::RunWatched and catches everything. On 64-bit Windows and x86-64 Linux.
 #pragma once
 
 #include "platform/export.h"
 
-/// From now on catches access violations of the image that contains `address` (a function or any other
-/// thing of the image; its handle on Windows) and of karv_platform. Calls add up, to at most 8 images; an
-/// image counts once.
+/// Starts catching access violations in the image (program or library) that contains `address` and in
+/// karv_platform. `address` is that of a function or a variable; on Windows the image's handle is one too.
+/// Further calls add images, up to 8; an image counts once.
 ///
 /// A fault is caught only if
-/// - an instruction of one of these images made it, by a wrong address for data that is not on the stack,
-/// - from there to a guard of the same thread every function under way belongs to these images, the guard's
+/// - an instruction of one of these images caused it, by a wrong address of data that is not on the stack,
+/// - every active function from there to a guard of the same thread belongs to these images, the guard
 ///   included, and
-/// - no function of karv_platform is left that must not throw.
-/// The unwinding starts at the call of the function that faulted, or further out, past functions of the other
-/// images that the compiler takes for ones that throw nothing. The objects of the functions before that stay
-/// undestroyed: what they own is lost, and what they locked stays locked. Those of all others up to the guard
-/// are destroyed as for an exception.
+/// - the unwinding does not have to leave a function of karv_platform that must not throw.
+/// Unwinding starts at the call of the faulting function. Where the compiler treats that call as one that
+/// cannot throw, and its function is not in karv_platform, unwinding starts further out. Objects of the
+/// functions before the start are not destroyed: their memory leaks and their locks stay locked. Objects of
+/// all other functions up to the guard are destroyed as for an exception.
 ///
-/// Everything else goes on to whoever else handles faults in the process, or ends it as before: faults in the
-/// host's and the system's code, also when called from these images, stack overflow, illegal instructions.
-/// On Windows the handler is a vectored one, behind all that stand when it is installed; on Linux it is the
-/// action of SIGSEGV and calls the action before it. Debuggers see each fault first.
+/// All other faults go to the other handlers of the process, or end it as before: faults in the host's and
+/// the system's code, even when these images call it, stack overflow, illegal instructions. On Windows the
+/// handler is a vectored one, installed behind the existing ones. On Linux it is the action of SIGSEGV and
+/// calls the action before it. Debuggers see each fault first.
 ///
-/// The image must stay loaded until `LetProcessorFaultsPass`. Operations already under way keep their old
-/// ways. Returns false, and changes nothing, where no image contains the address, the system refuses, or
-/// there are too many. Any thread.
+/// The image must stay loaded until `StopCatchingProcessorFaults`. Operations that are running already are
+/// not affected. Returns false, and changes nothing, where no image contains the address, the system
+/// refuses, or there are too many images. Any thread.
 KARV_PLATFORM_API bool CatchProcessorFaults(const void* address) noexcept;
 
-/// Catches nothing any more, and takes the handler out again; on Linux only where no other stands before it,
-/// else it stays and passes everything on. Without a `CatchProcessorFaults` before it does nothing. Any
-/// thread.
-KARV_PLATFORM_API void LetProcessorFaultsPass() noexcept;
+/// Stops catching in all images and removes the handler. On Linux the handler stays where another one was
+/// installed after it, and passes every fault on. Does nothing without a `CatchProcessorFaults` before it.
+/// Any thread.
+KARV_PLATFORM_API void StopCatchingProcessorFaults() noexcept;

@@ -20,41 +20,43 @@ namespace fault_search
 namespace
 {
 
-/// The action of SIGSEGV before ours; ours is in force while `is_in_chain`.
+/// The action of SIGSEGV before ours. Valid while `is_in_chain`: our action is then installed, or called by
+/// another.
 struct sigaction previous;
 bool is_in_chain = false;
 
-// Registers by the numbers of the unwinder's tables, and by their places in a saved context.
+/// A register that a function preserves for its caller.
 struct KeptRegister {
-    int number;
-    int place;
+    int number; ///< in the unwinder's tables
+    int index;  ///< in a saved context
 };
 constexpr std::array<KeptRegister, 6> kKeptRegisters{
     {{3, REG_RBX}, {6, REG_RBP}, {12, REG_R12}, {13, REG_R13}, {14, REG_R14}, {15, REG_R15}}};
 
-std::uintptr_t Value(const ucontext_t& thread, int place)
+std::uintptr_t Value(const ucontext_t& thread, int index)
 {
-    return static_cast<std::uintptr_t>(thread.uc_mcontext.gregs[place]);
+    return static_cast<std::uintptr_t>(thread.uc_mcontext.gregs[index]);
 }
 
-void SetValue(ucontext_t& thread, int place, std::uintptr_t value)
+void SetValue(ucontext_t& thread, int index, std::uintptr_t value)
 {
-    thread.uc_mcontext.gregs[place] = static_cast<greg_t>(value);
+    thread.uc_mcontext.gregs[index] = static_cast<greg_t>(value);
 }
 
 bool IsReadable(std::uintptr_t address)
 {
-    // The system reads the set before it refuses the order, and says so otherwise where it cannot.
-    constexpr int kNoSuchOrder = -1;
+    // The system reads the set before it refuses the unknown operation; where it cannot read, it reports
+    // EFAULT.
+    constexpr int kUnknownOperation = -1;
     const int before = errno;
-    const bool is_readable = ::syscall(SYS_rt_sigprocmask, kNoSuchOrder, address & ~std::uintptr_t{7},
+    const bool is_readable = ::syscall(SYS_rt_sigprocmask, kUnknownOperation, address & ~std::uintptr_t{7},
                                        nullptr, sizeof(long)) != 0 &&
                              errno != EFAULT;
     errno = before;
     return is_readable;
 }
 
-/// Whether the stack has room for unwinding, which it has not where it was the stack that ended.
+/// Whether the stack has room for unwinding. It has none after a stack overflow.
 bool HasRoom(std::uintptr_t stack)
 {
     constexpr std::uintptr_t kRoom = std::uintptr_t{64} * 1024;
@@ -65,9 +67,9 @@ bool HasRoom(std::uintptr_t stack)
     return true;
 }
 
-/// What a function keeps for its caller, once it has returned.
+/// The registers of a calling function right after its call returned.
 struct Caller {
-    std::uintptr_t place = 0; ///< after the call
+    std::uintptr_t place = 0; ///< the instruction after the call
     std::uintptr_t stack = 0;
     std::array<std::uintptr_t, kKeptRegisters.size()> kept{};
 };
@@ -80,19 +82,19 @@ Caller CallerAt(_Unwind_Context* function)
     return caller;
 }
 
-/// A fault, and what is found on the way out of the function that it is in.
+/// A fault, and the state of the search outwards from it.
 struct Fault {
-    std::uintptr_t place = 0;   ///< the instruction
-    std::uintptr_t address = 0; ///< what it could not reach
+    std::uintptr_t place = 0;   ///< the faulting instruction
+    std::uintptr_t address = 0; ///< the address that it could not access
     std::uintptr_t stack = 0;   ///< the stack pointer there
     bool has_function_been_seen = false;
-    bool is_caller_next = true; ///< whether the next function is the one to throw from
+    bool is_caller_next = true; ///< whether the exception would be thrown from the next function's call
     Caller caller;
     Search search;
 };
 
-/// Whether the address lies in the part of the stack that the faulting function uses, the end of which is
-/// where its caller's begins.
+/// Whether the address lies in the part of the stack that the faulting function uses, up to where its
+/// caller's begins.
 bool IsOnStack(const Fault& fault)
 {
     constexpr std::uintptr_t kBelow = std::uintptr_t{64} * 1024;
@@ -105,7 +107,7 @@ _Unwind_Reason_Code Visit(_Unwind_Context* function, void* data)
     int is_exact = 0;
     const std::uintptr_t place = _Unwind_GetIPInfo(function, &is_exact);
     if (!fault.has_function_been_seen) {
-        // The handler's own come first.
+        // The frames of the signal handler come first.
         fault.has_function_been_seen = is_exact != 0 && place == fault.place;
         return _URC_NO_REASON;
     }
@@ -118,15 +120,16 @@ _Unwind_Reason_Code Visit(_Unwind_Context* function, void* data)
                       .call = place - 1,
                       .stack = _Unwind_GetCFA(function),
                       .table = static_cast<const unsigned char*>(_Unwind_GetLanguageSpecificData(function))};
-    const Search::Step step = is_exact == 0 ? fault.search.After(frame) : Search::Step::Stop;
-    fault.is_caller_next = step == Search::Step::LeaveToo;
+    const Search::Step step = is_exact == 0 ? fault.search.Examine(frame) : Search::Step::Stop;
+    fault.is_caller_next = step == Search::Step::SkipCall;
     return step == Search::Step::Stop ? _URC_END_OF_STACK : _URC_NO_REASON;
 }
 
-/// Whether the thread, which stopped at a fault, now goes on towards a guard.
+/// Changes the registers of the thread so that it continues towards a guard; false where the fault is not
+/// caught.
 bool Catch(const siginfo_t& signal, ucontext_t& thread)
 {
-    // Signals that somebody sent have no faulting instruction.
+    // A signal that was sent by a process has no faulting instruction.
     if (signal.si_code <= 0 || !IsInCaughtImage(Value(thread, REG_RIP)))
         return false;
     Fault fault;
@@ -138,19 +141,19 @@ bool Catch(const siginfo_t& signal, ucontext_t& thread)
     _Unwind_Backtrace(&Visit, &fault);
     if (!fault.search.HasFoundGuard())
         return false;
-    // As after the caller's call instruction.
+    // The state right after the caller's call instruction.
     constexpr std::uintptr_t kDirectionFlag = 0x400;
     const std::uintptr_t stack = fault.caller.stack - sizeof(std::uintptr_t);
     *reinterpret_cast<std::uintptr_t*>(stack) = fault.caller.place;
     for (std::size_t i = 0; i < kKeptRegisters.size(); ++i)
-        SetValue(thread, kKeptRegisters[i].place, fault.caller.kept[i]);
+        SetValue(thread, kKeptRegisters[i].index, fault.caller.kept[i]);
     SetValue(thread, REG_RSP, stack);
     SetValue(thread, REG_RIP, reinterpret_cast<std::uintptr_t>(&ThrowProcessorFault));
     SetValue(thread, REG_EFL, Value(thread, REG_EFL) & ~kDirectionFlag);
     return true;
 }
 
-/// Does what would be done without us.
+/// Does what the action before ours would do.
 void PassOn(int number, siginfo_t* signal, void* thread)
 {
     if ((previous.sa_flags & SA_SIGINFO) != 0) {
@@ -158,7 +161,7 @@ void PassOn(int number, siginfo_t* signal, void* thread)
     } else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN) {
         previous.sa_handler(number);
     } else if (signal->si_code > 0 || previous.sa_handler == SIG_DFL) {
-        // A fault comes again after the return; a signal that was sent has to be sent again.
+        // A fault repeats after the return. A signal that was sent has to be sent again.
         struct sigaction none {
         };
         none.sa_handler = SIG_DFL;
@@ -217,7 +220,7 @@ bool InstallHandler() noexcept
     };
     if (::sigaction(SIGSEGV, nullptr, &previous) != 0)
         return false;
-    // The handler before ours runs inside ours and finds what it asked for.
+    // The action before ours runs inside ours, so its mask and flags apply.
     ours.sa_sigaction = &HandleFault;
     ours.sa_mask = previous.sa_mask;
     ours.sa_flags = SA_SIGINFO | SA_ONSTACK | (previous.sa_flags & (SA_NODEFER | SA_RESTART));

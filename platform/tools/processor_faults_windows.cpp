@@ -22,8 +22,8 @@ ImageRange Stack()
     return {low, high};
 }
 
-/// Whether the fault is one of data, made by an instruction of ours, on a stack that is in order and has room
-/// for unwinding.
+/// Whether the fault is an access to data that is not on the stack, by an instruction of a caught image,
+/// with a valid stack pointer and room on the stack for unwinding.
 bool IsOurs(const EXCEPTION_RECORD& record, const CONTEXT& registers)
 {
     constexpr DWORD kRead = 0;
@@ -50,40 +50,40 @@ bool IsOnStack(const CONTEXT& registers)
     return registers.Rsp >= stack.begin && registers.Rsp + sizeof(DWORD64) <= stack.end;
 }
 
-/// Goes to the caller of the function that the registers are in, and returns what was left.
-Frame Leave(CONTEXT& registers)
+/// Unwinds the registers from the active function to its caller, and returns the frame of the function.
+Frame Unwind(CONTEXT& registers)
 {
-    Frame left{.function = 0, .call = registers.Rip - 1, .stack = registers.Rsp, .table = nullptr};
+    Frame frame{.function = 0, .call = registers.Rip - 1, .stack = registers.Rsp, .table = nullptr};
     DWORD64 base = 0;
     RUNTIME_FUNCTION* const entry = ::RtlLookupFunctionEntry(registers.Rip, &base, nullptr);
     if (entry == nullptr) {
-        // One that calls nothing and keeps nothing: its return address is all that it has on the stack.
+        // A leaf function has no entry, and only its return address is on the stack.
         registers.Rip = *reinterpret_cast<const DWORD64*>(registers.Rsp);
         registers.Rsp += sizeof(DWORD64);
-        return left;
+        return frame;
     }
     PVOID table = nullptr;
     DWORD64 establisher = 0;
     if (::RtlVirtualUnwind(UNW_FLAG_EHANDLER | UNW_FLAG_UHANDLER, base, registers.Rip, entry, &registers,
                            &table, &establisher, nullptr) != nullptr)
-        left.table = static_cast<const unsigned char*>(table);
-    left.function = base + entry->BeginAddress;
-    return left;
+        frame.table = static_cast<const unsigned char*>(table);
+    frame.function = base + entry->BeginAddress;
+    return frame;
 }
 
-/// The registers at the call from which the fault can be thrown on, as that call leaves them; none where no
-/// guard catches it.
+/// The registers right after the call from which the exception can be thrown; none where no guard catches
+/// the fault.
 std::optional<CONTEXT> CallToThrowFrom(CONTEXT registers)
 {
-    static_cast<void>(Leave(registers));
+    static_cast<void>(Unwind(registers));
     CONTEXT call = registers;
     Search search;
-    for (Search::Step step = Search::Step::GoOn; step != Search::Step::Stop && IsOnStack(registers);) {
+    for (Search::Step step = Search::Step::Continue; step != Search::Step::Stop && IsOnStack(registers);) {
         const DWORD64 stack = registers.Rsp;
-        step = search.After(Leave(registers));
-        if (step == Search::Step::LeaveToo)
+        step = search.Examine(Unwind(registers));
+        if (step == Search::Step::SkipCall)
             call = registers;
-        // Outwards is upwards, or the stack is not in order.
+        // Callers lie at higher addresses, or the stack is damaged.
         if (registers.Rsp <= stack)
             break;
     }
@@ -99,7 +99,7 @@ LONG CALLBACK HandleFault(EXCEPTION_POINTERS* fault)
     std::optional<CONTEXT> thread = CallToThrowFrom(*fault->ContextRecord);
     if (!thread.has_value())
         return EXCEPTION_CONTINUE_SEARCH;
-    // As after the call instruction.
+    // The state right after the call instruction.
     constexpr DWORD kDirectionFlag = 0x400;
     thread->Rsp -= sizeof(DWORD64);
     *reinterpret_cast<DWORD64*>(thread->Rsp) = thread->Rip;
@@ -127,7 +127,7 @@ std::optional<ImageRange> ImageAt(const void* address) noexcept
 
 bool InstallHandler() noexcept
 {
-    // The last of those that stand: others may have their own reasons for faults at our instructions.
+    // Behind the existing handlers: they may cause and handle faults at our instructions on purpose.
     handler = ::AddVectoredExceptionHandler(0, &HandleFault);
     return handler != nullptr;
 }

@@ -13,7 +13,7 @@ TraceSink::~TraceSink() = default;
 namespace
 {
 
-/// Stands in for the process's sink while calls are watched and there is none.
+/// The receiver of entries while calls are watched without a sink.
 class SilentSink final : public TraceSink
 {
   public:
@@ -22,7 +22,7 @@ class SilentSink final : public TraceSink
     void ReportFault(const wchar_t* /*file*/, int /*line*/) noexcept override {}
 };
 
-/// Never destroyed: calls may still be under way when the process ends.
+/// Never destroyed: calls may still be running when the process ends.
 TraceSink* Silent()
 {
     alignas(SilentSink) static std::byte place[sizeof(SilentSink)];
@@ -52,8 +52,8 @@ void trace_detail::WatchEveryCall(bool is_on) noexcept
     installed_sink.compare_exchange_strong(expected, is_on ? Silent() : nullptr);
 }
 
-// The fences pair with the exchange of the installation: what its thread wrote into the sink is seen here,
-// while an entry with no sink pays for a relaxed load alone.
+// The fence pairs with the exchange in InstallTraceSink: what the installing thread wrote into the sink is
+// visible here, and an entry without a sink costs only the relaxed load.
 
 void CTqLogEntry::Enter() const noexcept
 {

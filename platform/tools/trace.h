@@ -1,7 +1,7 @@
 // The tools library: trace entries and fault reports, and the sink that a host process may install to
-// receive them. With no sink installed nothing is written and an entry costs one relaxed atomic load.
+// receive them. Without a sink nothing is recorded and an entry costs one relaxed atomic load.
 //
-// Entries and reports may be made on any thread; a sink must accept calls from all of them.
+// Any thread. A sink must accept calls from all threads.
 #pragma once
 
 #include "platform/export.h"
@@ -9,7 +9,8 @@
 #include <atomic>
 #include <cstdint>
 
-/// Receives what the process traces. Implementations must not throw and must not trace in turn.
+/// Receives the trace of the process. Implementations must not throw, and must not make trace entries
+/// themselves.
 class KARV_PLATFORM_API TraceSink
 {
   public:
@@ -18,33 +19,33 @@ class KARV_PLATFORM_API TraceSink
     TraceSink& operator=(const TraceSink&) = delete;
     virtual ~TraceSink();
 
-    /// A call begins; `name` is a literal that outlives the process.
+    /// A call begins. `name` stays valid until the process ends.
     virtual void EnterCall(const wchar_t* name) noexcept = 0;
-    /// The call that `EnterCall` announced last on this thread, and that has not ended yet, ends.
+    /// The innermost open call of this thread ends.
     virtual void LeaveCall(const wchar_t* name) noexcept = 0;
-    /// A fault was caught at this place.
+    /// A fault was caught at this place in the sources.
     virtual void ReportFault(const wchar_t* file, int line) noexcept = 0;
 };
 
-/// Installs the process's sink and returns the one before it (null for none). The caller keeps ownership and
-/// must keep a sink alive until it is replaced and every call begun with it has ended: an entry reports its
-/// end to the sink that saw its beginning.
+/// Installs the process's sink, null for none, and returns the one before it. The caller keeps ownership. A
+/// sink must live until it is replaced and every call that began with it has ended: an entry reports its
+/// end to the sink that got its beginning.
 KARV_PLATFORM_API TraceSink* InstallTraceSink(TraceSink* sink) noexcept;
 
 namespace trace_detail
 {
-/// What entries are told to: the process's sink, a silent one where there is none and every call is watched,
-/// or null.
+/// The receiver of entries: the process's sink; without one, a sink that does nothing while every call is
+/// watched, else null.
 KARV_PLATFORM_API extern std::atomic<TraceSink*> installed_sink;
-/// Whether entries are to be watched without a sink too.
+/// Switches whether calls are watched (`CTqLogEntry::IsWatched`) without a sink too.
 void WatchEveryCall(bool is_on) noexcept;
 } // namespace trace_detail
 
-/// A traced call: begins at construction and ends with the scope.
+/// A traced call, from construction to destruction.
 class KARV_PLATFORM_API CTqLogEntry
 {
   public:
-    /// `name` must be a literal (or outlive the process): sinks keep the pointer.
+    /// `name` must stay valid until the process ends, as a literal does: sinks keep the pointer.
     explicit CTqLogEntry(const wchar_t* name)
         : name_(name), sink_(trace_detail::installed_sink.load(std::memory_order_relaxed))
     {
@@ -59,11 +60,12 @@ class KARV_PLATFORM_API CTqLogEntry
             Leave();
     }
 
-    /// Whether anybody wants to know of this call: a sink, or the catching of processor faults.
+    /// Whether a sink is installed or processor faults are caught: then the body must run through
+    /// `RunWatched`.
     [[nodiscard]] bool IsWatched() const noexcept { return sink_ != nullptr; }
 
-    /// Calls `body`, so that processor faults in it can be told to lie inside a call with a guard. The caller
-    /// must be that guard: whatever `body` throws, it catches.
+    /// Calls `body` through a function that the handler of processor faults recognizes on the stack. The
+    /// caller must be a guard: it must catch every exception of `body`.
     static void RunWatched(void (*body)(void*), void* argument);
 
   private:
@@ -74,15 +76,16 @@ class KARV_PLATFORM_API CTqLogEntry
     TraceSink* sink_;
 };
 
-/// A report of a caught fault: recorded at construction, ended with the scope.
+/// A report of a caught fault, sent to the sink at construction.
 class KARV_PLATFORM_API CTqCrashHandler
 {
   public:
+    /// `file` need not outlive the call.
     CTqCrashHandler(const wchar_t* file, int line);
     CTqCrashHandler(const CTqCrashHandler&) = delete;
     CTqCrashHandler& operator=(const CTqCrashHandler&) = delete;
     virtual ~CTqCrashHandler();
 
-    /// Returns 0: the result of an operation that faulted.
+    /// The result of an operation that faulted: 0.
     static std::int64_t mov_rax_0() noexcept { return 0; }
 };

@@ -19,13 +19,13 @@ bool IsLowSurrogate(std::uint32_t unit)
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-/// The next unit, without a sign whatever wchar_t has.
+/// The value of a unit. wchar_t may be signed.
 std::uint32_t Unit(wchar_t character)
 {
     return static_cast<std::make_unsigned_t<wchar_t>>(character);
 }
 
-/// Takes one character off the front of `text`, which is not empty.
+/// Removes one character from the front of `text`, which is not empty, and returns it.
 std::uint32_t TakeCharacter(std::wstring_view& text)
 {
     const std::uint32_t first = Unit(text.front());
@@ -46,7 +46,7 @@ void AppendByte(std::string& bytes, std::uint32_t value)
     bytes.push_back(static_cast<char>(static_cast<unsigned char>(value)));
 }
 
-/// The `count` last groups of six bits, highest first.
+/// Appends the `count` lowest groups of six bits, the highest first.
 void AppendContinuation(std::string& bytes, std::uint32_t character, unsigned count)
 {
     for (unsigned group = count; group-- > 0;)
@@ -74,7 +74,7 @@ std::uint32_t Byte(char byte)
     return static_cast<unsigned char>(byte);
 }
 
-/// How many bytes the character takes that begins so, by its first byte alone; 0 for a byte that begins none.
+/// The length in bytes of a character, by its first byte; 0 for a byte that cannot be the first.
 std::size_t LengthFromFirst(std::uint32_t first)
 {
     if (first < 0x80)
@@ -86,19 +86,20 @@ std::size_t LengthFromFirst(std::uint32_t first)
     return first >= 0xF0 && first < 0xF8 ? 4 : 0;
 }
 
-/// Takes one character off the front of `text`, which is not empty; only one byte where it begins none.
+/// Removes one character from the front of `text`, which is not empty, and returns it. Removes one byte
+/// where no character begins.
 std::uint32_t TakeCharacter(std::string_view& text)
 {
-    constexpr std::array<std::uint32_t, 5> kPayload{0, 0x7F, 0x1F, 0x0F, 0x07};
-    constexpr std::array<std::uint32_t, 5> kLowest{0, 0, 0x80, 0x800, 0x10000};
+    constexpr std::array<std::uint32_t, 5> kPayloadMask{0, 0x7F, 0x1F, 0x0F, 0x07};
+    constexpr std::array<std::uint32_t, 5> kMinCharacter{0, 0, 0x80, 0x800, 0x10000};
     const std::size_t length = LengthFromFirst(Byte(text.front()));
-    std::uint32_t character = Byte(text.front()) & kPayload.at(length);
+    std::uint32_t character = Byte(text.front()) & kPayloadMask.at(length);
     bool is_whole = length != 0 && length <= text.size();
     for (std::size_t i = 1; is_whole && i < length; ++i) {
         is_whole = (Byte(text[i]) & 0xC0U) == 0x80U;
         character = (character << 6U) | (Byte(text[i]) & 0x3FU);
     }
-    const bool is_character = is_whole && character >= kLowest.at(length) && character <= 0x10FFFF &&
+    const bool is_character = is_whole && character >= kMinCharacter.at(length) && character <= 0x10FFFF &&
                               !IsHighSurrogate(character) && !IsLowSurrogate(character);
     text.remove_prefix(is_character ? length : 1);
     return is_character ? character : kReplacementCharacter;

@@ -1,4 +1,4 @@
-// Wide strings as UTF-8 and back, for files and programs outside.
+// Conversion between wide strings and UTF-8. Any thread.
 #pragma once
 
 #include "platform/export.h"
@@ -6,12 +6,11 @@
 #include <string>
 #include <string_view>
 
-/// The text in UTF-8. Pairs of surrogates become one character whatever the width of wchar_t; what is no
-/// character (a lone surrogate, a value past U+10FFFF) becomes U+FFFD, so the result is always valid. Any
-/// thread.
+/// The text in UTF-8. A pair of surrogates becomes one character, where wchar_t has 32 bits too. A lone
+/// surrogate and a value above U+10FFFF become U+FFFD, so that the result is always valid.
 [[nodiscard]] KARV_PLATFORM_API std::string Utf8FromWide(std::wstring_view text);
 
-/// The wide form of a text in UTF-8, in pairs of surrogates where wchar_t has 16 bits. Each byte that is no
-/// part of a character (a lone or missing continuation, a longer form than needed, a surrogate, a value past
-/// U+10FFFF) becomes one U+FFFD. Any thread.
+/// The wide form of a text in UTF-8; characters above U+FFFF are pairs of surrogates where wchar_t has 16
+/// bits. Each byte that is not part of a character becomes one U+FFFD: lone and missing continuations,
+/// overlong forms, surrogates, values above U+10FFFF.
 [[nodiscard]] KARV_PLATFORM_API std::wstring WideFromUtf8(std::string_view text);

@@ -60,7 +60,7 @@ class ProcessorFaults : public testing::Test
 {
   protected:
     ProcessorFaults() { EXPECT_TRUE(CatchProcessorFaults(ModuleAddress())); }
-    ~ProcessorFaults() override { LetProcessorFaultsPass(); }
+    ~ProcessorFaults() override { StopCatchingProcessorFaults(); }
 };
 
 /// A host that catches the module's faults and has a handler of its own, installed earlier or later. Which of
@@ -81,7 +81,7 @@ class PassedOnFaults : public testing::TestWithParam<bool>
         // Handlers must be removed in reverse order where each keeps the one before it.
         if (!GetParam())
             foreign_.reset();
-        LetProcessorFaultsPass();
+        StopCatchingProcessorFaults();
     }
 
     /// Whether a fault of `act` reaches the host's handler.
@@ -459,7 +459,7 @@ TEST(ProcessorFaultsSwitch, EarlierHandlerGetsOtherFaults)
     }
     EXPECT_TRUE(foreign.Run([] { FaultInPlatform(); }));
     EXPECT_TRUE(foreign.Run([] { WriteTo(Pointer<int>(kUnmapped)); }));
-    LetProcessorFaultsPass();
+    StopCatchingProcessorFaults();
     EXPECT_TRUE(foreign.Run([] { WriteTo(Pointer<int>(kUnmapped)); }));
 }
 
@@ -475,8 +475,8 @@ TEST(ProcessorFaultsSwitch, NothingIsCaughtAfterItWasSwitchedOff)
     for (int i = 0; i < 3; ++i) {
         ASSERT_TRUE(CatchProcessorFaults(ModuleAddress()));
         EXPECT_EQ(Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(), 0);
-        LetProcessorFaultsPass();
-        LetProcessorFaultsPass();
+        StopCatchingProcessorFaults();
+        StopCatchingProcessorFaults();
         EXPECT_TRUE(foreign.Run([] { Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(); }));
     }
 }
@@ -486,13 +486,13 @@ TEST(ProcessorFaultsSwitch, SwitchingOffBelowALaterHandlerPassesEverythingOn)
     ASSERT_TRUE(CatchProcessorFaults(ModuleAddress()));
     {
         ForeignFaultHandler foreign;
-        LetProcessorFaultsPass();
+        StopCatchingProcessorFaults();
         EXPECT_TRUE(foreign.Run([] { Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(); }));
         ASSERT_TRUE(CatchProcessorFaults(ModuleAddress()));
         EXPECT_EQ(Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(), 0);
     }
     EXPECT_EQ(Pointer<KARVOpenGLControl>(kNull)->GetFaceNumber(), 0);
-    LetProcessorFaultsPass();
+    StopCatchingProcessorFaults();
 }
 
 TEST(ProcessorFaultsSwitch, SinkOfTheProcessStaysWhatItIs)
@@ -504,7 +504,7 @@ TEST(ProcessorFaultsSwitch, SinkOfTheProcessStaysWhatItIs)
     EXPECT_EQ(InstallTraceSink(sink), sink);
     EXPECT_EQ(InstallTraceSink(nullptr), sink);
     EXPECT_EQ(InstallTraceSink(sink), nullptr);
-    LetProcessorFaultsPass();
+    StopCatchingProcessorFaults();
     EXPECT_EQ(InstallTraceSink(sink), sink);
 }
 
@@ -512,7 +512,7 @@ TEST(ProcessorFaultsSwitch, EntriesAreFreeAgainAfterwards)
 {
     ASSERT_TRUE(CatchProcessorFaults(ModuleAddress()));
     EXPECT_TRUE(CTqLogEntry(L"Thing::Do").IsWatched());
-    LetProcessorFaultsPass();
+    StopCatchingProcessorFaults();
     EXPECT_FALSE(CTqLogEntry(L"Thing::Do").IsWatched());
 }
 

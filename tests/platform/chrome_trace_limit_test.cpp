@@ -1,14 +1,12 @@
-// Writing that fails half-way: the system's limit on the size of a file plays the full disk.
+// Traces whose file cannot be written to the end, staged by a limit on the size of files.
 #include "platform/tools/chrome_trace_sink.h"
+#include "tests/platform/file_size_limit.h"
 #include "tests/platform/temporary_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-
 #include <cerrno>
-#include <csignal>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -16,32 +14,10 @@
 namespace
 {
 
+using karv_test::FileSizeLimit;
 using karv_test::TemporaryFolder;
 
-/// Lets files of this process grow to `bytes`, and no further, while it lives.
-class FileSizeLimit
-{
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, signal_);
-    }
-
-  private:
-    void (*signal_)(int);
-    rlimit before_{};
-};
-
-/// What closing a trace of so many faults says under a limit.
+/// The error of closing a trace of that many faults under a limit; "closed" where there is none.
 std::string CloseUnderLimit(const std::string& path, int faults, rlim_t bytes)
 {
     const FileSizeLimit limit(bytes);

@@ -23,11 +23,11 @@ namespace
 using karv_test::TemporaryFolder;
 using nlohmann::json;
 
-/// A sink that writes "trace.json" of a folder of its own.
+/// A sink that writes "trace.json" in a temporary folder.
 class ChromeTrace : public testing::Test
 {
   protected:
-    /// The events of the finished file; throws where it is not one JSON object of the format.
+    /// The events of the finished file. Throws where the file is not one JSON object of the format.
     [[nodiscard]] std::vector<json> Events()
     {
         sink.Close();
@@ -40,7 +40,7 @@ class ChromeTrace : public testing::Test
     ChromeTraceSink sink{path};
 };
 
-/// How the opening of `path` fails; "opened" where it does not.
+/// The error of opening `path`; "opened" where there is none.
 std::string RefusalOf(const std::string& path)
 {
     try {
@@ -94,8 +94,8 @@ TEST_F(ChromeTrace, EventCarriesProcessThreadAndTime)
     EXPECT_LE(events[0].at("ts").get<double>(), events[1].at("ts").get<double>());
 }
 
-// The call lasts at least as long as what happens inside it and at most as long as what lies around it, both
-// by the test's own clock.
+// By the test's own clock, the call lasts at least as long as the wait inside it and at most as long as the
+// code around it.
 TEST_F(ChromeTrace, TimesAreMicroseconds)
 {
     using Clock = std::chrono::steady_clock;
@@ -207,7 +207,7 @@ TEST_F(ChromeTrace, ThreadsAreToldApartAndBalanced)
         EXPECT_TRUE(names.empty()) << "thread " << thread;
 }
 
-// Threads that follow one another get the same identifier from many systems.
+// NOTE: many systems give the identifier of an ended thread to the next one.
 TEST_F(ChromeTrace, ThreadsOneAfterAnotherAreToldApart)
 {
     for (int thread = 0; thread < 10; ++thread)
