@@ -1,4 +1,4 @@
-// The fixture of the dynamic linker's tests: a loader with nothing loaded, and files for it.
+// The fixture of the dynamic linker's tests: a loader without modules, and files for it.
 #pragma once
 
 #include "platform/host/rx/module_loader.h"
@@ -21,13 +21,13 @@ namespace karv_test
 
 inline constexpr std::string_view kPuppet = "test_module_puppet";
 
-/// The name of the file of a library or a module that was built here.
+/// The file name of a library or module of this build.
 inline std::string NameOf(std::string_view module)
 {
     return KARV_MODULE_PREFIX + std::string(module) + KARV_MODULE_SUFFIX;
 }
 
-/// Its path as the system writes it.
+/// Its path with the system's separators.
 inline std::string FileOf(std::string_view module)
 {
     const std::filesystem::path file = std::filesystem::path(KARV_TEST_MODULES) / NameOf(module);
@@ -45,14 +45,14 @@ inline void Write(const std::string& file, std::string_view content)
     std::ofstream(file, std::ios::binary) << content;
 }
 
-/// A loader with nothing loaded, and a test's module that follows a script.
+/// A loader without modules, and a test module that follows a script.
 class DynamicLinker : public testing::Test
 {
   protected:
-    /// The loader's end sends messages, which no script of a test that is over must answer.
+    /// Clears the script: the loader's destructor sends messages after the test has ended.
     void TearDown() override { puppeteer_.script = nullptr; }
 
-    /// The error of loading a file, which must leave the loader as it was.
+    /// The error of loading a file. Checks that the loader is unchanged.
     std::string ErrorOf(const std::string& file)
     {
         const std::size_t before = loader_.Modules().size();
@@ -66,7 +66,7 @@ class DynamicLinker : public testing::Test
         EXPECT_EQ(std::ranges::count(error, '\n'), 0) << error;
         return error;
     }
-    /// The same for a module of the tests, which must not be mapped afterwards.
+    /// The same for a test module. Checks that it is not mapped afterwards.
     std::string ErrorOfModule(std::string_view module)
     {
         const std::string file = FileOf(module);
@@ -84,7 +84,7 @@ class DynamicLinker : public testing::Test
         }
         return "no error";
     }
-    /// A module that makes both registrations.
+    /// Loads a module that makes both registrations.
     void* LoadGoodPuppet(std::string_view module = kPuppet)
     {
         puppeteer_.script = [this](host::Message message, void* application) {

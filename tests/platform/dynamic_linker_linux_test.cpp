@@ -1,4 +1,4 @@
-// What the dynamic linker makes of files that only this kind of system has.
+// The dynamic linker and damaged or foreign library files of Linux.
 #include "tests/platform/dynamic_linker_fixture.h"
 #include "tests/platform/temporary_folder.h"
 
@@ -59,7 +59,7 @@ TEST_F(DynamicLinkerFiles, EveryTruncationIsRefusedWithAReason)
     for (const std::size_t length : lengths) {
         Write(file, std::string_view(content).substr(0, length));
         const std::string error = ErrorOf(file);
-        // The header has 64 bytes; what is shorter cannot tell what it is.
+        // The header has 64 bytes. A shorter file cannot be identified.
         EXPECT_EQ(error, file + (length < 64 ? ": is not a module" : ": is cut short")) << length;
     }
     Write(file, content);

@@ -1,4 +1,4 @@
-// What the dynamic linker makes of the files of Windows.
+// The dynamic linker and damaged or foreign library files of Windows.
 #include "tests/platform/dynamic_linker_fixture.h"
 #include "tests/platform/temporary_folder.h"
 
@@ -16,7 +16,7 @@ namespace
 
 using DynamicLinkerFiles = DynamicLinker;
 
-/// Where the headers begin that tell what an image is for.
+/// The offset of the headers that name the machine and the kind of an image.
 std::size_t HeadersIn(const std::string& content)
 {
     DWORD place = 0;
@@ -81,7 +81,7 @@ TEST_F(DynamicLinkerFiles, EveryTruncationIsRefusedWithAReason)
     const std::string file = folder.File("short.dll");
     const std::string content = Content(FileOf("test_module_plain"));
     ASSERT_GT(content.size(), 4096U);
-    // Without these headers a file cannot tell what it is.
+    // Without these headers a file cannot be identified.
     const std::size_t telling = HeadersIn(content) + kCharacteristics + sizeof(WORD);
     std::vector<std::size_t> lengths = {content.size() - 1};
     for (std::size_t length = 0; length < 2 * telling; ++length)

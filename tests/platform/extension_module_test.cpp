@@ -14,7 +14,7 @@ using testing::IsEmpty;
 namespace
 {
 
-/// Handles of modules that nobody looks into.
+/// Handles of modules that do not exist: they are compared only.
 HINSTANCE Instance(std::uintptr_t number)
 {
     return reinterpret_cast<HINSTANCE>(number);
@@ -26,7 +26,7 @@ CDynLinkLibrary* Join(const AFX_EXTENSION_MODULE& state, BOOL system = FALSE)
     return std::make_unique<CDynLinkLibrary>(state, system).release();
 }
 
-/// A chain of the test's own: what it leaves there goes.
+/// A chain of records for one test, removed at its end.
 class ExtensionModule : public testing::Test
 {
   protected:
@@ -147,7 +147,7 @@ TEST_F(ExtensionModule, TerminationTwiceIsTerminationOnce)
 
 TEST_F(ExtensionModule, TerminationWithoutInitialisationFreesNothing)
 {
-    // Its record has no module, like the state that asks.
+    // The record's module is null, like that of the asking state.
     Join(a_);
     AfxTermExtensionModule(b_);
     EXPECT_THAT(Chain(), ElementsAre(HINSTANCE{nullptr}));

@@ -6,7 +6,7 @@
 namespace
 {
 
-/// Puts the host's background back after each test.
+/// Restores the host's background after each test.
 class GraphicsSystem : public testing::Test
 {
   public:

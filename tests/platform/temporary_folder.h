@@ -1,4 +1,4 @@
-// A folder of a test's own that goes with it.
+// A folder for one test, removed at its end.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 namespace karv_test
 {
 
-/// Makes a folder named after the running test, empty whatever an earlier run left.
+/// Makes an empty folder named after the running test; the rest of an earlier run is removed.
 class TemporaryFolder
 {
   public:

@@ -17,7 +17,7 @@ namespace
 using Kind = TraceRecord::Kind;
 using Records = std::vector<TraceRecord>;
 
-/// Installs a memory sink for the time of one test.
+/// Installs a memory sink for the duration of a test.
 class Trace : public testing::Test
 {
   public:

@@ -76,8 +76,8 @@ TEST(WideText, FirstAndLastCharacterOfEachLength)
     EXPECT_EQ(WideFromUtf8("\xF4\x8F\xBF\xBF"), L"\U0010FFFF");
 }
 
-// Longer than needed, a surrogate, past the last character, cut off, and bytes that begin nothing: one
-// replacement for each byte.
+// Overlong forms, a surrogate, a value above the last character, a cut character, and bytes that cannot be
+// the first: one replacement for each byte.
 TEST(WideText, BytesThatAreNoCharacterAreReplacedOneByOne)
 {
     EXPECT_EQ(WideFromUtf8("\xC1\xBF"), L"\xFFFD\xFFFD");

@@ -1,4 +1,4 @@
-// An application module that does what the test's Puppeteer says, and tells it what happens to it.
+// An application module that follows the test's Puppeteer, and reports its messages and notifications to it.
 #include "tests/support/puppeteer.h"
 
 namespace
