@@ -7,7 +7,7 @@
 // the temporary file, "NAME.part-" and 16 hexadecimal digits, beside the target.
 #pragma once
 
-#include "platform/winsys/export.h"
+#include "platform/export.h"
 
 #include <cstdio>
 #include <filesystem>

@@ -17,7 +17,7 @@ namespace
 
 /// The results of the queries for 4 and for 2 samples. A call may fail although it has written a format and a
 /// count.
-enum class Answer { kCallFails, kCallFailsWithAFormat, kNoFormat, kFound, kFoundMany };
+enum class Answer { CallFails, CallFailsWithAFormat, NoFormat, Found, FoundMany };
 
 struct Query {
     HDC dc = nullptr;
@@ -28,8 +28,8 @@ struct Query {
 
 /// The answers of the scripted entry points and the record of their calls. Plain functions need globals.
 const char* extensions = nullptr;
-Answer four_samples = Answer::kFound;
-Answer two_samples = Answer::kFound;
+Answer four_samples = Answer::Found;
+Answer two_samples = Answer::Found;
 int offered_format = 0;
 std::vector<HDC> asked_dcs;
 std::vector<Query> queries;
@@ -52,22 +52,22 @@ BOOL WINAPI ChooseFormat(HDC dc, const int* attributes, const float* float_attri
     const int samples = query.attributes.at(query.attributes.size() - 3);
     queries.push_back(query);
     switch (samples == 4 ? four_samples : two_samples) {
-    case Answer::kCallFails:
+    case Answer::CallFails:
         *count = 0;
         return FALSE;
-    case Answer::kCallFailsWithAFormat:
+    case Answer::CallFailsWithAFormat:
         *formats = offered_format;
         *count = 1;
         return FALSE;
-    case Answer::kNoFormat:
+    case Answer::NoFormat:
         *count = 0;
         return TRUE;
-    case Answer::kFound:
-    case Answer::kFoundMany:
+    case Answer::Found:
+    case Answer::FoundMany:
         break;
     }
     *formats = offered_format;
-    *count = (samples == 4 ? four_samples : two_samples) == Answer::kFound ? 1 : 7;
+    *count = (samples == 4 ? four_samples : two_samples) == Answer::Found ? 1 : 7;
     return TRUE;
 }
 
@@ -83,8 +83,8 @@ class ControlProbe : public ControlTest
     ControlProbe() : plain_format_(PlainFormat())
     {
         extensions = "WGL_ARB_multisample";
-        four_samples = Answer::kFound;
-        two_samples = Answer::kFound;
+        four_samples = Answer::Found;
+        two_samples = Answer::Found;
         asked_dcs.clear();
         queries.clear();
         offered_format = plain_format_ == 1 ? 2 : 1;
@@ -169,7 +169,7 @@ TEST_F(ControlProbe, TheQueriesAndTheStringConcernTheProbeWindow)
 
 TEST_F(ControlProbe, OnlyTwoSamplesFoundWinWithTheSecondQuery)
 {
-    four_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
     const auto control = NewControl();
     EXPECT_EQ(control->pixelFormat, offered_format);
     ASSERT_EQ(queries.size(), 2U);
@@ -183,15 +183,15 @@ TEST_F(ControlProbe, OnlyTwoSamplesFoundWinWithTheSecondQuery)
 
 TEST_F(ControlProbe, MoreThanOneFormatCountedIsAFindToo)
 {
-    four_samples = Answer::kFoundMany;
+    four_samples = Answer::FoundMany;
     EXPECT_TRUE(TakesOfferedFormat());
     EXPECT_EQ(queries.size(), 1U);
 }
 
 TEST_F(ControlProbe, AFailedCallFindsNothingWhateverItLeftBehind)
 {
-    four_samples = Answer::kCallFailsWithAFormat;
-    two_samples = Answer::kCallFailsWithAFormat;
+    four_samples = Answer::CallFailsWithAFormat;
+    two_samples = Answer::CallFailsWithAFormat;
     EXPECT_FALSE(TakesOfferedFormat());
     EXPECT_EQ(queries.size(), 2U);
 }
@@ -217,15 +217,15 @@ TEST_F(ControlProbe, AMissLooksUpNoQuery)
 
 TEST_F(ControlProbe, AFailedCallForFourSamplesIsFollowedByTwo)
 {
-    four_samples = Answer::kCallFails;
+    four_samples = Answer::CallFails;
     EXPECT_TRUE(TakesOfferedFormat());
     EXPECT_EQ(queries.size(), 2U);
 }
 
 TEST_F(ControlProbe, NoFormatForEitherNumberFallsBack)
 {
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     const auto control = NewControl();
     EXPECT_EQ(control->pixelFormat, plain_format_);
     EXPECT_EQ(queries.size(), 2U);
@@ -233,8 +233,8 @@ TEST_F(ControlProbe, NoFormatForEitherNumberFallsBack)
 
 TEST_F(ControlProbe, FailedCallsForBothNumbersFallBack)
 {
-    four_samples = Answer::kCallFails;
-    two_samples = Answer::kCallFails;
+    four_samples = Answer::CallFails;
+    two_samples = Answer::CallFails;
     EXPECT_FALSE(TakesOfferedFormat());
 }
 
@@ -249,8 +249,8 @@ TEST_F(ControlProbe, SuccessDestroysTheProbeWindowAndItsContext)
 
 TEST_F(ControlProbe, TheFallbackLeavesTheProbeWindowHiddenWithItsContext)
 {
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     const int before = LeftProbes();
     const auto contexts_before = window_calls_.Contexts().size();
     window_calls_.Clear();
@@ -272,8 +272,8 @@ TEST_F(ControlProbe, TheFallbackLeavesTheProbeWindowHiddenWithItsContext)
 
 TEST_F(ControlProbe, TheFallbackMakesTheControlsOwnContextCurrent)
 {
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     const auto control = NewControl();
     EXPECT_EQ(::wglGetCurrentContext(), control->hRC);
     EXPECT_EQ(::GetPixelFormat(control->hDC), plain_format_);
@@ -410,8 +410,8 @@ TEST_F(ControlProbe, NullStringsFromBothFallBackWithoutAQuery)
 TEST_F(ControlProbe, ASecondControlUsesTheRememberedFormatWhenBothQueriesFail)
 {
     const auto first = NewControl();
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kCallFails;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::CallFails;
     window_calls_.Clear();
     const auto second = NewControl();
     EXPECT_EQ(second->pixelFormat, offered_format);
@@ -421,8 +421,8 @@ TEST_F(ControlProbe, ASecondControlUsesTheRememberedFormatWhenBothQueriesFail)
 TEST_F(ControlProbe, AfterTheFirstControlIsGoneANewOneFallsBack)
 {
     auto first = NewControl();
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     first.reset();
     EXPECT_FALSE(TakesOfferedFormat());
 }
@@ -432,8 +432,8 @@ TEST_F(ControlProbe, AnyControlThatGoesMakesTheOthersFallBack)
     const auto first = NewControl();
     auto second = NewControl();
     second.reset();
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     EXPECT_FALSE(TakesOfferedFormat());
 }
 
@@ -443,8 +443,8 @@ TEST_F(ControlProbe, AMissingNameForgetsTheRememberedFormat)
     extensions = "";
     EXPECT_FALSE(TakesFormatAndStays());
     extensions = "WGL_ARB_multisample";
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     EXPECT_FALSE(TakesFormatAndStays());
 }
 
@@ -457,8 +457,8 @@ TEST_F(ControlProbe, NullStringsForgetTheRememberedFormat)
         EXPECT_FALSE(TakesFormatAndStays());
     }
     extensions = "WGL_ARB_multisample";
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     EXPECT_FALSE(TakesFormatAndStays());
 }
 
@@ -469,8 +469,8 @@ TEST_F(ControlProbe, AMissingQueryForgetsTheRememberedFormat)
         const EntryPointAnswer none("wglChoosePixelFormatARB", nullptr);
         EXPECT_FALSE(TakesFormatAndStays());
     }
-    four_samples = Answer::kNoFormat;
-    two_samples = Answer::kNoFormat;
+    four_samples = Answer::NoFormat;
+    two_samples = Answer::NoFormat;
     EXPECT_FALSE(TakesFormatAndStays());
 }
 

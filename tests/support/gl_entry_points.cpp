@@ -1,6 +1,7 @@
 // The pre-empting entry points. Each definition calls the library. The types of its arguments state the
 // meaning of those whose C type does not, and convert to the library's types.
 #include "tests/support/gl_enums.h"
+#include "tests/support/gl_recorder.h"
 #include "tests/support/gl_recorder_state.h"
 
 #include "platform/winsys/opengl.h"

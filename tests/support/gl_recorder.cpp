@@ -10,12 +10,6 @@
 namespace karv_test
 {
 
-RecorderState& State()
-{
-    static RecorderState state;
-    return state;
-}
-
 GlRecording::GlRecording() : outer_(State().recording)
 {
     State().recording = this;

@@ -1,12 +1,15 @@
 // State shared by the recorder's objects and its entry points. Only for those two sources.
 #pragma once
 
-#include "tests/support/gl_recorder.h"
-
 #include <vector>
 
 namespace karv_test
 {
+
+class GlRecording;
+class GlHook;
+class GlAnswer;
+class GlRefusal;
 
 struct RecorderState {
     GlRecording* recording = nullptr; ///< the innermost recording
@@ -16,6 +19,11 @@ struct RecorderState {
     int inside_glu = 0; ///< the number of open calls whose own GL calls are not the module's
 };
 
-RecorderState& State();
+/// One for the test program.
+inline RecorderState& State()
+{
+    static RecorderState state;
+    return state;
+}
 
 } // namespace karv_test

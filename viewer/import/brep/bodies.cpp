@@ -341,13 +341,13 @@ BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const Messag
 {
     Document document;
     switch (kind) {
-    case BrepKind::kStep:
+    case BrepKind::Step:
         ReadStep(path, document.Get(), progress);
         break;
-    case BrepKind::kIges:
+    case BrepKind::Iges:
         ReadIges(path, document.Get(), progress);
         break;
-    case BrepKind::kBrep:
+    case BrepKind::Brep:
         ReadShape(path, document.Get(), progress);
         break;
     }

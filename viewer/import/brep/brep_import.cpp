@@ -349,7 +349,7 @@ Model ImportBrep(const std::string& path, const ImportOptions& options, const Pr
     try {
         Model model = Read(path, *kind, options, progress);
         model.title = std::filesystem::path(path).filename().string();
-        if (*kind != BrepKind::kBrep)
+        if (*kind != BrepKind::Brep)
             model.meters_per_unit = kMillimeter;
         return model;
     } catch (const FileError&) {

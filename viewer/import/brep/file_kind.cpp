@@ -127,12 +127,12 @@ bool IsWholeBrep(const Ends& ends)
 std::optional<BrepKind> BrepKindOf(const std::string& path)
 {
     const std::string ending = LowerCaseExtension(path);
-    constexpr std::array<std::pair<std::string_view, BrepKind>, 6> kEndings{{{".step", BrepKind::kStep},
-                                                                             {".stp", BrepKind::kStep},
-                                                                             {".iges", BrepKind::kIges},
-                                                                             {".igs", BrepKind::kIges},
-                                                                             {".brep", BrepKind::kBrep},
-                                                                             {".brp", BrepKind::kBrep}}};
+    constexpr std::array<std::pair<std::string_view, BrepKind>, 6> kEndings{{{".step", BrepKind::Step},
+                                                                             {".stp", BrepKind::Step},
+                                                                             {".iges", BrepKind::Iges},
+                                                                             {".igs", BrepKind::Iges},
+                                                                             {".brep", BrepKind::Brep},
+                                                                             {".brp", BrepKind::Brep}}};
     for (const auto& [known, kind] : kEndings)
         if (ending == known)
             return kind;

@@ -8,7 +8,7 @@
 namespace viewer
 {
 
-enum class BrepKind { kStep, kIges, kBrep };
+enum class BrepKind { Step, Iges, Brep };
 
 /// The kind by the file's extension, in either case: .step, .stp, .iges, .igs, .brep, .brp. No value for
 /// other extensions.

@@ -166,7 +166,7 @@ void DxfEntityStream::ServeNext()
         EnterSection();
     } else {
         if (name == "ENDSEC")
-            section_ = Section::kNone;
+            section_ = Section::None;
         ReadEntity(name, line);
     }
 }
@@ -177,11 +177,11 @@ void DxfEntityStream::EnterSection()
     if (group.code != 2)
         Fail(group.line, "a section without a name");
     if (group.value == "TABLES")
-        section_ = Section::kTables;
+        section_ = Section::Tables;
     else if (group.value == "BLOCKS" || group.value == "ENTITIES")
-        section_ = Section::kDrawn;
+        section_ = Section::Drawn;
     else
-        section_ = Section::kOther;
+        section_ = Section::Other;
     std::string variable;
     for (next_ = groups_.Read(); next_.code != 0; next_ = groups_.Read())
         if (next_.code == kVariable)
@@ -204,7 +204,7 @@ void DxfEntityStream::ReadEntity(const std::string& name, std::size_t line)
     const bool is_shown = !entity_.is_hidden || IsPartOfOther(name);
     if (is_wanted && is_shown)
         Keep(name);
-    else if (section_ == Section::kDrawn && !IsPartOfOther(name))
+    else if (section_ == Section::Drawn && !IsPartOfOther(name))
         CountSkipped(name);
     if (!IsPartOfOther(name) && !(is_wanted && is_shown))
         CloseOpenSequences(name);
@@ -212,9 +212,9 @@ void DxfEntityStream::ReadEntity(const std::string& name, std::size_t line)
 
 bool DxfEntityStream::IsWanted(std::string_view name) const
 {
-    if (section_ == Section::kTables)
+    if (section_ == Section::Tables)
         return name == "LAYER";
-    if (section_ != Section::kDrawn)
+    if (section_ != Section::Drawn)
         return false;
     if (name == "VERTEX" || name == "SEQEND")
         return in_polyline_;

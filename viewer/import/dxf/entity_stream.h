@@ -72,13 +72,13 @@ class DxfEntityStream final : public std::streambuf
         bool is_hidden = false;
         bool has_ended = false; ///< the groups that follow belong to an embedded object
     };
-    enum class Section { kNone, kTables, kDrawn, kOther };
+    enum class Section { None, Tables, Drawn, Other };
 
     std::string path_;
     const std::function<void(const DxfEntityHead&)>& on_entity_;
     DxfGroupReader groups_;
 
-    Section section_ = Section::kNone;
+    Section section_ = Section::None;
     DxfGroup next_; ///< the group 0 that begins the next entity
     bool has_ended_ = false;
     bool in_polyline_ = false;

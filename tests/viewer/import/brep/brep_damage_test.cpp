@@ -107,10 +107,10 @@ TEST_F(BrepDamage, UnknownEndingIsRefused)
 
 TEST_F(BrepDamage, EndingsAreKnownInAnyCase)
 {
-    EXPECT_EQ(BrepKindOf("a.STEP"), BrepKind::kStep);
-    EXPECT_EQ(BrepKindOf("a.Stp"), BrepKind::kStep);
-    EXPECT_EQ(BrepKindOf("a.IGS"), BrepKind::kIges);
-    EXPECT_EQ(BrepKindOf("a.BRep"), BrepKind::kBrep);
+    EXPECT_EQ(BrepKindOf("a.STEP"), BrepKind::Step);
+    EXPECT_EQ(BrepKindOf("a.Stp"), BrepKind::Step);
+    EXPECT_EQ(BrepKindOf("a.IGS"), BrepKind::Iges);
+    EXPECT_EQ(BrepKindOf("a.BRep"), BrepKind::Brep);
     EXPECT_EQ(BrepKindOf("a.obj"), std::nullopt);
     EXPECT_EQ(BrepKindOf("step"), std::nullopt);
 }
