@@ -6,11 +6,20 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace karv_test
 {
 
 inline constexpr double kRadiansPerDegree = 0.017453292519943295;
+inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
+inline constexpr float kNaNf = std::numeric_limits<float>::quiet_NaN();
+inline constexpr float kInfinityf = std::numeric_limits<float>::infinity();
+
+inline const AcGeVector3d& X = AcGeVector3d::kXAxis;
+inline const AcGeVector3d& Y = AcGeVector3d::kYAxis;
+inline const AcGeVector3d& Z = AcGeVector3d::kZAxis;
 
 /// The single-precision 16.66, widened: degrees of a field of view per unit of parallel zoom.
 inline constexpr double kDegreesPerZoom = 16.65999984741211;

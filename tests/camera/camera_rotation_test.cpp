@@ -14,21 +14,19 @@ using karv_test::FrontCamera;
 using karv_test::GlobalTolerance;
 using karv_test::IsAt;
 using karv_test::IsOrthonormal;
+using karv_test::kInfinityf;
+using karv_test::kNaN;
+using karv_test::kNaNf;
 using karv_test::kRadiansPerDegree;
 using karv_test::SameCamera;
 using karv_test::Sin;
 using karv_test::View;
+using karv_test::X;
+using karv_test::Y;
+using karv_test::Z;
 
 namespace
 {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr float kNaNf = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinityf = std::numeric_limits<float>::infinity();
-
-const AcGeVector3d& X = AcGeVector3d::kXAxis;
-const AcGeVector3d& Y = AcGeVector3d::kYAxis;
-const AcGeVector3d& Z = AcGeVector3d::kZAxis;
 
 /// Whether a tilt of `camera` by `degrees` is applied.
 bool Tilts(KARVGLCamera camera, float degrees, const AcGeVector3d& axis = AcGeVector3d::kXAxis)

@@ -7,12 +7,12 @@
 #include <cstdint>
 #include <random>
 
+using karv_test::kRadiansPerDegree;
+
 namespace
 {
 
 using Triple = std::array<double, 3>;
-
-constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 Triple operator-(const Triple& a, const Triple& b)
 {

@@ -14,6 +14,8 @@
 
 using karv_test::DistinctCamera;
 using karv_test::IsAt;
+using karv_test::kInfinity;
+using karv_test::kNaN;
 using karv_test::Same;
 using karv_test::SameCamera;
 using karv_test::SameFrame;
@@ -22,14 +24,6 @@ using karv_test::SameProjection;
 using karv_test::TraceRecording;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace
-{
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-} // namespace
 
 TEST(Camera, FreshCameraHasTheDefaults)
 {

@@ -11,23 +11,16 @@ using karv_test::Cos;
 using karv_test::FrontCamera;
 using karv_test::GlobalTolerance;
 using karv_test::IsAt;
+using karv_test::kInfinityf;
+using karv_test::kNaNf;
 using karv_test::SameCamera;
 using karv_test::SameFrame;
 using karv_test::SamePlace;
 using karv_test::Sin;
 using karv_test::View;
-
-namespace
-{
-
-constexpr float kNaNf = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinityf = std::numeric_limits<float>::infinity();
-
-const AcGeVector3d& X = AcGeVector3d::kXAxis;
-const AcGeVector3d& Y = AcGeVector3d::kYAxis;
-const AcGeVector3d& Z = AcGeVector3d::kZAxis;
-
-} // namespace
+using karv_test::X;
+using karv_test::Y;
+using karv_test::Z;
 
 TEST(CameraPan, FrontViewMovesAlongWorldXAndZ)
 {

@@ -11,14 +11,13 @@
 #include <limits>
 
 using karv_test::kDegreesPerZoom;
+using karv_test::kInfinityf;
+using karv_test::kNaNf;
 using karv_test::ParallelCamera;
 using karv_test::SameCamera;
 
 namespace
 {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 float ParallelZoom(float factor)
 {
@@ -81,11 +80,11 @@ TEST(CameraZoom, ParallelFactorIsLimitedToAHundredthAndNine)
     EXPECT_EQ(ParallelZoom(12.0F), 9.0F);
     EXPECT_EQ(ParallelZoom(9.0F), 9.0F);
     EXPECT_EQ(ParallelZoom(std::nextafter(9.0F, 10.0F)), 9.0F);
-    EXPECT_EQ(ParallelZoom(kInfinity), 9.0F);
+    EXPECT_EQ(ParallelZoom(kInfinityf), 9.0F);
     EXPECT_EQ(ParallelZoom(0.0F), 0.01F);
     EXPECT_EQ(ParallelZoom(0.01F), 0.01F);
     EXPECT_EQ(ParallelZoom(-3.0F), 0.01F);
-    EXPECT_EQ(ParallelZoom(-kInfinity), 0.01F);
+    EXPECT_EQ(ParallelZoom(-kInfinityf), 0.01F);
 }
 
 TEST(CameraZoom, ParallelFactorJustInsideTheBoundsPasses)
@@ -98,7 +97,7 @@ TEST(CameraZoom, ParallelFactorJustInsideTheBoundsPasses)
 
 TEST(CameraZoom, NaNFactorPasses)
 {
-    EXPECT_TRUE(std::isnan(ParallelZoom(kNaN)));
+    EXPECT_TRUE(std::isnan(ParallelZoom(kNaNf)));
 }
 
 TEST(CameraZoom, OnlyTheActiveKindIsLimited)

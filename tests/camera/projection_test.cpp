@@ -11,6 +11,8 @@
 
 using karv_test::GlRecording;
 using karv_test::kDegreesPerZoom;
+using karv_test::kInfinityf;
+using karv_test::kNaNf;
 using karv_test::ParallelCamera;
 using karv_test::SameCamera;
 using testing::ElementsAre;
@@ -18,9 +20,6 @@ using testing::IsEmpty;
 
 namespace
 {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 /// The field of view that `ZoomAt` passes to OpenGL in perspective, and the value it writes back.
 struct ZoomResult {
@@ -348,15 +347,15 @@ TEST(CameraZoom, FieldJustOutsideTheBoundsIsLimited)
 TEST(CameraZoom, NegativeAndInfiniteFieldsAreLimited)
 {
     EXPECT_EQ(PerspectiveZoom(-40.0F).fov, 0.01F);
-    EXPECT_EQ(PerspectiveZoom(-kInfinity).fov, 0.01F);
-    EXPECT_EQ(PerspectiveZoom(kInfinity).fov, 150.0F);
+    EXPECT_EQ(PerspectiveZoom(-kInfinityf).fov, 0.01F);
+    EXPECT_EQ(PerspectiveZoom(kInfinityf).fov, 150.0F);
     EXPECT_EQ(PerspectiveZoom(std::numeric_limits<float>::max()).fov, 150.0F);
     EXPECT_EQ(PerspectiveZoom(std::numeric_limits<float>::denorm_min()).fov, 0.01F);
 }
 
 TEST(CameraZoom, NaNFieldPasses)
 {
-    const ZoomResult result = PerspectiveZoom(kNaN);
+    const ZoomResult result = PerspectiveZoom(kNaNf);
     EXPECT_TRUE(std::isnan(result.fov));
     EXPECT_TRUE(std::isnan(result.loaded));
 }

@@ -11,14 +11,13 @@
 
 using karv_test::IsAt;
 using karv_test::IsOrthonormal;
+using karv_test::kRadiansPerDegree;
 
 namespace
 {
 
-constexpr double kRadiansPerDegree = 0.017453292519943295;
-
 /// The turns of a view, and the side of the target on which the eye must end.
-struct View {
+struct NamedView {
     const char* name;
     void (KARVGLCamera::*set)();
     double orbit; ///< degrees about +Z
@@ -28,7 +27,7 @@ struct View {
     int z;
 };
 
-const View kViews[] = {
+const NamedView kViews[] = {
     {"Front", &KARVGLCamera::SetViewFront, 0.0, 0.0, 0, -1, 0},
     {"Back", &KARVGLCamera::SetViewBack, 180.0, 0.0, 0, 1, 0},
     {"Left", &KARVGLCamera::SetViewLeft, -90.0, 0.0, -1, 0, 0},
@@ -46,7 +45,7 @@ int Sign(double value)
     return std::fabs(value) < 1e-9 ? 0 : (value > 0.0 ? 1 : -1);
 }
 
-class StandardView : public testing::TestWithParam<View>
+class StandardView : public testing::TestWithParam<NamedView>
 {
   protected:
     static constexpr double kDistance = 10.0;
@@ -62,7 +61,7 @@ class StandardView : public testing::TestWithParam<View>
     }
 };
 
-std::string ViewName(const testing::TestParamInfo<View>& info)
+std::string ViewName(const testing::TestParamInfo<NamedView>& info)
 {
     return info.param.name;
 }
@@ -227,7 +226,7 @@ TEST(StandardViews, HundredViewsInARowDoNotDrift)
 {
     KARVGLCamera camera;
     for (int i = 0; i < 10; ++i)
-        for (const View& view : kViews)
+        for (const NamedView& view : kViews)
             (camera.*view.set)();
     KARVGLCamera once;
     once.SetViewNW();

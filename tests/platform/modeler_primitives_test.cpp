@@ -19,9 +19,9 @@ namespace
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-const Points kSquare{{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
+const Points kOutline{{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
 const Points kHole{{0.5, 0.5, 0}, {1.5, 0.5, 0}, {1.5, 1.5, 0}, {0.5, 1.5, 0}};
-const Points kL{{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1, 0}, {1, 2, 0}, {0, 2, 0}};
+const Points kAngle{{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1, 0}, {1, 2, 0}, {0, 2, 0}};
 const std::vector<ProfilePoint> kCylinder{{0, 0}, {2, 0}, {2, 3}, {0, 3}};
 
 Points Reversed(const Points& loop)
@@ -123,7 +123,7 @@ TEST(Box, TinyAndHugeBoxesAreMade)
 
 TEST(Prism, EitherDirectionOfTheProfileAndOfTheSweep)
 {
-    for (const Points& loop : {kSquare, Reversed(kSquare)})
+    for (const Points& loop : {kOutline, Reversed(kOutline)})
         for (const double way : {3.0, -3.0}) {
             AModeler::Body prism = MakePrism({loop}, {0, 0, way});
             ExpectSound(prism);
@@ -134,14 +134,14 @@ TEST(Prism, EitherDirectionOfTheProfileAndOfTheSweep)
 
 TEST(Prism, SlantedDirectionShearsIt)
 {
-    AModeler::Body prism = MakePrism({kSquare}, {5, 1, 3});
+    AModeler::Body prism = MakePrism({kOutline}, {5, 1, 3});
     EXPECT_NEAR(VolumeOf(prism), 12.0, 1e-12); // the height counts
     EXPECT_EQ(EulerCharacteristic(prism), 2);
 }
 
 TEST(Prism, ConcaveProfileHasConvexEnds)
 {
-    AModeler::Body prism = MakePrism({kL}, {0, 0, 2});
+    AModeler::Body prism = MakePrism({kAngle}, {0, 0, 2});
     ExpectSound(prism);
     ExpectConvexFaces(prism);
     EXPECT_NEAR(VolumeOf(prism), 6.0, 1e-12);
@@ -153,7 +153,7 @@ TEST(Prism, ConcaveProfileHasConvexEnds)
 TEST(Prism, HoleInEitherDirection)
 {
     for (const Points& hole : {kHole, Reversed(kHole)}) {
-        AModeler::Body prism = MakePrism({kSquare, hole}, {0, 0, 2});
+        AModeler::Body prism = MakePrism({kOutline, hole}, {0, 0, 2});
         ExpectSound(prism);
         ExpectConvexFaces(prism);
         EXPECT_NEAR(VolumeOf(prism), 6.0, 1e-12); // (4 - 1) x 2
@@ -165,7 +165,7 @@ TEST(Prism, HoleInEitherDirection)
 TEST(Prism, TwoHolesMakeATwofoldRing)
 {
     const Points small{{0.1, 0.1, 0}, {0.3, 0.1, 0}, {0.3, 0.3, 0}, {0.1, 0.3, 0}};
-    AModeler::Body prism = MakePrism({kSquare, kHole, small}, {0, 0, 1});
+    AModeler::Body prism = MakePrism({kOutline, kHole, small}, {0, 0, 1});
     EXPECT_NEAR(VolumeOf(prism), 2.96, 1e-12); // 4 - 1 - 0.04
     EXPECT_EQ(EulerCharacteristic(prism), -2);
 }
@@ -176,31 +176,31 @@ TEST(Prism, RefusesProfilesWithoutArea)
     EXPECT_TRUE(Refuses([] { return MakePrism({{}}, {0, 0, 1}); }));
     EXPECT_TRUE(Refuses([] { return MakePrism({{{0, 0, 0}, {1, 0, 0}}}, {0, 0, 1}); }));
     EXPECT_TRUE(Refuses([] { return MakePrism({{{0, 0, 0}, {1, 1, 0}, {2, 2, 0}}}, {0, 0, 1}); }));
-    EXPECT_TRUE(Refuses([] { return MakePrism({kSquare, {{1, 1, 0}}}, {0, 0, 1}); }));
+    EXPECT_TRUE(Refuses([] { return MakePrism({kOutline, {{1, 1, 0}}}, {0, 0, 1}); }));
 }
 
 TEST(Prism, RefusesADirectionAlongTheProfile)
 {
-    EXPECT_TRUE(Refuses([] { return MakePrism({kSquare}, {1, 1, 0}); }));
-    EXPECT_TRUE(Refuses([] { return MakePrism({kSquare}, {0, 0, 0}); }));
+    EXPECT_TRUE(Refuses([] { return MakePrism({kOutline}, {1, 1, 0}); }));
+    EXPECT_TRUE(Refuses([] { return MakePrism({kOutline}, {0, 0, 0}); }));
 }
 
 TEST(Prism, RefusesNumbersThatAreNotFinite)
 {
-    Points bad = kSquare;
+    Points bad = kOutline;
     bad[2].x = kNan;
     EXPECT_TRUE(Refuses([&] { return MakePrism({bad}, {0, 0, 1}); }));
     bad[2].x = kInfinity;
     EXPECT_TRUE(Refuses([&] { return MakePrism({bad}, {0, 0, 1}); }));
-    EXPECT_TRUE(Refuses([] { return MakePrism({kSquare}, {0, 0, kNan}); }));
-    EXPECT_TRUE(Refuses([] { return MakePrism({kSquare}, {0, 0, kInfinity}); }));
+    EXPECT_TRUE(Refuses([] { return MakePrism({kOutline}, {0, 0, kNan}); }));
+    EXPECT_TRUE(Refuses([] { return MakePrism({kOutline}, {0, 0, kInfinity}); }));
 }
 
 TEST(Prism, RefusesLoopsThatCross)
 {
     EXPECT_TRUE(Refuses([] { return MakePrism({{{0, 0, 0}, {3, 3, 0}, {3, 0, 0}, {0, 2, 0}}}, {0, 0, 1}); }));
     const Points outside{{5, 5, 0}, {6, 5, 0}, {6, 6, 0}};
-    EXPECT_TRUE(Refuses([&] { return MakePrism({kSquare, outside}, {0, 0, 1}); }));
+    EXPECT_TRUE(Refuses([&] { return MakePrism({kOutline, outside}, {0, 0, 1}); }));
 }
 
 TEST(Revolution, CylinderIsAPrismOverAPolygon)

@@ -18,11 +18,11 @@ namespace karv_test
 namespace
 {
 
-int callback_count = 0;
+int timer_calls = 0;
 
-void CALLBACK CountCallback(HWND, UINT, UINT_PTR, DWORD)
+void CALLBACK CountTimerCall(HWND, UINT, UINT_PTR, DWORD)
 {
-    ++callback_count;
+    ++timer_calls;
 }
 
 } // namespace
@@ -31,8 +31,8 @@ using WinsysBackends = GraphicsContract;
 
 INSTANTIATE_TEST_SUITE_P(Backends, WinsysBackends, EveryBackend(), BackendTestName);
 
-constexpr UINT kFirst = WM_USER + 1;
-constexpr UINT kSecond = WM_USER + 2;
+constexpr UINT kLower = WM_USER + 1;
+constexpr UINT kUpper = WM_USER + 2;
 
 TEST_P(WinsysBackends, BackendChangesOnlyWithoutWindows)
 {
@@ -56,8 +56,8 @@ TEST_P(WinsysBackends, DescriptorIsReadableExactlyWhileAMessageWaits)
     const HWND window = MakeShown(L"a");
     ASSERT_GE(winsys::GetMessageDescriptor(), 0);
     EXPECT_FALSE(IsDescriptorReadable());
-    PostMessageW(window, kFirst, 0, 0);
-    PostMessageW(window, kSecond, 0, 0);
+    PostMessageW(window, kLower, 0, 0);
+    PostMessageW(window, kUpper, 0, 0);
     EXPECT_TRUE(IsDescriptorReadable());
     Take();
     EXPECT_TRUE(IsDescriptorReadable());
@@ -297,13 +297,13 @@ TEST_P(WinsysBackends, GettingForABadWindowFails)
 TEST_P(WinsysBackends, KilledTimerDoesNotCallBack)
 {
     const HWND window = MakeShown(L"a");
-    callback_count = 0;
-    SetTimer(window, 9, 1, &CountCallback);
+    timer_calls = 0;
+    SetTimer(window, 9, 1, &CountTimerCall);
     MSG message{};
     ASSERT_TRUE(GetMessageW(&message, nullptr, 0, 0));
     KillTimer(window, 9);
     DispatchMessageW(&message);
-    EXPECT_EQ(callback_count, 0);
+    EXPECT_EQ(timer_calls, 0);
 }
 
 TEST_P(WinsysBackends, ScreenBelongsToNoWindow)

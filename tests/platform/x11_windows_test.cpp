@@ -12,7 +12,7 @@ namespace karv_test
 
 using X11Windows = X11Test;
 
-constexpr unsigned kRedPixel = 0xFF0000;
+constexpr unsigned kRedOnScreen = 0xFF0000;
 constexpr unsigned kGreenPixel = 0x00FF00;
 
 TEST_F(X11Windows, HiddenWindowIsMadeButNotSeen)
@@ -63,9 +63,9 @@ TEST_F(X11Windows, SwappedFrameIsOnTheScreen)
     const HWND window = MakeShown(L"a", {100, 50, 300, 200});
     MakeCurrentContext(window);
     ASSERT_TRUE(Show(window, 1, 0, 0));
-    EXPECT_TRUE(ShowsPixel(100, 50, kRedPixel));
-    EXPECT_TRUE(ShowsPixel(299, 199, kRedPixel));
-    EXPECT_NE(client_.ScreenPixel(300, 199), kRedPixel);
+    EXPECT_TRUE(ShowsPixel(100, 50, kRedOnScreen));
+    EXPECT_TRUE(ShowsPixel(299, 199, kRedOnScreen));
+    EXPECT_NE(client_.ScreenPixel(300, 199), kRedOnScreen);
 }
 
 TEST_F(X11Windows, FrameOfATranslucentColourLetsNothingShowThrough)
@@ -75,7 +75,7 @@ TEST_F(X11Windows, FrameOfATranslucentColourLetsNothingShowThrough)
     glClearColor(1, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT);
     ASSERT_TRUE(SwapBuffers(GetDC(window)));
-    EXPECT_TRUE(ShowsPixel(150, 100, kRedPixel));
+    EXPECT_TRUE(ShowsPixel(150, 100, kRedOnScreen));
 }
 
 TEST_F(X11Windows, NextFrameAfterAResizeHasTheNewSize)
@@ -86,8 +86,8 @@ TEST_F(X11Windows, NextFrameAfterAResizeHasTheNewSize)
     MoveWindow(window, 100, 50, 300, 250, TRUE);
     ASSERT_TRUE(Show(window, 1, 0, 0));
     EXPECT_TRUE(Eventually([&] { return client_.SizeOf(OnlyChildOf(IdOf("a"))) == Size(300, 250); }));
-    EXPECT_TRUE(ShowsPixel(399, 299, kRedPixel));
-    EXPECT_TRUE(ShowsPixel(100, 50, kRedPixel));
+    EXPECT_TRUE(ShowsPixel(399, 299, kRedOnScreen));
+    EXPECT_TRUE(ShowsPixel(100, 50, kRedOnScreen));
 }
 
 TEST_F(X11Windows, EmptyWindowIsUnmappedUntilItHasPixels)
@@ -134,7 +134,7 @@ TEST_F(X11Windows, ResizeFromOutsideIsToldOnce)
     EXPECT_EQ(place.top, 70);
     EXPECT_TRUE(Eventually([&] { return client_.SizeOf(OnlyChildOf(IdOf("a"))) == Size(333, 222); }));
     ASSERT_TRUE(Show(window, 1, 0, 0));
-    EXPECT_TRUE(ShowsPixel(120 + 332, 70 + 221, kRedPixel));
+    EXPECT_TRUE(ShowsPixel(120 + 332, 70 + 221, kRedOnScreen));
 }
 
 TEST_F(X11Windows, ManyResizesFromOutsideThatWaitAreToldAsTheLast)
@@ -301,7 +301,7 @@ TEST_F(X11Windows, TwoContextsInOneTreeKeepTheirPictures)
     ASSERT_TRUE(Show(left, 1, 0, 0));
     MakeCurrentContext(right);
     ASSERT_TRUE(Show(right, 0, 1, 0));
-    EXPECT_TRUE(ShowsPixel(199, 100, kRedPixel));
+    EXPECT_TRUE(ShowsPixel(199, 100, kRedOnScreen));
     EXPECT_TRUE(ShowsPixel(200, 100, kGreenPixel));
 }
 
