@@ -26,9 +26,12 @@ make_stub()
 {
     make_stub tools/setup 'echo "setup $*" >>"$WORK/calls"; exit "${SETUP_STATUS:-0}"'
     make_stub tools/wine-session 'echo session >>"$WORK/calls"; "$@"'
-    make_stub bin/cmake 'echo "cmake $*" >>"$WORK/calls"; echo "words of cmake"; exit "${CMAKE_STATUS:-0}"'
+    make_stub bin/cmake 'echo "cmake $*" >>"$WORK/calls"; echo "words of cmake"
+        [[ $2 != "${BUILD_FAILS:-}" ]] || exit 1; exit "${CMAKE_STATUS:-0}"'
     make_stub bin/ninja 'echo "${NINJA_SAYS:-[1/2] compiling}"'
-    make_stub bin/ctest 'echo "ctest $1 $2 in $PWD" >>"$WORK/calls"; echo summary; exit "${CTEST_STATUS:-0}"'
+    make_stub bin/ctest 'echo "ctest $1 $2 in $PWD" >>"$WORK/calls"; echo summary
+        [[ ! -v LOG ]] || { mkdir -p "build/$2/Testing/Temporary"; echo "$LOG" >"build/$2/Testing/Temporary/LastTest.log"; }
+        [[ $2 != "${FAILING:-}" ]] || exit 8; exit "${CTEST_STATUS:-0}"'
     make_stub build/linux-bench/karv_bench 'printf "table "; printf "[%s]" "$@"; exit "${BENCH_STATUS:-0}"'
     for program in frame_cost_tests module_tests; do
         make_stub "build/linux-coverage/$program" \
@@ -106,37 +109,67 @@ expect 'a build of two targets is refused' "$status $complained" '2 usage: *'
 call "$work" tools/build
 expect 'a build without a preset is refused' "$status $complained" '2 usage: *'
 
-call "$work/elsewhere" ../test
-expect 'test sets up, builds and tests all on both systems' "$calls" "setup build viewer test fuzz
-cmake --preset linux-sanitize
+readonly build_linux='cmake --preset linux-sanitize
 cmake --build --preset linux-sanitize
 cmake --preset linux-fuzz
-cmake --build --preset linux-fuzz
-ctest --preset linux-sanitize in $work
-ctest --preset linux-fuzz in $work
-setup build viewer test windows
-cmake --preset linux-sanitize
+cmake --build --preset linux-fuzz --target karv_fuzzers'
+readonly build_windows='cmake --preset linux-sanitize
 cmake --build --preset linux-sanitize --target control_pictures
-cmake --preset windows
-cmake --build --preset windows
-session
-ctest --preset windows in $work"
-expect 'test ends with the summaries' "$status $said" $'0 summary\nsummary\nsummary'
+cmake --preset windows-test
+cmake --build --preset windows-test'
+readonly test_linux="ctest --preset linux-sanitize in $work
+ctest --preset linux-fuzz in $work"
+readonly test_windows="session
+ctest --preset windows-test in $work"
+call "$work/elsewhere" ../test linux
+expect 'test of one system leaves the other alone' "$calls" "setup build viewer test bench fuzz
+$build_linux
+$test_linux"
+expect 'test ends with the summaries' "$status $said" $'0 summary\nsummary'
+call "$work/elsewhere" ../test windows
+expect 'test of Windows needs the pictures of the build system' "$calls" "setup build viewer test bench windows wine
+$build_windows
+$test_windows"
+call "$work/elsewhere" ../test
+expect 'test sets up and builds all for both systems' "$calls" "setup build viewer test bench fuzz windows wine
+$build_linux
+$build_windows
+*"
+# Both at a time.
+expect 'test tests both systems' "$(grep -c ^ctest <<<"$calls") $calls" "3 *ctest --preset windows-test in $work*"
+expect 'test ends with the summaries of both systems' "$status $said" $'0 summary\nsummary\nsummary'
+expect 'test tells how long each step took' "$complained" $'*test: [0-9]* s: tools/build windows-test\n*'
 CTEST_STATUS=8 call "$work" ./test linux
 expect 'test ends as CTest does' "$status" 8
-expect 'test of one system leaves the other alone, and runs the fuzzers however the tests end' "$calls" \
-    "*ctest --preset linux-sanitize in $work
-ctest --preset linux-fuzz in $work"
-CTEST_STATUS=8 call "$work" ./test
-expect 'test ends as a failing CTest does' "$status" 8
-expect 'test goes on with the second system where the first fails' "$calls" "*ctest --preset windows in $work"
+expect 'the fuzzers run however the tests end' "$calls" "*$test_linux"
+FAILING=windows-test call "$work" ./test
+expect 'test ends as a failing CTest of Windows does' "$status $(grep -c ^ctest <<<"$calls")" '8 3'
+FAILING=linux-sanitize call "$work" ./test
+expect 'test ends as a failing CTest of Linux does' "$status $(grep -c ^ctest <<<"$calls")" '8 3'
+FAILING=linux-fuzz call "$work" ./test
+expect 'test ends as a failing fuzzer does' "$status $(grep -c ^ctest <<<"$calls")" '8 3'
+BUILD_FAILS=linux-fuzz call "$work" ./test
+expect 'test goes on with the second system where the first cannot be built' "$status $calls" "1 *$test_windows"
+BUILD_FAILS=windows-test call "$work" ./test
+expect 'test runs the tests of the first system where the second cannot be built' "$status $calls" "1 *$test_linux"
+BUILD_FAILS=linux-sanitize call "$work" ./test windows
+expect 'test of Windows ends where the pictures of the build system cannot be built' "$status $calls" \
+    '1 *--preset linux-sanitize'
 SETUP_STATUS=1 call "$work" ./test windows
-expect 'test stops where packages are missing' "$status $calls" '1 setup build viewer test windows'
+expect 'test stops where packages are missing' "$status $calls" '1 setup build viewer test bench windows wine'
+LOG='[==========] 12 tests from 3 test suites ran. (5 ms total)
+[  SKIPPED ] 2 tests, listed below:
+[==========] 1 test from 1 test suite ran. (1 ms total)
+[==========] Running 7 tests from 1 test suite.' call "$work" ./test linux
+expect 'test counts the cases that ran' "$said" 'summary
+linux-sanitize: 13 test cases, 2 of them skipped
+summary
+*'
 
 call "$work/elsewhere" ../test fuzz 7
 expect 'test fuzz sets up, builds, and runs each fuzzer as long as it is asked' "$calls" "setup build test fuzz
 cmake --preset linux-fuzz
-cmake --build --preset linux-fuzz
+cmake --build --preset linux-fuzz --target karv_fuzzers
 seeds seeds
 fuzz_model_stream -max_total_time=7
 fuzz_body_builder -max_total_time=7"
