@@ -1,7 +1,8 @@
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 
 #include "platform/winsys/backend.h"
 #include "platform/winsys/backends.h"
+#include "platform/winsys/frame_clock.h"
 #include "platform/winsys/opengl.h"
 
 #include <cairo.h>
@@ -14,6 +15,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -101,11 +103,11 @@ std::vector<std::string> ViewerTest::Names() const
 
 ProgramRun ViewerTest::View(const std::string& arguments) const
 {
-    // The streams go to files beside the folder, so that the folder holds what the program itself left there.
+    // The streams go to files beside the folder, so that the folder holds only what the program itself wrote.
     const std::string out = folder_.string() + ".out";
     const std::string err = folder_.string() + ".err";
-    // The arguments come last, so that a test can send a stream elsewhere.
-    // Without a display, whatever the tests themselves run on.
+    // The arguments come last, so that a test can redirect a stream. DISPLAY is removed because the tests
+    // themselves may run on a display.
     const std::string command = "cd '" + folder_.string() + "' && env -u DISPLAY '" KARV_VIEW "' >'" + out +
                                 "' 2>'" + err + "' </dev/null " + arguments;
     const int result = std::system(command.c_str());
@@ -174,9 +176,17 @@ Box BoxOf(const Point& min, const Point& max)
     return box;
 }
 
+std::array<Point, 8> CornersOf(const Box& box)
+{
+    const auto& [min, max] = box;
+    return {Point{min.x, min.y, min.z}, Point{max.x, min.y, min.z}, Point{min.x, max.y, min.z},
+            Point{max.x, max.y, min.z}, Point{min.x, min.y, max.z}, Point{max.x, min.y, max.z},
+            Point{min.x, max.y, max.z}, Point{max.x, max.y, max.z}};
+}
+
 Model BoxModel(const Box& box)
 {
-    const auto c = box.Corners();
+    const auto c = CornersOf(box);
     Model model;
     Piece piece;
     for (const auto& face : {std::array{0, 2, 3, 1}, std::array{4, 5, 7, 6}, std::array{0, 1, 5, 4},
@@ -184,11 +194,17 @@ Model BoxModel(const Box& box)
         std::vector<Point> corners;
         for (const int index : face)
             corners.push_back(c.at(static_cast<std::size_t>(index)));
-        if (auto made = MakeFace(std::move(corners))) // the sides of a flat box are none
+        if (auto made = MakeFace(std::move(corners))) // nothing for the sides of a flat box
             piece.faces.push_back(std::move(*made));
     }
     model.pieces.push_back(std::move(piece));
     return model;
+}
+
+std::uint32_t PixelAt(const Picture& picture, int column, int row)
+{
+    return picture.pixels.at(static_cast<std::size_t>(row) * static_cast<std::size_t>(picture.width) +
+                             static_cast<std::size_t>(column));
 }
 
 Point ProjectToViewport(const Point& point)
@@ -207,6 +223,8 @@ Point ProjectToViewport(const Point& point)
 void UseHeadless()
 {
     winsys::UseBackend(winsys::MakeHeadlessBackend());
+    // The control gives up multisampling while frames are slow, which would make pictures depend on the load.
+    winsys::SetFrameClock([] { return std::clock_t{0}; });
 }
 
 } // namespace viewer

@@ -1,4 +1,4 @@
-#include "viewer/output/model_list.h"
+#include "viewer/output/model_tree.h"
 
 #include "platform/host/cm/color.h"
 #include "viewer/scene/feature_edges.h"
@@ -16,7 +16,7 @@ namespace viewer
 namespace
 {
 
-/// What a piece, or several, are made of.
+/// The counts of one or more pieces.
 struct Counts {
     std::size_t faces = 0;
     std::size_t edges = 0;
@@ -61,7 +61,7 @@ std::string TextOf(const Counts& counts)
            CountText(counts.lines, "line") + ", " + CountText(counts.solids, "solid");
 }
 
-/// A name as it may stand on a terminal.
+/// The name without characters that would disturb a terminal.
 std::string Printable(const std::string& name)
 {
     const std::string text = OneLine(name);
@@ -128,11 +128,11 @@ class TreePrinter
 
     void Indent(std::size_t depth)
     {
-        constexpr std::size_t kDeepest = 100;
-        out_ << std::string(2 * (1 + std::min(depth, kDeepest)), ' ');
+        constexpr std::size_t kMaxDepth = 100;
+        out_ << std::string(2 * (1 + std::min(depth, kMaxDepth)), ' ');
     }
 
-    /// Prints those assemblies that the piece before does not lie in.
+    /// Prints those assemblies that do not hold the previous piece, too.
     void OpenParents(const std::vector<std::string>& parents, std::vector<std::string>& open)
     {
         const auto same =
@@ -160,7 +160,7 @@ class TreePrinter
 
 } // namespace
 
-void PrintModelList(std::ostream& out, const Model& model, int first_category)
+void PrintModelTree(std::ostream& out, const Model& model, int first_category)
 {
     TreePrinter(out, model, first_category).Print();
 }

@@ -1,4 +1,4 @@
-// A model as text: the tree of its assemblies and pieces, with what each is made of.
+// A model as text: the tree of its assemblies and pieces, with counts.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -8,10 +8,10 @@
 namespace viewer
 {
 
-/// Prints the title with the counts of the whole, the categories with their names and how many pieces each
-/// has, and the tree, one line a piece: its name, category, colour, opacity where it is not 1, and counts of
-/// faces, edges, lines and solids. Categories are counted from `first_category`, which is how they count
-/// where other models come before this one. Names are printed in one line each, without control characters.
-void PrintModelList(std::ostream& out, const Model& model, int first_category = 0);
+/// Prints the title with the total counts, the unit where it is known, the categories with their names and
+/// numbers of pieces, and the tree with one line per piece: its name, category, colour, opacity if below 1,
+/// and counts of faces, edges, lines and solids. Categories are numbered from `first_category` on, as they
+/// are where other models come before this one. Names are printed without line breaks and control characters.
+void PrintModelTree(std::ostream& out, const Model& model, int first_category = 0);
 
 } // namespace viewer

@@ -1,4 +1,4 @@
-// A picture in memory. What draws into it and what files it goes to is not its business.
+// A picture in memory. It knows neither who draws it nor the files it is written to.
 #pragma once
 
 #include <cstddef>
@@ -26,7 +26,7 @@ inline constexpr int kMaxPictureSide = 8192;
            static_cast<std::uint32_t>(blue);
 }
 
-/// Opaque pixels, row by row from the top.
+/// Opaque pixels as `PackColor` makes them, row by row from the top.
 struct Picture {
     int width = 0;
     int height = 0;
@@ -38,13 +38,6 @@ struct Picture {
         : width(width_in), height(height_in),
           pixels(static_cast<std::size_t>(width_in) * static_cast<std::size_t>(height_in))
     {
-    }
-
-    /// The pixel in this column and row, which must be inside.
-    [[nodiscard]] std::uint32_t At(int column, int row) const
-    {
-        return pixels.at(static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
-                         static_cast<std::size_t>(column));
     }
 };
 

@@ -48,7 +48,7 @@ cairo_status_t WriteToStream(void* closure, const unsigned char* data, unsigned 
     return stream ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
 }
 
-/// A file beside its target that takes the target's place when complete, and is gone when anything fails.
+/// A file beside its target. `Commit` renames it to the target; without that, the destructor removes it.
 class PendingFile
 {
   public:
@@ -107,7 +107,7 @@ class PendingFile
     bool committed_ = false;
 };
 
-/// Whether Cairo can write this text, which takes nothing but proper UTF-8.
+/// Whether Cairo can draw this text. It takes only valid UTF-8.
 bool IsWritable(const std::string& text)
 {
     const SurfacePointer surface = MakeSurface(1, 1);

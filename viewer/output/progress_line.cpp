@@ -29,8 +29,8 @@ ProgressLine::~ProgressLine()
 
 void ProgressLine::Report(double fraction)
 {
-    constexpr std::chrono::milliseconds kPatience{500};
-    if (!on_terminal_ || clock_() - start_ < kPatience)
+    constexpr std::chrono::milliseconds kDelay{500};
+    if (!on_terminal_ || clock_() - start_ < kDelay)
         return;
     const int percent = static_cast<int>(std::floor(std::clamp(fraction, 0.0, 1.0) * 100.0));
     if (percent == shown_percent_)

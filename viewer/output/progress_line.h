@@ -1,5 +1,5 @@
-// A line of progress on a terminal, for loads that take a while. Nothing is shown for short ones, nor into a
-// file or a pipe.
+// A line of progress on a terminal for long tasks. Short tasks show nothing, and nothing goes into a file or
+// a pipe.
 #pragma once
 
 #include <chrono>
@@ -13,21 +13,21 @@ namespace viewer
 /// Whether the standard error stream goes to a terminal.
 [[nodiscard]] bool StandardErrorIsTerminal();
 
-/// The progress line of one task; gone when the object is.
+/// The progress line of one task; the destructor clears it.
 class ProgressLine
 {
   public:
     using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-    /// Writes "TASK: 42 %" to `out`, over itself, once the task has run for half a second by `clock`. With
-    /// `on_terminal` false it never writes. `out` must outlive the object.
+    /// Starts the task. Nothing is ever written where `on_terminal` is false. `out` must outlive this object.
     ProgressLine(std::ostream& out, bool on_terminal, std::string task,
                  Clock clock = std::chrono::steady_clock::now);
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
-    /// Clears the line.
     ~ProgressLine();
 
+    /// Writes "TASK: 42 %" over the last line, once the task has run for half a second by the clock.
+    /// `fraction` is from 0 to 1; values outside are clamped.
     void Report(double fraction);
 
   private:

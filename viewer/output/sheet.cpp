@@ -17,7 +17,7 @@ constexpr int kTitleHeight = 36;
 constexpr double kTitleSize = 18.0;
 constexpr int kLabelHeight = 24;
 constexpr double kLabelSize = 14.0;
-constexpr int kSmallestCell = 16;
+constexpr int kMinCellSide = 16;
 
 SheetLayout WithCell(int columns, PictureSize cell)
 {
@@ -54,7 +54,7 @@ SheetLayout LayOutSheet(const std::optional<PictureSize>& size)
     for (const int columns : {4, 3, 2, 10, 1})
         if (const SheetLayout layout = Within(columns, *size); ShorterSide(layout) > ShorterSide(best))
             best = layout;
-    if (ShorterSide(best) < kSmallestCell)
+    if (ShorterSide(best) < kMinCellSide)
         throw std::runtime_error("--size: too small for a sheet of ten views");
     return best;
 }

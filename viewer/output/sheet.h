@@ -1,4 +1,4 @@
-// How the ten standard views lie on one labelled sheet.
+// The ten standard views on one labelled sheet.
 #pragma once
 
 #include "viewer/output/picture.h"
@@ -19,12 +19,13 @@ struct SheetLayout {
     PictureSize whole;
 };
 
-/// The layout of a sheet of this size, with the grid that gives the largest views; without a size, five
-/// columns of two views of 320 by 240. Throws std::runtime_error where the size leaves no room.
+/// The layout of a sheet of this size, with the grid that gives the largest views. Without a size: five
+/// columns and two rows of views of 320 by 240. Throws std::runtime_error where the sheet is too small for
+/// ten views.
 [[nodiscard]] SheetLayout LayOutSheet(const std::optional<PictureSize>& size);
 
-/// Writes a sheet with a title, whole or not at all. `draw` is asked for each view in turn, in the size of a
-/// cell. Throws FileError and what `draw` throws.
+/// Writes a sheet with a title, completely or not at all. `draw` is called for each view in order and returns
+/// a picture of the size of a cell. Throws FileError; exceptions of `draw` pass through.
 void WriteSheet(const std::string& path, const std::string& title, const SheetLayout& layout,
                 const std::function<Picture(StandardView)>& draw);
 

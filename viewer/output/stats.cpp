@@ -27,7 +27,7 @@ std::string ToJson(const Stats& stats)
     json["first_frame_s"] = stats.first_frame_s;
     json["fps"] = stats.fps;
     json["renderer"] = stats.renderer;
-    // Names from drivers need not be proper UTF-8.
+    // Names of drivers may be invalid UTF-8.
     return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 

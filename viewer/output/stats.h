@@ -1,4 +1,4 @@
-// The figures of a run, as --stats prints them.
+// The figures of a run that --stats prints.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -9,16 +9,15 @@
 namespace viewer
 {
 
-/// Figures from the host's own bookkeeping and from the counter of drawn frames; seconds, and the files'
-/// units.
+/// Times are in seconds, lengths in the unit of the files.
 struct Stats {
-    std::size_t files = 0; ///< read; none for the bundled model
+    std::size_t files = 0; ///< 0 for the bundled model
     std::size_t entities = 0;
     std::size_t faces = 0;
     Box extents;
-    double load_s = 0.0;        ///< reading the files
+    double load_s = 0.0;        ///< for reading the files
     double first_frame_s = 0.0; ///< from the program's start to its first frame
-    double fps = 0.0;           ///< frames drawn per second
+    double fps = 0.0;           ///< frames per second
     std::string renderer;
 };
 

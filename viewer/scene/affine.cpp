@@ -25,7 +25,7 @@ Affine Scaling(double x, double y, double z)
 
 Affine RotationAboutZ(double degrees)
 {
-    // Whole quarters are taken off first, so that they leave no digits where zeros belong.
+    // Quarter turns are separated first, so that their sines and cosines are exact.
     const double quarters = std::round(degrees / 90.0);
     const double rest = (degrees - quarters * 90.0) * std::numbers::pi / 180.0;
     const auto quarter = static_cast<int>(std::fmod(quarters, 4.0));

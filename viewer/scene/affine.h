@@ -18,7 +18,7 @@ struct Affine {
     {
         return x * vector.x + y * vector.y + z * vector.z;
     }
-    /// Whether it reverses orientation: counter-clockwise corners become clockwise.
+    /// Whether the map reverses orientation, so that counter-clockwise corners become clockwise.
     [[nodiscard]] bool Mirrors() const { return Dot(Cross(x, y), z) < 0.0; }
 };
 

@@ -1,4 +1,4 @@
-// The model that is shown when none is named: a pillow block with its bolts, made here point by point.
+// The model that is shown when no file is named: a pillow block with its bolts.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -6,8 +6,8 @@
 namespace viewer
 {
 
-/// A bearing housing on a bolted foot, in millimetres, standing on z = 0 with the bore along y. Every piece
-/// is a closed solid; categories: 0 foot, 1 housing, 2 ribs, 3 bush, 4 washers, 5 bolts.
+/// A bearing housing on a bolted foot, in millimetres. It stands on z = 0, with the bore along y. The faces
+/// of every piece close. Categories: 0 foot, 1 housing, 2 ribs, 3 bush, 4 washers, 5 bolts.
 [[nodiscard]] Model MakeBundledModel();
 
 } // namespace viewer

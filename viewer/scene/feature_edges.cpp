@@ -22,7 +22,7 @@ struct PointHash {
     {
         std::uint64_t hash = 0;
         for (const double coordinate : {point.x, point.y, point.z}) {
-            // Both zeros are one coordinate.
+            // Positive and negative zero are equal.
             const auto bits = std::bit_cast<std::uint64_t>(coordinate == 0.0 ? 0.0 : coordinate);
             constexpr std::uint64_t kGoldenRatio = 0x9E3779B97F4A7C15U;
             hash = (std::rotl(hash, 23) ^ bits) * kGoldenRatio;
@@ -31,7 +31,7 @@ struct PointHash {
     }
 };
 
-/// The faces' corners by number: the same one for the same coordinates.
+/// The corners of all faces as indices of points; corners with the same coordinates share an index.
 struct SharedCorners {
     std::vector<Point> points;
     std::vector<std::vector<int>> faces;
@@ -53,14 +53,13 @@ struct SharedCorners {
     }
 };
 
-/// Who uses an edge: the first two faces, how many there are, and whether two of them use it in one
-/// direction.
+/// The use of an edge by faces.
 struct EdgeUse {
     std::size_t first_face = 0;
-    std::size_t second_face = 0;
-    int count = 0;
-    bool first_is_upwards = false; ///< from the lower to the higher number
-    bool is_twisted = false;
+    std::size_t second_face = 0;   ///< the latest one, where there are more than two
+    int count = 0;                 ///< of faces
+    bool first_is_upwards = false; ///< the first face runs from the lower index to the higher one
+    bool is_twisted = false;       ///< another face runs in the same direction as the first one
 };
 
 std::uint64_t EdgeKey(int a, int b)
@@ -70,7 +69,7 @@ std::uint64_t EdgeKey(int a, int b)
            static_cast<std::uint32_t>(high);
 }
 
-/// Visits both sides of every edge.
+/// Calls `visit` for both sides of every edge.
 void ForEachEdge(AModeler::Body& body, const auto& visit)
 {
     for (AModeler::Face* face = body.faceList(); face != nullptr; face = face->next()) {
@@ -80,7 +79,8 @@ void ForEachEdge(AModeler::Body& body, const auto& visit)
     }
 }
 
-/// Leaves those edges physical that the list names; what it names beside them is not an edge of any face.
+/// Makes all edges non-physical that are not in the list. Segments that are not an edge of a face are
+/// ignored.
 void MarkListedEdges(AModeler::Body& body, const std::vector<Segment>& listed, const SharedCorners& corners)
 {
     std::unordered_set<std::uint64_t> keys;
@@ -90,8 +90,8 @@ void MarkListedEdges(AModeler::Body& body, const std::vector<Segment>& listed, c
         if (from != corners.known.end() && to != corners.known.end())
             keys.insert(EdgeKey(from->second, to->second));
     }
-    // The body keeps its vertices one after the other in the order in which they were added, and every one of
-    // them is a corner of a face.
+    // The body keeps its vertices in one array in the order in which they were added, and every vertex is a
+    // corner of a face.
     const AModeler::Vertex* first = nullptr;
     ForEachEdge(body, [&](const AModeler::Edge& edge) {
         first = first == nullptr ? edge.vertex()
@@ -108,7 +108,7 @@ void MarkListedEdges(AModeler::Body& body, const std::vector<Segment>& listed, c
 
 bool IsSmooth(const Point& a, const Point& b)
 {
-    // Accurate for small angles, and so are lengths that are not quite 1.
+    // atan2 is accurate for small angles and for normals whose length is not exactly 1.
     const double angle = std::atan2(Length(Cross(a, b)), Dot(a, b));
     return angle < kSmoothAngle * std::numbers::pi / 180.0;
 }

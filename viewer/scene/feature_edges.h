@@ -1,4 +1,4 @@
-// What the faces of a piece make together: a closed solid, or a surface whose edges have to be found.
+// The visible edges of a piece: as a body of the modeler where its faces close, else as a list of segments.
 #pragma once
 
 #include "platform/modeler/body.h"
@@ -11,19 +11,19 @@
 namespace viewer
 {
 
-/// Two facets that meet at less than this angle, in degrees, belong to one smooth surface: no edge is seen
-/// there.
+/// Two facets whose normals differ by less than this angle, in degrees, belong to one smooth surface: there
+/// is no visible edge between them.
 inline constexpr double kSmoothAngle = 20.0;
 
-/// The piece as a body of the modeler, with its points where `place` puts them; nothing where its faces do
-/// not close. Corners at exactly the same coordinates are one point. Physical are the edges that the piece
-/// lists; of a piece without a list, those that are not smooth.
+/// Makes a body of the piece's faces, with its points mapped by `place`; returns nothing where the faces do
+/// not close. Corners at exactly the same coordinates become one point. The physical edges are those that the
+/// piece lists; for a piece without a list, those that are not smooth.
 [[nodiscard]] std::optional<AModeler::Body> MakeSolid(const Piece& piece,
                                                       const std::function<Point(const Point&)>& place);
 
-/// The edges of the piece's faces that the eye sees, as they stand in the file, each once: those that it
-/// lists, or else those at its border, those where more than two faces or two of opposite directions meet,
-/// and those that are not smooth.
+/// The visible edges of the piece's faces, in file coordinates, each once: those that the piece lists, or
+/// else border edges, edges of more than two faces, edges of two faces with opposite orientation, and edges
+/// that are not smooth.
 [[nodiscard]] std::vector<Segment> FeatureEdges(const Piece& piece);
 
 } // namespace viewer

@@ -4,9 +4,8 @@
 #include "viewer/scene/feature_edges.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 #include <limits>
-#include <numbers>
 #include <vector>
 
 namespace viewer
@@ -14,12 +13,6 @@ namespace viewer
 
 namespace
 {
-
-/// The control's scene size is this many diagonals of its box.
-constexpr double kSceneSizePerDiagonal = 1.2;
-constexpr double kMargin = 1.05;
-/// Half the control's vertical field of view, in radians.
-constexpr double kHalfFieldOfView = 20.0 * std::numbers::pi / 180.0;
 
 AcGePoint3d ToHost(const Point& point)
 {
@@ -49,7 +42,7 @@ KARVGraphicalEntity::EntityType ToType(int category)
     return static_cast<KARVGraphicalEntity::EntityType>(category);
 }
 
-/// How many entities the model becomes, besides its feature edges.
+/// The number of entities that the model becomes, without its feature edges.
 int EntityCount(const Model& model)
 {
     std::size_t count = model.pieces.size();
@@ -71,49 +64,6 @@ void ApplyView(KARVOpenGLControl& control, StandardView view)
 }
 
 } // namespace
-
-double FitGrowth(double aspect)
-{
-    // The model lies within a sphere of radius R, half its box's diagonal; the box that is grown by g makes a
-    // scene size of S = 1.2 g 2R, and standard views put the eye at S from the centre.
-    //  - In perspective the sphere touches the edge of a cone of half angle a at S sin(a) = R, so g = 1 /
-    //  (2.4 sin(a)):
-    //    upwards a is 20 degrees (1.22); sideways tan(a) is the aspect times tan(20 degrees).
-    //  - In parallel projection the viewport is S wide (g = 1/1.2 holds, less than 1.22) and S / aspect high.
-    constexpr double kUpwards = 1.22;
-    constexpr double kParallelUpwardsPerAspect = 0.84;
-    const double sideways =
-        0.5 / (kSceneSizePerDiagonal * std::sin(std::atan(aspect * std::tan(kHalfFieldOfView))));
-    return kMargin * std::max({kUpwards, kParallelUpwardsPerAspect * aspect, sideways});
-}
-
-ScenePlacement::ScenePlacement(const Box& extents) : origin_(extents.min)
-{
-    constexpr double kFittedDiagonal = kSceneSize / kSceneSizePerDiagonal;
-    const double diagonal = extents.Diagonal();
-    const double scene_diagonal = kFittedDiagonal / FitGrowth(1.0);
-    if (diagonal > 0.0) {
-        scale_ = scene_diagonal / diagonal;
-        scene_box_.Add(ToScene(extents.min));
-        scene_box_.Add(ToScene(extents.max));
-        return;
-    }
-    // A cube of that diagonal around the point.
-    const double half = 0.5 * scene_diagonal / std::numbers::sqrt3;
-    origin_ = extents.min - Point{half, half, half};
-    scene_box_.Add({0.0, 0.0, 0.0});
-    scene_box_.Add({2.0 * half, 2.0 * half, 2.0 * half});
-}
-
-Box ScenePlacement::FittedBox(double aspect) const
-{
-    const Point center = scene_box_.Center();
-    const Point reach = (scene_box_.max - center) * FitGrowth(aspect);
-    Box box;
-    box.Add(center - reach);
-    box.Add(center + reach);
-    return box;
-}
 
 FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden)
     : control_(control), placement_(model.Extents()), first_line_category_(model.CategoryCount()),
@@ -165,7 +115,7 @@ void FittedScene::FeedLines(const std::vector<Segment>& lines, unsigned char col
 void FittedScene::DrawLines(bool lines)
 {
     control_.SetRenderMode(lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
-    // Lines would be drawn among the faces, too.
+    // The control draws lines in both modes, so the categories of feature edges are hidden among faces.
     for (const int category : line_categories_)
         if (lines)
             control_.EnableObject(ToType(category));
@@ -180,8 +130,8 @@ void FittedScene::Show(StandardView view, Projection projection, double aspect)
     control_.ResetCameraZoom();
     ApplyView(control_, view);
     SetProjection(projection);
-    // Frames never load matrices; this does, and it also replaces the passing projection of a switch to
-    // perspective.
+    // Frames never load matrices; OnDraw does. It also replaces the temporary projection that a switch to
+    // perspective leaves behind.
     control_.OnDraw(nullptr);
 }
 
@@ -193,7 +143,8 @@ void FittedScene::SwitchProjection()
 
 void FittedScene::SetProjection(Projection projection)
 {
-    // A control that is in perspective already would take its projection stack below its bottom.
+    // SetToPerspective pops the projection stack; in a control that is in perspective already, it would
+    // underflow.
     if (projection != projection_)
         control_.SetToPerspective(projection == Projection::Perspective);
     projection_ = projection;

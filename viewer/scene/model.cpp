@@ -43,13 +43,6 @@ bool IsFinite(const Point& a)
     return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z);
 }
 
-std::array<Point, 8> Box::Corners() const
-{
-    return {Point{min.x, min.y, min.z}, Point{max.x, min.y, min.z}, Point{min.x, max.y, min.z},
-            Point{max.x, max.y, min.z}, Point{min.x, min.y, max.z}, Point{max.x, min.y, max.z},
-            Point{min.x, max.y, max.z}, Point{max.x, max.y, max.z}};
-}
-
 void Box::Add(const Point& point)
 {
     min = {std::min(min.x, point.x), std::min(min.y, point.y), std::min(min.z, point.z)};
@@ -67,9 +60,9 @@ void Box::Unite(const Box& box)
 namespace
 {
 
-/// Twice the area times the normal. Corners are taken relative to the first, so that a small face far from
-/// the origin keeps its digits, and at a length of about 1, so that a tiny one does not vanish in the
-/// products.
+/// Twice the area times the normal, in units of the squared reach (the largest distance from the first
+/// corner). Corners are relative to the first one, so that a small face far from the origin keeps its digits,
+/// and scaled by the reach, so that the products of a tiny face do not underflow.
 Point AreaVector(const std::vector<Point>& corners)
 {
     double reach = 0.0;
@@ -94,7 +87,7 @@ std::optional<ModelFace> MakeFace(std::vector<Point> counterclockwise)
         return std::nullopt;
     const Point area = AreaVector(counterclockwise);
     const double length = Length(area);
-    // Below this the "area" is what rounding left of corners in one line.
+    // The area of corners in one line is at most this, by rounding.
     constexpr double kNoArea = 1e-14;
     if (!(length > kNoArea))
         return std::nullopt;

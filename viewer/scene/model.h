@@ -1,8 +1,7 @@
-// The host's own model: faces and lines in double precision and in the files' units, sorted into pieces of
-// one material. It knows nothing of files, windows or the viewport's scaled scene.
+// The viewer's model: faces and lines in double precision and in the units of the file, grouped into pieces
+// of one material. It knows nothing of files, windows or the viewport's scaled scene.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <limits>
 #include <optional>
@@ -29,7 +28,7 @@ struct Point {
 [[nodiscard]] double Length(const Point& a);
 [[nodiscard]] bool IsFinite(const Point& a);
 
-/// An axis-aligned box; a new one is empty, its minimum above its maximum.
+/// An axis-aligned box. A new box is empty: its minimum is above its maximum.
 struct Box {
     Point min{std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity(),
               std::numeric_limits<double>::infinity()};
@@ -38,24 +37,24 @@ struct Box {
 
     [[nodiscard]] bool IsEmpty() const { return min.x > max.x; }
     [[nodiscard]] Point Center() const { return min + (max - min) * 0.5; }
-    /// The length of the diagonal; for a box that is not empty.
+    /// The length of the diagonal. The box must not be empty.
     [[nodiscard]] double Diagonal() const { return Length(max - min); }
-    [[nodiscard]] std::array<Point, 8> Corners() const;
+    /// Grows the box to contain the point.
     void Add(const Point& point);
-    /// An empty one changes nothing.
+    /// Grows the box to contain the other one; an empty one changes nothing.
     void Unite(const Box& box);
 };
 
-/// One polygon, ready for the viewport: its corners run clockwise as seen from outside, its normal is of unit
-/// length and points outwards.
+/// One flat polygon, as the viewport takes it: its corners run clockwise as seen from outside; its normal has
+/// unit length and points outwards.
 struct ModelFace {
     std::vector<Point> corners;
     Point normal;
 };
 
-/// Makes a face from corners that run counter-clockwise as seen from outside, with the normal of the whole
-/// polygon (the sum over its edges, right for concave outlines too). Nothing for fewer than three corners, or
-/// where they enclose no area: such a face shows nothing and has no normal.
+/// Makes a face from corners that run counter-clockwise as seen from outside. The normal is the sum over all
+/// edges, which is correct for concave outlines, too. Returns nothing for fewer than three corners and for
+/// corners that enclose no area: such a face shows nothing and has no normal.
 [[nodiscard]] std::optional<ModelFace> MakeFace(std::vector<Point> counterclockwise);
 
 /// A straight line between two points.
@@ -64,30 +63,32 @@ struct Segment {
     Point to;
 };
 
-/// What belongs together in a file: the faces of one solid or of one material, lines of one drawing entity.
+/// The parts of a file that belong together: the faces of one solid or one material, or the lines of one
+/// drawing entity.
 struct Piece {
     std::string name;
     std::vector<std::string> parents; ///< names of the assemblies that hold it, outermost first
-    std::vector<ModelFace> faces;     ///< of a solid where they close
-    /// The edges between the faces that the file itself has, each once, in either direction, between corners
-    /// of faces at exactly the same coordinates; an empty list for a part without any (a whole sphere). None
-    /// where the file knows nothing of edges: they are then found by the angle between the faces.
+    std::vector<ModelFace> faces;     ///< of a solid, where they close
+    /// The edges between faces that the file itself defines, each once, in either direction; their ends have
+    /// exactly the coordinates of corners of faces. The list is empty for a part without edges (a whole
+    /// sphere). It is absent where the file format has no edges: they are then found by the angle between the
+    /// faces.
     std::optional<std::vector<Segment>> edges;
-    std::vector<Segment> lines; ///< drawn for themselves: wires and curves, cut into segments
+    std::vector<Segment> lines; ///< wires and curves that are not edges of faces, cut into segments
     int category = 0;
     unsigned char color = 7; ///< palette index
-    float alpha = 1.0F;      ///< 1 for opaque
+    float alpha = 1.0F;      ///< opacity, 0 to 1
 };
 
-/// A piece of faces alone, of one material.
+/// A piece of faces without lines.
 [[nodiscard]] Piece MakePiece(std::string name, std::vector<ModelFace> faces, int category = 0,
                               unsigned char color = 7, float alpha = 1.0F);
 
 struct Model {
     std::string title;
     std::vector<Piece> pieces;
-    std::vector<std::string> category_names; ///< by category; may be shorter than there are categories
-    /// How long the unit of the coordinates is, where the file says so; above 0.
+    std::vector<std::string> category_names; ///< by category; may be shorter than the category count
+    /// The length of the unit of the coordinates, above 0; absent where the file does not define it.
     std::optional<double> meters_per_unit;
 
     /// The box of all faces and lines.
@@ -97,12 +98,12 @@ struct Model {
     [[nodiscard]] int CategoryCount() const;
     [[nodiscard]] bool IsTranslucent() const;
 
-    /// Adds the pieces of another model; its categories follow those that are here, with their names. Where
-    /// both models know the length of their units, the other is scaled to this one's; where this one is empty
-    /// its unit becomes the other's.
+    /// Adds the pieces of another model. Its categories, with their names, are numbered after those of this
+    /// one. Where both models have a unit, the other one is scaled to this one's. A model without pieces and
+    /// unit takes the unit of the other one.
     void Append(Model other);
-    /// Moves translucent pieces behind the opaque ones, each kind in its order: the viewport draws in the
-    /// order of appending and does not sort.
+    /// Moves the translucent pieces behind the opaque ones; within each kind, the order is kept. The viewport
+    /// draws in the order of appending and does not sort.
     void PutTranslucentLast();
 };
 

@@ -1,9 +1,9 @@
-#include "viewer/scene/extrusion.h"
+#include "viewer/scene/prism.h"
 
-#include <algorithm>
+#include "platform/modeler/ready_bodies.h"
+
 #include <cmath>
 #include <numbers>
-#include <utility>
 
 namespace viewer
 {
@@ -11,37 +11,19 @@ namespace viewer
 namespace
 {
 
-void AddFace(std::vector<ModelFace>& faces, std::vector<Point> counterclockwise)
+ModelFace ToModelFace(AModeler::Face& face)
 {
-    if (auto face = MakeFace(std::move(counterclockwise)))
-        faces.push_back(std::move(*face));
-}
-
-bool HasEdge(const Outline& tile, const PlanePoint& from, const PlanePoint& to)
-{
-    for (std::size_t i = 0; i < tile.size(); ++i)
-        if (tile[i] == from && tile[(i + 1) % tile.size()] == to)
-            return true;
-    return false;
-}
-
-bool IsInside(const std::vector<Outline>& tiles, const PlanePoint& from, const PlanePoint& to)
-{
-    return std::any_of(tiles.begin(), tiles.end(),
-                       [&](const Outline& tile) { return HasEdge(tile, to, from); });
-}
-
-void AddCaps(std::vector<ModelFace>& faces, const Outline& tile, const Frame& frame, double from, double to)
-{
-    std::vector<Point> top;
-    std::vector<Point> bottom;
-    for (const PlanePoint& point : tile) {
-        top.push_back(frame.At(point, to));
-        bottom.push_back(frame.At(point, from));
+    ModelFace result;
+    const AModeler::Edge* edge = face.edgeLoop();
+    for (int i = 0; i < face.edgeCount(); ++i, edge = edge->next()) {
+        const AcGePoint3d& corner = edge->vertex()->point();
+        result.corners.push_back({corner.x, corner.y, corner.z});
     }
-    std::reverse(bottom.begin(), bottom.end());
-    AddFace(faces, std::move(top));
-    AddFace(faces, std::move(bottom));
+    if (!face.isPlaneEvaluated())
+        face.evaluatePlane();
+    const AcGeVector3d& normal = face.plane().normal;
+    result.normal = {normal.x, normal.y, normal.z};
+    return result;
 }
 
 } // namespace
@@ -56,31 +38,28 @@ Outline Arc(PlanePoint center, double radius, double from, double to, int steps)
     return points;
 }
 
-std::vector<Outline> RingTiles(PlanePoint center, double inner, double outer, int steps)
+Outline RegularPolygon(PlanePoint center, double radius, int corners)
 {
-    Outline inside = Arc(center, inner, 0.0, 360.0, steps);
-    Outline outside = Arc(center, outer, 0.0, 360.0, steps);
-    // The sine of 360 degrees is not exactly that of 0, and the last tile must meet the first.
-    inside.back() = inside.front();
-    outside.back() = outside.front();
-    std::vector<Outline> tiles;
-    for (std::size_t i = 0; i + 1 < inside.size(); ++i)
-        tiles.push_back({inside[i], outside[i], outside[i + 1], inside[i + 1]});
-    return tiles;
+    Outline outline = Arc(center, radius, 0.0, 360.0, corners);
+    outline.pop_back();
+    return outline;
 }
 
-std::vector<ModelFace> Extrude(const std::vector<Outline>& tiles, const Frame& frame, double from, double to)
+std::vector<ModelFace> PrismFaces(const Profile& profile, const Frame& frame, double from, double to)
 {
-    std::vector<ModelFace> faces;
-    for (const Outline& tile : tiles) {
-        AddCaps(faces, tile, frame, from, to);
-        for (std::size_t i = 0; i < tile.size(); ++i) {
-            const PlanePoint& a = tile[i];
-            const PlanePoint& b = tile[(i + 1) % tile.size()];
-            if (!IsInside(tiles, a, b))
-                AddFace(faces, {frame.At(a, from), frame.At(b, from), frame.At(b, to), frame.At(a, to)});
+    AModeler::Profile loops;
+    for (const Outline& outline : profile) {
+        std::vector<AcGePoint3d>& loop = loops.emplace_back();
+        for (const PlanePoint& point : outline) {
+            const Point placed = frame.At(point, from);
+            loop.emplace_back(placed.x, placed.y, placed.z);
         }
     }
+    const Point way = frame.w * (to - from);
+    AModeler::Body body = AModeler::MakePrism(loops, {way.x, way.y, way.z});
+    std::vector<ModelFace> faces;
+    for (AModeler::Face* face = body.faceList(); face != nullptr; face = face->next())
+        faces.push_back(ToModelFace(*face));
     return faces;
 }
 

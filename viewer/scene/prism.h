@@ -1,4 +1,4 @@
-// Solids from flat outlines: a cross-section, given as tiles without holes, is pushed along a direction.
+// Prisms as faces of a model: a flat profile, with holes where it has them, is swept along its normal.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -8,17 +8,19 @@
 namespace viewer
 {
 
-/// A point of a cross-section.
+/// A point in the plane of a profile, in model units.
 struct PlanePoint {
     double u = 0.0;
     double v = 0.0;
-
-    bool operator==(const PlanePoint&) const = default;
 };
 
+/// The corners of a closed polygon; the last one is joined to the first.
 using Outline = std::vector<PlanePoint>;
 
-/// Where a cross-section lies: `w` is the cross product of `u` and `v`, all of unit length.
+/// The outline, followed by the outlines of the holes; each may run in either direction.
+using Profile = std::vector<Outline>;
+
+/// The plane of a profile in space. All axes are of unit length; `w` is the cross product of `u` and `v`.
 struct Frame {
     Point origin;
     Point u;
@@ -31,17 +33,18 @@ struct Frame {
     }
 };
 
-/// Points on an arc about `center`, both ends included, in `steps` equal steps; angles in degrees,
-/// counter-clockwise where `to` is above `from`.
+/// Points on an arc about `center`, both ends included, in `steps` equal steps. Angles are in degrees; the
+/// arc runs counter-clockwise where `to` is greater than `from`.
 [[nodiscard]] Outline Arc(PlanePoint center, double radius, double from, double to, int steps);
 
-/// The tiles of a ring, one quadrilateral for each of its `steps`.
-[[nodiscard]] std::vector<Outline> RingTiles(PlanePoint center, double inner, double outer, int steps);
+/// A regular polygon of `corners` corners on a circle about `center`; the first one lies in the direction of
+/// u.
+[[nodiscard]] Outline RegularPolygon(PlanePoint center, double radius, int corners);
 
-/// The closed solid between the heights `from` and `to` (`from` below `to`) over tiles that run
-/// counter-clockwise and meet in whole edges with exactly equal end points. Tiles may be concave; a hole is
-/// made by tiles around it. Walls stand on the edges that belong to one tile only.
-[[nodiscard]] std::vector<ModelFace> Extrude(const std::vector<Outline>& tiles, const Frame& frame,
-                                             double from, double to);
+/// The faces of the closed solid between the heights `from` and `to`, which must differ. Caps that are
+/// concave or have holes are split into convex faces. Throws AModeler::BodyError for a profile that encloses
+/// no area or crosses itself, and for numbers that are not finite.
+[[nodiscard]] std::vector<ModelFace> PrismFaces(const Profile& profile, const Frame& frame, double from,
+                                                double to);
 
 } // namespace viewer

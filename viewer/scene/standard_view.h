@@ -1,4 +1,4 @@
-// The names of the ten standard views and the two projections, as options and labels give them.
+// The ten standard views, with the names that options and labels give them, and the two projections.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ inline constexpr std::array kStandardViews = {
 
 /// "front", "se" and so on.
 [[nodiscard]] std::string_view NameOf(StandardView view);
-/// The view of this name, in small letters; nothing for any other text.
+/// The view with this name, in small letters; nothing for any other text.
 [[nodiscard]] std::optional<StandardView> StandardViewNamed(std::string_view name);
 
 } // namespace viewer

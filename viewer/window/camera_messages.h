@@ -1,4 +1,4 @@
-// Which messages of the mouse move the camera of the control.
+// Tells which mouse messages move the camera of the control.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -6,8 +6,8 @@
 namespace viewer
 {
 
-/// Whether the control moves its camera at this message, or would if navigation were not switched off: a turn
-/// of the wheel, or a move with a button down.
+/// Whether the control moves its camera at this message, or would move it if navigation were on: at a turn of
+/// the wheel, and at a mouse move with a button down.
 [[nodiscard]] inline bool MovesCamera(UINT message, WPARAM wparam)
 {
     constexpr WPARAM kButtons = MK_LBUTTON | MK_MBUTTON | MK_RBUTTON;

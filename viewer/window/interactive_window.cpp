@@ -1,7 +1,6 @@
 #include "viewer/window/interactive_window.h"
 
 #include "viewer/output/png_image.h"
-#include "viewer/window/key_commands.h"
 
 #include <array>
 #include <exception>
@@ -43,11 +42,6 @@ void InteractiveWindow::ShowFrom(StandardView view)
     Control().ForgetUser();
 }
 
-void InteractiveWindow::SwitchProjection()
-{
-    Scene().SwitchProjection();
-}
-
 void InteractiveWindow::SwitchMode()
 {
     lines_ = !lines_;
@@ -84,15 +78,10 @@ void InteractiveWindow::SavePicture()
     }
 }
 
-void InteractiveWindow::PrintKeys()
-{
-    notices_ << KeyHelp() << std::flush;
-}
-
 BOOL InteractiveWindow::PreTranslateMessage(MSG* message)
 {
     const bool is_command =
-        message->message == WM_CHAR && RunKeyCommand(static_cast<wchar_t>(message->wParam), *this);
+        message->message == WM_CHAR && RunKeyCommand(static_cast<wchar_t>(message->wParam));
     return is_command ? TRUE : FALSE;
 }
 

@@ -1,11 +1,13 @@
-// A window that a user sees, with a model to turn about: the mouse is the control's business, the keys are
-// this window's. A key is looked at before it is dispatched, because the control has the focus.
+// A window that a user sees, with a model to look around. The control handles the mouse; this window handles
+// the keys, before they are dispatched, because the control has the focus.
 #pragma once
 
 #include "viewer/window/model_window.h"
 
 #include <cstddef>
 #include <iosfwd>
+#include <span>
+#include <string_view>
 
 namespace viewer
 {
@@ -13,39 +15,48 @@ namespace viewer
 class InteractiveWindow : public ModelWindow
 {
   public:
-    /// Shows the window. `notices` gets what keys report, `errors` what goes wrong; both must outlive the
-    /// window.
+    /// Shows the window with the model in it. `notices` gets the reports of keys, `errors` gets failures;
+    /// both must outlive the window. Throws as ModelWindow does.
     InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model, std::ostream& notices,
                       std::ostream& errors);
 
-    /// Until the user closes it; the window is hidden then.
+    /// False once the user has closed the window, which is then hidden.
     [[nodiscard]] bool IsOpen() const { return is_open_; }
 
-    // What keys do.
-
-    /// Shows the whole model from there.
-    void ShowFrom(StandardView view);
-    /// Keeps the camera.
-    void SwitchProjection();
-    void SwitchMode();
-    void SwitchLights();
-    void NextBackground();
-    void ResetZoom();
-    /// Saves what the viewport shows as the first of karv-view-1.png, karv-view-2.png, ... that is not there
-    /// yet, in the current folder, and reports its name, or why it could not.
-    void SavePicture();
-    /// Reports every key with its meaning.
-    void PrintKeys();
+    /// Runs the command of the key with this character, in either case. Returns false for a character without
+    /// a command.
+    bool RunKeyCommand(wchar_t character);
 
     BOOL PreTranslateMessage(MSG* message) override;
 
   protected:
     [[nodiscard]] const AFX_MSGMAP* GetMessageMap() const override;
     void OnClose();
-    /// A view that the user has not turned away from stays fitted.
+    /// Fits the model again, unless the user has moved the camera.
     void OnViewportResized() override;
 
   private:
+    struct KeyCommand {
+        wchar_t key;              ///< a digit, a sign or a small letter
+        std::string_view meaning; ///< half a sentence
+        void (*run)(InteractiveWindow& window);
+    };
+
+    /// All commands, in the order in which they are explained.
+    [[nodiscard]] static std::span<const KeyCommand> KeyCommands();
+
+    /// Shows the whole model from a standard view; the projection stays.
+    void ShowFrom(StandardView view);
+    void SwitchMode();
+    void SwitchLights();
+    void NextBackground();
+    void ResetZoom();
+    /// Saves what the viewport shows as karv-view-1.png in the current folder, or with the first higher
+    /// number whose name is free. Reports the name, or why the picture could not be saved.
+    void SavePicture();
+    /// Reports every key with its meaning.
+    void PrintKeys();
+
     std::ostream& notices_;
     std::ostream& errors_;
     StandardView view_;

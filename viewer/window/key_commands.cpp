@@ -1,75 +1,62 @@
-#include "viewer/window/key_commands.h"
-
+// The keys of an interactive window: one table of what they do and how they are explained.
 #include "viewer/window/interactive_window.h"
 
 #include <algorithm>
 #include <array>
 #include <cwctype>
+#include <ostream>
 
 namespace viewer
 {
 
-namespace
+std::span<const InteractiveWindow::KeyCommand> InteractiveWindow::KeyCommands()
 {
-
-template <StandardView kView>
-void ShowFrom(InteractiveWindow& window)
-{
-    window.ShowFrom(kView);
-}
-
-// Without captures, so that the table is a constant.
-constexpr std::array kCommands = {
-    KeyCommand{L'1', "front view", ShowFrom<StandardView::Front>},
-    KeyCommand{L'2', "back view", ShowFrom<StandardView::Back>},
-    KeyCommand{L'3', "left view", ShowFrom<StandardView::Left>},
-    KeyCommand{L'4', "right view", ShowFrom<StandardView::Right>},
-    KeyCommand{L'5', "top view", ShowFrom<StandardView::Top>},
-    KeyCommand{L'6', "bottom view", ShowFrom<StandardView::Bottom>},
-    KeyCommand{L'7', "south-east view", ShowFrom<StandardView::SE>},
-    KeyCommand{L'8', "south-west view", ShowFrom<StandardView::SW>},
-    KeyCommand{L'9', "north-east view", ShowFrom<StandardView::NE>},
-    KeyCommand{L'0', "north-west view", ShowFrom<StandardView::NW>},
-    KeyCommand{L'p', "perspective or parallel projection", [](auto& window) { window.SwitchProjection(); }},
-    KeyCommand{L'm', "faces or lines", [](auto& window) { window.SwitchMode(); }},
-    KeyCommand{L'r', "left button rotates", [](auto& window) { window.Control().RestrictToRotate(); }},
-    KeyCommand{L't', "left button pans", [](auto& window) { window.Control().RestrictToPan(); }},
-    KeyCommand{L'z', "left button zooms", [](auto& window) { window.Control().RestrictToZoom(); }},
-    KeyCommand{L'k', "end navigation with the buttons",
-               [](auto& window) { window.Control().KillUserControl(); }},
-    KeyCommand{L'h', "reset the zoom", [](auto& window) { window.ResetZoom(); }},
-    KeyCommand{L'b', "next background", [](auto& window) { window.NextBackground(); }},
-    KeyCommand{L'l', "lights off or on", [](auto& window) { window.SwitchLights(); }},
-    KeyCommand{L's', "save a picture", [](auto& window) { window.SavePicture(); }},
-    KeyCommand{L'?', "print the keys", [](auto& window) { window.PrintKeys(); }},
-    KeyCommand{L'q', "quit", [](auto&) { PostQuitMessage(0); }},
-};
-
-} // namespace
-
-std::span<const KeyCommand> KeyCommands()
-{
+    static constexpr std::array kCommands = {
+        KeyCommand{L'1', "front view", [](auto& window) { window.ShowFrom(StandardView::Front); }},
+        KeyCommand{L'2', "back view", [](auto& window) { window.ShowFrom(StandardView::Back); }},
+        KeyCommand{L'3', "left view", [](auto& window) { window.ShowFrom(StandardView::Left); }},
+        KeyCommand{L'4', "right view", [](auto& window) { window.ShowFrom(StandardView::Right); }},
+        KeyCommand{L'5', "top view", [](auto& window) { window.ShowFrom(StandardView::Top); }},
+        KeyCommand{L'6', "bottom view", [](auto& window) { window.ShowFrom(StandardView::Bottom); }},
+        KeyCommand{L'7', "south-east view", [](auto& window) { window.ShowFrom(StandardView::SE); }},
+        KeyCommand{L'8', "south-west view", [](auto& window) { window.ShowFrom(StandardView::SW); }},
+        KeyCommand{L'9', "north-east view", [](auto& window) { window.ShowFrom(StandardView::NE); }},
+        KeyCommand{L'0', "north-west view", [](auto& window) { window.ShowFrom(StandardView::NW); }},
+        KeyCommand{L'p', "perspective or parallel projection",
+                   [](auto& window) { window.Scene().SwitchProjection(); }},
+        KeyCommand{L'm', "faces or lines", [](auto& window) { window.SwitchMode(); }},
+        KeyCommand{L'r', "left button rotates", [](auto& window) { window.Control().RestrictToRotate(); }},
+        KeyCommand{L't', "left button pans", [](auto& window) { window.Control().RestrictToPan(); }},
+        KeyCommand{L'z', "left button zooms", [](auto& window) { window.Control().RestrictToZoom(); }},
+        KeyCommand{L'k', "end navigation with the buttons",
+                   [](auto& window) { window.Control().KillUserControl(); }},
+        KeyCommand{L'h', "reset the zoom", [](auto& window) { window.ResetZoom(); }},
+        KeyCommand{L'b', "next background", [](auto& window) { window.NextBackground(); }},
+        KeyCommand{L'l', "lights off or on", [](auto& window) { window.SwitchLights(); }},
+        KeyCommand{L's', "save a picture", [](auto& window) { window.SavePicture(); }},
+        KeyCommand{L'?', "print the keys", [](auto& window) { window.PrintKeys(); }},
+        KeyCommand{L'q', "quit", [](auto&) { PostQuitMessage(0); }},
+    };
     return kCommands;
 }
 
-bool RunKeyCommand(wchar_t character, InteractiveWindow& window)
+bool InteractiveWindow::RunKeyCommand(wchar_t character)
 {
     const auto key = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
-    const auto* const found = std::ranges::find(kCommands, key, &KeyCommand::key);
-    if (found == kCommands.end())
+    const std::span<const KeyCommand> commands = KeyCommands();
+    const auto found = std::ranges::find(commands, key, &KeyCommand::key);
+    if (found == commands.end())
         return false;
-    window.Control().MakeCurrent();
-    found->run(window);
+    Control().MakeCurrent();
+    found->run(*this);
     return true;
 }
 
-std::string KeyHelp()
+void InteractiveWindow::PrintKeys()
 {
-    std::string help;
-    for (const KeyCommand& command : kCommands)
-        help +=
-            std::string("  ") + static_cast<char>(command.key) + "  " + std::string(command.meaning) + '\n';
-    return help;
+    for (const KeyCommand& command : KeyCommands())
+        notices_ << "  " << static_cast<char>(command.key) << "  " << command.meaning << '\n';
+    notices_ << std::flush;
 }
 
 } // namespace viewer

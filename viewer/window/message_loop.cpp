@@ -9,7 +9,7 @@ namespace viewer
 
 bool PumpMessages(const std::function<bool()>& condition, const std::function<unsigned long()>& frame_count)
 {
-    // Each timer message draws a frame; many without one mean that swaps fail.
+    // Each timer message draws a frame. Many of them without a new frame mean that swaps fail.
     constexpr int kMaxTimersPerFrame = 1000;
     unsigned long frames = frame_count();
     for (int timers = 0; !condition();) {

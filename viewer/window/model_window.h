@@ -1,4 +1,4 @@
-// A window with one model in its viewport, fitted: what pictures and interactive windows have in common.
+// A window with one model in its viewport: the base of interactive windows, and the source of pictures.
 #pragma once
 
 #include "viewer/scene/fitted_scene.h"
@@ -13,11 +13,11 @@ namespace viewer
 class ModelWindow : public ViewportWindow
 {
   public:
-    /// A hidden window of this size that shows the model as the options want it drawn. The model is only
-    /// read. Throws as ViewportWindow does.
+    /// Creates a hidden window with a client area of this size and feeds the model, drawn as the options say.
+    /// Call `Show` next. The model is only read here. Throws as ViewportWindow does.
     ModelWindow(PictureSize size, const ViewOptions& options, const Model& model);
 
-    /// Shows the whole model from the next frame on.
+    /// Shows the whole model from a standard view, from the next frame on.
     void Show(StandardView view, Projection projection);
 
   protected:

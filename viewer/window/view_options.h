@@ -1,4 +1,4 @@
-// How a window shows its model.
+// The settings by which a window shows its model.
 #pragma once
 
 #include "viewer/output/picture.h"
@@ -14,9 +14,9 @@ namespace viewer
 struct ViewOptions {
     StandardView view = StandardView::SE;
     Projection projection = Projection::Perspective;
-    bool lines = false;                           ///< edges and lines in place of faces
+    bool lines = false;                           ///< edges and lines instead of faces
     std::optional<std::array<int, 3>> background; ///< red, green, blue, 0 to 255
-    bool transparent = false;                     ///< as the control takes it at its creation
+    bool transparent = false;                     ///< the control draws translucent faces
     std::vector<int> hidden;                      ///< categories
 };
 

@@ -15,7 +15,7 @@ namespace viewer
 namespace
 {
 
-/// Listens to frames while it lives.
+/// Installs an observer of frames for its lifetime.
 class FrameListener
 {
   public:
@@ -25,7 +25,7 @@ class FrameListener
     ~FrameListener() { winsys::SetFrameObserver({}); }
 };
 
-/// Reads the current context's finished frame; its rows come bottom up.
+/// Reads the finished frame of the current context. OpenGL delivers the bottom row first.
 Picture ReadFrame(int width, int height)
 {
     constexpr std::size_t kChannels = 4;
@@ -48,7 +48,7 @@ Picture ReadFrame(int width, int height)
     return picture;
 }
 
-/// Puts back the GL context that was current, if there was one.
+/// Restores the GL context that was current at its construction, if there was one.
 class CurrentContextKeeper
 {
   public:
@@ -89,7 +89,8 @@ LRESULT ViewportControl::WindowProc(UINT message, WPARAM wparam, LPARAM lparam)
     // The messages of its creation leave the control's new context current.
     if (context_ == nullptr)
         return KARVOpenGLControl::WindowProc(message, wparam, lparam);
-    // Messages nest: while one viewport takes the focus, in the midst of its drawing, another one loses it.
+    // Messages nest: a viewport takes the focus while it draws, and another viewport handles the loss of it
+    // meanwhile.
     const CurrentContextKeeper keeper;
     MakeCurrent();
     was_moved_ = was_moved_ || MovesCamera(message, wparam);
@@ -132,7 +133,7 @@ Picture ViewportWindow::TakePicture()
         if (window == control_.GetSafeHwnd())
             picture = ReadFrame(width, height);
     });
-    // Every timer message draws a frame, whichever timer it is of; this one does not wait for its turn.
+    // A timer message of any number draws a frame; this one is sent, so it does not wait in the queue.
     SendMessageW(control_.GetSafeHwnd(), WM_TIMER, 0, 0);
     if (picture.pixels.empty())
         throw std::runtime_error("no frame could be drawn");
@@ -149,7 +150,7 @@ const AFX_MSGMAP* ViewportWindow::GetMessageMap() const
 void ViewportWindow::OnSize(UINT type, int cx, int cy)
 {
     CWnd::OnSize(type, cx, cy);
-    // The first one may come before there is a control.
+    // The first message comes before the control exists.
     if (control_.GetSafeHwnd() == nullptr || cx <= 0 || cy <= 0)
         return;
     control_.MoveWindow(CRect(0, 0, cx, cy));

@@ -1,6 +1,6 @@
 #include "viewer/import/file_checks.h"
 
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/import/mesh/mesh_import.h"
 #include "viewer/text/file_error.h"
 

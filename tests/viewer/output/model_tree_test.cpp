@@ -1,6 +1,6 @@
-#include "viewer/output/model_list.h"
+#include "viewer/output/model_tree.h"
 
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ namespace
 std::string TreeOf(const Model& model, int first_category = 0)
 {
     std::ostringstream out;
-    PrintModelList(out, model, first_category);
+    PrintModelTree(out, model, first_category);
     return out.str();
 }
 

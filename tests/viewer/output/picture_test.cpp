@@ -1,4 +1,4 @@
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/output/png_image.h"
 #include "viewer/output/sheet.h"
 #include "viewer/text/file_error.h"
@@ -30,7 +30,7 @@ class PictureFile : public ViewerTest
         return picture;
     }
 
-    /// Reads a PNG file's pixel.
+    /// A pixel of a PNG file.
     [[nodiscard]] std::uint32_t PixelOf(const std::string& path, int column, int row) const
     {
         cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
@@ -130,13 +130,13 @@ TEST_F(SheetFile, AsksForEveryViewOnceInOrderAndPutsItIntoItsCell)
     });
     EXPECT_THAT(asked, testing::ElementsAreArray(kStandardViews));
     EXPECT_EQ(SizeOfPng(PathOf("s.png")), layout.whole);
-    // Cells of 320 and gaps of 8 across; a title of 36, then rows of 240, 24 and 8. The middle of the first
-    // and the last:
+    // Columns of 320 with gaps of 8; a title of 36, then rows of 240 + 24 + 8. The middle of the first and of
+    // the last cell:
     EXPECT_EQ(PixelOf(PathOf("s.png"), 8 + 160, 36 + 120), 1U);
     EXPECT_EQ(PixelOf(PathOf("s.png"), 8 + 4 * 328 + 160, 36 + 272 + 120), 10U);
 }
 
-TEST_F(SheetFile, TitleThatIsNoProperTextIsStillWritten)
+TEST_F(SheetFile, TitleThatIsNotValidTextIsStillWritten)
 {
     const SheetLayout layout = LayOutSheet(std::nullopt);
     const Picture cell = Colored(320, 240, 0);

@@ -12,7 +12,7 @@ namespace
 
 using std::chrono::milliseconds;
 
-/// A clock that stands where the test puts it.
+/// A clock that the test sets.
 struct ScriptedClock {
     std::chrono::steady_clock::time_point now;
 

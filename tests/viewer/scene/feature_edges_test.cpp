@@ -1,6 +1,6 @@
 #include "viewer/scene/feature_edges.h"
 
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ namespace
 using testing::IsEmpty;
 using testing::SizeIs;
 
-Point AsItIs(const Point& point)
+Point Unchanged(const Point& point)
 {
     return point;
 }
@@ -57,17 +57,17 @@ Piece PrismPiece(int sides)
     return piece;
 }
 
-TEST(Solid, ClosedBoxIsABodyWithItsEdges)
+TEST(MakeSolid, ClosedBoxIsABodyWithItsEdges)
 {
-    auto body = MakeSolid(BoxPiece(), AsItIs);
+    auto body = MakeSolid(BoxPiece(), Unchanged);
     ASSERT_TRUE(body);
     EXPECT_EQ(body->faceCount(), 6);
     EXPECT_EQ(PhysicalEdges(*body), 12);
 }
 
-TEST(Solid, PlanesPointOutwards)
+TEST(MakeSolid, PlanesPointOutwards)
 {
-    auto body = MakeSolid(BoxPiece(), AsItIs);
+    auto body = MakeSolid(BoxPiece(), Unchanged);
     ASSERT_TRUE(body);
     const AcGePoint3d middle{0.5, 1.0, 1.5};
     for (AModeler::Face* face = body->faceList(); face != nullptr; face = face->next()) {
@@ -76,7 +76,7 @@ TEST(Solid, PlanesPointOutwards)
     }
 }
 
-TEST(Solid, PointsLieWhereTheyArePlaced)
+TEST(MakeSolid, PointsLieWhereTheyArePlaced)
 {
     auto body = MakeSolid(BoxPiece(), [](const Point& point) { return point * 2.0; });
     ASSERT_TRUE(body);
@@ -86,32 +86,32 @@ TEST(Solid, PointsLieWhereTheyArePlaced)
     EXPECT_EQ(highest, 6.0);
 }
 
-TEST(Solid, PieceWithAHoleIsNone)
+TEST(MakeSolid, PieceWithAHoleIsNone)
 {
     Piece piece = BoxPiece();
     piece.faces.pop_back();
-    EXPECT_FALSE(MakeSolid(piece, AsItIs));
+    EXPECT_FALSE(MakeSolid(piece, Unchanged));
 }
 
-TEST(Solid, FaceThatIsTurnedOverMakesNone)
+TEST(MakeSolid, FaceThatIsTurnedOverMakesNone)
 {
     Piece piece = BoxPiece();
     std::reverse(piece.faces[2].corners.begin(), piece.faces[2].corners.end());
-    EXPECT_FALSE(MakeSolid(piece, AsItIs));
+    EXPECT_FALSE(MakeSolid(piece, Unchanged));
 }
 
 // 18 sides meet at 20 degrees and 19 sides at less.
-TEST(Solid, WallIsSmoothWhereItsFacetsMeetAtUnderTwentyDegrees)
+TEST(MakeSolid, WallIsSmoothWhereItsFacetsMeetAtUnderTwentyDegrees)
 {
-    auto sharp = MakeSolid(PrismPiece(12), AsItIs);
+    auto sharp = MakeSolid(PrismPiece(12), Unchanged);
     ASSERT_TRUE(sharp);
     EXPECT_EQ(PhysicalEdges(*sharp), 3 * 12);
-    auto smooth = MakeSolid(PrismPiece(19), AsItIs);
+    auto smooth = MakeSolid(PrismPiece(19), Unchanged);
     ASSERT_TRUE(smooth);
     EXPECT_EQ(PhysicalEdges(*smooth), 2 * 19) << "the two caps' outlines are left";
 }
 
-TEST(Solid, ListedEdgesAloneArePhysicalInEitherDirection)
+TEST(MakeSolid, ListedEdgesAloneArePhysicalInEitherDirection)
 {
     Piece piece = BoxPiece();
     piece.edges = {
@@ -129,7 +129,7 @@ TEST(Solid, ListedEdgesAloneArePhysicalInEitherDirection)
     }
 }
 
-TEST(Solid, ListedEdgeBetweenSmoothFacesIsPhysical)
+TEST(MakeSolid, ListedEdgeBetweenSmoothFacesIsPhysical)
 {
     Piece piece = PrismPiece(40);
     const ModelFace& side = piece.faces.front();
@@ -138,44 +138,44 @@ TEST(Solid, ListedEdgeBetweenSmoothFacesIsPhysical)
         if (side.corners[i].z != side.corners[(i + 1) % 4].z)
             piece.edges->push_back({side.corners[i], side.corners[(i + 1) % 4]});
     ASSERT_THAT(*piece.edges, SizeIs(2));
-    auto body = MakeSolid(piece, AsItIs);
+    auto body = MakeSolid(piece, Unchanged);
     ASSERT_TRUE(body);
     EXPECT_EQ(PhysicalEdges(*body), 2);
 }
 
-TEST(Solid, EmptyListLeavesNoEdge)
+TEST(MakeSolid, EmptyListLeavesNoEdge)
 {
     Piece piece = BoxPiece();
     piece.edges.emplace();
-    auto body = MakeSolid(piece, AsItIs);
+    auto body = MakeSolid(piece, Unchanged);
     ASSERT_TRUE(body);
     EXPECT_EQ(PhysicalEdges(*body), 0);
 }
 
-TEST(Solid, PointsThatArePlacedTogetherKeepTheirEdgesApart)
+TEST(MakeSolid, PointsThatArePlacedTogetherKeepTheirEdgesApart)
 {
     Piece piece = BoxPiece();
     piece.edges = std::vector<Segment>{{{0, 0, 0}, {1, 0, 0}}};
-    // All of the box in the plane z = 0: each corner twice.
+    // The whole box goes to the plane z = 0, where each position is that of two corners.
     auto body = MakeSolid(piece, [](const Point& point) { return Point{point.x, point.y, 0}; });
     ASSERT_TRUE(body);
     EXPECT_EQ(PhysicalEdges(*body), 1);
 }
 
-TEST(Solid, BothZerosAreOneCoordinate)
+TEST(MakeSolid, BothZerosAreOneCoordinate)
 {
     Piece piece = BoxPiece();
     for (Point& corner : piece.faces.front().corners)
         corner.x = corner.x == 0.0 ? -0.0 : corner.x;
-    EXPECT_TRUE(MakeSolid(piece, AsItIs));
+    EXPECT_TRUE(MakeSolid(piece, Unchanged));
 }
 
-TEST(FeatureEdge, ClosedBoxHasTwelve)
+TEST(FeatureEdges, ClosedBoxHasTwelve)
 {
     EXPECT_THAT(FeatureEdges(BoxPiece()), SizeIs(12));
 }
 
-TEST(FeatureEdge, BorderOfAnOpenSurfaceIsSeen)
+TEST(FeatureEdges, BorderOfAnOpenSurfaceIsSeen)
 {
     Piece piece;
     piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value());
@@ -187,7 +187,7 @@ TEST(FeatureEdge, BorderOfAnOpenSurfaceIsSeen)
     EXPECT_EQ(length, 4.0);
 }
 
-TEST(FeatureEdge, EdgeBetweenFlatNeighboursIsNotSeen)
+TEST(FeatureEdges, EdgeBetweenFlatNeighborsIsNotSeen)
 {
     Piece piece;
     piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}).value());
@@ -195,7 +195,7 @@ TEST(FeatureEdge, EdgeBetweenFlatNeighboursIsNotSeen)
     EXPECT_THAT(FeatureEdges(piece), SizeIs(4));
 }
 
-TEST(FeatureEdge, FoldIsSeenFromTwentyDegreesOn)
+TEST(FeatureEdges, FoldIsSeenFromTwentyDegreesOn)
 {
     for (const auto& [degrees, count] : {std::pair(19.9, 6), std::pair(20.1, 7)}) {
         const double angle = degrees * std::numbers::pi / 180.0;
@@ -207,7 +207,7 @@ TEST(FeatureEdge, FoldIsSeenFromTwentyDegreesOn)
     }
 }
 
-TEST(FeatureEdge, ThreeFacesAtOneEdgeShowIt)
+TEST(FeatureEdges, ThreeFacesAtOneEdgeShowIt)
 {
     Piece piece;
     for (const Point& tip : {Point{1, 0, 0}, Point{-1, 0.01, 0}, Point{-1, -0.01, 0}})
@@ -215,7 +215,7 @@ TEST(FeatureEdge, ThreeFacesAtOneEdgeShowIt)
     EXPECT_THAT(FeatureEdges(piece), SizeIs(7)) << "the shared one once";
 }
 
-TEST(FeatureEdge, NeighboursThatAreTurnedOverShowTheirEdge)
+TEST(FeatureEdges, NeighborsThatAreTurnedOverShowTheirEdge)
 {
     Piece piece;
     piece.faces.push_back(MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}).value());
@@ -223,7 +223,7 @@ TEST(FeatureEdge, NeighboursThatAreTurnedOverShowTheirEdge)
     EXPECT_THAT(FeatureEdges(piece), SizeIs(5));
 }
 
-TEST(FeatureEdge, ListedOnesAreAllThereAre)
+TEST(FeatureEdges, ListedOnesReplaceAllOthers)
 {
     Piece piece = BoxPiece();
     piece.edges = std::vector<Segment>{{{0, 0, 0}, {1, 0, 0}}};
@@ -233,7 +233,7 @@ TEST(FeatureEdge, ListedOnesAreAllThereAre)
     EXPECT_THAT(FeatureEdges(piece), IsEmpty());
 }
 
-TEST(FeatureEdge, NoFacesHaveNone)
+TEST(FeatureEdges, NoFacesHaveNone)
 {
     EXPECT_THAT(FeatureEdges(Piece{}), IsEmpty());
 }

@@ -1,7 +1,7 @@
 #include "viewer/scene/fitted_scene.h"
 
 #include "platform/winsys/opengl.h"
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/scene/bundled_model.h"
 #include "viewer/window/viewport_window.h"
 
@@ -17,42 +17,6 @@ namespace viewer
 {
 namespace
 {
-
-constexpr double kDegree = 3.14159265358979323846 / 180.0;
-
-TEST(FitGrowth, LeavesAMarginAroundTheSphereOfTheModelInBothProjections)
-{
-    for (const double aspect : {0.2, 0.5, 0.99, 1.0, 1.01, 4.0 / 3.0, 1.45, 1.46, 2.0, 5.0}) {
-        // For a sphere of radius 1 the eye stands at 1.2 times the grown diagonal of 2.
-        const double distance = 1.2 * 2.0 * FitGrowth(aspect);
-        const double sideways = std::atan(aspect * std::tan(20.0 * kDegree));
-        EXPECT_GT(distance * std::sin(20.0 * kDegree), 1.04) << aspect;
-        EXPECT_GT(distance * std::sin(sideways), 1.04) << aspect;
-        EXPECT_GT(distance * 0.5, 1.04) << aspect;
-        EXPECT_GT(distance * 0.5 / aspect, 1.04) << aspect;
-    }
-}
-
-TEST(ScenePlacement, PutsTheModelAtTheOriginAtTheSizeThatTheDepthRangeLikes)
-{
-    const ScenePlacement placement(BoxOf({1e6, -5e6, 2e6}, {1e6 + 3, -5e6 + 4, 2e6 + 12}));
-    EXPECT_EQ(placement.SceneBox().min, (Point{0, 0, 0}));
-    const Box fitted = placement.FittedBox(1.0);
-    EXPECT_NEAR(1.2 * fitted.Diagonal(), kSceneSize, 1e-12);
-    // The edges are 3, 4 and 12 still, in proportion.
-    const Point edges = placement.SceneBox().max;
-    EXPECT_NEAR(edges.y / edges.x, 4.0 / 3.0, 1e-12);
-    EXPECT_NEAR(edges.z / edges.x, 4.0, 1e-12);
-}
-
-TEST(ScenePlacement, TheFittedBoxKeepsTheCentre)
-{
-    const ScenePlacement placement(BoxOf({-1, -2, -3}, {4, 8, 1}));
-    for (const double aspect : {0.2, 1.0, 5.0}) {
-        const Point offset = placement.FittedBox(aspect).Center() - placement.SceneBox().Center();
-        EXPECT_LT(Length(offset), 1e-15) << aspect;
-    }
-}
 
 class FittedSceneView : public testing::TestWithParam<PictureSize>
 {
@@ -72,7 +36,7 @@ TEST_P(FittedSceneView, ShowsTheWholeBoxWithAMarginFromEveryStandardView)
              {Projection::Perspective, Projection::Parallel, Projection::Perspective})
             for (const StandardView standard_view : kStandardViews) {
                 scene.Show(standard_view, projection, aspect);
-                for (const Point& corner : box.Corners()) {
+                for (const Point& corner : CornersOf(box)) {
                     const Point seen = ProjectToViewport(placement.ToScene(corner));
                     const std::string where(NameOf(standard_view));
                     EXPECT_LT(std::abs(seen.x), 0.98) << where;
@@ -102,8 +66,8 @@ TEST(FittedScene, LooksFromTheSideThatTheViewIsNamedFor)
     const ScenePlacement placement(box);
     struct Case {
         StandardView view;
-        Point near_corner; ///< of the box, in the middle of what is nearest
-        Point far_corner;
+        Point near_corner; ///< the middle of the side, or the corner, that is nearest to the eye
+        Point far_corner;  ///< its opposite
     };
     for (const Case& c :
          {Case{StandardView::Front, {.5, 0, .5}, {.5, 1, .5}},
@@ -141,7 +105,7 @@ TEST(FittedScene, FramesShowTheModelInsideAnUntouchedBorder)
         for (int row = 0; row < kHeight; ++row)
             for (int column = 0; column < kWidth; ++column) {
                 const bool border = row == 0 || column == 0 || row == kHeight - 1 || column == kWidth - 1;
-                const bool background = picture.At(column, row) == kBackground;
+                const bool background = PixelAt(picture, column, row) == kBackground;
                 EXPECT_TRUE(background || !border) << NameOf(standard_view) << ' ' << column << ' ' << row;
                 drawn += background ? 0 : 1;
             }
@@ -158,15 +122,15 @@ TEST(FittedScene, SlantedEdgesAreSmooth)
     constexpr GLenum kSampleBuffers = 0x80A8; // GL_SAMPLE_BUFFERS, of OpenGL 1.3
     glGetIntegerv(kSampleBuffers, &sample_buffers);
     ASSERT_EQ(sample_buffers, 1) << "the window layer offers multisampling without a display";
-    // One flat triangle, seen squarely: without smoothing there would be its colours, with it mixtures with
-    // the background.
+    // One flat triangle, seen head-on. Without smoothing all pixels have its colours or the background's;
+    // with smoothing some have mixtures.
     Model model;
     model.pieces.push_back(
         MakePiece("triangle", {MakeFace({{0, 0, 0}, {3, 1, 0}, {1, 3, 0}}).value()}, 0, 1));
     FittedScene scene(view.Control(), model);
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
     const Picture picture = view.TakePicture();
-    const std::uint32_t full = picture.At(50, 50) >> 16U;
+    const std::uint32_t full = PixelAt(picture, 50, 50) >> 16U;
     int mixed = 0;
     for (const std::uint32_t pixel : picture.pixels)
         mixed += pixel >> 16U > full / 8 && pixel >> 16U < full - full / 8 ? 1 : 0;
@@ -184,15 +148,15 @@ TEST(FittedScene, FacesShowTheirOutsideAndItIsLit)
     for (const StandardView standard_view : {StandardView::Front, StandardView::Back, StandardView::Left,
                                              StandardView::Right, StandardView::Top, StandardView::Bottom}) {
         scene.Show(standard_view, Projection::Parallel, 1.0);
-        const std::uint32_t middle = view.TakePicture().At(50, 50);
-        // The light shines from the viewer, so a face seen squarely has its full colour; a highlight may be
-        // on it.
+        const std::uint32_t middle = PixelAt(view.TakePicture(), 50, 50);
+        // The light shines from the viewer, so a face seen head-on has its full colour, and a highlight at
+        // most.
         EXPECT_GE(middle >> 16U, 250U) << NameOf(standard_view);
         EXPECT_LT(middle & 0xFFU, 250U) << NameOf(standard_view);
     }
 }
 
-/// How many pixels are not black.
+/// The number of pixels that are not black.
 int DrawnPixels(const Picture& picture)
 {
     return static_cast<int>(
@@ -207,10 +171,10 @@ TEST(FittedSceneLines, SolidShowsItsEdgesInLineModeAndNoneAmongItsFaces)
     FittedScene scene(view.Control(), BoxModel(BoxOf({0, 0, 0}, {1, 1, 1})));
     scene.Show(StandardView::Front, Projection::Parallel, 1.0);
     const Picture faces = view.TakePicture();
-    EXPECT_NE(faces.At(50, 50), 0U);
+    EXPECT_NE(PixelAt(faces, 50, 50), 0U);
     scene.DrawLines(true);
     const Picture lines = view.TakePicture();
-    EXPECT_EQ(lines.At(50, 50), 0U) << "nothing within the outline";
+    EXPECT_EQ(PixelAt(lines, 50, 50), 0U) << "nothing within the outline";
     EXPECT_GT(DrawnPixels(lines), 100);
     scene.DrawLines(false);
     EXPECT_EQ(view.TakePicture().pixels, faces.pixels);
@@ -244,7 +208,7 @@ TEST(FittedSceneLines, SurfaceShowsItsBorderInLineModeAlone)
     EXPECT_TRUE(has(0x00FF00U));
 }
 
-/// A line across the plane z = 0 in red, of category 0, and a square beside it in green, of category 1.
+/// Lines in the plane z = 0 in red, of category 0, and a square beside it in green, of category 1.
 Model LineAndSquare(const Point& at, double size)
 {
     Model model;
@@ -309,26 +273,22 @@ TEST(FittedSceneLines, ModelOfLinesAloneFillsThePicture)
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
     const Picture picture = view.TakePicture();
     // The box of 1 by 1 is grown by 1.05 x 1.22 and a picture is 1.2 of its diagonals wide: the lines are
-    // 100 / (1.05 x 1.22 x 1.2 x sqrt 2) = 46 pixels long each.
+    // 100 / (1.05 x 1.22 x 1.2 x sqrt 2) = 46 pixels long.
     EXPECT_GE(DrawnPixels(picture), 80);
     EXPECT_LE(DrawnPixels(picture), 300) << "thin lines, smoothed";
     int lowest = 100;
     int highest = -1;
     for (int column = 0; column < 100; ++column)
         for (int row = 0; row < 100; ++row)
-            if (picture.At(column, row) != 0) {
+            if (PixelAt(picture, column, row) != 0) {
                 lowest = std::min(lowest, column);
                 highest = std::max(highest, column);
             }
     EXPECT_NEAR(highest - lowest, 46, 2);
 }
 
-TEST(FittedSceneLines, LineOfNoLengthIsASceneOfUsualSize)
+TEST(FittedSceneLines, LineOfNoLengthCanBeDrawn)
 {
-    const Box box = BoxOf({5, 5, 5}, {5, 5, 5});
-    const ScenePlacement placement(box);
-    EXPECT_NEAR(1.2 * placement.FittedBox(1.0).Diagonal(), kSceneSize, 1e-12);
-    EXPECT_LT(Length(placement.ToScene({5, 5, 5}) - placement.SceneBox().Center()), 1e-12);
     UseHeadless();
     ViewportWindow view(L"test", PictureSize{50, 50}, false);
     Model model;
@@ -338,9 +298,9 @@ TEST(FittedSceneLines, LineOfNoLengthIsASceneOfUsualSize)
     EXPECT_EQ(view.TakePicture().pixels.size(), 2500U);
 }
 
-// A thousand kilometres are 2^40 um or so, in millimetres 2^30: doubles still step by 2^-22 there, floats by
-// 128. The same part at the origin, where no digit is lost, must give the same picture.
-TEST(FittedScene, ModelAThousandKilometresAwayShowsAsItDoesAtTheOrigin)
+// A thousand kilometres are about 2^30 mm. There, doubles are 2^-22 apart and floats 128. The same part at
+// the origin, where no digit is lost, must give the same picture.
+TEST(FittedScene, ModelAThousandKilometersAwayShowsAsItDoesAtTheOrigin)
 {
     UseHeadless();
     constexpr double kAway = 1073741824.0;

@@ -1,10 +1,9 @@
-// The window that a user sees, without a display: keys, resizing and closing, by messages as they come from a
-// window system.
+// The window that a user sees: keys, resizing and closing, by the messages of a window system, without a
+// display.
 #include "viewer/window/interactive_window.h"
 
 #include "platform/winsys/opengl.h"
-#include "tests/viewer/viewer_fixture.h"
-#include "viewer/window/key_commands.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/window/message_loop.h"
 
 #include <gmock/gmock.h>
@@ -21,6 +20,7 @@ namespace
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::StartsWith;
 
 struct Headless {
@@ -36,7 +36,7 @@ ViewOptions OnBlack()
     return options;
 }
 
-/// A window with a box of 1 by 2 by 3, in a folder of its own.
+/// A window with a box of 1 by 2 by 3. The current folder is the folder of the test.
 class InteractiveWindowTest : public ViewerTest
 {
   protected:
@@ -46,7 +46,7 @@ class InteractiveWindowTest : public ViewerTest
     }
     ~InteractiveWindowTest() override { std::filesystem::current_path(before_); }
 
-    /// Posts a message to the control, which has the focus, and pumps until a frame after it.
+    /// Posts a message to the control, which has the focus, and pumps until another frame is drawn.
     bool Post(UINT message, WPARAM wparam, LPARAM lparam = 0)
     {
         PostMessageW(GetFocus(), message, wparam, lparam);
@@ -55,7 +55,7 @@ class InteractiveWindowTest : public ViewerTest
                             [&] { return window_.FrameCount(); });
     }
     bool Press(char key) { return Post(WM_CHAR, static_cast<WPARAM>(key)); }
-    /// A drag with these buttons from the middle, 10 pixels right and down.
+    /// Drags with these buttons from the middle, 10 pixels to the right and down.
     void Drag(WPARAM buttons)
     {
         Post(WM_MOUSEMOVE, 0, MAKELPARAM(60, 45));
@@ -82,9 +82,9 @@ class InteractiveWindowTest : public ViewerTest
     std::uint32_t Middle()
     {
         const Picture picture = window_.TakePicture();
-        return picture.At(picture.width / 2, picture.height / 2);
+        return PixelAt(picture, picture.width / 2, picture.height / 2);
     }
-    std::uint32_t Corner() { return window_.TakePicture().At(0, 0); }
+    std::uint32_t Corner() { return PixelAt(window_.TakePicture(), 0, 0); }
 
     std::ostringstream notices_;
     std::ostringstream errors_;
@@ -121,11 +121,11 @@ TEST_F(InteractiveWindowTest, NumberKeysChooseTheTenViews)
 {
     struct Case {
         char key;
-        double x; ///< where the eye is seen from the target, by sign
+        double x; ///< signs of the direction from the target to the eye
         double y;
         double z;
     };
-    // Fronts look along +y, so the eye lies on the side of -y, and the east is +x.
+    // The front view looks along +y, so its eye is on the side of -y; the east is +x.
     for (const Case& c : {Case{'1', 0, -1, 0}, Case{'2', 0, 1, 0}, Case{'3', -1, 0, 0}, Case{'4', 1, 0, 0},
                           Case{'5', 0, 0, 1}, Case{'6', 0, 0, -1}, Case{'7', 1, -1, 1}, Case{'8', -1, -1, 1},
                           Case{'9', 1, 1, 1}, Case{'0', -1, 1, 1}}) {
@@ -192,7 +192,7 @@ TEST_F(InteractiveWindowTest, MStartsFromTheModeThatWasAskedFor)
     ViewOptions options = OnBlack();
     options.lines = true;
     InteractiveWindow window(kSmall, options, model_, notices_, errors_);
-    ASSERT_TRUE(RunKeyCommand(L'm', window));
+    ASSERT_TRUE(window.RunKeyCommand(L'm'));
     EXPECT_EQ(window.Control().renderMode, KARVGLRenderModeFaces);
 }
 
@@ -262,7 +262,7 @@ TEST_F(InteractiveWindowTest, SSavesPicturesUnderNamesThatAreFree)
                               "karv-view: the picture is in karv-view-3.png\n");
 }
 
-TEST_F(InteractiveWindowTest, PictureThatCannotBeSavedIsSaidAndTheWindowLivesOn)
+TEST_F(InteractiveWindowTest, PictureThatCannotBeSavedIsReportedAndTheWindowStays)
 {
     std::filesystem::create_directory(PathOf("gone"));
     std::filesystem::current_path(PathOf("gone"));
@@ -277,13 +277,15 @@ TEST_F(InteractiveWindowTest, PictureThatCannotBeSavedIsSaidAndTheWindowLivesOn)
 TEST_F(InteractiveWindowTest, QuestionMarkPrintsEveryKey)
 {
     Press('?');
-    for (const KeyCommand& command : KeyCommands())
-        EXPECT_THAT(notices_.str(), HasSubstr(std::string("  ") + static_cast<char>(command.key) + "  " +
-                                              std::string(command.meaning) + "\n"));
+    // A line for each key: the key, two blanks and a text.
+    std::istringstream lines(notices_.str());
     std::string keys;
-    for (const KeyCommand& command : KeyCommands())
-        keys += static_cast<char>(command.key);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_THAT(line, MatchesRegex("  .  [a-z].*"));
+        keys += line.at(2);
+    }
     EXPECT_EQ(keys, "1234567890pmrtzkhbls?q");
+    EXPECT_THAT(notices_.str(), HasSubstr("  p  perspective or parallel projection\n"));
 }
 
 TEST_F(InteractiveWindowTest, QEndsTheLoop)
@@ -321,7 +323,7 @@ TEST_F(InteractiveWindowTest, ControlFollowsTheSizeAndTheModelStaysFitted)
         const std::vector<Point> corners = [&] {
             const ScenePlacement placement(model_.Extents());
             std::vector<Point> points;
-            for (const Point& corner : model_.Extents().Corners())
+            for (const Point& corner : CornersOf(model_.Extents()))
                 points.push_back(ProjectToViewport(placement.ToScene(corner)));
             return points;
         }();
@@ -362,7 +364,7 @@ TEST_F(InteractiveWindowTest, CloseHidesIt)
 
 TEST_F(InteractiveWindowTest, LoopThatBringsNoFramesEnds)
 {
-    // Frames whose count does not grow are as good as none.
+    // A count that does not grow means that no frame is drawn.
     EXPECT_THROW(PumpMessages([] { return false; }, [] { return 7UL; }), std::runtime_error);
 }
 

@@ -1,8 +1,7 @@
-// Two models in two windows of one process: GL goes to the context made current last, so the windows have to
-// see to it that each draws with its own.
-#include "tests/viewer/viewer_fixture.h"
+// Two models in two windows of one process. GL calls go to the context that was made current last, so each
+// window has to make its own context current.
+#include "tests/viewer/test_support.h"
 #include "viewer/window/interactive_window.h"
-#include "viewer/window/key_commands.h"
 #include "viewer/window/message_loop.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +35,7 @@ class TwoWindows : public testing::Test
         return options;
     }
 
-    /// Dispatches messages until both have drawn this many more frames.
+    /// Dispatches messages until both windows have drawn this many more frames.
     void PumpFrames(unsigned long count)
     {
         const unsigned long first = first_->FrameCount();
@@ -56,7 +55,7 @@ class TwoWindows : public testing::Test
         std::make_unique<InteractiveWindow>(PictureSize{50, 50}, OnBlack(), green_, notices_, notices_);
 };
 
-/// The picture that a window shows that is alone.
+/// The picture of a window that is the only one.
 std::vector<std::uint32_t> PixelsAlone(PictureSize size, const ViewOptions& options, const Model& model,
                                        StandardView view)
 {
@@ -79,13 +78,13 @@ TEST_F(TwoWindows, EachShowsItsOwnModelWhileBothDraw)
 
 TEST_F(TwoWindows, KeysGoToTheirOwnWindow)
 {
-    RunKeyCommand(L'1', *first_);
-    RunKeyCommand(L'5', *second_);
-    RunKeyCommand(L'b', *second_);
+    first_->RunKeyCommand(L'1');
+    second_->RunKeyCommand(L'5');
+    second_->RunKeyCommand(L'b');
     PumpFrames(3);
     EXPECT_EQ(first_->TakePicture().pixels,
               PixelsAlone(PictureSize{80, 60}, OnBlack(), red_, StandardView::Front));
-    EXPECT_EQ(second_->TakePicture().At(0, 0), 0xFFFFFFU);
+    EXPECT_EQ(PixelAt(second_->TakePicture(), 0, 0), 0xFFFFFFU);
 }
 
 TEST_F(TwoWindows, MouseAndSizeOfOneLeaveTheOtherAlone)
@@ -110,8 +109,8 @@ TEST_F(TwoWindows, OneGoesOnWhenTheOtherIsGone)
     const unsigned long frames = second_->FrameCount();
     PumpMessages([&] { return second_->FrameCount() > frames + 3; }, [&] { return second_->FrameCount(); });
     EXPECT_EQ(second_->TakePicture().pixels, second);
-    RunKeyCommand(L'b', *second_);
-    EXPECT_EQ(second_->TakePicture().At(0, 0), 0xFFFFFFU);
+    second_->RunKeyCommand(L'b');
+    EXPECT_EQ(PixelAt(second_->TakePicture(), 0, 0), 0xFFFFFFU);
 }
 
 } // namespace

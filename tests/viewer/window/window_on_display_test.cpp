@@ -1,9 +1,9 @@
-// The whole program in real windows: on an X server of the test's own, under a window manager, with another
-// program's hand on pointer and keyboard.
+// The whole program in real windows: on an X server of the test's own, under a window manager, with the
+// pointer and the keyboard driven by another client.
 #include "tests/support/child_process.h"
 #include "tests/support/x_client.h"
 #include "tests/support/x_server.h"
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,7 +27,8 @@ using testing::HasSubstr;
 class WindowOnDisplay : public ViewerTest
 {
   protected:
-    /// Starts the program in the folder, on the display; its streams go to the files out and err there.
+    /// The command that runs the program in the folder, on the display; its streams go to the files out and
+    /// err there.
     static std::vector<std::string> Command(const std::string& display, const std::string& folder,
                                             const std::string& arguments)
     {
@@ -40,7 +41,7 @@ class WindowOnDisplay : public ViewerTest
     {
         program_.emplace(Command(display, PathOf(""), arguments));
     }
-    /// Its exit status, once it has ended.
+    /// Waits for the end of the program and returns its exit status.
     std::string Status() { return program_->ReadLine(); }
 
     static bool Eventually(const std::function<bool()>& condition)
@@ -50,7 +51,7 @@ class WindowOnDisplay : public ViewerTest
         }
         return condition();
     }
-    /// The window of this title, once it is on the screen.
+    /// Waits until the window with this title is on the screen.
     XClient::Id WindowOf(const std::string& title)
     {
         XClient::Id id = 0;
@@ -61,13 +62,14 @@ class WindowOnDisplay : public ViewerTest
         })) << title;
         return id;
     }
-    /// The colour in the middle of the window, and in its upper left corner.
+    /// The colour in the middle of the window.
     unsigned Middle(XClient::Id id)
     {
         const auto [x, y] = client_.PositionOnScreen(id);
         const auto [width, height] = client_.SizeOf(id);
         return client_.ScreenPixel(x + width / 2, y + height / 2);
     }
+    /// The colour in the upper left corner of the window.
     unsigned Corner(XClient::Id id)
     {
         const auto [x, y] = client_.PositionOnScreen(id);

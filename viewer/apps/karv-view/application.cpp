@@ -5,7 +5,7 @@
 #include "platform/winsys/backend.h"
 #include "platform/winsys/backends.h"
 #include "viewer/import/process/reader_client.h"
-#include "viewer/output/model_list.h"
+#include "viewer/output/model_tree.h"
 #include "viewer/output/png_image.h"
 #include "viewer/output/progress_line.h"
 #include "viewer/output/sheet.h"
@@ -39,7 +39,7 @@ double SecondsSince(SteadyTime start)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Writes the trace of everything that is called while it lives.
+/// Traces all calls during its lifetime into a file.
 class TraceFile
 {
   public:
@@ -48,7 +48,7 @@ class TraceFile
     TraceFile& operator=(const TraceFile&) = delete;
     ~TraceFile() { InstallTraceSink(previous_); }
 
-    /// Completes the file; throws where it could not be written.
+    /// Completes the file. Throws where it cannot be written.
     void Close() { sink_.Close(); }
 
   private:
@@ -56,7 +56,7 @@ class TraceFile
     TraceSink* previous_;
 };
 
-/// One run; its members are what the steps hand on to each other.
+/// One run of the program.
 class Application
 {
   public:
@@ -81,7 +81,7 @@ class Application
     }
 
   private:
-    /// Whether there is a user to show windows to; chooses the backend of the window layer.
+    /// Chooses the backend of the window layer. Returns whether windows are shown to a user.
     bool ChooseWindows()
     {
         const bool never = options_.picture || options_.sheet || options_.headless;
@@ -92,10 +92,10 @@ class Application
         return !never && has_display;
     }
 
-    /// Where the program says what it did, beside the figures if those are asked for.
+    /// The stream for messages to the user. With --stats, the standard output is left to the figures.
     std::ostream& Notices() { return options_.stats ? err_ : out_; }
 
-    /// Hands every file's model on, in their order, or else the bundled one.
+    /// Passes the model of each file to `take`, in order; without files, the bundled model.
     void ForEachModel(const std::function<void(Model)>& take)
     {
         for (const std::string& path : options_.models) {
@@ -110,11 +110,11 @@ class Application
 
     void List()
     {
-        // Nothing is printed of good files where another one is bad.
+        // Printed at the end, so that nothing is printed where one of the files is bad.
         std::ostringstream text;
         int first_category = 0;
         ForEachModel([&](const Model& model) {
-            PrintModelList(text, model, first_category);
+            PrintModelTree(text, model, first_category);
             first_category += options_.windows ? 0 : model.CategoryCount();
         });
         out_ << text.str();
@@ -150,7 +150,7 @@ class Application
         model.PutTranslucentLast();
     }
 
-    /// All models in one.
+    /// Joins all models into one.
     Model TakeWhole()
     {
         Model whole;
@@ -239,7 +239,7 @@ class Application
             stats_.first_frame_s = SecondsSince(start_);
     }
 
-    /// Draws a short burst of frames and notes their rate.
+    /// Draws frames for a short time and records their rate.
     void Measure(const ModelWindow& window)
     {
         if (!options_.stats || stats_.fps != 0.0)
@@ -261,7 +261,7 @@ class Application
     SteadyTime start_;
     std::ostream& out_;
     std::ostream& err_;
-    std::vector<Model> models_; ///< one a window
+    std::vector<Model> models_; ///< one per window
     Stats stats_;
 };
 
@@ -270,7 +270,7 @@ void RunTraced(const Options& options, SteadyTime start, std::ostream& out, std:
     std::unique_ptr<TraceFile> trace;
     if (options.trace)
         trace = std::make_unique<TraceFile>(*options.trace);
-    // The program is linked to the module; the host gets to know it as it does any application module.
+    // The program is linked to the module; the host has to load it like any application module.
     host::ModuleLoader& loader = host::ProcessModuleLoader();
     void* const module = loader.Load(host::LoadedModuleFile("KARV3DViewport10"));
     Application(options, start, out, err).Run();

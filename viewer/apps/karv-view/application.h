@@ -9,8 +9,9 @@
 namespace viewer
 {
 
-/// Does what the options ask and returns the exit status of the program: 0, or 1 after a line "karv-view:
-/// FILE: reason" on `err`, and then no picture was written. `start` is when the program began. Never throws.
+/// Carries out the options and returns the exit status of the program: 0, or 1 after a line "karv-view: FILE:
+/// reason" on `err`; a picture or sheet is then not written. `start` is when the program started. Never
+/// throws.
 [[nodiscard]] int Run(const Options& options, std::chrono::steady_clock::time_point start, std::ostream& out,
                       std::ostream& err);
 

@@ -29,7 +29,7 @@ std::optional<int> ToInteger(std::string_view text)
     return value;
 }
 
-/// The numbers of a list like "1,2,3", each between `low` and `high`; nothing where one of them is not.
+/// The numbers of a list like "1,2,3"; nothing where one of them is not a number from `low` to `high`.
 std::optional<std::vector<int>> ToList(std::string_view text, char separator, int low, int high)
 {
     std::vector<int> values;
@@ -64,11 +64,11 @@ void SetBackground(Options& options, const std::string& text)
 
 void SetHidden(Options& options, const std::string& text)
 {
-    constexpr int kHighest = 1'000'000;
-    // An option that is given twice arrives as one text of several lines.
+    constexpr int kMaxCategory = 1'000'000;
+    // NOTE: CLI11 joins the values of an option that is given twice with line feeds.
     std::string list = text;
     std::replace(list.begin(), list.end(), '\n', ',');
-    const auto categories = ToList(list, ',', 0, kHighest);
+    const auto categories = ToList(list, ',', 0, kMaxCategory);
     if (!categories)
         throw CLI::ValidationError("--hide", "'" + text + "' is not a list of categories like 0,2");
     options.drawing.hidden.insert(options.drawing.hidden.end(), categories->begin(), categories->end());
@@ -79,7 +79,7 @@ void SetAlpha(Options& options, const std::string& text)
     float alpha = 0.0F;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, alpha);
-    // What is not a number fails every comparison, this one too.
+    // NaN fails every comparison.
     const bool in_range = alpha >= 0.0F && alpha <= 1.0F;
     if (error != std::errc{} || stop != end || !in_range)
         throw CLI::ValidationError("--alpha", "'" + text + "' is not a number from 0 to 1");
@@ -143,13 +143,13 @@ void AddPictureOptions(CLI::App& app, Options& options)
 
 void AddDrawingOptions(CLI::App& app, Options& options)
 {
-    constexpr int kLastColor = 255;
+    constexpr int kMaxColor = 255;
     app.add_option_function<std::string>(
            "--background", [&](const std::string& text) { SetBackground(options, text); },
            "Background colour, 0 to 255 each")
         ->option_text("R,G,B");
     app.add_option("--color", options.color, "Colour index 0 to 255 for every face")
-        ->check(CLI::Range(0, kLastColor))
+        ->check(CLI::Range(0, kMaxColor))
         ->option_text("N");
     app.add_option_function<std::string>(
            "--alpha", [&](const std::string& text) { SetAlpha(options, text); },

@@ -14,7 +14,7 @@ namespace viewer
 
 struct Options {
     ViewOptions drawing;
-    std::vector<std::string> models; ///< none for the bundled one
+    std::vector<std::string> models; ///< files; empty for the bundled model
     std::optional<std::string> picture;
     std::optional<std::string> sheet;
     std::optional<std::string> trace;
@@ -22,20 +22,20 @@ struct Options {
     std::optional<int> color;   ///< palette index for every face
     std::optional<float> alpha; ///< opacity for every face
     bool headless = false;
-    bool windows = false; ///< one for each model
+    bool windows = false; ///< a window for each model
     bool stats = false;
     bool list = false;
     std::optional<double> deflection; ///< in the units of the files; above 0 and finite
 };
 
-/// What became of a command line: options, or an end to the program with a status.
+/// The result of a command line: options, or the status with which the program ends.
 struct ParsedOptions {
     std::optional<Options> options;
     int exit_status = 0; ///< where there are no options
 };
 
-/// Reads the arguments of the program (the first is its name). Asked for help or the version, prints it to
-/// `out`; finds a mistake, prints one line to `err` and ends with status 2.
+/// Parses the arguments of the program; the first one is its name. Help and version are printed to `out` and
+/// end with status 0. A mistake is reported in one line on `err` and ends with status 2.
 [[nodiscard]] ParsedOptions ParseOptions(int argc, const char* const* argv, std::ostream& out,
                                          std::ostream& err);
 

@@ -1,4 +1,4 @@
-#include "viewer/apps/win32-dialog/picture.h"
+#include "viewer/apps/win32-dialog/bitmap.h"
 
 #include "platform/tools/utf8.h"
 #include "platform/winsys/opengl.h"
@@ -65,8 +65,9 @@ std::optional<Bitmap> ReadFrame(int width, int height)
     for (std::size_t row = 0; row < rows; ++row)
         for (std::size_t x = 0; x < columns; ++x) {
             const unsigned char* const from = &pixels[(row * columns + x) * kReadChannels];
-            // NOTE: Mesa notices a new size a frame or two later. The control clears to an alpha of 1, of
-            // which blending leaves three quarters at least, so that 0 is a place where nothing was drawn.
+            // NOTE: Mesa applies a new window size one or two frames late. The control clears to an alpha of
+            // 1, and blending leaves at least three quarters of it, so an alpha of 0 marks a pixel that the
+            // frame does not reach.
             if (from[3] == 0)
                 return std::nullopt;
             unsigned char* const to = &bitmap.bytes[row * row_size + x * kChannels];
@@ -77,7 +78,7 @@ std::optional<Bitmap> ReadFrame(int width, int height)
 
 void WriteBitmap(const std::filesystem::path& file, const Bitmap& bitmap)
 {
-    // Under another name first, so that no one ever finds half a picture.
+    // Written under another name first, so that an incomplete picture never has the final name.
     std::filesystem::path part = file;
     part += L".part";
     std::error_code error;

@@ -1,4 +1,4 @@
-// The finished frame of the current OpenGL context as a bitmap file.
+// Frames of the current OpenGL context as bitmap files.
 #pragma once
 
 #include <cstddef>
@@ -9,21 +9,21 @@
 namespace win32_dialog
 {
 
-/// A picture as bitmap files hold it, with 24 bits a pixel: bottom row first, blue before red, each row
-/// filled up to whole words.
+/// The pixels of a bitmap file with 24 bits per pixel: bottom row first, in the order blue, green, red, each
+/// row padded to a multiple of 4 bytes.
 struct Bitmap {
     int width = 0;
     int height = 0;
     std::vector<unsigned char> bytes;
 };
 
-/// Reads a frame of this size in pixels from the current context. To be called right after the control's
-/// timer message was dispatched. Nothing where the frame does not fill that size yet, as happens after a
-/// change of the window's size.
+/// Reads a frame of this size, in pixels, from the current context. Must be called right after the control's
+/// timer message was dispatched. Returns nothing where the frame does not fill that size yet, which happens
+/// after the window was resized.
 [[nodiscard]] std::optional<Bitmap> ReadFrame(int width, int height);
 
-/// Writes a bitmap file, over one that may be there. Throws viewer::FileError where it cannot be written;
-/// what was there before then stays.
+/// Writes a bitmap file and replaces an existing one. Throws viewer::FileError where it cannot be written; an
+/// existing file is unchanged then.
 void WriteBitmap(const std::filesystem::path& file, const Bitmap& bitmap);
 
 } // namespace win32_dialog

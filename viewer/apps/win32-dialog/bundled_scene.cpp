@@ -1,6 +1,6 @@
 #include "viewer/apps/win32-dialog/bundled_scene.h"
 
-#include "viewer/scene/extrusion.h"
+#include "viewer/scene/prism.h"
 
 namespace win32_dialog
 {
@@ -12,7 +12,7 @@ using viewer::Frame;
 using viewer::Outline;
 using viewer::Piece;
 
-// In millimetres; the shaft lies along x.
+// All lengths in millimetres; the shaft lies along x.
 constexpr double kPlateLength = 160.0;
 constexpr double kPlateWidth = 80.0;
 constexpr double kPlateHeight = 12.0;
@@ -21,22 +21,23 @@ constexpr double kPostHalfThickness = 8.0;
 constexpr double kPostHalfWidth = 24.0;
 constexpr double kAxisHeight = 50.0;
 constexpr double kShaftRadius = 14.0;
+constexpr int kShaftCorners = 32;
 constexpr double kShaftHalfLength = 75.0;
-constexpr double kOverhang = 10.0; ///< of the centre lines
+constexpr double kOverhang = 10.0; ///< of the centre lines beyond the parts
 
-// Categories, in the order of feeding: what is translucent comes last.
+// In the order of drawing: the translucent cover comes last.
 enum Category { kFrame, kShaft, kCenterLines, kCover };
 
-// Palette indices, of middling values: the light adds half of white to what is seen squarely.
+// Palette indices of medium brightness: the light adds half of white to a face that is seen head-on.
 constexpr unsigned char kFrameColor = 155; ///< dark blue-grey
 constexpr unsigned char kShaftColor = 42;  ///< brass
 constexpr unsigned char kLineColor = 1;    ///< red
 constexpr unsigned char kCoverColor = 123; ///< dull green-blue
 constexpr float kCoverOpacity = 0.35F;
 
-/// Lying on the floor, pushed upwards.
+/// Profiles seen from above; heights grow upwards.
 constexpr Frame kFloor{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-/// Standing, seen from the right, about the shaft's axis; pushed along x.
+/// Profiles seen from the right, with the origin on the shaft's axis; heights grow along x.
 constexpr Frame kSide{{0, 0, kAxisHeight}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}};
 
 Outline Rectangle(double half_u, double from_v, double to_v)
@@ -44,19 +45,11 @@ Outline Rectangle(double half_u, double from_v, double to_v)
     return {{-half_u, from_v}, {half_u, from_v}, {half_u, to_v}, {-half_u, to_v}};
 }
 
-Outline Circle(double radius)
-{
-    constexpr int kSteps = 32;
-    Outline outline = viewer::Arc({0, 0}, radius, 0, 360, kSteps);
-    outline.pop_back();
-    return outline;
-}
-
 Piece Post(double x)
 {
     const Outline outline = Rectangle(kPostHalfWidth, kPlateHeight - kAxisHeight, kPostHalfWidth);
     return viewer::MakePiece(
-        "post", viewer::Extrude({outline}, kSide, x - kPostHalfThickness, x + kPostHalfThickness), kFrame,
+        "post", viewer::PrismFaces({outline}, kSide, x - kPostHalfThickness, x + kPostHalfThickness), kFrame,
         kFrameColor);
 }
 
@@ -77,7 +70,7 @@ Piece Cover()
 {
     constexpr double kHalfLength = kPostDistance - kPostHalfThickness - 1.0;
     const Outline outline = Rectangle(kPostHalfWidth, kPlateHeight - kAxisHeight, kPostHalfWidth);
-    return viewer::MakePiece("cover", viewer::Extrude({outline}, kSide, -kHalfLength, kHalfLength), kCover,
+    return viewer::MakePiece("cover", viewer::PrismFaces({outline}, kSide, -kHalfLength, kHalfLength), kCover,
                              kCoverColor, kCoverOpacity);
 }
 
@@ -89,13 +82,15 @@ viewer::Model MakeBundledScene()
     viewer::Model model;
     model.title = "shaft";
     model.category_names = {"frame", "shaft", "centre lines", "cover"};
-    model.pieces.push_back(
-        viewer::MakePiece("plate", viewer::Extrude({plate}, kFloor, 0, kPlateHeight), kFrame, kFrameColor));
+    model.pieces.push_back(viewer::MakePiece("plate", viewer::PrismFaces({plate}, kFloor, 0, kPlateHeight),
+                                             kFrame, kFrameColor));
     model.pieces.push_back(Post(-kPostDistance));
     model.pieces.push_back(Post(kPostDistance));
-    model.pieces.push_back(viewer::MakePiece(
-        "shaft", viewer::Extrude({Circle(kShaftRadius)}, kSide, -kShaftHalfLength, kShaftHalfLength), kShaft,
-        kShaftColor));
+    model.pieces.push_back(
+        viewer::MakePiece("shaft",
+                          viewer::PrismFaces({viewer::RegularPolygon({0, 0}, kShaftRadius, kShaftCorners)},
+                                             kSide, -kShaftHalfLength, kShaftHalfLength),
+                          kShaft, kShaftColor));
     model.pieces.push_back(CenterLines());
     model.pieces.push_back(Cover());
     return model;

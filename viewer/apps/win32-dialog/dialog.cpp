@@ -1,7 +1,7 @@
 #include "viewer/apps/win32-dialog/dialog.h"
 
 #include "platform/tools/utf8.h"
-#include "viewer/apps/win32-dialog/obj_file.h"
+#include "viewer/apps/win32-dialog/model_file.h"
 #include "viewer/apps/win32-dialog/resource.h"
 #include "viewer/text/file_error.h"
 
@@ -22,11 +22,10 @@ namespace
 
 constexpr int kOpaque = 100;
 
-/// The smallest client area that shows every button and something of the viewport, in the units of dialog
-/// templates.
-constexpr RECT kSmallestClient{0, 0, 250, 262};
+/// The smallest client area that shows every button and a part of the viewport, in dialog units.
+constexpr RECT kMinClientArea{0, 0, 250, 262};
 
-/// A text that a control shows as it is, an ampersand too.
+/// The text with its ampersands escaped, so that a control shows them.
 std::wstring WithoutMnemonics(const std::string& text)
 {
     std::wstring shown;
@@ -68,7 +67,8 @@ MSG ViewerDialog::Dispatch()
         Close();
         return message;
     }
-    // The wheel belongs to what the pointer is over; older systems send it to whatever has the focus.
+    // The wheel acts on the window under the pointer. NOTE: Older systems send it to the window with the
+    // focus.
     if (message.message == WM_MOUSEWHEEL && WindowFromPoint(message.pt) == ViewportWindow())
         message.hwnd = ViewportWindow();
     if (IsDialogMessageW(window_, &message) == FALSE) {
@@ -94,7 +94,7 @@ INT_PTR CALLBACK ViewerDialog::Procedure(HWND window, UINT message, WPARAM wpara
     auto* const self = reinterpret_cast<ViewerDialog*>(GetWindowLongPtrW(window, DWLP_USER));
     if (self == nullptr || self->window_ == nullptr)
         return FALSE;
-    // No exception may pass through the system.
+    // No exception may pass through the code of the system that calls this.
     try {
         return self->Handle(message, wparam, lparam);
     } catch (const viewer::FileError& error) {
@@ -133,7 +133,7 @@ INT_PTR ViewerDialog::Handle(UINT message, WPARAM wparam, LPARAM lparam)
             common_dialog_user_(reinterpret_cast<HWND>(lparam));
         return FALSE;
     case WM_DESTROY:
-        // While its window still stands: the control's context belongs to it.
+        // The window still exists here: the control's context belongs to it.
         scene_.reset();
         window_ = nullptr;
         return TRUE;
@@ -187,7 +187,7 @@ void ViewerDialog::OnSize(UINT type)
     CRect place;
     GetWindowRect(Item(IDC_VIEWPORT), &place);
     MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(static_cast<RECT*>(&place)), 2);
-    // The same margin below and at the right as the template has above.
+    // The margins below and to the right equal the one above.
     const int margin = place.top;
     const int width = client.right - margin - place.left;
     const int height = client.bottom - margin - place.top;
@@ -202,7 +202,7 @@ void ViewerDialog::OnMinMaxInfo(MINMAXINFO& info) const
     CRect client;
     GetWindowRect(window_, &window);
     GetClientRect(window_, &client);
-    RECT smallest = kSmallestClient;
+    RECT smallest = kMinClientArea;
     MapDialogRect(window_, &smallest);
     if (IsIconic(window_) == FALSE)
         info.ptMinTrackSize = {smallest.right + window.Width() - client.Width(),
@@ -212,7 +212,7 @@ void ViewerDialog::OnMinMaxInfo(MINMAXINFO& info) const
 void ViewerDialog::OnSlide(UINT code)
 {
     NameOpacity();
-    // To build the viewport anew for each step on the way would make the slider heavy.
+    // The viewport is rebuilt for each new opacity, which is too slow for every step of the slider.
     if (code != TB_ENDTRACK && code != TB_THUMBPOSITION)
         return;
     const int opacity = static_cast<int>(SendMessageW(Item(IDC_OPACITY), TBM_GETPOS, 0, 0));
@@ -274,7 +274,7 @@ void ViewerDialog::OpenFile()
     choice.nMaxFile = static_cast<DWORD>(name.size());
     choice.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (GetOpenFileNameW(&choice) != FALSE)
-        ShowModel(ReadObjFile(name.data()));
+        ShowModel(ReadModelFile(name.data()));
 }
 
 void ViewerDialog::ChooseBackground()

@@ -1,6 +1,5 @@
-// The dialog: it makes the window from the template, hands every control's message to the scene, and lets the
-// viewport grow with it. Its messages are dispatched one at a time, so that a program may do something in
-// between.
+// The dialog: creates its window from the template, passes the commands of its controls to the scene and
+// resizes the viewport. The caller dispatches its messages one at a time, so that it can act in between.
 #pragma once
 
 #include "viewer/apps/win32-dialog/scene_view.h"
@@ -15,16 +14,17 @@
 namespace win32_dialog
 {
 
-/// A modeless dialog with a viewport in it. Where no window or no OpenGL can be had, the constructor and
-/// `Dispatch` throw std::runtime_error and the dialog is closed.
+/// A modeless dialog with a viewport in it. Where a window or OpenGL is not available, the constructor and
+/// `Dispatch` throw std::runtime_error and the dialog is closed. All calls come from the thread that created
+/// it.
 class ViewerDialog
 {
   public:
-    /// Tells the user, in one line of text, that a file was refused.
+    /// Tells the user, in one line of text, why a file was refused.
     using ErrorReport = std::function<void(HWND dialog, const std::string& error)>;
 
-    /// Opens the dialog, visible, with a model in it. Without a report, refused files end up as other
-    /// failures do.
+    /// Opens the dialog, visible, with a model in it. With an empty `report`, `Dispatch` throws the
+    /// viewer::FileError of a refused file, and the dialog stays open.
     ViewerDialog(viewer::Model model, ErrorReport report);
     ViewerDialog(const ViewerDialog&) = delete;
     ViewerDialog& operator=(const ViewerDialog&) = delete;
@@ -32,18 +32,23 @@ class ViewerDialog
 
     [[nodiscard]] bool IsOpen() const { return window_ != nullptr; }
     void Close();
-    /// Waits for the next message and dispatches it, keys as dialogs take them. Returns what it was.
+    /// Waits for the next message, dispatches it, with the keyboard handling of dialogs, and returns it.
+    /// Closes the dialog where the thread is told to quit.
     MSG Dispatch();
 
+    /// Null once the dialog is closed.
     [[nodiscard]] HWND Window() const { return window_; }
+    /// Null once the dialog is closed.
     [[nodiscard]] HWND ViewportWindow() const { return scene_ ? scene_->Window() : nullptr; }
 
-    /// Sees common dialogs that the buttons bring up, each time that one waits for its user; null for nobody.
+    /// Sets a function that is called whenever a common dialog of a button (Open, Background) waits for
+    /// input; an empty function ends that.
     void SetCommonDialogUser(std::function<void(HWND common_dialog)> user)
     {
         common_dialog_user_ = std::move(user);
     }
-    /// Throws what was thrown while a message was handled, and forgets it.
+    /// Throws the exception that the handling of a message left behind, once. For messages that were sent
+    /// directly; `Dispatch` does this itself.
     void RethrowFailure();
 
   private:
@@ -67,7 +72,7 @@ class ViewerDialog
     ErrorReport report_;
     HWND window_ = nullptr;
     std::unique_ptr<SceneView> scene_;
-    int opacity_ = 100; ///< per cent, of what is shown
+    int opacity_ = 100; ///< of the model shown, in per cent
     std::array<COLORREF, 16> custom_colors_{};
     std::function<void(HWND)> common_dialog_user_;
     std::exception_ptr failure_;

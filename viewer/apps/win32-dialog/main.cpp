@@ -1,15 +1,16 @@
-// A dialog with the viewport in it: the smallest whole client of the module on Windows.
+// The viewer for Windows: shows a model file, or a bundled scene, in a dialog.
 //
-//   win32_dialog [MODEL.obj] [--script FILE] [--picture FILE.bmp]
+//   win32_dialog [MODEL] [--script FILE] [--picture FILE.bmp]
 //
-// With a script or a picture the program ends when that is done, with status 0, or, with one line on the
-// standard error, with 1 where it could not be done and 2 where the command line is wrong. Otherwise it ends
-// with the dialog.
+// With --script or --picture the program ends as soon as the script has been played and the picture has been
+// written; without them it ends when the user closes the dialog. Exit status: 0 for success, 1 for a failure
+// and 2 for a wrong command line. Failures are reported in one line, on the standard error with --script or
+// --picture, else in a message box; a wrong command line is always reported on the standard error.
 #include "platform/host/rx/module_loader.h"
 #include "platform/tools/utf8.h"
 #include "viewer/apps/win32-dialog/bundled_scene.h"
 #include "viewer/apps/win32-dialog/dialog.h"
-#include "viewer/apps/win32-dialog/obj_file.h"
+#include "viewer/apps/win32-dialog/model_file.h"
 #include "viewer/apps/win32-dialog/script.h"
 #include "viewer/apps/win32-dialog/script_user.h"
 
@@ -35,7 +36,7 @@ struct Options {
     std::optional<std::filesystem::path> script;
     std::optional<std::filesystem::path> picture;
 
-    /// Whether a program and no user sits before the dialog.
+    /// Whether the program runs without a user.
     [[nodiscard]] bool RunsByItself() const { return script || picture; }
 };
 
@@ -81,7 +82,7 @@ void ShowDialog(const Options& options)
 {
     const std::vector<ScriptCommand> script =
         options.script ? ReadScript(*options.script) : std::vector<ScriptCommand>();
-    viewer::Model model = options.model ? ReadObjFile(*options.model) : MakeBundledScene();
+    viewer::Model model = options.model ? ReadModelFile(*options.model) : MakeBundledScene();
     ViewerDialog dialog(std::move(model), options.RunsByItself() ? ViewerDialog::ErrorReport() : ShowError);
     if (options.script)
         PlayScript(*options.script, script, dialog);
@@ -93,7 +94,7 @@ void ShowDialog(const Options& options)
 
 void Run(const Options& options)
 {
-    // The program is linked to the module; the host gets to know it as it does any application module.
+    // The program is linked to the module; the host has to load it like any application module.
     host::ModuleLoader& loader = host::ProcessModuleLoader();
     void* const module = loader.Load(host::LoadedModuleFile("KARV3DViewport10"));
     ShowDialog(options);

@@ -29,7 +29,7 @@ using viewer::FileError;
 using viewer::Piece;
 using viewer::Point;
 
-/// Reads material files by their wide names, which the loader's own reader cannot.
+/// Opens material files by their wide names, which the library's own reader cannot do.
 class MaterialFiles : public tinyobj::MaterialReader
 {
   public:
@@ -51,7 +51,7 @@ class MaterialFiles : public tinyobj::MaterialReader
 
 Adesk::UInt8 ToByte(double channel)
 {
-    // NaN becomes 0 here, too.
+    // NaN becomes 0, too.
     return channel > 0.0 ? static_cast<Adesk::UInt8>(std::lround(std::min(channel, 1.0) * 255.0))
                          : Adesk::UInt8{0};
 }
@@ -61,7 +61,7 @@ float ToOpacity(double dissolve)
     return dissolve >= 0.0 ? static_cast<float>(std::min(dissolve, 1.0)) : 1.0F;
 }
 
-/// What the loader read, on its way to a model.
+/// Converts the records of the library to a model.
 class Conversion
 {
   public:
@@ -126,7 +126,7 @@ class Conversion
         std::span<const tinyobj::index_t> left(mesh.indices);
         for (std::size_t face = 0; face < mesh.num_face_vertices.size(); ++face) {
             const std::size_t corners = mesh.num_face_vertices[face];
-            // The loader counts corners in bytes, which wrap around.
+            // NOTE: The library counts the corners of a polygon in a byte, which wraps around.
             if (corners < 3 || corners > left.size())
                 throw FileError(name_, "has a polygon of more than 255 corners");
             if (auto polygon = viewer::MakeFace(Points(left.first(corners))))
@@ -165,8 +165,8 @@ class Conversion
 
     void GiveMaterial(Piece& piece, int number)
     {
-        constexpr unsigned char kGrey = 9;
-        piece.color = kGrey;
+        constexpr unsigned char kGray = 9;
+        piece.color = kGray;
         if (number < 0) {
             piece.category = CategoryNamed("no material");
             return;
@@ -178,7 +178,7 @@ class Conversion
         piece.category = CategoryNamed(material.name);
     }
 
-    /// Categories are numbered as they come up.
+    /// The number of the category with this name; a new name gets the next number.
     int CategoryNamed(const std::string& name)
     {
         std::vector<std::string>& names = model_.category_names;

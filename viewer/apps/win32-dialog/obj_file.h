@@ -1,4 +1,4 @@
-// Models from OBJ files, by way of a header-only loader; nothing else sees the loader's types.
+// Models from OBJ files. A header-only library parses them; its types stay private to the source file.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -8,10 +8,11 @@
 namespace win32_dialog
 {
 
-/// Reads a model: polygons stay whole, each group's faces of one material are a piece, a material is a
-/// category and gives colour (the nearest of the palette) and opacity. Material files are looked for beside
-/// the file; one that is not there leaves its faces without material. Throws viewer::FileError where the file
-/// cannot be read, names vertices that it does not have or that are no numbers, or shows nothing.
+/// Reads a model. Polygons stay whole. The faces of a group that have one material become a piece; each
+/// material becomes a category and sets the colour (the nearest one of the palette) and the opacity. Material
+/// files are searched in the folder of the file; where one is missing, its faces have no material. Throws
+/// viewer::FileError where the file cannot be read, refers to vertices that it does not have or that are not
+/// finite, has a polygon of more than 255 corners, or has no faces and no lines.
 [[nodiscard]] viewer::Model ReadObjFile(const std::filesystem::path& file);
 
 } // namespace win32_dialog

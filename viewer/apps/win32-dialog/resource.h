@@ -1,11 +1,11 @@
-// The numbers by which the dialog's template and its code know the controls. The resource compiler reads this
-// too, so they are macros.
+// The identifiers of the dialog template and its controls. They are macros because the resource compiler
+// reads this file, too.
 #pragma once
 
 // NOLINTBEGIN(modernize-macro-to-enum)
 #define IDD_VIEWER 100
 
-#define IDC_VIEWPORT 1000 /* a frame, never shown: where the viewport goes */
+#define IDC_VIEWPORT 1000 /* an invisible frame that marks the place of the viewport */
 #define IDC_OPEN 1001
 #define IDC_BACKGROUND 1002
 #define IDC_OPACITY 1003
@@ -28,7 +28,7 @@
 #define IDC_FACES 1022
 #define IDC_LINES 1023
 
-/* Check boxes, one for each category; the last one stands for all that are left. */
+/* One check box per category; the last one switches all remaining categories. */
 #define IDC_CATEGORY_FIRST 1030
 #define IDC_CATEGORY_LAST 1037
 // NOLINTEND(modernize-macro-to-enum)

@@ -46,8 +46,8 @@ void SceneView::Build()
     if (Window() == nullptr || wglGetCurrentContext() == nullptr)
         throw std::runtime_error("no OpenGL can be had");
     if (opacity_ >= 1.0F) {
-        // Transparent drawing shows faces in the order of feeding. That is right where one sees through
-        // everything; behind opaque parts nothing may show.
+        // A transparent control draws all faces in the order of feeding, without a depth test. That suits
+        // models that are translucent as a whole; here opaque faces must hide what is behind them.
         glEnable(GL_DEPTH_TEST);
         glEnable(GL_CULL_FACE);
     }
@@ -91,7 +91,8 @@ void SceneView::ShowWhole(double aspect)
 
 void SceneView::LookAtCenter()
 {
-    // A control whose camera was placed keeps its target, wherever the box of its scene is.
+    // SetCameraData fixes the target of the camera, so standard views no longer move it to the center of the
+    // box.
     if (!camera_was_placed_)
         return;
     const viewer::Point center = viewer::ScenePlacement(model_.Extents()).SceneBox().Center();
@@ -152,14 +153,14 @@ void SceneView::SetOpacity(float opacity)
     const bool was_moved = viewport_->HasNavigated();
     const std::vector<MouseMessage> navigation = viewport_->Navigation();
     Build();
-    // The control tells neither its zoom nor takes its axes, so that both come from doing again what the user
-    // did.
+    // The control offers no way to read its zoom or to set its axes. Repeating the user's mouse messages
+    // restores both.
     for (const MouseMessage& mouse : navigation)
         SendMessageW(Window(), mouse.message, mouse.wparam, mouse.lparam);
     if (!was_moved)
         return;
-    // How far a pixel pans depends on the sizes that the former window had, so the place is put in
-    // afterwards.
+    // The distance that a pixel pans depends on the sizes that the previous window had, so the position is
+    // set afterwards.
     viewport_->SetCameraData(eye, target, up);
     viewport_->OnDraw(nullptr);
     camera_was_placed_ = true;

@@ -1,6 +1,6 @@
-// A model in a viewport, with everything that the dialog's controls choose about it. The control fixes
-// opacity and transparent drawing when it is fed: to change them, or the model, it is built anew here, and
-// everything else is as it was. It knows no dialog template and no button.
+// A model in a viewport, with all the settings of the dialog's controls. The viewport control fixes opacity
+// and transparent drawing when it is created and fed; to change them, or the model, this class creates a new
+// control and restores the other settings. It knows neither the dialog template nor its buttons.
 #pragma once
 
 #include "viewer/apps/win32-dialog/viewport.h"
@@ -15,35 +15,37 @@
 namespace win32_dialog
 {
 
-/// The viewport's part of a dialog. All operations are for the dialog's thread; those that say so throw
-/// std::runtime_error where no OpenGL can be had, and no viewport is there then.
+/// Owns the viewport of a dialog. All calls come from the dialog's thread. Operations marked "Throws" throw
+/// std::runtime_error where OpenGL is not available; there is no viewport then. All but `ShowModel`,
+/// `FollowPlace` and `Window` require a model.
 class SceneView
 {
   public:
-    /// The viewport becomes a child of `parent` that follows `place`, another child, in the order of the Tab
-    /// key, and takes its rectangle.
+    /// The viewport becomes a child of `parent`. It takes the rectangle of `place`, another child, and
+    /// follows it in the order of the Tab key.
     SceneView(HWND parent, HWND place) : parent_(parent), place_(place) {}
 
-    /// Shows a model from the south-east with all its categories; projection, mode, background and opacity
-    /// stay. Throws.
+    /// Shows a model from the south-east with all its categories. Projection, mode, background and opacity
+    /// are kept. Throws.
     void ShowModel(viewer::Model model);
     [[nodiscard]] const viewer::Model& Model() const { return model_; }
 
-    /// The whole model from one of the standard sides.
+    /// Shows the whole model from a standard view.
     void ShowStandardView(viewer::StandardView view);
     void SetProjection(viewer::Projection projection);
     void DrawLines(bool lines);
     void ShowCategory(int category, bool shown);
-    /// The background; until it is set, that of the host.
+    /// The background is that of the host until it is set.
     void SetBackground(COLORREF color);
     [[nodiscard]] COLORREF Background() const;
-    /// From 0 to 1, times the parts' own opacities. Builds the viewport anew; the camera stays. Throws.
+    /// From 0 to 1; multiplies the opacities of the pieces. Creates a new viewport; the camera is kept.
+    /// Throws.
     void SetOpacity(float opacity);
-    /// Brings the viewport to where `place` is now. The whole model stays in view, unless the user has moved
-    /// the camera.
+    /// Moves the viewport to the current rectangle of `place`. The model is fitted again, unless the user has
+    /// moved the camera.
     void FollowPlace();
 
-    /// Null before the first model.
+    /// The viewport's window; null before the first model.
     [[nodiscard]] HWND Window() const { return viewport_ ? viewport_->GetSafeHwnd() : nullptr; }
 
   private:
@@ -57,15 +59,15 @@ class SceneView
     HWND place_;
     viewer::Model model_;
     std::unique_ptr<Viewport> viewport_;
-    std::unique_ptr<viewer::FittedScene> scene_; ///< of the model in the viewport
+    std::unique_ptr<viewer::FittedScene> scene_; ///< the model in the viewport
     viewer::StandardView view_ = viewer::StandardView::SE;
     viewer::Projection projection_ = viewer::Projection::Perspective;
-    double aspect_ = 1.0; ///< that the model was fitted to
+    double aspect_ = 1.0; ///< of the viewport when the model was fitted
     bool lines_ = false;
     float opacity_ = 1.0F;
     std::optional<COLORREF> background_;
     std::set<int> hidden_;
-    bool camera_was_placed_ = false; ///< the control no longer centres on the model of its own accord
+    bool camera_was_placed_ = false; ///< by SetCameraData, which ends the control's own centring
 };
 
 } // namespace win32_dialog

@@ -21,13 +21,13 @@ namespace
 
 enum class Text { None, Word, Rest };
 
-/// What follows a verb: a text, then so many numbers within limits.
+/// The arguments of a verb: a text, then a number of integers within limits.
 struct Grammar {
     std::string_view verb;
     Text text;
     std::size_t numbers;
-    int lowest;
-    int highest;
+    int min;
+    int max;
 };
 
 constexpr int kMaxSide = 8192;
@@ -40,7 +40,7 @@ constexpr std::array kGrammar = {
 
 constexpr std::string_view kBlanks = " \t\r";
 
-/// Takes the next word off a line.
+/// Removes the next word from the line and returns it.
 std::string_view TakeWord(std::string_view& line)
 {
     line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
@@ -53,10 +53,10 @@ int ToNumber(std::string_view word, const Grammar& grammar)
 {
     int number = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (word.empty() || error != std::errc() || end != word.data() + word.size() || number < grammar.lowest ||
-        number > grammar.highest)
+    if (word.empty() || error != std::errc() || end != word.data() + word.size() || number < grammar.min ||
+        number > grammar.max)
         throw std::runtime_error("\"" + std::string(word) + "\" is no number from " +
-                                 std::to_string(grammar.lowest) + " to " + std::to_string(grammar.highest));
+                                 std::to_string(grammar.min) + " to " + std::to_string(grammar.max));
     return number;
 }
 

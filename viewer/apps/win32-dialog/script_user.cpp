@@ -1,7 +1,8 @@
 #include "viewer/apps/win32-dialog/script_user.h"
 
 #include "platform/tools/utf8.h"
-#include "viewer/apps/win32-dialog/picture.h"
+#include "viewer/apps/win32-dialog/bitmap.h"
+#include "viewer/apps/win32-dialog/model_file.h"
 
 #include <colordlg.h>
 #include <commctrl.h>
@@ -12,7 +13,6 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace win32_dialog
@@ -28,7 +28,7 @@ std::wstring TextOf(HWND window)
     return text;
 }
 
-/// The caption as the user reads it: a single ampersand only marks the key.
+/// The caption as the user reads it: a single ampersand only marks the key of the button.
 std::wstring CaptionOf(HWND window)
 {
     const std::wstring text = TextOf(window);
@@ -107,7 +107,7 @@ HWND ScriptUser::FindButton(const std::wstring& caption) const
 void ScriptUser::Press(const std::wstring& caption)
 {
     const HWND button = FindButton(caption);
-    // Buttons of an inactive dialog may not react.
+    // NOTE: Buttons of an inactive dialog may ignore the click.
     SetActiveWindow(dialog_.Window());
     SendMessageW(button, BM_CLICK, 0, 0);
 }
@@ -134,7 +134,7 @@ void ScriptUser::SetOpacity(int percent)
     const auto steps = percent - static_cast<int>(SendMessageW(slider, TBM_GETPOS, 0, 0));
     SetFocus(slider);
     const WPARAM key = steps < 0 ? VK_LEFT : VK_RIGHT;
-    // A key that is held down, and then let go.
+    // A key that is held down and then released.
     for (int step = 0; step < std::abs(steps); ++step)
         SendMessageW(slider, WM_KEYDOWN, key, 0);
     SendMessageW(slider, WM_KEYUP, key, 0);
@@ -151,13 +151,11 @@ void ScriptUser::SetBackground(std::span<const int> channels)
 
 void ScriptUser::Open(const std::wstring& file)
 {
-    // The common dialog would ask again for a file that is not there, and nobody would answer.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error))
-        throw std::runtime_error(Utf8FromWide(file) + ": cannot be opened");
+    // The common dialog asks again for a file that does not exist, and the script would wait forever.
+    CheckModelFile(file);
     const std::wstring path = std::filesystem::absolute(file).wstring();
     Answer(L"Open...", [&](HWND common_dialog) {
-        // The name stands in a combo box in one style of the dialog, in an edit box in the other.
+        // NOTE: Depending on its style, the common dialog has a combo box or an edit box for the name.
         const int name = GetDlgItem(common_dialog, cmb13) != nullptr ? cmb13 : edt1;
         SetDlgItemTextW(common_dialog, name, path.c_str());
     });
@@ -203,7 +201,7 @@ void ScriptUser::Resize(int width, int height)
 
 void TakePicture(ViewerDialog& dialog, const std::filesystem::path& file)
 {
-    // Many times what the frames after a new size of the window need to be whole.
+    // Many more than the frames that are incomplete after the window has a new size.
     int frames_left = 100;
     while (dialog.IsOpen() && frames_left > 0) {
         const MSG message = dialog.Dispatch();

@@ -1,4 +1,4 @@
-// The hand of a script on the dialog's controls and on the common dialogs that they bring up.
+// Carries out script commands on the dialog's controls and on the common dialogs that they open.
 #pragma once
 
 #include "viewer/apps/win32-dialog/dialog.h"
@@ -12,17 +12,19 @@
 namespace win32_dialog
 {
 
-/// Does one command at a time. Each throws std::runtime_error with a line that says why it cannot be done.
 class ScriptUser
 {
   public:
     explicit ScriptUser(ViewerDialog& dialog) : dialog_(dialog) {}
 
+    /// Carries out one command. Throws std::runtime_error with the reason, in one line, where it cannot be
+    /// done.
     void Do(const ScriptCommand& command);
 
   private:
     void Press(const std::wstring& caption);
-    /// Presses a button and answers the common dialog that it brings up.
+    /// Presses a button and lets `fill_in` complete the common dialog that it opens, then confirms that
+    /// dialog.
     void Answer(const std::wstring& caption, const std::function<void(HWND common_dialog)>& fill_in);
     void SetOpacity(int percent);
     void SetBackground(std::span<const int> channels);
@@ -35,8 +37,9 @@ class ScriptUser
     ViewerDialog& dialog_;
 };
 
-/// Waits for the dialog's next whole frame and writes it as a bitmap. Throws viewer::FileError where the file
-/// cannot be written, and std::runtime_error where the dialog is closed before or no whole frame comes.
+/// Waits for the dialog's next complete frame and writes it as a bitmap. Throws viewer::FileError where the
+/// file cannot be written, and std::runtime_error where the dialog is closed before or no complete frame
+/// comes.
 void TakePicture(ViewerDialog& dialog, const std::filesystem::path& file);
 
 } // namespace win32_dialog

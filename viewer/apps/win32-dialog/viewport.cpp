@@ -19,7 +19,8 @@ LRESULT Viewport::WindowProc(UINT message, WPARAM wparam, LPARAM lparam)
         return KARVOpenGLControl::WindowProc(message, wparam, lparam);
     const MouseMessage mouse{message, wparam, lparam};
     Remember(mouse);
-    // A drag takes the focus, as a click in any control does; the pointer's mere passing over it must not.
+    // A drag takes the focus, as a click in any control does. The wheel, and a pointer that only passes over
+    // the viewport, must not.
     std::optional<FocusKeeper> keeper;
     if (message == WM_MOUSEWHEEL || !mouse.Navigates())
         keeper.emplace();

@@ -1,5 +1,5 @@
-// The viewport control as a guest of a dialog: it leaves the keyboard focus where the user put it, and
-// remembers how the user has moved the camera. It knows nothing of what it shows.
+// The viewport control in a dialog: it leaves the keyboard focus to the dialog's other controls and records
+// the user's camera movements. It does not know what it shows.
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
@@ -9,8 +9,8 @@
 namespace win32_dialog
 {
 
-/// Puts the keyboard focus back to where it was: the control asks for it on every redraw, also when it is a
-/// button that asked for the redraw.
+/// Restores the keyboard focus at the end of its life. The viewport control takes the focus on every redraw,
+/// even where a button of the dialog caused the redraw.
 class FocusKeeper
 {
   public:
@@ -27,33 +27,32 @@ class FocusKeeper
     HWND window_;
 };
 
-/// A message of the mouse, with its parameters.
+/// A mouse message with its parameters.
 struct MouseMessage {
     UINT message;
     WPARAM wparam;
     LPARAM lparam;
 
-    /// Whether it moves the camera, and not only the pointer.
+    /// Whether it moves the camera; other messages only move the pointer.
     [[nodiscard]] bool Navigates() const;
 };
 
-/// The control in a dialog.
 class Viewport : public KARVOpenGLControl
 {
   public:
     LRESULT WindowProc(UINT message, WPARAM wparam, LPARAM lparam) override;
 
-    /// What the user did with the mouse since `ForgetNavigation`. Sent to another control of the same scene
-    /// and the same standard view, it turns and zooms that one as this one was, bit for bit.
+    /// The user's mouse messages since `ForgetNavigation`. Sent to another control with the same scene and
+    /// standard view, they turn and zoom its camera to exactly the same values.
     [[nodiscard]] const std::vector<MouseMessage>& Navigation() const { return navigation_; }
     [[nodiscard]] bool HasNavigated() const;
-    /// Keeps no more than where the pointer is, from where the next drag goes on.
+    /// Removes all messages but the last position of the pointer, where the next drag starts.
     void ForgetNavigation();
 
   private:
     void Remember(const MouseMessage& message);
 
-    std::vector<MouseMessage> navigation_; ///< of moves between drags only the last
+    std::vector<MouseMessage> navigation_; ///< of the moves between two drags only the last one
 };
 
 } // namespace win32_dialog

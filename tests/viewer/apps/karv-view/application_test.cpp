@@ -1,8 +1,8 @@
-// A run of the program within the test's own process, to look at the host while it goes on.
+// A run of the program within the test's own process, which can inspect the host during the run.
 #include "viewer/apps/karv-view/application.h"
 
 #include "platform/host/rx/module_loader.h"
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ namespace
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// Notes which modules the host knows whenever something is written.
+/// A stream buffer that records the modules that the host knows whenever something is written.
 class ModuleWatch : public std::streambuf
 {
   public:

@@ -82,7 +82,7 @@ TEST(Options, ListsDoNotSwallowTheModelsBehindThem)
 {
     const Parse parse({"--hide", "1", "a.obj", "--background", "0,0,0", "b.obj"});
     ASSERT_TRUE(parse.parsed.options) << parse.err;
-    EXPECT_THAT(parse.parsed.options->hidden, ElementsAre(1));
+    EXPECT_THAT(parse.parsed.options->drawing.hidden, ElementsAre(1));
     EXPECT_THAT(parse.parsed.options->models, ElementsAre("a.obj", "b.obj"));
 }
 
@@ -90,7 +90,7 @@ TEST(Options, HideMayBeGivenTwice)
 {
     const Parse parse({"--hide", "1,2", "--hide", "5"});
     ASSERT_TRUE(parse.parsed.options) << parse.err;
-    EXPECT_THAT(parse.parsed.options->hidden, ElementsAre(1, 2, 5));
+    EXPECT_THAT(parse.parsed.options->drawing.hidden, ElementsAre(1, 2, 5));
 }
 
 TEST(Options, EveryViewNameIsTaken)
@@ -99,7 +99,7 @@ TEST(Options, EveryViewNameIsTaken)
         const std::string name(NameOf(view));
         const Parse parse({"--view", name.c_str()});
         ASSERT_TRUE(parse.parsed.options) << name;
-        EXPECT_EQ(parse.parsed.options->view, view);
+        EXPECT_EQ(parse.parsed.options->drawing.view, view);
     }
 }
 
@@ -146,7 +146,7 @@ TEST(Options, BackgroundsOutOfBoundsOrShapeAreRefused)
         ExpectRefused({"--background", background});
 }
 
-TEST(Options, ColoursAndOpacitiesOutOfBoundsAreRefused)
+TEST(Options, ColorsAndOpacitiesOutOfBoundsAreRefused)
 {
     ExpectRefused({"--color", "256"});
     ExpectRefused({"--color", "-1"});
@@ -156,7 +156,7 @@ TEST(Options, ColoursAndOpacitiesOutOfBoundsAreRefused)
     ExpectRefused({"--hide", "1,"});
 }
 
-TEST(Options, DeflectionIsANumberAboveNothing)
+TEST(Options, DeflectionIsANumberAboveZero)
 {
     EXPECT_EQ(Parse({"--deflection", "0.25"}).parsed.options.value().deflection, 0.25);
     EXPECT_EQ(Parse({"--deflection", "1e-9"}).parsed.options.value().deflection, 1e-9);

@@ -1,9 +1,8 @@
-// How the program reads files: what it lists of them, how it is stopped, and what becomes of the process that
-// parses.
+// How the program reads files: its lists, interruptions, and the end of the process that parses.
 #include "tests/support/child_process.h"
 #include "tests/viewer/import/brep/brep_fixture.h"
 #include "tests/viewer/import/dxf/dxf_fixture.h"
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 
 #include <BRepPrimAPI_MakeBox.hxx>
 
@@ -84,8 +83,8 @@ TEST_F(ProgramReading, NumbersOfTheListHideWhatTheyName)
 
 TEST_F(ProgramReading, DeflectionSaysHowFinelyCurvesAreCut)
 {
-    // A chord over an angle a lies r (1 - cos(a/2)) away: within 0.5 of a circle of radius 100 that allows
-    // 11.5 degrees, 32 segments; within 0.005 it is 1.146 degrees, 315.
+    // A chord over the angle a is r (1 - cos(a/2)) away from its arc. For a radius of 100, a deflection of
+    // 0.5 allows 11.5 degrees (32 segments), and 0.005 allows 1.146 degrees (315 segments).
     Write("c.dxf", Drawing("0 CIRCLE 8 0 10 0 20 0 30 0 40 100"));
     EXPECT_THAT(View("--list --deflection 0.5 c.dxf").out, HasSubstr(" 32 lines"));
     EXPECT_THAT(View("--list --deflection 0.005 c.dxf").out, HasSubstr(" 315 lines"));
@@ -99,9 +98,9 @@ TEST_F(ProgramReading, BadDeflectionGivesOneLineAndAStatus)
     EXPECT_THAT(Names(), IsEmpty());
 }
 
-TEST_F(ProgramReading, DrawingAThousandKilometresAwayLooksAsItDoesAtTheOrigin)
+TEST_F(ProgramReading, DrawingAThousandKilometersAwayLooksAsItDoesAtTheOrigin)
 {
-    // 2^30 mm and coordinates of quarters, all of them exact.
+    // 2^30 mm, and coordinates in multiples of 1/4, which are exact.
     const auto drawing = [](double away) {
         const auto at = [&](double value) { return std::to_string(away + value); };
         return Drawing("0 LINE 8 0 62 1 10 " + at(0) + " 20 " + at(0.25) + " 30 0 11 " + at(1.75) + " 21 " +
@@ -143,14 +142,14 @@ TEST_F(ProgramReading, DrawingsOfDifferentUnitsAreShownTogetherInThatOfTheFirst)
     EXPECT_EQ(View("--list unitless.dxf").out.find("unit:"), std::string::npos);
 }
 
-/// With files of the B-rep library's own writers.
+/// Tests with files that the B-rep library writes.
 class ProgramReadingUnits : public BrepTest
 {
 };
 
 TEST_F(ProgramReadingUnits, FilesAreShownTogetherInTheUnitOfTheFirst)
 {
-    // 400 mm of a STEP file and 1 m of a glTF file.
+    // The STEP file is 400 mm long, the glTF file 1 m.
     static_cast<void>(WriteStep(BRepPrimAPI_MakeBox(400.0, 300.0, 200.0).Shape(), "box.step"));
     Write("t.gltf", Gltf("", R"([{"mesh":0}])"));
     const auto highest = [&](const std::string& files) {
@@ -166,7 +165,7 @@ TEST_F(ProgramReadingUnits, FilesAreShownTogetherInTheUnitOfTheFirst)
     EXPECT_NEAR(meters.at(1), 0.3, 1e-9);
 }
 
-/// What /proc says of a process, as long as it runs.
+/// The state of a process in /proc, while it runs.
 struct ProcessState {
     pid_t parent = 0;
     char state = 'X';
@@ -198,7 +197,7 @@ bool Eventually(const std::function<bool()>& condition)
     return condition();
 }
 
-/// The child of a process; 0 while it has none.
+/// The child of a process, or 0.
 pid_t ChildOf(pid_t parent)
 {
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
@@ -212,7 +211,7 @@ pid_t ChildOf(pid_t parent)
     return 0;
 }
 
-/// The program while it reads a file, with the process that parses stopped in the midst of it.
+/// The program while it reads a file; the process that parses is stopped meanwhile.
 class ProgramInterrupted : public ProgramReading
 {
   protected:
@@ -231,7 +230,7 @@ class ProgramInterrupted : public ProgramReading
                                                 "%fd"});
         EXPECT_TRUE(Eventually([&] { return (viewer_ = ChildOf(shell_->id_)) != 0; }));
         EXPECT_TRUE(Eventually([&] { return (reader_ = ChildOf(viewer_)) != 0; }));
-        // Once it has silenced its streams, it has also asked to end with its parent.
+        // The reader asks to be ended with its parent before it redirects its standard error.
         const std::string errors = "/proc/" + std::to_string(reader_) + "/fd/2";
         EXPECT_TRUE(Eventually([&] {
             std::error_code error;
@@ -264,8 +263,8 @@ TEST_F(ProgramInterrupted, RequestToEndCancelsTheReadingWithALine)
 
 TEST_F(ProgramInterrupted, ReaderEndsWithTheViewerHoweverThatEnds)
 {
-    // Orphans become this process's children, which can then tell by what signal they ended: a stopped
-    // process without a parent would end sooner or later, but not by this one.
+    // Orphans become children of this process, which can then read the signal that ended them. A stopped
+    // process without a parent would end sooner or later, but by another signal.
     ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
     kill(viewer_, SIGKILL);
     ASSERT_TRUE(Eventually([&] { return StateOf(reader_).parent == getpid(); }));

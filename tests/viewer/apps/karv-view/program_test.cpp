@@ -1,5 +1,5 @@
-// Runs of the whole program, as a user starts it.
-#include "tests/viewer/viewer_fixture.h"
+// Runs of the whole program, started as a user starts it.
+#include "tests/viewer/test_support.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ using testing::StartsWith;
 class Program : public ViewerTest
 {
   protected:
-    /// A run that fails with one line that begins so, and leaves no picture behind.
+    /// Expects a run to fail with one line that begins like this, and to write no picture.
     void ExpectRefused(const std::string& arguments, const std::string& line_start) const
     {
         const std::vector<std::string> before = Names();
@@ -116,7 +116,7 @@ TEST_F(Program, HidingACategoryChangesThePictureAndHidingAllLeavesTheBackground)
     EXPECT_EQ(Read("none.png"), Read("blank.png"));
 }
 
-TEST_F(Program, ColourViewProjectionAndTransparencyChangeThePicture)
+TEST_F(Program, ColorViewProjectionAndTransparencyChangeThePicture)
 {
     const std::string common = "--size 64x64 --picture ";
     ASSERT_EQ(View(common + "plain.png").status, 0);

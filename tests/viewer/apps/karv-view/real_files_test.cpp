@@ -1,7 +1,8 @@
-// Files of other programs, of many kinds, on the whole road: read by a process of their own, fed to the
-// control, and drawn.
+// Files of other programs, of many kinds, from end to end: read by a process of their own, fed to the control
+// and drawn.
 #include "tests/viewer/import/brep/brep_fixture.h"
 #include "tests/viewer/import/dxf/dxf_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/import/process/reader_client.h"
 #include "viewer/scene/fitted_scene.h"
 #include "viewer/window/viewport_window.h"
@@ -33,7 +34,7 @@ Model Import(const std::string& path)
 
 constexpr int kSide = 120;
 
-/// A square window on black, with a model in it.
+/// A square window with a model on black.
 class SceneWindow
 {
   public:
@@ -85,13 +86,14 @@ TEST_P(RealFiles, AreReadAndShowFacesAndLines)
     SceneWindow window(model);
     const long in_faces = DrawnPixels(window.Draw(StandardView::SE, false));
     const long in_lines = DrawnPixels(window.Draw(StandardView::SE, true));
-    // The model's box fills a good part of the picture, and nothing is as thin as a few pixels.
+    // The model covers a good part of the picture.
     EXPECT_GT(in_faces, 100);
     EXPECT_GT(in_lines, 100);
-    // The border stays free.
+    // The border is empty.
     const Picture picture = window.Draw(StandardView::SE, false);
     for (int i = 0; i < kSide; ++i)
-        EXPECT_EQ(picture.At(i, 0) | picture.At(i, kSide - 1) | picture.At(0, i) | picture.At(kSide - 1, i),
+        EXPECT_EQ(PixelAt(picture, i, 0) | PixelAt(picture, i, kSide - 1) | PixelAt(picture, 0, i) |
+                      PixelAt(picture, kSide - 1, i),
                   0U)
             << i;
 }
@@ -138,27 +140,27 @@ TEST_F(DrawnFiles, WhatLiesBehindAHoleIsSeenThroughItInItsColour)
 
     SceneWindow window(model);
     const Picture picture = window.Draw(StandardView::Top, false);
-    // The picture is 1.2 x 1.05 x 1.22 diagonals of the box of 40 x 40 x 12 wide: sqrt(3344) = 57.83, so
-    // 88.9 units for 120 pixels, 1.35 pixels a unit. From the middle the small plate reaches 2 units (2.7
-    // pixels), the hole 8 (10.8) and the plate 20 (27).
+    // The picture is 1.2 x 1.05 x 1.22 diagonals of the box of 40 x 40 x 12 wide. A diagonal is sqrt(3344) =
+    // 57.83, so 88.9 units are 120 pixels, 1.35 pixels per unit. From the middle, the small plate extends 2
+    // units (2.7 pixels), the hole 8 (10.8) and the plate 20 (27).
     const int middle = kSide / 2;
-    // The light leaves a white highlight on what faces it.
+    // Faces that face the light have a white highlight.
     const auto red_of = [](std::uint32_t pixel) { return pixel >> 16U; };
     const auto green_of = [](std::uint32_t pixel) { return pixel >> 8U & 0xFFU; };
-    const std::uint32_t below_the_hole = picture.At(middle, middle);
+    const std::uint32_t below_the_hole = PixelAt(picture, middle, middle);
     EXPECT_GT(red_of(below_the_hole), green_of(below_the_hole) + 100U);
-    EXPECT_EQ(picture.At(middle + 7, middle), 0U) << "the hole";
-    EXPECT_EQ(picture.At(middle, middle - 7), 0U) << "the hole";
-    const std::uint32_t beside_the_hole = picture.At(middle + 19, middle);
+    EXPECT_EQ(PixelAt(picture, middle + 7, middle), 0U) << "the hole";
+    EXPECT_EQ(PixelAt(picture, middle, middle - 7), 0U) << "the hole";
+    const std::uint32_t beside_the_hole = PixelAt(picture, middle + 19, middle);
     EXPECT_GT(green_of(beside_the_hole), red_of(beside_the_hole) + 100U);
-    EXPECT_EQ(picture.At(middle + 32, middle), 0U) << "beside the plate";
+    EXPECT_EQ(PixelAt(picture, middle + 32, middle), 0U) << "beside the plate";
 }
 
 TEST_F(DrawnFiles, LineModeShowsTheEdgesOfTheFileAndNotThoseOfItsFacets)
 {
-    // A cylinder of radius 10 and height 20 has two circles and, apart from its seam, no other edge. From the
-    // front its box of 20 x 20 x 20, a diagonal of 34.6, takes 120 / (34.6 x 1.2 x 1.05 x 1.22) = 2.25 pixels
-    // a unit.
+    // A cylinder of radius 10 and height 20 has two circles and, apart from its seam, no other edge. Its box
+    // of 20 x 20 x 20 has a diagonal of 34.6, so the front view has 120 / (34.6 x 1.2 x 1.05 x 1.22) = 2.25
+    // pixels per unit.
     const Model model = Import(WriteStep(BRepPrimAPI_MakeCylinder(10.0, 20.0).Shape()));
     SceneWindow window(model);
     const Picture picture = window.Draw(StandardView::Front, true);
@@ -167,13 +169,13 @@ TEST_F(DrawnFiles, LineModeShowsTheEdgesOfTheFileAndNotThoseOfItsFacets)
     for (int row = 0; row < kSide; ++row) {
         int in_row = 0;
         for (int column = middle - 15; column <= middle + 15; ++column)
-            in_row += picture.At(column, row) != 0 ? 1 : 0;
+            in_row += PixelAt(picture, column, row) != 0 ? 1 : 0;
         rows += in_row > 0 ? 1 : 0;
     }
-    // Two lines, each on one row or, smoothed, on two or three.
+    // Two lines, each in one row or, smoothed, in two or three.
     EXPECT_GE(rows, 2);
     EXPECT_LE(rows, 6);
-    EXPECT_NE(window.Draw(StandardView::Front, false).At(middle, middle), 0U);
+    EXPECT_NE(PixelAt(window.Draw(StandardView::Front, false), middle, middle), 0U);
 }
 
 TEST_F(DrawnFiles, ColoursAndLayersOfADrawingAreThoseOfTheFile)

@@ -1,4 +1,4 @@
-// Bitmap files as the example writes them, for tests that look at single pixels.
+// Bitmap files as the program writes them, for tests that check single pixels.
 #pragma once
 
 #include <cstdint>
@@ -25,16 +25,16 @@ struct Picture {
 
     bool operator==(const Picture&) const = default;
     [[nodiscard]] Color At(int x, int y) const;
-    [[nodiscard]] Color Centre() const { return At(width / 2, height / 2); }
+    [[nodiscard]] Color Center() const { return At(width / 2, height / 2); }
     [[nodiscard]] int Count(const std::function<bool(Color)>& is_counted) const;
 };
 
-/// Reads a bitmap of 24 bits a pixel; throws std::runtime_error where the file is none, or is longer or
+/// Reads a bitmap of 24 bits per pixel. Throws std::runtime_error where the file is not one, or is longer or
 /// shorter than its header says.
 [[nodiscard]] Picture ReadBitmap(const std::filesystem::path& file);
 
-/// Which of red, green and blue are bright, as bits 4, 2 and 1: 6 for yellow, 7 for white and all greys. Lit
-/// colours of the palette keep their hue, whatever the light makes of their brightness.
+/// The bright channels as bits: 4 for red, 2 for green, 1 for blue; so 6 is yellow, 7 is white or a grey.
+/// Lighting changes the brightness of the palette's colours, but not this hue.
 [[nodiscard]] int HueOf(Color color);
 
 } // namespace dialog_test

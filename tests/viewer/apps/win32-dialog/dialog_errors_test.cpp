@@ -1,10 +1,12 @@
-// What the example program says, and how it ends, where something is wrong with what it was given.
+// The error lines and exit statuses of the program for wrong input.
 #include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace dialog_test;
@@ -14,7 +16,7 @@ namespace
 
 const std::string kTriangle = "v 0 0 0\nv 1 0 0\nv 0 0 1\nf 1 2 3\n";
 
-/// Checks that a run ended with one line, and left no file that was not there before.
+/// Checks that a run ended with this status and this line on its standard error.
 void ExpectError(const Outcome& outcome, unsigned long status, const std::string& line)
 {
     EXPECT_EQ(outcome.status, status);
@@ -59,9 +61,45 @@ TEST(DialogOptions, SecondModelIsAUsageError)
     ExpectError(RunDialog(Folder(), L"a.obj b.obj --picture a.bmp"), 2, "there is room for one model only");
 }
 
-TEST(DialogModel, MissingFileIsRefused)
+TEST(DialogModel, MissingFileIsRefusedWhateverItsExtension)
 {
-    ExpectError(RunDialog(Folder(), L"none.obj --picture a.bmp"), 1, "none.obj: cannot be opened");
+    for (const char* const name : {"none.obj", "none.step", "none.STL", "none"}) {
+        const Folder folder;
+        const std::wstring arguments = std::filesystem::path(name).wstring() + L" --picture a.bmp";
+        ExpectError(RunDialog(folder, arguments), 1, std::string(name) + ": no such file");
+        EXPECT_TRUE(folder.FileNames().empty());
+    }
+}
+
+TEST(DialogModel, FolderIsRefused)
+{
+    const Folder folder;
+    std::filesystem::create_directory(folder.Path() / "model.obj");
+    ExpectError(RunDialog(folder, L"model.obj --picture a.bmp"), 1, "model.obj: is a directory");
+    EXPECT_EQ(folder.FileNames(), (std::vector<std::string>{"model.obj"}));
+}
+
+TEST(DialogModel, FileOfAKindWithoutAnImporterIsRefused)
+{
+    const std::string reason = " cannot be read on Windows, where no importer is built";
+    for (const auto& [name, kind] :
+         {std::pair{"part.step", ".step files"}, std::pair{"part.STL", ".stl files"},
+          std::pair{"part", "files without an extension"}}) {
+        const Folder folder;
+        folder.Write(name, kTriangle);
+        const std::wstring arguments = std::filesystem::path(name).wstring() + L" --picture x.bmp";
+        ExpectError(RunDialog(folder, arguments), 1, std::string(name) + ": " + kind + reason);
+        EXPECT_EQ(folder.FileNames(), (std::vector<std::string>{name}));
+    }
+}
+
+TEST(DialogModel, ExtensionMayBeInCapitals)
+{
+    const Folder folder;
+    folder.Write("MODEL.OBJ", kTriangle);
+    const Outcome outcome = RunDialog(folder, L"MODEL.OBJ --picture x.bmp");
+    EXPECT_EQ(outcome.status, 0U) << outcome.error;
+    EXPECT_EQ(folder.FileNames(), (std::vector<std::string>{"MODEL.OBJ", "x.bmp"}));
 }
 
 TEST(DialogModel, FileWithoutAnythingToShowIsRefused)
@@ -96,7 +134,7 @@ TEST(DialogModel, CoordinateOutOfRangeIsRefused)
 
 TEST(DialogModel, PolygonOfMoreCornersThanTheLoaderCountsIsRefused)
 {
-    // 256 counts as 0 in a byte, 300 as 44.
+    // In a byte, 256 becomes 0 and 300 becomes 44.
     for (const int corners : {256, 300}) {
         std::ostringstream obj;
         std::ostringstream face;
@@ -174,7 +212,20 @@ TEST(DialogScript, MouseButtonThatIsNotThereIsRefused)
 
 TEST(DialogScript, FileToOpenThatIsNotThereIsRefused)
 {
-    ExpectScriptError("open none.obj\n", "script.txt:1: none.obj: cannot be opened");
+    ExpectScriptError("open none.obj\n", "script.txt:1: none.obj: no such file");
+}
+
+TEST(DialogScript, FileToOpenOfAKindWithoutAnImporterIsRefused)
+{
+    const Folder folder;
+    folder.Write("part.step", kTriangle);
+    const Outcome outcome = RunScript(folder, "open part.step\n", L"--picture x.bmp");
+    EXPECT_EQ(outcome.status, 1U);
+    EXPECT_TRUE(outcome.error.starts_with("win32_dialog: script.txt:1: ")) << outcome.error;
+    EXPECT_TRUE(outcome.error.ends_with(
+        "part.step: .step files cannot be read on Windows, where no importer is built\n"))
+        << outcome.error;
+    EXPECT_EQ(folder.FileNames(), (std::vector<std::string>{"part.step", "script.txt"}));
 }
 
 TEST(DialogScript, CommandAfterTheDialogIsClosedIsRefused)

@@ -1,5 +1,4 @@
-// The example program in the hands of somebody who has a keyboard alone: the order of the Tab key, the keys
-// of the captions, and what keeps the focus.
+// The program used by the keyboard alone: the order of the Tab key, the keys of the captions, and the focus.
 #include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
 #include "viewer/apps/win32-dialog/resource.h"
@@ -20,7 +19,7 @@ namespace
 
 constexpr int kFirstCategory = IDC_CATEGORY_FIRST;
 
-/// The dialog of the bundled scene, with the keys going to it.
+/// The dialog with the bundled scene, in the foreground.
 class DialogKeyboard : public testing::Test
 {
   protected:
@@ -45,7 +44,7 @@ class DialogKeyboard : public testing::Test
         return text.data();
     }
 
-    /// Presses the keys one after the other and lets them go in the opposite order.
+    /// Presses the keys one after the other and releases them in reverse order.
     static void Press(const std::vector<WORD>& keys)
     {
         std::vector<INPUT> inputs;
@@ -63,8 +62,7 @@ class DialogKeyboard : public testing::Test
         SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
     }
 
-    /// Presses keys, and waits until the focus comes to a control; on its way it may rest elsewhere, or
-    /// nowhere.
+    /// Presses keys and waits until this control has the focus; until then it may be anywhere.
     [[nodiscard]] testing::AssertionResult LeadTo(int id, const std::vector<WORD>& keys)
     {
         Press(keys);
@@ -78,7 +76,7 @@ class DialogKeyboard : public testing::Test
     HWND dialog_;
 };
 
-/// Every stop of the Tab key, in the order of the panel; the four categories are those of the bundled scene.
+/// The controls in the order of the Tab key, with the four categories of the bundled scene.
 const std::vector<int> kTabStops = {
     IDC_OPEN,           IDC_BACKGROUND,     IDC_VIEW_FRONT,     IDC_VIEW_LEFT, IDC_VIEW_TOP,
     IDC_VIEW_BACK,      IDC_VIEW_RIGHT,     IDC_VIEW_BOTTOM,    IDC_VIEW_NW,   IDC_VIEW_NE,
@@ -110,7 +108,7 @@ TEST_F(DialogKeyboard, EscapeClosesTheDialog)
 
 TEST_F(DialogKeyboard, EnterPressesTheDefaultButton)
 {
-    // From a check box, which has no use for the key itself.
+    // The focus is on a check box, which ignores the key.
     SendMessageW(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(kFirstCategory)), TRUE);
     Press({VK_RETURN});
     EXPECT_TRUE(process_.WaitUntil([&] { return GetLastActivePopup(dialog_) != dialog_; }))
@@ -122,7 +120,7 @@ TEST_F(DialogKeyboard, EnterPressesTheDefaultButton)
 
 TEST_F(DialogKeyboard, ButtonThatIsPressedKeepsTheFocus)
 {
-    // The viewport asks for the focus whenever its camera moves.
+    // The viewport takes the focus whenever its camera moves.
     ASSERT_TRUE(LeadTo(IDC_BACKGROUND, {VK_TAB}));
     ASSERT_TRUE(LeadTo(IDC_VIEW_FRONT, {VK_TAB}));
     Press({VK_SPACE});
@@ -141,7 +139,7 @@ TEST_F(DialogKeyboard, ArrowsMoveWithinAGroup)
     ASSERT_TRUE(LeadTo(IDC_PARALLEL, {VK_DOWN}));
     EXPECT_TRUE(process_.WaitUntil([&] { return IsChecked(IDC_PARALLEL) && !IsChecked(IDC_PERSPECTIVE); }));
     ASSERT_TRUE(LeadTo(IDC_PERSPECTIVE, {VK_DOWN}));
-    // The other group stays as it is.
+    // The other group is unchanged.
     EXPECT_TRUE(IsChecked(IDC_FACES));
 }
 
@@ -159,7 +157,7 @@ TEST_F(DialogKeyboard, ArrowsMoveTheSliderAndLeaveTheFocusThere)
     ASSERT_TRUE(LeadTo(IDC_OPACITY, {VK_MENU, 'Y'}));
     Press({VK_LEFT});
     EXPECT_TRUE(process_.WaitUntil([&] { return TextOf(IDC_OPACITY_TEXT) == L"Opacit&y: 99 %"; }));
-    // The slider's next message is handled after the viewport was built anew.
+    // The slider handles its next message after the viewport was rebuilt.
     EXPECT_EQ(SendMessageW(Item(IDC_OPACITY), TBM_GETPOS, 0, 0), 99);
     EXPECT_EQ(FocusedId(), IDC_OPACITY);
 }
@@ -174,7 +172,7 @@ TEST_F(DialogKeyboard, PointerOverTheViewportLeavesTheFocusAndADragTakesIt)
     EXPECT_EQ(FocusedId(), IDC_OPEN);
     SendMessageW(viewport, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(30, 20));
     EXPECT_EQ(process_.Focus(), viewport);
-    // From there the Tab key goes on with the first control again.
+    // From the viewport, the Tab key continues with the first control.
     Press({VK_TAB});
     EXPECT_TRUE(process_.WaitUntil([&] { return FocusedId() == IDC_OPEN; }));
 }

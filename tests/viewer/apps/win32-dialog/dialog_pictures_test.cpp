@@ -1,5 +1,5 @@
-// What the buttons and switches of the example program do to the picture in its viewport. Expected colours
-// come from the models' own materials, from the law of blending, and from other pictures of the same run.
+// The effects of the program's buttons and switches on the picture in its viewport. Expected colours come
+// from the models' materials, from the formula of blending, and from other pictures of the same run.
 #include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ using namespace dialog_test;
 namespace
 {
 
-// As `HueOf` tells them.
+// Values of `HueOf`.
 constexpr int kBlue = 1;
 constexpr int kGreen = 2;
 constexpr int kCyan = 3;
@@ -30,7 +30,7 @@ std::string Material(const std::string& name, const std::string& color, const st
     return "newmtl " + name + "\nKd " + color + "\nd " + opacity + "\n";
 }
 
-/// A folder with a cube whose sides have the colours of the six names.
+/// A folder with a cube that has a different colour on each side.
 struct CubeFolder : Folder {
     CubeFolder()
     {
@@ -44,7 +44,7 @@ struct CubeFolder : Folder {
     }
 };
 
-/// Two squares that face the front: red at x = 0 to 1 and y = 0, green at x = 2 to 3 and y = 3.
+/// A folder with two squares that face the front: red at x = 0 to 1 and y = 0, green at x = 2 to 3 and y = 3.
 struct SquaresFolder : Folder {
     SquaresFolder()
     {
@@ -62,17 +62,17 @@ void Play(const Folder& folder, const std::string& script, const std::wstring& m
     ASSERT_EQ(outcome.error, "");
 }
 
-/// The hues of which a picture has more than a few pixels, the greys of the background aside.
+/// The hues of a picture that occur in more than a few pixels, without the greys of the background.
 std::set<int> HuesOf(const Picture& picture)
 {
-    constexpr int kFew = 200;
-    constexpr int kGrey = 7;
+    constexpr int kMinPixels = 200;
+    constexpr int kGray = 7;
     std::map<int, int> counts;
     for (const Color color : picture.pixels)
         ++counts[HueOf(color)];
     std::set<int> hues;
     for (const auto& [hue, count] : counts)
-        if (count > kFew && hue != kGrey)
+        if (count > kMinPixels && hue != kGray)
             hues.insert(hue);
     return hues;
 }
@@ -86,8 +86,7 @@ int WidthOf(int hue, const Picture& picture)
     return width;
 }
 
-/// A part of `upper`, the rest of `lower`, as blending makes it; an error of rounding for each of a few steps
-/// is allowed.
+/// Expects the blend of `upper` over `lower`, with a tolerance for rounding in a few steps.
 void ExpectBlend(Color seen, Color upper, Color lower, double opacity)
 {
     constexpr double kRounding = 3.0;
@@ -162,9 +161,9 @@ TEST(DialogSwitches, ParallelProjectionShowsFarAndNearAtOneScale)
          L"squares.obj");
     const Picture parallel = folder.Read("parallel.bmp");
     EXPECT_NEAR(WidthOf(kRed, parallel), WidthOf(kGreen, parallel), 1.0);
-    // The box of 3 x 3 x 1 has a diagonal of 4.359; grown by 1.05 x 1.22 it makes a scene size of 1.2 x 5.584
-    // = 6.70, at which distance from the middle the eye stands: 6.70 - 1.5 from the near square and 6.70
-    // + 1.5 from the far one.
+    // The box of 3 x 3 x 1 has a diagonal of 4.359; grown by 1.05 x 1.22 it is 5.584, and the scene size is
+    // 1.2 x 5.584 = 6.70. That is the distance of the eye from the middle: 6.70 - 1.5 from the near square
+    // and 6.70 + 1.5 from the far one.
     const Picture perspective = folder.Read("perspective.bmp");
     EXPECT_NEAR(static_cast<double>(WidthOf(kRed, perspective)) / WidthOf(kGreen, perspective), 8.20 / 5.20,
                 0.05);
@@ -181,8 +180,8 @@ TEST(DialogSwitches, LinesShowEdgesAndNoFaces)
     const Picture lines = folder.Read("lines.bmp");
     const Color background = faces.At(0, 0);
     const auto is_drawn = [&](Color color) { return color != background; };
-    EXPECT_EQ(HueOf(faces.Centre()), kRed);
-    EXPECT_EQ(lines.Centre(), background);
+    EXPECT_EQ(HueOf(faces.Center()), kRed);
+    EXPECT_EQ(lines.Center(), background);
     EXPECT_GT(lines.Count(is_drawn), 4 * WidthOf(kRed, faces) / 2);
     EXPECT_LT(lines.Count(is_drawn), faces.Count(is_drawn) / 4);
     EXPECT_TRUE(folder.Read("again.bmp") == faces);
@@ -208,9 +207,9 @@ TEST(DialogCategories, HidingOneTakesItsPixelsAndNoOthers)
     EXPECT_TRUE(folder.Read("again.bmp") == all);
 }
 
-TEST(DialogCategories, LastCheckBoxStandsForAllThatHaveNoneOfTheirOwn)
+TEST(DialogCategories, LastCheckBoxSwitchesAllRemainingCategories)
 {
-    // Ten categories: the eighth box stands for numbers 7, 8 and 9.
+    // Ten categories: the eighth box switches numbers 7, 8 and 9.
     const Folder folder;
     std::ostringstream materials;
     std::ostringstream model;
@@ -277,12 +276,12 @@ TEST(DialogOpacity, MaterialsOwnOpacityIsSeenFromTheStart)
     Play(folder, "press Front\npicture opaque.bmp\nopen faint.obj\npress Front\npicture faint.bmp\n",
          L"opaque.obj");
     const Picture opaque = folder.Read("opaque.bmp");
-    ExpectBlend(folder.Read("faint.bmp").Centre(), opaque.Centre(), opaque.At(0, 0), 0.25);
+    ExpectBlend(folder.Read("faint.bmp").Center(), opaque.Center(), opaque.At(0, 0), 0.25);
 }
 
 TEST(DialogOpacity, OpaquePartsOfATranslucentModelHideWhatIsBehindThem)
 {
-    // The far square comes later, and would be seen through the near one were it drawn over it.
+    // The far square comes later; without a depth test it would be drawn over the near one.
     const Folder folder;
     folder.Write("m.mtl",
                  Material("near", "1 0 0") + Material("far", "0 1 0") + Material("glass", "0 0 1", "0.5"));
@@ -296,18 +295,18 @@ TEST(DialogOpacity, OpaquePartsOfATranslucentModelHideWhatIsBehindThem)
          L"m.obj");
     const Picture all = folder.Read("all.bmp");
     const Picture far_one = folder.Read("far.bmp");
-    EXPECT_EQ(HueOf(all.Centre()), kRed);
-    EXPECT_EQ(HueOf(far_one.Centre()), kGreen);
-    // With the slider down one sees through everything: near first, and the far one over it, in the order of
-    // the file.
+    EXPECT_EQ(HueOf(all.Center()), kRed);
+    EXPECT_EQ(HueOf(far_one.Center()), kGreen);
+    // With the slider at 40, faces are blended in the order of the file: the near square first, then the far
+    // one.
     const auto blend = [](int over, int under) {
         return static_cast<std::uint8_t>(std::lround(0.4 * over + 0.6 * under));
     };
     const Color background = all.At(0, 0);
-    const Color near_one = all.Centre();
+    const Color near_one = all.Center();
     const Color below{blend(near_one.red, background.red), blend(near_one.green, background.green),
                       blend(near_one.blue, background.blue)};
-    ExpectBlend(folder.Read("faded.bmp").Centre(), far_one.Centre(), below, 0.4);
+    ExpectBlend(folder.Read("faded.bmp").Center(), far_one.Center(), below, 0.4);
 }
 
 TEST(DialogOpacity, NewViewportKeepsCameraAndSwitches)
@@ -338,7 +337,7 @@ TEST(DialogOpacity, NewViewportKeepsLines)
 
 TEST(DialogOpacity, NewViewportKeepsACameraThatWasMovedAtAnotherSize)
 {
-    // How far a pixel pans depends on the sizes that a window had; the camera must not.
+    // The distance that a pixel pans depends on the earlier sizes of the window; the camera must not.
     const CubeFolder folder;
     Play(folder,
          "drag middle 100 100 150 130\nresize 900 700\ndrag middle 100 100 120 90\ndrag left 10 10 50 30\n"
@@ -347,16 +346,16 @@ TEST(DialogOpacity, NewViewportKeepsACameraThatWasMovedAtAnotherSize)
     EXPECT_TRUE(folder.Read("before.bmp") == folder.Read("after.bmp"));
 }
 
-TEST(DialogOpacity, StandardViewsOfTheNewViewportAreCentredAsBefore)
+TEST(DialogOpacity, StandardViewsOfTheNewViewportAreCenteredAsBefore)
 {
     const CubeFolder folder;
     Play(folder,
          "press Top\npicture fresh.bmp\ndrag middle 100 100 180 150\ndrag left 10 10 20 30\nopacity "
          "30\nopacity 100\n"
-         "picture moved.bmp\npress Top\npicture centred.bmp\n",
+         "picture moved.bmp\npress Top\npicture centered.bmp\n",
          L"cube.obj");
     EXPECT_FALSE(folder.Read("fresh.bmp") == folder.Read("moved.bmp"));
-    EXPECT_TRUE(folder.Read("fresh.bmp") == folder.Read("centred.bmp"));
+    EXPECT_TRUE(folder.Read("fresh.bmp") == folder.Read("centered.bmp"));
 }
 
 TEST(DialogMouse, EachButtonAndTheWheelMoveTheCamera)
@@ -409,7 +408,7 @@ TEST(DialogSize, CameraThatTheUserMovedStays)
     EXPECT_GT(folder.Read("moved.bmp").Count(is_blue), folder.Read("whole.bmp").Count(is_blue) * 11 / 10);
 }
 
-TEST(DialogOpen, ChosenModelTakesThePlaceOfTheFormerOne)
+TEST(DialogOpen, ChosenModelReplacesThePreviousOne)
 {
     const CubeFolder folder;
     Play(folder, "press frame\nopen cube.obj\npicture opened.bmp\npress top\npicture hidden.bmp\n", L"");

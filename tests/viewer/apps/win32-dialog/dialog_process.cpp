@@ -13,7 +13,7 @@ namespace dialog_test
 namespace
 {
 
-/// Long enough for a slow machine; only a test that fails waits for it.
+/// Long enough for a slow machine; only a failing test waits that long.
 constexpr DWORD kMaxWaitMs = 60000;
 
 std::filesystem::path Program()
@@ -100,13 +100,13 @@ DialogProcess::~DialogProcess()
 
 Outcome DialogProcess::Wait()
 {
-    // The pipe holds more than the program ever writes.
+    // The pipe's buffer is larger than all that the program writes, so the program never waits for a reader.
     if (WaitForSingleObject(process_.hProcess, kMaxWaitMs) != WAIT_OBJECT_0)
         throw std::runtime_error("the program does not end");
     Outcome outcome;
     GetExitCodeProcess(process_.hProcess, &outcome.status);
-    // What is there: a service that the system started along with the program may hold the other end of the
-    // pipe for longer.
+    // Only what has arrived is read. A service that the system started together with the program may keep the
+    // other end of the pipe open for longer.
     DWORD count = 0;
     if (PeekNamedPipe(error_, nullptr, 0, nullptr, &count, nullptr) != FALSE && count > 0) {
         outcome.error.resize(count);

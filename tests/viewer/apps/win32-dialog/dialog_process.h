@@ -1,5 +1,4 @@
-// The example program as a process of its own, run with a script or used by the keyboard; and a folder for
-// its files.
+// The program as a process of its own, run with a script or used by the keyboard, and a folder for its files.
 #pragma once
 
 #include "platform/winsys/winsys.h"
@@ -13,7 +12,7 @@
 namespace dialog_test
 {
 
-/// A new folder that is removed with everything in it.
+/// A new folder, removed with its contents by the destructor.
 class Folder
 {
   public:
@@ -35,36 +34,37 @@ class Folder
 /// How a run of the program ended.
 struct Outcome {
     unsigned long status = 0;
-    std::string error; ///< what it wrote to the standard error, its lines ended by a line feed
+    std::string error; ///< its standard error, with line feeds as line ends
 };
 
-/// The running program, which is ended with this object if it still runs then.
+/// The running program. The destructor ends it if it still runs.
 class DialogProcess
 {
   public:
-    /// Starts it with arguments, separated by blanks, in a folder.
+    /// Starts the program in a folder, with arguments that are separated by blanks.
     DialogProcess(const std::wstring& arguments, const std::filesystem::path& folder);
     DialogProcess(const DialogProcess&) = delete;
     DialogProcess& operator=(const DialogProcess&) = delete;
     ~DialogProcess();
 
-    /// Waits for the end of the program.
+    /// Waits for the end of the program. Throws std::runtime_error where it does not end within a minute.
     [[nodiscard]] Outcome Wait();
-    /// Its dialog, waited for; null where none comes.
+    /// Waits for the program's dialog; null where none appears.
     [[nodiscard]] HWND Dialog() const;
-    /// Waits until something holds; false where it does not within a minute, or the program ends before.
+    /// Waits until the condition holds. False where it does not hold within a minute or before the program
+    /// ends.
     [[nodiscard]] bool WaitUntil(const std::function<bool()>& holds) const;
     /// The control of the dialog that has the keyboard focus.
     [[nodiscard]] HWND Focus() const;
 
   private:
     PROCESS_INFORMATION process_{};
-    HANDLE error_ = nullptr; ///< the end of a pipe to read from
+    HANDLE error_ = nullptr; ///< the reading end of a pipe
 };
 
-/// Runs the program in a folder, to its end.
+/// Runs the program in a folder and waits for its end.
 [[nodiscard]] Outcome RunDialog(const Folder& folder, const std::wstring& arguments);
-/// The same with a script of these lines, named script.txt, and more arguments before it.
+/// The same with a script, written to script.txt; `arguments` come before it.
 [[nodiscard]] Outcome RunScript(const Folder& folder, const std::string& script,
                                 const std::wstring& arguments = {});
 

@@ -1,7 +1,7 @@
 // Shared by tests of B-rep files: files written by the library's writers, and measures of models and shapes.
 #pragma once
 
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/import/brep/brep_import.h"
 #include "viewer/scene/model.h"
 

@@ -1,7 +1,7 @@
 // Shared by tests of drawings: DXF files from a line of words, and the models read from them.
 #pragma once
 
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/import/dxf/dxf_import.h"
 #include "viewer/text/file_error.h"
 

@@ -1,7 +1,7 @@
 #include "viewer/import/mesh/mesh_import.h"
 
 #include "platform/host/cm/color.h"
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/text/file_error.h"
 
 #include <gmock/gmock.h>

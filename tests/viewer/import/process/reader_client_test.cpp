@@ -1,7 +1,7 @@
 // The client with readers that fail in every way, and with karv-reader.
 #include "viewer/import/process/reader_client.h"
 
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/import/process/process_limits.h"
 #include "viewer/import/process/reader_arguments.h"
 #include "viewer/text/file_error.h"
