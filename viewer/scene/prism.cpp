@@ -1,6 +1,6 @@
 #include "viewer/scene/prism.h"
 
-#include "platform/modeler/ready_bodies.h"
+#include "platform/modeler/primitives.h"
 
 #include <cmath>
 #include <numbers>

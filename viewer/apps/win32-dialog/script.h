@@ -14,21 +14,13 @@
 #pragma once
 
 #include "viewer/apps/win32-dialog/dialog.h"
+#include "viewer/apps/win32-dialog/script_command.h"
 
 #include <filesystem>
-#include <string>
 #include <vector>
 
 namespace win32_dialog
 {
-
-/// A line of a script.
-struct ScriptCommand {
-    int line = 0; ///< from 1
-    std::string verb;
-    std::wstring text;        ///< the caption, file or mouse button
-    std::vector<int> numbers; ///< within the limits of the command
-};
 
 /// Reads a script. Throws viewer::FileError where the file cannot be read, and std::runtime_error with the
 /// text "FILE:LINE: reason", in one line, where a line is not a command.

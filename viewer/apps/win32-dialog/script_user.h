@@ -2,7 +2,7 @@
 #pragma once
 
 #include "viewer/apps/win32-dialog/dialog.h"
-#include "viewer/apps/win32-dialog/script.h"
+#include "viewer/apps/win32-dialog/script_command.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,6 +1,6 @@
 // How a client finds karv-reader, and what the program does when it is started by hand.
 #include "tests/viewer/import/process/import_client.h"
-#include "tests/viewer/viewer_fixture.h"
+#include "tests/viewer/test_support.h"
 #include "viewer/import/process/reader_arguments.h"
 #include "viewer/import/process/reader_location.h"
 
