@@ -12,7 +12,9 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 using karv_test::EntityOf;
@@ -374,6 +376,65 @@ TEST_F(Tessellation, FaultAtTheEndOfTheTessellatorIsReportedByTheConstructor)
     Entity entity = EntityOf(Square());
     EXPECT_EQ(entity.GetFaceNumber(), 0);
     EXPECT_THAT(trace.Faults(), testing::SizeIs(1));
+}
+
+/// A regular polygon of this many corners.
+KARVGLFace Polygon(int corners)
+{
+    std::vector<KARVGLVertex> vertices;
+    for (int i = 0; i < corners; ++i) {
+        const double angle = -2.0 * std::numbers::pi * i / corners;
+        vertices.emplace_back(std::cos(angle), std::sin(angle), 0.0);
+    }
+    KARVGLFace face;
+    face.vertices = std::move(vertices);
+    return face;
+}
+
+TEST_F(Tessellation, FaceOfMoreThanAHundredCornersWithANanGetsAnEmptyList)
+{
+    for (const std::size_t corner : {0U, 57U, 100U})
+        for (const int axis : {0, 1, 2}) {
+            KARVGLFace face = Polygon(101);
+            KARVGLVertex& vertex = face.vertices.at(corner);
+            (axis == 0   ? vertex.x
+             : axis == 1 ? vertex.y
+                         : vertex.z) = std::numeric_limits<float>::quiet_NaN();
+            Entity entity;
+            const GlRecording recording;
+            entity.TesselateFace(face);
+            EXPECT_TRUE(glIsList(face.displayList));
+            EXPECT_EQ(recording.Count("gluNewTess"), 1);
+            EXPECT_EQ(recording.Count("gluTessCallback"), 4);
+            EXPECT_EQ(recording.Count("glNewList"), 1);
+            EXPECT_EQ(recording.Count("gluTessBeginPolygon"), 0);
+            EXPECT_EQ(recording.Count("gluTessVertex"), 0);
+            EXPECT_EQ(recording.Count("glBegin"), 0);
+            EXPECT_EQ(recording.Count("glEndList"), 1);
+            EXPECT_EQ(recording.Count("gluDeleteTess"), 1);
+        }
+}
+
+TEST_F(Tessellation, FaceOfAHundredCornersWithANanKeepsItsCalls)
+{
+    KARVGLFace face = Polygon(100);
+    face.vertices.at(57).y = std::numeric_limits<float>::quiet_NaN();
+    Entity entity;
+    const GlRecording recording;
+    entity.TesselateFace(face);
+    EXPECT_EQ(recording.Count("gluTessVertex"), 100);
+    EXPECT_EQ(recording.Count("gluTessEndPolygon"), 1);
+}
+
+TEST_F(Tessellation, FaceOfMoreThanAHundredCornersWithInfinitiesKeepsItsCalls)
+{
+    KARVGLFace face = Polygon(101);
+    face.vertices.at(57).y = std::numeric_limits<float>::infinity();
+    Entity entity;
+    const GlRecording recording;
+    entity.TesselateFace(face);
+    EXPECT_EQ(recording.Count("gluTessVertex"), 101);
+    EXPECT_EQ(recording.Count("gluTessEndPolygon"), 1);
 }
 
 TEST_F(Tessellation, DirectCallOnFewCornersStillMakesAList)
