@@ -8,6 +8,7 @@
 
 #include <array>
 
+using karv::DeletionWatch;
 using karv::Guarded;
 using karv::kWindowClassStyle;
 
@@ -51,9 +52,12 @@ void KARVOpenGLControl::CreateCtrl(CRect rect, CWnd* parent, bool transparent)
     Guarded<L"KARVOpenGLControl::CreateCtrl">([&] {
         const LPCWSTR window_class = AfxRegisterWndClass(
             kWindowClassStyle, nullptr, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)), nullptr);
+        const DeletionWatch watch(lifetime);
         // WM_CREATE arrives during this call and creates the GL context.
         CreateEx(0, window_class, L"3DView", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, rect,
                  parent, 0, nullptr);
+        if (watch.IsDeleted())
+            return;
         createRect = rect;
         initialRect = rect;
         parentWnd = parent;
@@ -83,7 +87,9 @@ const AFX_MSGMAP* KARVOpenGLControl::GetMessageMap() const
 int KARVOpenGLControl::OnCreate(CREATESTRUCT* create)
 {
     return Guarded<L"KARVOpenGLControl::OnCreate">([&] {
-        if (CWnd::OnCreate(create) == -1)
+        const DeletionWatch watch(lifetime);
+        const int result = CWnd::OnCreate(create);
+        if (result == -1 || watch.IsDeleted())
             return -1;
         GLInitializeCtrl();
         return 0;

@@ -15,6 +15,7 @@
 #pragma once
 
 #include "camera/KARVGLCamera.h"
+#include "control/deletion_watch.h"
 #include "geometry/KARVGraphicalEntity.h"
 #include "module/export.h"
 #include "platform/framework/geometry.h"
@@ -62,7 +63,7 @@ class KARV_MODULE_API KARVOpenGLControl : public CWnd
     /// Needs the control's context.
     void OnDraw(CDC* dc);
     /// Starts the frame timer without waiting for the first paint message and calls `OnDraw`. A second call
-    /// sets the same timer again. Needs the control's window and context.
+    /// sets the same timer again. Without a window no timer is started. Needs the control's context.
     void ForceRenderStart();
     /// Sets the background colour of the next frame and all later ones. Channels are 0 to 255; of other
     /// values the low 8 bits count. Needs the control's context.
@@ -180,6 +181,7 @@ class KARV_MODULE_API KARVOpenGLControl : public CWnd
         float y = 0.0F;
     };
 
+    void StartFrameTimer();
     void GLInitializeCtrl();
     void GLInitializeLight();
     void GLInitializeMaterials();
@@ -231,4 +233,6 @@ class KARV_MODULE_API KARVOpenGLControl : public CWnd
     UINT_PTR timerId = 0;
     std::vector<KARVGraphicalEntity> entities;
     std::map<KARVGraphicalEntity::EntityType, bool> disabledTypes; ///< true: hidden
+    karv::WatchedObject
+        lifetime; ///< asked by operations after messages whose handlers may delete the control
 };

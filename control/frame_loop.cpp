@@ -9,6 +9,7 @@
 #include <array>
 #include <ctime>
 
+using karv::DeletionWatch;
 using karv::Guarded;
 
 namespace
@@ -81,19 +82,29 @@ constexpr std::array<CubeSide, 6> kCubeSides = {{
 void KARVOpenGLControl::OnPaint()
 {
     Guarded<L"KARVOpenGLControl::OnPaint">([&] {
+        const DeletionWatch watch(lifetime);
         CWnd::OnPaint();
-        if (!renderStarted) {
-            timerId = SetTimer(m_hWnd, kFrameTimerId, kFrameTimerPeriodMs, nullptr);
-            renderStarted = true;
-        }
+        if (watch.IsDeleted() || renderStarted)
+            return;
+        StartFrameTimer();
+        renderStarted = true;
     });
+}
+
+void KARVOpenGLControl::StartFrameTimer()
+{
+    // Without a window the system would start a timer of the thread, which nothing ever stops.
+    timerId = m_hWnd != nullptr ? SetTimer(m_hWnd, kFrameTimerId, kFrameTimerPeriodMs, nullptr) : 0;
 }
 
 void KARVOpenGLControl::ForceRenderStart()
 {
     Guarded<L"KARVOpenGLControl::ForceRenderStart">([&] {
-        timerId = SetTimer(m_hWnd, kFrameTimerId, kFrameTimerPeriodMs, nullptr);
+        const DeletionWatch watch(lifetime);
+        StartFrameTimer();
         OnDraw(nullptr);
+        if (watch.IsDeleted())
+            return;
         renderStarted = true;
     });
 }
@@ -167,14 +178,17 @@ void KARVOpenGLControl::OnDraw(CDC* /*dc*/)
 void KARVOpenGLControl::OnSize(UINT type, int cx, int cy)
 {
     Guarded<L"KARVOpenGLControl::OnSize">([&] {
+        const DeletionWatch watch(lifetime);
         CWnd::OnSize(type, cx, cy);
-        if (cx <= 0 || cy <= 0 || type == SIZE_MINIMIZED)
+        if (watch.IsDeleted() || cx <= 0 || cy <= 0 || type == SIZE_MINIMIZED)
             return;
         glViewport(0, 0, cx, cy);
         aspectRatio = static_cast<float>(cx) / static_cast<float>(cy);
         camera.RefreshCameraView(static_cast<double>(fieldOfView), static_cast<double>(sceneSize),
                                  static_cast<float>(cx) / static_cast<float>(cy));
         OnDraw(nullptr);
+        if (watch.IsDeleted())
+            return;
         if (static_cast<double>(panScale) < -kZeroTolerance)
             panScale = 1.0F;
         else

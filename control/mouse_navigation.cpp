@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+using karv::DeletionWatch;
 using karv::Guarded;
 
 namespace
@@ -58,8 +59,10 @@ void KARVOpenGLControl::OnMouseMove(UINT nFlags, CPoint point)
         } else if ((nFlags & MK_RBUTTON) != 0) {
             GLMouseZoom(dy);
         }
+        const DeletionWatch watch(lifetime);
         OnDraw(nullptr);
-        Default();
+        if (!watch.IsDeleted())
+            Default();
     });
 }
 
@@ -68,8 +71,9 @@ BOOL KARVOpenGLControl::OnMouseWheel(UINT /*nFlags*/, short zDelta, CPoint /*poi
     // Not guarded, and active even after `KillUserControl`: hosts rely on the wheel as the only navigation
     // left.
     GLMouseZoom(zDelta / kWheelUnitsPerPixel);
+    const DeletionWatch watch(lifetime);
     OnDraw(nullptr);
-    return static_cast<BOOL>(Default());
+    return watch.IsDeleted() ? FALSE : static_cast<BOOL>(Default());
 }
 
 void KARVOpenGLControl::GLMouseRotate(int dx, int dy)

@@ -173,6 +173,21 @@ TEST_F(ControlFrame, ASecondForcedStartArmsTheSameTimerAgain)
     EXPECT_EQ(control_->timerId, id);
 }
 
+TEST_F(ControlFrame, AForcedStartWithoutAWindowStartsNoTimer)
+{
+    window_calls_.Clear();
+    KARVOpenGLControl control;
+    control.timerId = 4711;
+    const TraceRecording trace;
+    control.ForceRenderStart();
+    EXPECT_THAT(window_calls_.Listing(), testing::Not(testing::Contains(StartsWith("SetTimer"))));
+    EXPECT_EQ(control.timerId, 0U);
+    EXPECT_TRUE(control.renderStarted);
+    EXPECT_THAT(trace.Calls(), testing::Contains("KARVOpenGLControl::OnDraw"));
+    MSG message{};
+    EXPECT_FALSE(::PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE)) << "a timer of the thread";
+}
+
 TEST_F(ControlFrame, TheTimerDiesWithTheWindow)
 {
     control_->ForceRenderStart();
