@@ -1,5 +1,7 @@
 #include "module/extension_module.h"
 
+#include <new>
+
 namespace karv
 {
 
@@ -19,8 +21,12 @@ void ExtensionModule::Attach(HINSTANCE instance)
     default_resources = AfxGetResourceHandle();
     module_resources = instance;
     attached = 1;
-    // Owned by the framework, which frees it when the module leaves the chain.
-    new CDynLinkLibrary(state, FALSE);
+    try {
+        // Owned by the framework, which frees it when the module leaves the chain.
+        new CDynLinkLibrary(state, FALSE);
+    } catch (const std::bad_alloc&) {
+        // The module works outside the chain. An exception out of the attach notification would end the process.
+    }
 }
 
 void ExtensionModule::Detach()

@@ -22,7 +22,8 @@ struct ExtensionModule {
     /// Detaches if still attached: a process may end without notifying the module.
     ~ExtensionModule();
 
-    /// Joins the framework's chain. Does nothing if attached; stays detached if the framework refuses.
+    /// Joins the framework's chain. Does nothing if attached; stays detached if the framework refuses. Without
+    /// memory for an entry it is attached outside the chain.
     void Attach(HINSTANCE instance);
     /// Leaves the chain and clears the flag. Does nothing if not attached.
     void Detach();

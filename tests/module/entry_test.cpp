@@ -3,6 +3,7 @@
 #include "module/extension_module.h"
 #include "platform/host/rx/dynamic_linker.h"
 #include "platform/host/rx/entry_points.h"
+#include "tests/support/allocation_count.h"
 #include "tests/support/extension_chain.h"
 #include "tests/support/host_registry.h"
 #include "tests/support/trace_recording.h"
@@ -257,6 +258,20 @@ TEST_F(ModuleNotifications, RefusalOfTheFrameworkIsAnsweredWithSuccess)
     EXPECT_EQ(Record().default_resources, nullptr);
     EXPECT_THAT(Chain(), IsEmpty());
     EXPECT_EQ(DllMain(nullptr, kDetach, nullptr), TRUE);
+}
+
+TEST_F(ModuleNotifications, AttachWithoutMemoryForTheChainIsAnsweredWithSuccess)
+{
+    BOOL answer = FALSE;
+    {
+        const karv_test::AllocationRefusal refusal(1);
+        answer = DllMain(kOwn, kAttach, nullptr);
+    }
+    EXPECT_EQ(answer, TRUE);
+    EXPECT_EQ(Record().attached, 1);
+    EXPECT_THAT(Chain(), IsEmpty());
+    EXPECT_EQ(DllMain(kOwn, kDetach, nullptr), TRUE);
+    EXPECT_EQ(Record().attached, 0);
 }
 
 TEST_F(ModuleNotifications, AttachAfterARefusalAttaches)
