@@ -6,7 +6,7 @@
 // of that is 0.41569 x tan 20 degrees = 0.1513 at the distance of the centre.
 #include "control/KARVOpenGLControl.h"
 #include "platform/winsys/backend.h"
-#include "tests/platform/x11_test.h"
+#include "tests/support/x11_test.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 // the server.
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
-#include "tests/platform/x11_test.h"
+#include "tests/support/x11_test.h"
 #include "tests/support/trace_recording.h"
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // Pointer, wheel and key events that another client generates, and the messages of the layer's windows.
 #include "platform/winsys/frame_clock.h"
-#include "tests/platform/x11_test.h"
+#include "tests/support/x11_test.h"
 
 #include <algorithm>
 

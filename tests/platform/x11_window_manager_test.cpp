@@ -1,5 +1,5 @@
 // Top-level windows under a window manager, which frames, moves and focuses them asynchronously.
-#include "tests/platform/x11_test.h"
+#include "tests/support/x11_test.h"
 
 namespace karv_test
 {

@@ -1,7 +1,7 @@
 // Windows of the layer as X windows: their appearance to another client, and the events that they get.
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
-#include "tests/platform/x11_test.h"
+#include "tests/support/x11_test.h"
 #include "tests/support/trace_recording.h"
 
 using testing::ElementsAre;

@@ -1,4 +1,4 @@
-#include "tests/platform/x11_test.h"
+#include "tests/support/x11_test.h"
 
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
