@@ -52,25 +52,21 @@ class ReaderStart : public ViewerTest
     }
 };
 
-class ReaderByHand : public ReaderStart, public testing::WithParamInterface<std::string>
+TEST_F(ReaderStart, ByHandGivesOneLineAndStatusTwo)
 {
-};
-
-TEST_P(ReaderByHand, SaysOneLineAndEndsWithStatusTwo)
-{
-    const ProgramRun run = Run("'" KARV_READER "' " + GetParam());
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err, "karv-reader: is started by other programs, to read a model file for them\n");
+    for (const std::string arguments :
+         {"", "cube.obj", "--help", "--list cube.obj", "$$ 60 many - cube.obj", "$$ 1s 1000000 - cube.obj",
+          "me 60 1000000 - cube.obj", "$$ 60 1000000 fine cube.obj", "$$ 60 1000000 -",
+          "$$ 60 1000000 - cube.obj cube.obj"}) {
+        const ProgramRun run = Run("'" KARV_READER "' " + arguments);
+        EXPECT_EQ(run.status, 2) << arguments;
+        EXPECT_EQ(run.out, "") << arguments;
+        EXPECT_EQ(run.err, "karv-reader: is started by other programs, to read a model file for them\n")
+            << arguments;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Arguments, ReaderByHand,
-                         testing::Values("", "cube.obj", "--help", "--list cube.obj", "$$ 60 many - cube.obj",
-                                         "$$ 1s 1000000 - cube.obj", "me 60 1000000 - cube.obj",
-                                         "$$ 60 1000000 fine cube.obj", "$$ 60 1000000 -",
-                                         "$$ 60 1000000 - cube.obj cube.obj"));
-
-TEST(ReaderArgumentsByNumber, AreReadAsTheyWereWritten)
+TEST(ReaderCommandLine, IsParsedAsItWasWritten)
 {
     const ReaderArguments written{.parent = 4711,
                                   .processor = std::chrono::seconds(90),
