@@ -1,26 +1,19 @@
 #include "viewer/output/png_image.h"
 
+#include "platform/tools/atomic_file.h"
 #include "viewer/text/file_error.h"
 
 #include <cairo.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <new>
-#include <random>
-#include <sstream>
-#include <system_error>
 
 namespace viewer
 {
 
 namespace
 {
-
-namespace fs = std::filesystem;
 
 struct SurfaceDeleter {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
@@ -41,71 +34,16 @@ SurfacePointer MakeSurface(int width, int height)
     return surface;
 }
 
-cairo_status_t WriteToStream(void* closure, const unsigned char* data, unsigned int length)
+cairo_status_t WriteToFile(void* closure, const unsigned char* data, unsigned int length)
 {
-    auto& stream = *static_cast<std::ofstream*>(closure);
-    stream.write(reinterpret_cast<const char*>(data), length);
-    return stream ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+    try {
+        static_cast<AtomicFile*>(closure)->Write({reinterpret_cast<const char*>(data), length});
+        return CAIRO_STATUS_SUCCESS;
+    } catch (const AtomicFileError&) {
+        // No exception may pass through Cairo. The file repeats it at its next call.
+        return CAIRO_STATUS_WRITE_ERROR;
+    }
 }
-
-/// A file beside its target. `Commit` renames it to the target; without that, the destructor removes it.
-class PendingFile
-{
-  public:
-    explicit PendingFile(const std::string& path) : path_(path), target_(path)
-    {
-        std::error_code error;
-        if (fs::is_symlink(target_, error))
-            target_ = fs::weakly_canonical(target_, error);
-        const fs::file_status status = fs::status(target_, error);
-        if (fs::exists(status) && !fs::is_regular_file(status))
-            throw FileError(path_, "is not a regular file");
-        pending_ = target_;
-        pending_ += Suffix();
-        errno = 0;
-        stream_.open(pending_, std::ios::binary | std::ios::trunc);
-        if (!stream_)
-            throw FileError(path_, errno == 0 ? "cannot be written" : std::generic_category().message(errno));
-    }
-    PendingFile(const PendingFile&) = delete;
-    PendingFile& operator=(const PendingFile&) = delete;
-    ~PendingFile()
-    {
-        std::error_code ignored;
-        stream_.close();
-        if (!committed_)
-            fs::remove(pending_, ignored);
-    }
-
-    [[nodiscard]] std::ofstream& Stream() { return stream_; }
-
-    void Commit()
-    {
-        errno = 0;
-        stream_.close();
-        if (!stream_)
-            throw FileError(path_, errno == 0 ? "cannot be written" : std::generic_category().message(errno));
-        std::error_code error;
-        fs::rename(pending_, target_, error);
-        if (error)
-            throw FileError(path_, error.message());
-        committed_ = true;
-    }
-
-  private:
-    static std::string Suffix()
-    {
-        std::ostringstream suffix;
-        suffix << ".part-" << std::hex << std::random_device{}();
-        return suffix.str();
-    }
-
-    std::string path_;
-    fs::path target_;
-    fs::path pending_;
-    std::ofstream stream_;
-    bool committed_ = false;
-};
 
 /// Whether Cairo can draw this text. It takes only valid UTF-8.
 bool IsWritable(const std::string& text)
@@ -180,12 +118,16 @@ void PngImage::DrawText(const std::string& text, double center_x, double baselin
 
 void PngImage::WritePng(const std::string& path) const
 {
-    PendingFile file(path);
-    const cairo_status_t status =
-        cairo_surface_write_to_png_stream(surface_->surface.get(), WriteToStream, &file.Stream());
-    if (status != CAIRO_STATUS_SUCCESS)
-        throw FileError(path, cairo_status_to_string(status));
-    file.Commit();
+    try {
+        AtomicFile file(path);
+        const cairo_status_t status =
+            cairo_surface_write_to_png_stream(surface_->surface.get(), WriteToFile, &file);
+        if (status != CAIRO_STATUS_SUCCESS && status != CAIRO_STATUS_WRITE_ERROR)
+            throw FileError(path, cairo_status_to_string(status));
+        file.Commit();
+    } catch (const AtomicFileError& error) {
+        throw FileError(path, error.what());
+    }
 }
 
 void WritePng(const Picture& picture, const std::string& path)

@@ -3,10 +3,13 @@
 #include "viewer/apps/karv-view/options.h"
 
 #include <chrono>
+#include <csignal>
 #include <iostream>
 
 int main(int argc, char** argv)
 {
+    // A write beyond the limit of a file's size fails then, and what was written is removed.
+    std::signal(SIGXFSZ, SIG_IGN);
     const auto start = std::chrono::steady_clock::now();
     const viewer::ParsedOptions parsed = viewer::ParseOptions(argc, argv, std::cout, std::cerr);
     if (!parsed.options)

@@ -1,15 +1,12 @@
 #include "viewer/apps/win32-dialog/bitmap.h"
 
+#include "platform/tools/atomic_file.h"
 #include "platform/tools/utf8.h"
 #include "platform/winsys/opengl.h"
 #include "platform/winsys/winsys.h"
 #include "viewer/text/file_error.h"
 
 #include <algorithm>
-#include <fstream>
-#include <ios>
-#include <ostream>
-#include <system_error>
 #include <vector>
 
 namespace win32_dialog
@@ -27,12 +24,12 @@ std::size_t BytesPerRow(int width)
 }
 
 template <typename Record>
-void Write(std::ostream& out, const Record& record)
+void Write(AtomicFile& out, const Record& record)
 {
-    out.write(reinterpret_cast<const char*>(&record), sizeof(record));
+    out.Write({reinterpret_cast<const char*>(&record), sizeof(record)});
 }
 
-void Write(std::ostream& out, const Bitmap& bitmap)
+void Write(AtomicFile& out, const Bitmap& bitmap)
 {
     BITMAPFILEHEADER header{};
     header.bfType = 'B' | 'M' << 8;
@@ -47,8 +44,7 @@ void Write(std::ostream& out, const Bitmap& bitmap)
     info.biCompression = BI_RGB;
     Write(out, header);
     Write(out, info);
-    out.write(reinterpret_cast<const char*>(bitmap.bytes.data()),
-              static_cast<std::streamsize>(bitmap.bytes.size()));
+    out.Write({reinterpret_cast<const char*>(bitmap.bytes.data()), bitmap.bytes.size()});
 }
 
 } // namespace
@@ -78,26 +74,13 @@ std::optional<Bitmap> ReadFrame(int width, int height)
 
 void WriteBitmap(const std::filesystem::path& file, const Bitmap& bitmap)
 {
-    // Written under another name first, so that an incomplete picture never has the final name.
-    std::filesystem::path part = file;
-    part += L".part";
-    std::error_code error;
-    {
-        std::ofstream out(part, std::ios::binary | std::ios::trunc);
-        if (!out)
-            throw viewer::FileError(Utf8FromWide(file.wstring()), "cannot be written");
+    try {
+        AtomicFile out(file);
         Write(out, bitmap);
-        out.close();
-        if (!out)
-            error = std::make_error_code(std::errc::io_error);
+        out.Commit();
+    } catch (const AtomicFileError&) {
+        throw viewer::FileError(Utf8FromWide(file.wstring()), "cannot be written");
     }
-    if (!error)
-        std::filesystem::rename(part, file, error);
-    if (!error)
-        return;
-    std::error_code ignored;
-    std::filesystem::remove(part, ignored);
-    throw viewer::FileError(Utf8FromWide(file.wstring()), "cannot be written");
 }
 
 } // namespace win32_dialog
