@@ -15,8 +15,8 @@ namespace viewer
 namespace
 {
 
-struct Headless {
-    Headless() { UseHeadless(); }
+struct HeadlessProcess {
+    HeadlessProcess() { UseHeadless(); }
 };
 
 class TwoWindows : public testing::Test
@@ -48,7 +48,7 @@ class TwoWindows : public testing::Test
     std::ostringstream notices_;
     Model red_ = ColoredBox(1);
     Model green_ = ColoredBox(3);
-    Headless headless_;
+    HeadlessProcess headless_;
     std::unique_ptr<InteractiveWindow> first_ =
         std::make_unique<InteractiveWindow>(PictureSize{80, 60}, OnBlack(), red_, notices_, notices_);
     std::unique_ptr<InteractiveWindow> second_ =

@@ -29,7 +29,7 @@ constexpr unsigned char kYellow = 2;
 constexpr unsigned char kGreen = 3;
 constexpr unsigned char kBlue = 5;
 
-TopoDS_Shape BoxShape(double x, double y, double z)
+TopoDS_Shape BlockShape(double x, double y, double z)
 {
     return BRepPrimAPI_MakeBox(x, y, z).Shape();
 }
@@ -46,8 +46,8 @@ TopoDS_Shape TwoBoxes()
 {
     TopoDS_Compound compound;
     BRep_Builder().MakeCompound(compound);
-    BRep_Builder().Add(compound, BoxShape(1, 1, 1));
-    BRep_Builder().Add(compound, BoxShape(2, 2, 2).Located(MovedBy(5, 0, 0)));
+    BRep_Builder().Add(compound, BlockShape(1, 1, 1));
+    BRep_Builder().Add(compound, BlockShape(2, 2, 2).Located(MovedBy(5, 0, 0)));
     return compound;
 }
 
@@ -71,8 +71,8 @@ class BrepStructure : public BrepTest
 
 TEST_F(BrepStructure, AssemblyOfThreeLevelsKeepsItsNamesPlacesAndColours)
 {
-    const TDF_Label bolt = document.AddPart(BoxShape(1, 1, 4), "bolt");
-    const TDF_Label plate = document.AddPart(BoxShape(20, 10, 1), "plate");
+    const TDF_Label bolt = document.AddPart(BlockShape(1, 1, 4), "bolt");
+    const TDF_Label plate = document.AddPart(BlockShape(20, 10, 1), "plate");
     const TDF_Label flange = document.AddAssembly("flange");
     const TDF_Label joint = document.AddAssembly("joint");
     const TDF_Label machine = document.AddAssembly("machine");
@@ -113,7 +113,7 @@ TEST_F(BrepStructure, AssemblyOfThreeLevelsKeepsItsNamesPlacesAndColours)
 
 TEST_F(BrepStructure, TurnedInstanceStandsWhereItIsTurnedTo)
 {
-    const TDF_Label part = document.AddPart(BoxShape(1, 2, 3), "part");
+    const TDF_Label part = document.AddPart(BlockShape(1, 2, 3), "part");
     const TDF_Label assembly = document.AddAssembly("assembly");
     gp_Trsf turn;
     turn.SetRotation(gp_Ax1(gp_Pnt(0, 0, 0), gp::DZ()), std::numbers::pi / 2);
@@ -129,7 +129,7 @@ TEST_F(BrepStructure, TurnedInstanceStandsWhereItIsTurnedTo)
 
 TEST_F(BrepStructure, InstanceKeepsANameOfItsOwn)
 {
-    const TDF_Label wheel = document.AddPart(BoxShape(1, 1, 1), "wheel");
+    const TDF_Label wheel = document.AddPart(BlockShape(1, 1, 1), "wheel");
     const TDF_Label wagon = document.AddAssembly("wagon");
     document.Place(wagon, wheel, MovedBy(0, 0, 0), "left wheel");
     document.Place(wagon, wheel, MovedBy(5, 0, 0), "right wheel");
@@ -143,13 +143,13 @@ TEST_F(BrepStructure, InstanceKeepsANameOfItsOwn)
 
 TEST_F(BrepStructure, NameBeyondAsciiStaysAsItIs)
 {
-    document.AddPart(BoxShape(1, 1, 1), "Gehäuse 壳");
+    document.AddPart(BlockShape(1, 1, 1), "Gehäuse 壳");
     EXPECT_EQ(Read().pieces.at(0).name, "Gehäuse 壳");
 }
 
 TEST_F(BrepStructure, ColourOfAnInstanceGoesBeforeThatOfItsPart)
 {
-    const TDF_Label part = document.AddPart(BoxShape(1, 1, 1), "part");
+    const TDF_Label part = document.AddPart(BlockShape(1, 1, 1), "part");
     const TDF_Label assembly = document.AddAssembly("assembly");
     document.SetColor(part, 1, 0, 0);
     document.Place(assembly, part, MovedBy(0, 0, 0));
@@ -163,7 +163,7 @@ TEST_F(BrepStructure, ColourOfAnInstanceGoesBeforeThatOfItsPart)
 TEST_F(BrepStructure, SolidHasTheColourOfMostOfItsArea)
 {
     // Faces of a box come in pairs: at x, y, z. Those at z have 100 of 2 * (10 + 10 + 100) square units each.
-    const TopoDS_Shape box = BoxShape(10, 10, 1);
+    const TopoDS_Shape box = BlockShape(10, 10, 1);
     const TDF_Label part = document.AddPart(box, "part");
     document.SetColor(part, 1, 0, 0);
     document.SetColorOf(part, FaceOf(box, 4), 0, 0, 1);
@@ -176,7 +176,7 @@ TEST_F(BrepStructure, SolidHasTheColourOfMostOfItsArea)
 
 TEST_F(BrepStructure, LooseFacesKeepTheirColours)
 {
-    const TopoDS_Shape box = BoxShape(1, 1, 1);
+    const TopoDS_Shape box = BlockShape(1, 1, 1);
     TopoDS_Compound faces;
     BRep_Builder().MakeCompound(faces);
     for (int i = 0; i < 3; ++i)
@@ -198,7 +198,7 @@ TEST_F(BrepStructure, LooseFacesKeepTheirColours)
 
 TEST_F(BrepStructure, ColourForOneUseDeepInAnAssemblyReachesThatOneOnly)
 {
-    const TDF_Label part = document.AddPart(BoxShape(1, 1, 1), "part");
+    const TDF_Label part = document.AddPart(BlockShape(1, 1, 1), "part");
     const TDF_Label pair = document.AddAssembly("pair");
     const TDF_Label machine = document.AddAssembly("machine");
     document.SetColor(part, 1, 0, 0);
@@ -215,7 +215,7 @@ TEST_F(BrepStructure, ColourForOneUseDeepInAnAssemblyReachesThatOneOnly)
 
 TEST_F(BrepStructure, SmallColouredFaceLeavesTheSolidAsItIs)
 {
-    const TopoDS_Shape box = BoxShape(10, 10, 1);
+    const TopoDS_Shape box = BlockShape(10, 10, 1);
     const TDF_Label part = document.AddPart(box, "part");
     document.SetColor(part, 1, 0, 0);
     document.SetColorOf(part, FaceOf(box, 0), 0, 0, 1);
@@ -224,7 +224,7 @@ TEST_F(BrepStructure, SmallColouredFaceLeavesTheSolidAsItIs)
 
 TEST_F(BrepStructure, OpacityIsThatOfTheColour)
 {
-    document.SetColor(document.AddPart(BoxShape(1, 1, 1), "glass"), 0, 0, 1, 0.25F);
+    document.SetColor(document.AddPart(BlockShape(1, 1, 1), "glass"), 0, 0, 1, 0.25F);
     const Model model = Read();
     EXPECT_EQ(model.pieces.at(0).color, kBlue);
     EXPECT_NEAR(model.pieces.at(0).alpha, 0.25F, 1e-3F);
@@ -233,13 +233,13 @@ TEST_F(BrepStructure, OpacityIsThatOfTheColour)
 TEST_F(BrepStructure, ColourBetweenThoseOfThePaletteTakesTheNearest)
 {
     // 165, 82, 82 is index 13; each channel is off by 2.
-    document.SetColor(document.AddPart(BoxShape(1, 1, 1), "part"), 167.0 / 255.0, 80.0 / 255.0, 84.0 / 255.0);
+    document.SetColor(document.AddPart(BlockShape(1, 1, 1), "part"), 167.0 / 255.0, 80.0 / 255.0, 84.0 / 255.0);
     EXPECT_EQ(Read().pieces.at(0).color, 13);
 }
 
 TEST_F(BrepStructure, PartWithoutColourIsGrey)
 {
-    document.AddPart(BoxShape(1, 1, 1), "part");
+    document.AddPart(BlockShape(1, 1, 1), "part");
     const unsigned int color = AcCmEntityColor::lookUpRGB(Read().pieces.at(0).color);
     const unsigned int red = color >> 16U;
     EXPECT_EQ(color, red << 16U | red << 8U | red);
@@ -273,7 +273,7 @@ TEST_F(BrepStructure, BodiesOfOnePartKeepTheirNamesAndColours)
 
 TEST_F(BrepStructure, SeveralPartsAtTheTopAreCategoriesByName)
 {
-    document.AddPart(BoxShape(1, 1, 1), "box");
+    document.AddPart(BlockShape(1, 1, 1), "box");
     document.AddPart(BRepPrimAPI_MakeSphere(1.0).Shape(), "ball");
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 2U);
@@ -284,8 +284,8 @@ TEST_F(BrepStructure, SeveralPartsAtTheTopAreCategoriesByName)
 
 TEST_F(BrepStructure, HiddenPartIsLeftOut)
 {
-    document.AddPart(BoxShape(1, 1, 1), "seen");
-    document.Hide(document.AddPart(BoxShape(2, 2, 2), "hidden"));
+    document.AddPart(BlockShape(1, 1, 1), "seen");
+    document.Hide(document.AddPart(BlockShape(2, 2, 2), "hidden"));
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(model.pieces[0].name, "seen");

@@ -25,7 +25,7 @@ std::vector<Segment> Cut(const Spline& spline, double tolerance)
     return segments;
 }
 
-void ExpectNear(const Point& actual, const Point& expected, double tolerance = 1e-12)
+void ExpectPoint(const Point& actual, const Point& expected, double tolerance = 1e-12)
 {
     EXPECT_LE(Length(actual - expected), tolerance) << actual.x << ' ' << actual.y << ' ' << actual.z;
 }
@@ -49,14 +49,14 @@ TEST(SplineSegments, CornersLieOnTheCubicAtEvenParts)
 {
     // The arch is 0.75 high, so that this tolerance takes several halvings.
     const std::vector<Segment> segments = Cut(kArch, 1e-4);
-    ExpectNear(segments[segments.size() / 2].from, {0.5, 0.75, 0});
+    ExpectPoint(segments[segments.size() / 2].from, {0.5, 0.75, 0});
     for (const Segment& segment : segments) {
         // x grows with t: the t of the corner is found by halving.
         double low = 0.0;
         double high = 1.0;
         for (int i = 0; i < 60; ++i)
             (ArchAt((low + high) / 2).x < segment.to.x ? low : high) = (low + high) / 2;
-        ExpectNear(segment.to, ArchAt(low), 1e-7); // the derivative of x is 0 at both ends
+        ExpectPoint(segment.to, ArchAt(low), 1e-7); // the derivative of x is 0 at both ends
     }
 }
 
@@ -93,8 +93,8 @@ TEST(SplineSegments, EvenKnotsWithoutRepeatsEndBetweenTheControlPoints)
     // A quadratic over even knots runs through the middles of its polygon.
     const std::vector<Segment> segments =
         Cut({2, {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}}, {0, 1, 2, 3, 4, 5}, {}}, 1e-3);
-    ExpectNear(segments.front().from, {1, 0, 0});
-    ExpectNear(segments.back().to, {2, 1, 0});
+    ExpectPoint(segments.front().from, {1, 0, 0});
+    ExpectPoint(segments.back().to, {2, 1, 0});
 }
 
 TEST(SplineSegments, KnotsOfFullMultiplicityLeaveAGap)
@@ -112,7 +112,7 @@ TEST(SplineSegments, LoopInOneSpanIsNotTakenForItsChord)
     const Spline loop{3, {{0, 0, 0}, {4, 4, 0}, {-4, 4, 0}, {0, 0, 0}}, {0, 0, 0, 0, 1, 1, 1, 1}, {}};
     const std::vector<Segment> segments = Cut(loop, 0.01);
     EXPECT_GT(segments.size(), 8U);
-    ExpectNear(segments[segments.size() / 2].from, {0, 3, 0}); // 3/8 of each of the two inner points
+    ExpectPoint(segments[segments.size() / 2].from, {0, 3, 0}); // 3/8 of each of the two inner points
 }
 
 TEST(SplineSegments, ToleranceOfZeroEndsAtTheLimit)
@@ -172,17 +172,17 @@ TEST(SplineThrough, EndsWithoutTangentsAreNotCurved)
     // chord's, which is sqrt(1/2); x keeps the chord's: a third of the way on, (1/3, 1/2).
     const Spline spline = SplineThrough({{0, 0, 0}, {1, 1, 0}, {2, 0, 0}}, {}, {}, false);
     ASSERT_EQ(spline.points.size(), 7U);
-    ExpectNear(spline.points[1], {1.0 / 3, 0.5, 0});
-    ExpectNear(spline.points[2], {2.0 / 3, 1, 0});
-    ExpectNear(spline.points[4], {4.0 / 3, 1, 0});
+    ExpectPoint(spline.points[1], {1.0 / 3, 0.5, 0});
+    ExpectPoint(spline.points[2], {2.0 / 3, 1, 0});
+    ExpectPoint(spline.points[4], {4.0 / 3, 1, 0});
 }
 
 TEST(SplineThrough, TangentsOfAnyLengthGiveTheDirection)
 {
     const Spline spline = SplineThrough({{0, 0, 0}, {3, 0, 0}}, {0, 50, 0}, {0, -0.1, 0}, false);
     ASSERT_EQ(spline.points.size(), 4U);
-    ExpectNear(spline.points[1], {0, 1, 0}); // a third of the chord along the tangent
-    ExpectNear(spline.points[2], {3, 1, 0});
+    ExpectPoint(spline.points[1], {0, 1, 0}); // a third of the chord along the tangent
+    ExpectPoint(spline.points[2], {3, 1, 0});
 }
 
 TEST(SplineThrough, ClosedOneIsAsSmoothInItsFirstPoint)
@@ -191,9 +191,9 @@ TEST(SplineThrough, ClosedOneIsAsSmoothInItsFirstPoint)
     // third of the chord of sqrt(2) along it is (0, 1/2).
     const Spline spline = SplineThrough({{1, 0, 0}, {0, 1, 0}, {-1, 0, 0}, {0, -1, 0}}, {}, {}, true);
     ASSERT_EQ(spline.points.size(), 13U);
-    ExpectNear(spline.points[1], {1, 0.5, 0});
-    ExpectNear(spline.points[2], {0.5, 1, 0});
-    ExpectNear(spline.points[11], {1, -0.5, 0});
+    ExpectPoint(spline.points[1], {1, 0.5, 0});
+    ExpectPoint(spline.points[2], {0.5, 1, 0});
+    ExpectPoint(spline.points[11], {1, -0.5, 0});
     EXPECT_EQ(spline.points[12], (Point{1, 0, 0}));
 }
 
@@ -206,12 +206,12 @@ TEST(SplineThrough, ClosedOneOverUnevenChordsHasOneTangentInItsFirstPoint)
     const Point last = spline.points[12] - spline.points[11];
     const double first_chord = spline.knots[4];
     const double last_chord = spline.knots[13] - spline.knots[10];
-    ExpectNear(first * (1 / first_chord), last * (1 / last_chord));
+    ExpectPoint(first * (1 / first_chord), last * (1 / last_chord));
     // And one curvature: second derivatives of the cubics on both sides agree.
     const auto second = [&](std::size_t a, std::size_t b, std::size_t c, double chord) {
         return (spline.points[a] - spline.points[b] * 2.0 + spline.points[c]) * (1 / (chord * chord));
     };
-    ExpectNear(second(0, 1, 2, first_chord), second(12, 11, 10, last_chord));
+    ExpectPoint(second(0, 1, 2, first_chord), second(12, 11, 10, last_chord));
 }
 
 TEST(SplineThrough, TwoPointsMakeALineEvenIfClosed)
