@@ -1,5 +1,7 @@
 #include "viewer/text/text.h"
 
+#include "platform/tools/utf8.h"
+
 #include <algorithm>
 #include <filesystem>
 
@@ -9,9 +11,28 @@ namespace viewer
 namespace
 {
 
-bool IsControl(char c)
+/// Whether a terminal obeys the character instead of showing it, or may end the line there.
+bool IsControl(wchar_t c)
 {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    constexpr wchar_t kArabicLetterMark = 0x061C;
+    const auto is_in = [c](wchar_t first, wchar_t last) { return c >= first && c <= last; };
+    return is_in(0x00, 0x1F) || is_in(0x7F, 0x9F) || c == kArabicLetterMark ||
+           is_in(0x200E, 0x200F) || // the marks of the direction
+           is_in(0x2028, 0x202E) || // separators of lines and paragraphs, embeddings and overrides
+           is_in(0x2066, 0x2069);   // isolates
+}
+
+bool IsContinuation(char c)
+{
+    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
+}
+
+/// The first characters of UTF-8 that fit into `max_bytes` bytes.
+std::string_view FirstCharacters(std::string_view text, std::size_t max_bytes)
+{
+    while (max_bytes > 0 && IsContinuation(text[max_bytes]))
+        --max_bytes;
+    return text.substr(0, max_bytes);
 }
 
 } // namespace
@@ -41,13 +62,14 @@ std::string LowerCaseExtension(const std::string& path)
 
 std::string OneLine(std::string_view text, std::size_t max_bytes)
 {
-    std::string line;
-    for (const char c : text)
+    std::wstring line;
+    for (const wchar_t c : WideFromUtf8(text))
         if (!IsControl(c))
             line += c;
-        else if (!line.empty() && line.back() != ' ')
-            line += ' ';
-    return line.size() > max_bytes ? line.substr(0, max_bytes) + "..." : line;
+        else if (!line.empty() && line.back() != L' ')
+            line += L' ';
+    const std::string bytes = Utf8FromWide(line);
+    return bytes.size() > max_bytes ? std::string(FirstCharacters(bytes, max_bytes)) + "..." : bytes;
 }
 
 } // namespace viewer

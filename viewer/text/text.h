@@ -17,9 +17,15 @@ namespace viewer
 /// The extension of the file name, with its dot, in lower case: ".step". Empty if there is none.
 [[nodiscard]] std::string LowerCaseExtension(const std::string& path);
 
-/// The text as one line for a terminal. Each run of control characters (bytes below 0x20, and 0x7F) becomes
-/// one blank; at the start and after a blank it is dropped. A result of more than `max_bytes` bytes is cut
-/// there and "..." is appended.
+/// UTF-8 as one line for a terminal: every text of a file, a user or a library is printed through it.
+///
+/// Each run of control characters becomes one blank; at the start and after a blank it is dropped. These are
+/// the C0 and C1 controls, DEL, the line and paragraph separators, and the characters that change the
+/// direction of a text: marks (U+200E, U+200F, U+061C), embeddings and overrides (U+202A to U+202E), isolates
+/// (U+2066 to U+2069). A byte that is not UTF-8 becomes U+FFFD. Other characters are unchanged.
+///
+/// A result of more than `max_bytes` bytes is cut there, or before the character that the limit falls into,
+/// and "..." is appended.
 [[nodiscard]] std::string OneLine(std::string_view text, std::size_t max_bytes = std::string::npos);
 
 } // namespace viewer

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -66,8 +68,20 @@ TEST(OneLineOfText, LeavesPrintableTextAsItIs)
 {
     EXPECT_EQ(OneLine(""), "");
     EXPECT_EQ(OneLine("no such layer"), "no such layer");
-    // Bytes from 0x80 on belong to characters of several bytes.
-    EXPECT_EQ(OneLine("gr\xC3\xBC\xC3\x9F \xF0\x9F\x91\x8B"), "gr\xC3\xBC\xC3\x9F \xF0\x9F\x91\x8B");
+}
+
+TEST(OneLineOfText, LeavesTextOfEveryScriptAsItIs)
+{
+    for (const char* text : {
+             "gr\u00FC\u00DFe \u00A0\u00FF", // Latin, from the first after C1
+             "\u0395\u03BB\u03BB\u03AC\u03B4\u03B1 \u041C\u043E\u0441\u043A\u0432\u0430", // Greek, Cyrillic
+             "\u05E9\u05DC\u05D5\u05DD \u0645\u0631\u062D\u0628\u0627",                   // Hebrew and Arabic
+             "\u0928\u092E\u0938\u094D\u0924\u0947 \u0E2A\u0E27\u0E31\u0E2A\u0E14\u0E35", // Devanagari, Thai
+             "\u65E5\u672C\u8A9E \uD55C\uAD6D\uC5B4",                                     // Japanese, Korean
+             "e\u0301 \u200D \u2013 \u2027 \u202F \u2065 \u206A", // neighbors of the controls
+             "\U0001F44B \U00010348 \U0010FFFF",                  // four bytes
+         })
+        EXPECT_EQ(OneLine(text), text);
 }
 
 TEST(OneLineOfText, HasOneBlankForEachRunOfControlCharacters)
@@ -85,13 +99,51 @@ TEST(OneLineOfText, HasNoBlankForControlCharactersAtTheStartOrAfterABlank)
     EXPECT_EQ(OneLine("a \nb"), "a b");
 }
 
-TEST(OneLineOfText, EveryControlCharacterIsTakenForOne)
+TEST(OneLineOfText, EveryControlCharacterOfAsciiBecomesABlank)
 {
-    for (int c = 0; c < 256; ++c) {
+    for (int c = 0; c < 0x80; ++c) {
         const std::string text = std::string("a") + static_cast<char>(c) + "b";
         const bool is_control = c < 0x20 || c == 0x7F;
         EXPECT_EQ(OneLine(text), is_control ? "a b" : text) << c;
     }
+}
+
+TEST(OneLineOfText, EveryC1ControlBecomesABlank)
+{
+    // U+0080 to U+009F are C2 80 to C2 9F; U+009B starts a terminal's commands, U+0085 is a line end.
+    for (int c = 0x80; c < 0xA0; ++c)
+        EXPECT_EQ(OneLine(std::string("a\xC2") + static_cast<char>(c) + "b"), "a b") << c;
+}
+
+TEST(OneLineOfText, CharactersThatChangeTheDirectionBecomeABlank)
+{
+    for (const char* mark : {"\u061C", "\u200E", "\u200F", "\u202A", "\u202B", "\u202C", "\u202D", "\u202E",
+                             "\u2066", "\u2067", "\u2068", "\u2069"})
+        EXPECT_EQ(OneLine(std::string("a") + mark + "b"), "a b") << mark;
+}
+
+TEST(OneLineOfText, SeparatorsOfLinesAndParagraphsBecomeABlank)
+{
+    EXPECT_EQ(OneLine("a\u2028b\u2029c"), "a b c");
+}
+
+TEST(OneLineOfText, RunOfControlsOfEveryKindBecomesOneBlank)
+{
+    EXPECT_EQ(OneLine("a\n\u202E\u0085\x7F\u2029\u2066b"), "a b");
+    EXPECT_EQ(OneLine("\u202E\u2028"), "");
+}
+
+TEST(OneLineOfText, ByteThatIsNotUtf8BecomesAReplacementCharacter)
+{
+    const std::string replacement = "\uFFFD";
+    for (int c = 0x80; c < 0x100; ++c)
+        EXPECT_EQ(OneLine(std::string("a") + static_cast<char>(c) + "b"), "a" + replacement + "b") << c;
+    EXPECT_EQ(OneLine("\xE2\x80"), replacement + replacement) << "ends early";
+    EXPECT_EQ(OneLine("\xE2\x80\n"), replacement + replacement + " ");
+    EXPECT_EQ(OneLine("\xC0\x8A"), replacement + replacement) << "a line end of two bytes";
+    EXPECT_EQ(OneLine("\xED\xA0\x80"), replacement + replacement + replacement) << "a surrogate";
+    EXPECT_EQ(OneLine("\xF4\x90\x80\x80"), replacement + replacement + replacement + replacement)
+        << "above U+10FFFF";
 }
 
 TEST(OneLineOfText, LongerThanAllowedIsCutAndEndsWithDots)
@@ -102,6 +154,16 @@ TEST(OneLineOfText, LongerThanAllowedIsCutAndEndsWithDots)
     EXPECT_EQ(OneLine("", 0), "");
 }
 
+TEST(OneLineOfText, IsNeverCutInsideACharacter)
+{
+    // One, two, three and four bytes: characters end after 1, 3, 6 and 10.
+    const std::string text = "a\u00FC\u65E5\U0001F44Bz";
+    const std::size_t ends[] = {0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10};
+    for (std::size_t max_bytes = 0; max_bytes < std::size(ends); ++max_bytes)
+        EXPECT_EQ(OneLine(text, max_bytes), text.substr(0, ends[max_bytes]) + "...") << max_bytes;
+    EXPECT_EQ(OneLine(text, text.size()), text);
+}
+
 TEST(OneLineOfText, IsMeasuredWithoutItsControlCharacters)
 {
     EXPECT_EQ(OneLine("\n\n12\n\n\n45", 5), "12 45");
@@ -110,6 +172,19 @@ TEST(OneLineOfText, IsMeasuredWithoutItsControlCharacters)
 TEST(FileErrorText, IsTheFileAndTheReason)
 {
     EXPECT_STREQ(FileError("a b.step", "is empty").what(), "a b.step: is empty");
+}
+
+TEST(FileErrorText, IsOneLineWhateverTheFileAndTheReasonHold)
+{
+    const FileError error("a\nb\x1b[2J\u202E.step", "layer 'x\r\n\u2028y\u009B' \xFF");
+    EXPECT_STREQ(error.what(), "a b [2J .step: layer 'x y ' \uFFFD");
+    EXPECT_STREQ(error.Reason(), "layer 'x y ' \uFFFD");
+}
+
+TEST(FileErrorText, ReasonIsWithoutTheFile)
+{
+    EXPECT_STREQ(FileError("a: b.step", "is: empty").Reason(), "is: empty");
+    EXPECT_STREQ(FileError("", "").Reason(), "");
 }
 
 } // namespace

@@ -81,14 +81,6 @@ void WriteAll(int descriptor, std::span<const char> bytes)
     }
 }
 
-/// The reason of an error without the file's name, which the client adds.
-std::string ReasonOf(const FileError& error, const std::string& path)
-{
-    const std::string text = error.what();
-    const std::string start = path + ": ";
-    return text.starts_with(start) ? text.substr(start.size()) : text;
-}
-
 void ReadAndWrite(const std::string& path, const ImportOptions& options, int output)
 {
     const ModelStreamWriter::Sink sink = [&](std::span<const char> bytes) { WriteAll(output, bytes); };
@@ -106,7 +98,7 @@ void ReadAndWrite(const std::string& path, const ImportOptions& options, int out
     try {
         model = ReadModelFile(path, options, report);
     } catch (const FileError& error) {
-        return writer.WriteFailure(ReasonOf(error, path));
+        return writer.WriteFailure(error.Reason());
     } catch (const std::bad_alloc&) {
         _exit(kOutOfMemoryStatus);
     } catch (const std::exception& error) {
