@@ -68,11 +68,35 @@ class ByteReader
     std::size_t end_ = 0;
 };
 
+/// Counts the memory that a model occupies, before it is allocated.
+class MemoryCount
+{
+  public:
+    explicit MemoryCount(std::size_t max) : max_(max) {}
+
+    /// Counts a block. Throws ModelTooLarge.
+    void Allocate(std::size_t bytes)
+    {
+        bytes += kAllocatorOverhead;
+        if (bytes > max_ - used_)
+            throw ModelTooLarge();
+        used_ += bytes;
+    }
+    void Release(std::size_t bytes) { used_ -= bytes + kAllocatorOverhead; }
+
+  private:
+    /// Per block, at most: a header of 8 or 16 bytes, and the size rounded up to 16 bytes.
+    static constexpr std::size_t kAllocatorOverhead = 32;
+
+    std::size_t max_;
+    std::size_t used_ = 0;
+};
+
 class ModelReader
 {
   public:
-    ModelReader(const StreamSource& source, const ProgressFunction& progress)
-        : bytes_(source), progress_(progress)
+    ModelReader(const StreamSource& source, const ProgressFunction& progress, std::size_t max_memory)
+        : bytes_(source), progress_(progress), memory_(max_memory)
     {
     }
 
@@ -146,24 +170,44 @@ class ModelReader
         const std::size_t size = bytes_.ReadNumber<std::uint32_t>();
         if (size > kMaxStreamText)
             throw StreamError("it holds a text that is too long");
+        // Short texts are stored in the object.
+        if (size > std::string().capacity())
+            memory_.Allocate(size + 1);
         std::string text(size, '\0');
         bytes_.Read(text);
         return text;
     }
 
-    /// Reads items one by one. The count is not trusted, so that little is reserved for it.
+    /// Reads items one by one. The count is not trusted: the list starts small and its capacity doubles as
+    /// items arrive.
     template <typename Item>
     std::vector<Item> ReadItems(Item (ModelReader::*read)(), std::uint64_t min_count = 0)
     {
-        constexpr std::uint64_t kMaxReserved = 64;
         const auto count = bytes_.ReadNumber<std::uint64_t>();
         if (count < min_count)
             throw StreamError("it holds a face of under three corners");
         std::vector<Item> items;
-        items.reserve(static_cast<std::size_t>(std::min(count, kMaxReserved)));
-        for (std::uint64_t i = 0; i < count; ++i)
+        while (items.size() < count) {
+            if (items.size() == items.capacity())
+                Grow(items, count);
             items.push_back((this->*read)());
+        }
         return items;
+    }
+
+    /// Makes room for more items of a list that will hold `count`, and counts it. While the items move, both
+    /// blocks exist.
+    template <typename Item>
+    void Grow(std::vector<Item>& items, std::uint64_t count)
+    {
+        constexpr std::size_t kMinCapacity = 64;
+        const std::size_t before = items.capacity();
+        const std::size_t doubled = std::max(kMinCapacity, 2 * before);
+        const auto capacity = static_cast<std::size_t>(std::min<std::uint64_t>(count, doubled));
+        memory_.Allocate(capacity * sizeof(Item));
+        items.reserve(capacity);
+        if (before > 0)
+            memory_.Release(before * sizeof(Item));
     }
 
     Point ReadPoint()
@@ -230,6 +274,7 @@ class ModelReader
 
     ByteReader bytes_;
     const ProgressFunction& progress_;
+    MemoryCount memory_;
 };
 
 } // namespace
@@ -344,9 +389,9 @@ void ModelStreamWriter::Finish()
     block_.clear();
 }
 
-Model ReadModelStream(const StreamSource& source, const ProgressFunction& progress)
+Model ReadModelStream(const StreamSource& source, const ProgressFunction& progress, std::size_t max_memory)
 {
-    return ModelReader(source, progress).Read();
+    return ModelReader(source, progress, max_memory).Read();
 }
 
 } // namespace viewer

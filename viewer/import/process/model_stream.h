@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -78,16 +79,29 @@ class ReportedFailure : public std::runtime_error
     explicit ReportedFailure(const std::string& reason) : std::runtime_error(reason) {}
 };
 
+/// The model of a stream needs more memory than the caller of `ReadModelStream` allows.
+class ModelTooLarge : public std::runtime_error
+{
+  public:
+    ModelTooLarge() : std::runtime_error("it holds a model that needs more memory than allowed") {}
+};
+
 /// Writes the next bytes to the front of `buffer` and returns their number; 0 only at the end.
 using StreamSource = std::function<std::size_t(std::span<char> buffer)>;
 
-/// Reads a whole stream, up to its end, and forwards its progress. Memory grows with the bytes that have
-/// arrived, not with the counts that the stream states.
+/// Reads a whole stream, up to its end, and forwards its progress.
 ///
-/// Throws ReportedFailure if the stream holds a failure. Throws StreamError for wrong magic bytes, another
-/// version, an unknown tag, a number that is out of range or not finite, a face of fewer than three corners
-/// or with a normal that is not of unit length, a text that is too long, a stream that ends early, and bytes
-/// after the end mark. Exceptions of `source` and `progress` pass through.
-[[nodiscard]] Model ReadModelStream(const StreamSource& source, const ProgressFunction& progress = {});
+/// `max_memory` limits the bytes that the model occupies while it is built: its lists with their capacity,
+/// both blocks of a list that grows, long texts, and what the allocator adds to each block. An empty text has
+/// 4 bytes in the stream and 32 in memory, so the length of the stream limits nothing. Memory grows with the
+/// bytes that have arrived, not with the counts that the stream states.
+///
+/// Throws ReportedFailure if the stream holds a failure, and ModelTooLarge before the limit is exceeded.
+/// Throws StreamError for wrong magic bytes, another version, an unknown tag, a number that is out of range
+/// or not finite, a face of fewer than three corners or with a normal that is not of unit length, a text that
+/// is too long, a stream that ends early, and bytes after the end mark. Exceptions of `source` and `progress`
+/// pass through.
+[[nodiscard]] Model ReadModelStream(const StreamSource& source, const ProgressFunction& progress = {},
+                                    std::size_t max_memory = std::numeric_limits<std::size_t>::max());
 
 } // namespace viewer

@@ -191,7 +191,9 @@ class ReaderSession
     {
         try {
             return ReadModelStream([&](std::span<char> buffer) { return Read(buffer); },
-                                   [&](double fraction) { Report(fraction); });
+                                   [&](double fraction) { Report(fraction); }, limits_.memory);
+        } catch (const ModelTooLarge&) {
+            FailForMemory();
         } catch (const ReportedFailure& failure) {
             throw FileError(path_, OneLine(failure.what(), kMaxReasonBytes));
         } catch (const StreamError& error) {

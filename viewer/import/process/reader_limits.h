@@ -15,8 +15,8 @@ struct ReaderLimits {
     std::chrono::milliseconds wall = std::chrono::minutes(10);
     /// Processor time of the reader.
     std::chrono::seconds processor = std::chrono::minutes(10);
-    /// In bytes. The same limit applies to address space, to resident memory, which is polled, and to the
-    /// length of the stream.
+    /// In bytes. The same limit applies to the reader's address space, to its resident memory, which is
+    /// polled, to the length of the stream, and to what the model occupies in the client while it arrives.
     std::size_t memory = DefaultReaderMemory();
 };
 

@@ -2,13 +2,15 @@
 #include "tests/viewer/import/process/stream_fixture.h"
 #include "viewer/import/process/process_limits.h"
 
-#include <array>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
-#include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include <unistd.h>
 
@@ -76,6 +78,43 @@ void Flood()
         Send(block);
 }
 
+/// The bytes of a stream from its start to the title of its model.
+constexpr std::size_t kBytesToTitle = viewer::kStreamMagic.size() + sizeof viewer::kStreamVersion + 1;
+/// An empty title.
+constexpr std::size_t kBytesToPieces = kBytesToTitle + sizeof(std::uint32_t);
+/// No pieces.
+constexpr std::size_t kBytesToNames = kBytesToPieces + sizeof(std::uint64_t);
+
+/// Sends the stream of a model without anything in it, with many items instead of those of one list, whose
+/// count is at `place`. The reader itself needs little memory for it.
+void SendMany(std::size_t place, std::uint64_t count, const std::string& item)
+{
+    constexpr std::uint64_t kItemsInBlock = 1024;
+    const std::string whole = viewer::StreamOf(viewer::Model{});
+    std::string block;
+    for (std::uint64_t i = 0; i < kItemsInBlock; ++i)
+        block += item;
+    Send(whole.substr(0, place) + viewer::BytesOf(count));
+    for (std::uint64_t i = 0; i < count; i += kItemsInBlock)
+        Send(block);
+    Send(whole.substr(place + sizeof count));
+}
+
+/// 192 MiB of empty names in 24 MiB of the stream.
+void SendEmptyNames()
+{
+    SendMany(kBytesToNames, 6U << 20U, viewer::BytesOf(std::uint32_t{0}));
+}
+
+/// 152 MiB of empty pieces in 38 MiB of the stream.
+void SendEmptyPieces()
+{
+    viewer::Model model;
+    model.pieces.resize(1);
+    const std::size_t size = viewer::StreamOf(model).size() - viewer::StreamOf(viewer::Model{}).size();
+    SendMany(kBytesToPieces, 1U << 20U, viewer::StreamOf(model).substr(kBytesToNames, size));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -114,5 +153,9 @@ int main(int argc, char** argv)
         Spin(argv[2]);
     if (fault == "flood")
         Flood();
+    if (fault == "empty names")
+        SendEmptyNames();
+    if (fault == "empty pieces")
+        SendEmptyPieces();
     return fault == "silent" ? 3 : 0;
 }

@@ -196,6 +196,104 @@ TEST(ModelStream, PromisesOfMoreThanThereIsCostNothing)
     EXPECT_NE(ReasonFor(promising), "");
 }
 
+constexpr std::size_t kManyItems = 10'000;
+
+/// A model with many items of one kind, and the least memory that they occupy.
+struct Bulk {
+    std::string name;
+    Model model;
+    std::size_t min_bytes;
+};
+
+Bulk BulkOfPieces(const std::string& name, std::size_t min_bytes, const Piece& piece)
+{
+    Model model;
+    model.pieces.assign(kManyItems, piece);
+    return {name, model, kManyItems * min_bytes};
+}
+
+std::vector<Bulk> Bulks()
+{
+    const Segment segment{{0, 0, 0}, {1, 0, 0}};
+    const ModelFace triangle = MakeFace({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}).value();
+    Piece edges;
+    edges.edges.emplace(1, segment);
+    Piece lines;
+    lines.lines = {segment};
+    Piece parents;
+    parents.parents = {""};
+    Piece long_name;
+    long_name.name = std::string(100, 'x');
+    Model names;
+    names.category_names.resize(kManyItems);
+    ModelFace polygon = triangle;
+    polygon.corners.resize(kManyItems);
+    Model corners;
+    corners.pieces = {MakePiece("", {polygon})};
+    return {
+        {"empty names", names, kManyItems * sizeof(std::string)},
+        BulkOfPieces("empty pieces", sizeof(Piece), Piece{}),
+        BulkOfPieces("edges", sizeof(Piece) + sizeof(Segment), edges),
+        BulkOfPieces("lines", sizeof(Piece) + sizeof(Segment), lines),
+        BulkOfPieces("parents", sizeof(Piece) + sizeof(std::string), parents),
+        BulkOfPieces("long names", sizeof(Piece) + 101, long_name),
+        BulkOfPieces("triangles", sizeof(Piece) + sizeof(ModelFace) + 3 * sizeof(Point),
+                     MakePiece("", {triangle})),
+        {"corners", corners, kManyItems * sizeof(Point)},
+    };
+}
+
+TEST(ModelStreamMemory, ModelThatOccupiesMoreThanAllowedIsRefused)
+{
+    for (const Bulk& bulk : Bulks()) {
+        const std::string bytes = StreamOf(bulk.model);
+        EXPECT_THROW(static_cast<void>(ReadModelStream(SourceOf(bytes), {}, bulk.min_bytes)), ModelTooLarge)
+            << bulk.name;
+    }
+}
+
+TEST(ModelStreamMemory, ModelThatOccupiesLessThanAllowedArrives)
+{
+    // Both blocks of a list that grows, and 32 bytes for each of at most five blocks of an item.
+    for (const Bulk& bulk : Bulks())
+        EXPECT_NO_THROW(static_cast<void>(
+            ReadModelStream(SourceOf(StreamOf(bulk.model)), {}, 2 * bulk.min_bytes + kManyItems * 5 * 32)))
+            << bulk.name;
+}
+
+TEST(ModelStreamMemory, ListThatGrewOccupiesItsLastBlockOnly)
+{
+    constexpr std::size_t kLists = 20;
+    constexpr std::size_t kLength = 8192;
+    Model model;
+    model.pieces.resize(kLists);
+    for (Piece& piece : model.pieces)
+        piece.lines.resize(kLength);
+    // All lists stay, but not the blocks that they grew out of, which together are as long.
+    const std::size_t last_blocks = kLists * kLength * sizeof(Segment);
+    // While the last list grows, half of it is there in addition.
+    const std::size_t allowed = last_blocks + kLength * sizeof(Segment) / 2 + 100'000;
+    EXPECT_EQ(ReadModelStream(SourceOf(StreamOf(model)), {}, allowed).pieces.size(), kLists);
+}
+
+TEST(ModelStreamMemory, CapacityIsRefusedBeforeItIsAllocated)
+{
+    // The list of names doubles until the limit: both blocks of the next step would exceed it.
+    constexpr std::size_t kLimit = 1U << 20U;
+    Model model;
+    model.category_names.resize(1'000'000);
+    const std::string bytes = StreamOf(model);
+    std::size_t sent = 0;
+    const StreamSource source = [inner = SourceOf(bytes, 4096), &sent](std::span<char> buffer) mutable {
+        const std::size_t count = inner(buffer);
+        sent += count;
+        return count;
+    };
+    EXPECT_THROW(static_cast<void>(ReadModelStream(source, {}, kLimit)), ModelTooLarge);
+    // No more names arrive than the limit has room for.
+    EXPECT_LE(sent / sizeof(std::uint32_t), kLimit / sizeof(std::string) + 4096);
+}
+
 TEST(ModelStream, TextLongerThanAllowedIsRefused)
 {
     Model model;

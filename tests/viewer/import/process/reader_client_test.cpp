@@ -10,11 +10,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
+#include <filesystem>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
 
+#include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -136,6 +144,65 @@ TEST(ReaderProcess, StreamWithoutAnEndIsEnded)
     limits.memory = std::size_t{128} << 20U;
     EXPECT_EQ(ReasonOf("flood", limits), "needs more than 128 MiB of memory to be read, at 42 %");
 }
+
+/// Runs the function in a child process, which has limits and a peak of resident memory of its own. Returns
+/// its text.
+std::string InAChild(const std::function<std::string()>& function)
+{
+    std::array<int, 2> ends{};
+    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const std::string text = function();
+        const bool is_whole = write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        _exit(is_whole ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    close(ends[1]);
+    std::string text;
+    std::array<char, 1024> block{};
+    for (ssize_t count = 0; (count = read(ends[0], block.data(), block.size())) > 0;)
+        text.append(block.data(), static_cast<std::size_t>(count));
+    close(ends[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    return text;
+}
+
+/// The largest resident memory that this process has had, in bytes.
+std::size_t PeakMemory()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
+}
+
+class ReaderWithABulkyModel : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(ReaderWithABulkyModel, IsRefusedWithinTheLimitOfMemory)
+{
+    // The stream and the reader stay below the limit; the model in memory does not.
+    constexpr std::size_t kLimit = std::size_t{64} << 20U;
+    const std::string answer = InAChild([] {
+        ReaderLimits limits = Generous();
+        limits.memory = kLimit;
+        const std::size_t before = PeakMemory();
+        const std::string reason = ReasonOf(GetParam(), limits);
+        return std::to_string(PeakMemory() - before) + ' ' + reason;
+    });
+    const std::size_t blank = answer.find(' ');
+    ASSERT_NE(blank, std::string::npos);
+    EXPECT_EQ(answer.substr(blank + 1), "needs more than 64 MiB of memory to be read");
+    // The allocator keeps blocks that a growing list has left, which come to less than the largest one, and a
+    // sanitizer adds an eighth for its shadow. 8 MiB are for code and buffers that are used for the first
+    // time.
+    EXPECT_LE(std::stoull(answer), kLimit + kLimit / 2 + (8U << 20U));
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, ReaderWithABulkyModel, testing::Values("empty names", "empty pieces"),
+                         [](const auto& test) { return test.param == "empty names" ? "Names" : "Pieces"; });
 
 TEST(ReaderProcess, ProgressIsPassedOn)
 {
