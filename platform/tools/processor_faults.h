@@ -27,9 +27,14 @@
 /// handler is a vectored one, installed behind the existing ones. On Linux it is the action of SIGSEGV and
 /// calls the action before it. Debuggers see each fault first.
 ///
+/// On Linux the handler runs on the thread's alternate signal stack, if the host has given it one. Where that
+/// stack is too small for the handler, faults of the thread are not caught. `sysconf(_SC_MINSIGSTKSZ)` plus
+/// 4 KiB suffice. A fault of code that runs on the alternate stack is caught only with 64 KiB below it.
+///
 /// The image must stay loaded until `StopCatchingProcessorFaults`. Operations that are running already are
 /// not affected. Returns false, and changes nothing, where no image contains the address, the system
-/// refuses, or there are too many images. Any thread.
+/// refuses, or there are too many images; on Linux the first call also where the calling thread's alternate
+/// signal stack is too small. Any thread.
 KARV_PLATFORM_API bool CatchProcessorFaults(const void* address) noexcept;
 
 /// Stops catching in all images and removes the handler. On Linux the handler stays where another one was
