@@ -1,20 +1,18 @@
 #include "platform/framework/window.h"
 
-#include <cstdint>
+#include "platform/framework/window_classes.h"
+
 #include <map>
 #include <memory>
-#include <set>
-#include <string>
 #include <utility>
 
 namespace
 {
 
-/// The framework's objects of windows, and the class names it has registered.
+/// The framework's objects of windows.
 struct Registry {
     std::map<HWND, CWnd*> permanent;
     std::map<HWND, std::unique_ptr<CWnd>> temporary;
-    std::set<std::wstring> class_names; ///< a set: its elements never move
 };
 
 Registry& TheRegistry()
@@ -152,12 +150,6 @@ void AbandonCreation(HWND window)
     Detach(window);
 }
 
-template <typename Handle>
-std::wstring HandleText(Handle handle)
-{
-    return L":" + std::to_wstring(reinterpret_cast<std::uintptr_t>(handle));
-}
-
 const AFX_MSGMAP kEmptyMap{nullptr, {}};
 
 } // namespace
@@ -190,29 +182,8 @@ LRESULT WindowProcedure::Handle(HWND window, UINT message, WPARAM wparam, LPARAM
 
 LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 {
+    FollowWindow(window, message);
     return WindowProcedure::Handle(window, message, wparam, lparam);
-}
-
-LPCWSTR AfxRegisterWndClass(UINT style, HCURSOR cursor, HBRUSH brush, HICON icon)
-{
-    const std::wstring& name = *TheRegistry()
-                                    .class_names
-                                    .insert(L"Afx:" + std::to_wstring(style) + HandleText(cursor) +
-                                            HandleText(brush) + HandleText(icon))
-                                    .first;
-    WNDCLASSW window_class{};
-    const HINSTANCE instance = ::GetModuleHandleW(nullptr);
-    if (::GetClassInfoW(instance, name.c_str(), &window_class))
-        return name.c_str();
-    window_class = {};
-    window_class.style = style;
-    window_class.lpfnWndProc = &AfxWndProc;
-    window_class.hInstance = instance;
-    window_class.hIcon = icon;
-    window_class.hCursor = cursor;
-    window_class.hbrBackground = brush;
-    window_class.lpszClassName = name.c_str();
-    return ::RegisterClassW(&window_class) != 0 ? name.c_str() : nullptr;
 }
 
 CWnd::~CWnd()

@@ -120,7 +120,11 @@ class KARV_PLATFORM_API CWnd
 };
 
 /// Registers a window class with these styles, cursor, brush and icon, unless an equal one is registered.
-/// Returns its name, which stays valid for the life of the process; null if the system refuses.
+/// Returns its name, which stays valid for the life of the process; null if the system refuses. A class of
+/// the same name with another procedure than `AfxWndProc` is left alone, and the new one gets another name.
+///
+/// When Windows unloads this library, the classes are unregistered. Windows that still exist get the system's
+/// default procedure and keep their class, which gets it too. Elsewhere the library is never unloaded.
 KARV_PLATFORM_API LPCWSTR AfxRegisterWndClass(UINT style, HCURSOR cursor = nullptr, HBRUSH brush = nullptr,
                                               HICON icon = nullptr);
 

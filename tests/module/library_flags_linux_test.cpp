@@ -33,4 +33,10 @@ TEST(LibraryFlags, FunctionsAreBoundBeforeAHandlerOfFaultsNeedsThem)
     EXPECT_NE(FlagsOf(KARV_PLATFORM_FILE) & DF_1_NOW, 0U);
 }
 
+TEST(LibraryFlags, PlatformStaysInTheProcessAndTheModuleDoesNot)
+{
+    EXPECT_NE(FlagsOf(KARV_PLATFORM_FILE) & DF_1_NODELETE, 0U);
+    EXPECT_EQ(FlagsOf(KARV_MODULE_FILE) & DF_1_NODELETE, 0U);
+}
+
 } // namespace

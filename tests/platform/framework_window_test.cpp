@@ -4,6 +4,7 @@
 #include <array>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 using namespace karv_test;
 using testing::ElementsAre;
@@ -41,6 +42,27 @@ class ForeignWindow
     ~ForeignWindow() { ::DestroyWindow(handle); }
 
     HWND handle;
+};
+
+/// Replaces a registered class by one with the foreign procedure, for the life of the object.
+class ForeignClass
+{
+  public:
+    explicit ForeignClass(std::wstring name) : name_(std::move(name))
+    {
+        EXPECT_TRUE(::UnregisterClassW(name_.c_str(), ::GetModuleHandleW(nullptr)));
+        WNDCLASSW foreign{};
+        foreign.lpfnWndProc = &ForeignProcedure;
+        foreign.lpszClassName = name_.c_str();
+        foreign.hInstance = ::GetModuleHandleW(nullptr);
+        EXPECT_NE(::RegisterClassW(&foreign), 0);
+    }
+    ForeignClass(const ForeignClass&) = delete;
+    ForeignClass& operator=(const ForeignClass&) = delete;
+    ~ForeignClass() { EXPECT_TRUE(::UnregisterClassW(name_.c_str(), ::GetModuleHandleW(nullptr))); }
+
+  private:
+    std::wstring name_;
 };
 
 // Life of a window.
@@ -408,6 +430,34 @@ TEST_F(FrameworkWindow, ClassThatWasUnregisteredIsRegisteredAgain)
     EXPECT_EQ(AfxRegisterWndClass(CS_VREDRAW), name);
     WNDCLASSW registered{};
     EXPECT_TRUE(::GetClassInfoW(::GetModuleHandleW(nullptr), name, &registered));
+}
+
+TEST_F(FrameworkWindow, ClassOfAnotherProcedureIsNotUsed)
+{
+    constexpr UINT kStyle = CS_OWNDC | CS_VREDRAW;
+    const std::wstring taken = AfxRegisterWndClass(kStyle);
+    const ForeignClass foreign(taken);
+    const LPCWSTR name = AfxRegisterWndClass(kStyle);
+    ASSERT_NE(name, nullptr);
+    EXPECT_NE(name, taken);
+    EXPECT_EQ(AfxRegisterWndClass(kStyle), name);
+    CWnd window;
+    EXPECT_TRUE(window.CreateEx(0, name, L"", WS_POPUP, kPlace, nullptr, 0));
+    EXPECT_EQ(CWnd::FromHandlePermanent(window.m_hWnd), &window);
+}
+
+TEST_F(FrameworkWindow, ClassFindsANameWhereSeveralAreTaken)
+{
+    constexpr UINT kStyle = CS_HREDRAW | CS_VREDRAW;
+    const std::wstring first = AfxRegisterWndClass(kStyle);
+    const ForeignClass foreign(first);
+    const std::wstring second = AfxRegisterWndClass(kStyle);
+    const ForeignClass other_foreign(second);
+    const LPCWSTR third = AfxRegisterWndClass(kStyle);
+    WNDCLASSW registered{};
+    ASSERT_TRUE(::GetClassInfoW(::GetModuleHandleW(nullptr), third, &registered));
+    EXPECT_EQ(registered.lpfnWndProc, &AfxWndProc);
+    EXPECT_EQ(registered.style, kStyle);
 }
 
 // Rectangles and points.
