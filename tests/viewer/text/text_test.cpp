@@ -1,10 +1,13 @@
 #include "viewer/text/text.h"
 
+#include "platform/tools/utf8.h"
 #include "viewer/text/file_error.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <initializer_list>
+#include <ios>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -115,11 +118,17 @@ TEST(OneLineOfText, EveryC1ControlBecomesABlank)
         EXPECT_EQ(OneLine(std::string("a\xC2") + static_cast<char>(c) + "b"), "a b") << c;
 }
 
+/// The character in UTF-8. Tests hold no text that changes the direction of their own source.
+std::string Character(wchar_t c)
+{
+    return Utf8FromWide({&c, 1});
+}
+
 TEST(OneLineOfText, CharactersThatChangeTheDirectionBecomeABlank)
 {
-    for (const char* mark : {"\u061C", "\u200E", "\u200F", "\u202A", "\u202B", "\u202C", "\u202D", "\u202E",
-                             "\u2066", "\u2067", "\u2068", "\u2069"})
-        EXPECT_EQ(OneLine(std::string("a") + mark + "b"), "a b") << mark;
+    for (const wchar_t mark : std::initializer_list<wchar_t>{0x061C, 0x200E, 0x200F, 0x202A, 0x202B, 0x202C,
+                                                             0x202D, 0x202E, 0x2066, 0x2067, 0x2068, 0x2069})
+        EXPECT_EQ(OneLine("a" + Character(mark) + "b"), "a b") << std::hex << static_cast<unsigned>(mark);
 }
 
 TEST(OneLineOfText, SeparatorsOfLinesAndParagraphsBecomeABlank)
@@ -129,8 +138,8 @@ TEST(OneLineOfText, SeparatorsOfLinesAndParagraphsBecomeABlank)
 
 TEST(OneLineOfText, RunOfControlsOfEveryKindBecomesOneBlank)
 {
-    EXPECT_EQ(OneLine("a\n\u202E\u0085\x7F\u2029\u2066b"), "a b");
-    EXPECT_EQ(OneLine("\u202E\u2028"), "");
+    EXPECT_EQ(OneLine("a\n" + Character(0x202E) + "\u0085\x7F\u2029" + Character(0x2066) + "b"), "a b");
+    EXPECT_EQ(OneLine(Character(0x202E) + "\u2028"), "");
 }
 
 TEST(OneLineOfText, ByteThatIsNotUtf8BecomesAReplacementCharacter)
@@ -176,7 +185,7 @@ TEST(FileErrorText, IsTheFileAndTheReason)
 
 TEST(FileErrorText, IsOneLineWhateverTheFileAndTheReasonHold)
 {
-    const FileError error("a\nb\x1b[2J\u202E.step", "layer 'x\r\n\u2028y\u009B' \xFF");
+    const FileError error("a\nb\x1b[2J" + Character(0x202E) + ".step", "layer 'x\r\n\u2028y\u009B' \xFF");
     EXPECT_STREQ(error.what(), "a b [2J .step: layer 'x y ' \uFFFD");
     EXPECT_STREQ(error.Reason(), "layer 'x y ' \uFFFD");
 }
