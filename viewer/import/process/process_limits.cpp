@@ -1,5 +1,6 @@
 #include "viewer/import/process/process_limits.h"
 
+#include <algorithm>
 #include <new>
 
 #include <sys/resource.h>
@@ -11,18 +12,26 @@ namespace viewer
 namespace
 {
 
-void SetLimit(__rlimit_resource resource, rlim_t value)
+/// The value, or the limit that the process already has if that is lower.
+rlim_t InForce(__rlimit_resource resource, rlim_t value)
 {
     rlimit limit{};
-    // A lower limit is kept.
-    if (getrlimit(resource, &limit) == 0 && limit.rlim_max < value)
-        value = limit.rlim_max;
-    limit.rlim_cur = value;
-    limit.rlim_max = value;
+    return getrlimit(resource, &limit) == 0 ? std::min({value, limit.rlim_cur, limit.rlim_max}) : value;
+}
+
+void SetLimit(__rlimit_resource resource, rlim_t value)
+{
+    value = InForce(resource, value);
+    const rlimit limit{value, value};
     setrlimit(resource, &limit);
 }
 
 } // namespace
+
+std::size_t AddressSpaceInForce(std::size_t address_space)
+{
+    return static_cast<std::size_t>(InForce(RLIMIT_AS, static_cast<rlim_t>(address_space)));
+}
 
 void LimitProcess(std::chrono::seconds processor, std::optional<std::size_t> address_space)
 {

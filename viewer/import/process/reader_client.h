@@ -21,7 +21,9 @@ struct ReaderSettings {
 };
 
 /// Reads a file of any kind that `ReadModelFile` reads, in a process of its own. That process has ended when
-/// this returns or throws. Blocks until then; `progress` is called by the calling thread.
+/// this returns or throws, and so have those that it started, unless they left its process group. Blocks
+/// until then; `progress` is called by the calling thread. The process inherits no open file but the standard
+/// error stream, and few variables of the environment (`ReaderEnvironment`).
 ///
 /// Throws FileError, "FILE: reason" in one line, if `ReadModelFile` does, and if the reader cannot be
 /// started, crashes, exceeds a limit, sends a damaged stream, or is stopped by SIGINT, SIGTERM or SIGHUP to

@@ -4,6 +4,7 @@
 #include "viewer/import/process/model_stream.h"
 #include "viewer/import/process/process_limits.h"
 #include "viewer/import/process/reader_arguments.h"
+#include "viewer/import/process/reader_environment.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
@@ -66,15 +67,31 @@ class Pipe
     std::array<int, 2> ends_{-1, -1};
 };
 
-/// Attributes of a process that is started: its standard output, its process group and its signals.
+/// The texts as the C interface takes them: pointers and a null at the end. Valid as long as the texts.
+std::vector<char*> PointersTo(std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// Attributes of a process that is started: its descriptors, its environment, its process group and its
+/// signals.
 class SpawnSettings
 {
   public:
-    /// `output` becomes the standard output of the process.
+    /// `output` becomes the standard output of the process. The standard error stream stays, for reports of
+    /// the dynamic linker and of sanitizers. No other descriptor of this process is passed on.
     explicit SpawnSettings(int output)
     {
         posix_spawn_file_actions_init(&actions_);
         posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
+        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        // NOTE: glibc has it since version 2.34.
+        posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
         posix_spawnattr_init(&attributes_);
         // In a process group of its own the reader does not get Ctrl-C. The client does, and ends the reader.
         posix_spawnattr_setpgroup(&attributes_, 0);
@@ -99,14 +116,10 @@ class SpawnSettings
     [[nodiscard]] pid_t Start(const std::string& program, std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), "karv-reader");
-        std::vector<char*> pointers;
-        pointers.reserve(arguments.size() + 1);
-        for (std::string& argument : arguments)
-            pointers.push_back(argument.data());
-        pointers.push_back(nullptr);
+        std::vector<std::string> environment = ReaderEnvironment(environ);
         pid_t id = 0;
-        const int error =
-            posix_spawn(&id, program.c_str(), &actions_, &attributes_, pointers.data(), environ);
+        const int error = posix_spawn(&id, program.c_str(), &actions_, &attributes_,
+                                      PointersTo(arguments).data(), PointersTo(environment).data());
         if (error != 0)
             throw std::system_error(error, std::generic_category());
         return id;
@@ -117,7 +130,7 @@ class SpawnSettings
     posix_spawnattr_t attributes_{};
 };
 
-/// A reader's process and the reading end of its stream. Both end with the object.
+/// A reader's process, those that it has started, and the reading end of its stream. All end with the object.
 class ReaderProcess
 {
   public:
@@ -133,13 +146,23 @@ class ReaderProcess
 
     [[nodiscard]] int Stream() const { return stream_.Reading(); }
 
-    /// Ends the process unless it has ended, and returns its status in the form of waitpid.
+    /// Ends the processes that the reader has left if it has ended itself: they may hold the stream open.
+    void EndOrphans() const
+    {
+        siginfo_t state{};
+        // WNOWAIT leaves the ended process in place, so that the id of its group cannot be used again.
+        if (waitid(P_PID, static_cast<id_t>(id_), &state, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+            state.si_pid == id_)
+            EndGroup();
+    }
+
+    /// Ends the process unless it has ended, and those that it has started. Returns its status in the form of
+    /// waitpid.
     int End()
     {
         if (id_ == 0)
             return status_;
-        // A process that is ending already keeps its own status.
-        kill(id_, SIGKILL);
+        EndGroup();
         while (waitpid(id_, &status_, 0) < 0 && errno == EINTR) {
         }
         id_ = 0;
@@ -157,10 +180,23 @@ class ReaderProcess
     }
 
   private:
+    void EndGroup() const
+    {
+        // A process that is ending already keeps its own status.
+        kill(-id_, SIGKILL);
+    }
+
     Pipe stream_;
     pid_t id_ = 0;
     int status_ = 0;
 };
+
+/// The limits, with the limit of address space that this process already has, which the reader inherits.
+ReaderLimits InForce(ReaderLimits limits)
+{
+    limits.memory = AddressSpaceInForce(limits.memory);
+    return limits;
+}
 
 std::string SecondsText(std::chrono::milliseconds time)
 {
@@ -178,10 +214,10 @@ class ReaderSession
   public:
     ReaderSession(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
                   const ReaderSettings& reader)
-        : path_(path), progress_(progress), limits_(reader.limits),
+        : path_(path), progress_(progress), limits_(InForce(reader.limits)),
           process_(reader.program, WriteReaderArguments({.parent = getpid(),
-                                                         .processor = reader.limits.processor,
-                                                         .memory = reader.limits.memory,
+                                                         .processor = limits_.processor,
+                                                         .memory = limits_.memory,
                                                          .options = options,
                                                          .path = path}))
     {
@@ -260,6 +296,7 @@ class ReaderSession
             if ((waits[1].revents & POLLIN) != 0)
                 FailWithProgress("reading was cancelled");
             CheckLimits();
+            process_.EndOrphans();
             if ((waits[0].revents & kAnything) == 0)
                 continue;
             const ssize_t count = read(process_.Stream(), buffer.data(), buffer.size());
@@ -273,7 +310,7 @@ class ReaderSession
 
     const std::string& path_;
     const ProgressFunction& progress_;
-    const ReaderLimits& limits_;
+    const ReaderLimits limits_;
     InterruptWatch interrupts_;
     ReaderProcess process_;
     Clock::time_point end_ = Clock::now() + limits_.wall;

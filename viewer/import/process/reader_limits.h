@@ -16,7 +16,8 @@ struct ReaderLimits {
     /// Processor time of the reader.
     std::chrono::seconds processor = std::chrono::minutes(10);
     /// In bytes. The same limit applies to the reader's address space, to its resident memory, which is
-    /// polled, to the length of the stream, and to what the model occupies in the client while it arrives.
+    /// polled, to the length of the stream, and to what the model occupies in the client while it arrives. A
+    /// lower limit of address space that the client's process has (`ulimit -v`) replaces it.
     std::size_t memory = DefaultReaderMemory();
 };
 

@@ -2,11 +2,13 @@
 #include "tests/viewer/import/process/stream_fixture.h"
 #include "viewer/import/process/process_limits.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -115,6 +117,49 @@ void SendEmptyPieces()
     SendMany(kBytesToPieces, 1U << 20U, viewer::StreamOf(model).substr(kBytesToNames, size));
 }
 
+/// The numbers of the open descriptors, and what the standard input is.
+std::string Descriptors()
+{
+    namespace fs = std::filesystem;
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        // The descriptor of the iteration itself is that of a folder of this process.
+        if (!fs::read_symlink(entry.path(), error).string().ends_with("/fd"))
+            names.push_back(entry.path().filename().string());
+    }
+    std::ranges::sort(names);
+    std::string text;
+    for (const std::string& name : names)
+        text += name + ' ';
+    return text + "from " + fs::read_symlink("/proc/self/fd/0").string();
+}
+
+/// The names of the variables in the environment.
+std::string Environment()
+{
+    std::vector<std::string> names;
+    for (char** variable = environ; *variable != nullptr; ++variable)
+        names.push_back(std::string(*variable).substr(0, std::string_view(*variable).find('=')));
+    std::ranges::sort(names);
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : " ") + name;
+    return text;
+}
+
+/// Starts a process that waits for ten minutes, with this one's descriptors. Returns its id.
+pid_t StartChild()
+{
+    constexpr unsigned kSeconds = 600;
+    const pid_t child = fork();
+    if (child == 0) {
+        sleep(kSeconds);
+        _exit(EXIT_SUCCESS);
+    }
+    return child;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -157,5 +202,19 @@ int main(int argc, char** argv)
         SendEmptyNames();
     if (fault == "empty pieces")
         SendEmptyPieces();
+    if (fault == "descriptors")
+        Send(Failure(Descriptors()));
+    if (fault == "environment")
+        Send(Failure(Environment()));
+    if (fault == "orphan")
+        Send(Failure(std::to_string(StartChild())));
+    if (fault == "hanging family") {
+        viewer::StreamBytes stream;
+        stream.Writer().WriteProgress(viewer::FractionOf(StartChild()));
+        Send(stream.Bytes());
+        pause();
+    }
+    if (fault == "no memory")
+        return viewer::kOutOfMemoryStatus;
     return fault == "silent" ? 3 : 0;
 }

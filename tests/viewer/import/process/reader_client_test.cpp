@@ -1,9 +1,11 @@
 // The client with readers that fail in every way, and with karv-reader.
 #include "viewer/import/process/reader_client.h"
 
+#include "tests/viewer/import/process/stream_fixture.h"
 #include "tests/viewer/test_support.h"
 #include "viewer/import/process/process_limits.h"
 #include "viewer/import/process/reader_arguments.h"
+#include "viewer/import/process/reader_environment.h"
 #include "viewer/text/file_error.h"
 
 #include <gmock/gmock.h>
@@ -12,17 +14,22 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,6 +41,7 @@ namespace
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 
@@ -204,6 +212,136 @@ TEST_P(ReaderWithABulkyModel, IsRefusedWithinTheLimitOfMemory)
 INSTANTIATE_TEST_SUITE_P(Faults, ReaderWithABulkyModel, testing::Values("empty names", "empty pieces"),
                          [](const auto& test) { return test.param == "empty names" ? "Names" : "Pieces"; });
 
+/// Sets a variable of the environment while it lives.
+class Variable
+{
+  public:
+    Variable(const char* name, const char* value) : name_(name)
+    {
+        if (const char* before = std::getenv(name))
+            before_ = before;
+        setenv(name, value, 1);
+    }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+    ~Variable()
+    {
+        if (before_)
+            setenv(name_, before_->c_str(), 1);
+        else
+            unsetenv(name_);
+    }
+
+  private:
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+TEST(ReaderProcess, InheritsNoDescriptorOfItsClient)
+{
+    const int file = open("/proc/self/status", O_RDONLY);
+    const int high = fcntl(file, F_DUPFD, 200);
+    // The standard input is a file, too.
+    const int input = dup(STDIN_FILENO);
+    dup2(file, STDIN_FILENO);
+    EXPECT_EQ(ReasonOf("descriptors"), "0 1 2 from /dev/null");
+    dup2(input, STDIN_FILENO);
+    for (const int descriptor : {input, high, file})
+        close(descriptor);
+}
+
+TEST(ReaderProcess, InheritsFewVariablesOfTheEnvironment)
+{
+    const Variable secret("KARV_TEST_TOKEN", "secret");
+    const Variable path("LD_LIBRARY_PATH", "/none");
+    const Variable locale("LC_ALL", "C");
+#if defined(__SANITIZE_ADDRESS__)
+    const Variable address("ASAN_OPTIONS", "");
+    const Variable leaks("LSAN_OPTIONS", "");
+    const Variable behavior("UBSAN_OPTIONS", "");
+    EXPECT_EQ(ReasonOf("environment"), "ASAN_OPTIONS LD_LIBRARY_PATH LSAN_OPTIONS UBSAN_OPTIONS");
+#else
+    EXPECT_EQ(ReasonOf("environment"), "LD_LIBRARY_PATH");
+#endif
+}
+
+TEST(ReaderEnvironmentOfAList, HoldsWholeNamesOnlyWithTheirValues)
+{
+    const std::array<const char*, 7> environment{"HOME=/root",
+                                                 "LD_LIBRARY_PATH=/a=b:/c",
+                                                 "LD_LIBRARY_PATH_2=/d",
+                                                 "XLD_LIBRARY_PATH=/e",
+                                                 "ld_library_path=/f",
+                                                 "=LD_LIBRARY_PATH",
+                                                 nullptr};
+    EXPECT_THAT(ReaderEnvironment(environment.data()), ElementsAre("LD_LIBRARY_PATH=/a=b:/c"));
+    EXPECT_THAT(ReaderEnvironment(environment.data() + 6), IsEmpty());
+}
+
+/// Whether the process has ended, or ends within ten seconds.
+bool HasEnded(pid_t id)
+{
+    constexpr int kMilliseconds = 10'000;
+    const int process = static_cast<int>(syscall(SYS_pidfd_open, id, 0));
+    if (process < 0)
+        return errno == ESRCH;
+    pollfd wait{process, POLLIN, 0};
+    const bool has_ended = poll(&wait, 1, kMilliseconds) == 1;
+    close(process);
+    return has_ended;
+}
+
+TEST(ReaderProcess, ProcessThatTheReaderLeavesIsEnded)
+{
+    // It holds the stream open for ten minutes.
+    ReaderLimits limits = Generous();
+    limits.wall = std::chrono::minutes(1);
+    const std::string child = ReasonOf("orphan", limits);
+    ASSERT_EQ(child.find_first_not_of("0123456789"), std::string::npos) << child;
+    EXPECT_TRUE(HasEnded(std::stoi(child)));
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, ProcessOfAReaderThatIsEndedIsEndedToo)
+{
+    struct Enough {
+    };
+    pid_t child = 0;
+    const auto stop = [&](double fraction) {
+        child = static_cast<pid_t>(std::lround(fraction * kMaxProcesses));
+        throw Enough();
+    };
+    EXPECT_THROW(ReasonOf("hanging family", Generous(), stop), Enough);
+    ASSERT_GT(child, 0);
+    EXPECT_TRUE(HasEnded(child));
+}
+
+/// The reason of a reader without memory, if this process has a limit of address space.
+std::string ReasonUnderAddressSpace(rlim_t soft, std::optional<rlim_t> hard, std::size_t memory)
+{
+    return InAChild([&] {
+        rlimit limit{};
+        getrlimit(RLIMIT_AS, &limit);
+        limit = {soft, hard.value_or(limit.rlim_max)};
+        setrlimit(RLIMIT_AS, &limit);
+        ReaderLimits limits = Generous();
+        limits.memory = memory;
+        return ReasonOf("no memory", limits);
+    });
+}
+
+TEST(ReaderProcess, MessageNamesTheLimitOfAddressSpaceThatIsInForce)
+{
+    // Above what a sanitizer reserves, which is 20 TiB.
+    constexpr std::size_t kTebibyte = std::size_t{1} << 40U;
+    constexpr rlim_t kLimit = 32 * kTebibyte;
+    const std::string of_32_tebibytes = "needs more than 33554432 MiB of memory to be read";
+    EXPECT_EQ(ReasonUnderAddressSpace(kLimit, kLimit, 64 * kTebibyte), of_32_tebibytes);
+    EXPECT_EQ(ReasonUnderAddressSpace(kLimit, std::nullopt, 64 * kTebibyte), of_32_tebibytes);
+    EXPECT_EQ(ReasonUnderAddressSpace(kLimit, kLimit, std::size_t{1} << 30U),
+              "needs more than 1024 MiB of memory to be read");
+}
+
 TEST(ReaderProcess, ProgressIsPassedOn)
 {
     ReaderLimits limits = Generous();
@@ -301,6 +439,13 @@ TEST(ProcessLimits, ProcessThatNeedsMoreMemoryThanAllowedEndsWithItsStatus)
 {
     EXPECT_EQ(StatusOf(KARV_LIMITED_PROCESS, {"128"}), kOutOfMemoryStatus);
     EXPECT_EQ(StatusOf(KARV_LIMITED_PROCESS, {"4096"}), 0);
+}
+
+TEST(ProcessLimits, LowerLimitOfAddressSpaceStays)
+{
+    // The shell sets it in KiB, as a soft limit, which the process could raise.
+    EXPECT_EQ(StatusOf("/bin/sh", {"-c", "ulimit -Sv 131072 && exec '" KARV_LIMITED_PROCESS "' 4096"}),
+              kOutOfMemoryStatus);
 }
 
 std::vector<std::string> ArgumentsFor(const std::string& path, int parent)

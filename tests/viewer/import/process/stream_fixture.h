@@ -64,6 +64,14 @@ std::string BytesOf(Number number)
     return bytes;
 }
 
+/// A process id as a progress: it is below 2^22 on every system.
+inline constexpr double kMaxProcesses = 4'194'304.0;
+
+inline double FractionOf(int process)
+{
+    return process / kMaxProcesses;
+}
+
 /// A source of these bytes, at most `block` at a time.
 inline StreamSource SourceOf(std::string_view bytes, std::size_t block = 65536)
 {
