@@ -88,8 +88,9 @@ AtomicFile::AtomicFile(const fs::path& target) : stream_(nullptr, &std::fclose)
 {
     if (target.empty())
         throw AtomicFileError(std::errc::no_such_file_or_directory);
+    // The system follows links that name no file too, such as /dev/stdout on a pipe.
+    CheckCanBeReplaced(target);
     target_ = FollowLinks(target);
-    CheckCanBeReplaced(target_);
     do {
         temporary_ = TemporaryName(target_);
         errno = 0;

@@ -4,7 +4,10 @@
 // This part knows nothing of what is written, and does not name the file in its errors: the caller does.
 //
 // NOTE: a process that a signal ends by its default action, or that is killed, cannot clean up. It leaves
-// the temporary file, "NAME.part-" and 16 hexadecimal digits, beside the target.
+// the temporary file, "NAME.part-" and 16 hexadecimal digits, beside the target. On Linux that includes
+// SIGXFSZ, which a limit on the size of files (`ulimit -f`) raises. A library must not set the program's
+// signals, so the program must ignore SIGXFSZ before it writes: then the write fails with EFBIG, like any
+// other.
 #pragma once
 
 #include "platform/export.h"

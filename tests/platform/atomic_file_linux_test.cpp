@@ -1,15 +1,26 @@
 // AtomicFile where the tests can stage what the other system has not: symbolic links, pipes, permissions, a
-// limit on the size of files.
+// limit on the size of files, a full disk.
+#include "platform/tools/atomic_file_system.h"
 #include "tests/platform/atomic_file.h"
 #include "tests/platform/file_size_limit.h"
 #include "tests/platform/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
 #include <optional>
 
 #include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
@@ -94,6 +105,103 @@ TEST(AtomicFileLimit, FileOfTheLimitIsWritten)
         WriteWhole(folder.File("file"), std::string(kBlock, 'x'));
     }
     EXPECT_EQ(ContentOf(folder.File("file")).size(), kBlock);
+}
+
+/// Runs the function in a child process and returns its text; empty if a signal ended the child.
+std::string InAChild(const std::function<std::string()>& function)
+{
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const std::string text = function();
+        const bool is_whole = ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        ::_exit(is_whole ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    ::close(ends[1]);
+    std::array<char, 1024> text{};
+    const ssize_t count = ::read(ends[0], text.data(), text.size());
+    ::close(ends[0]);
+    ::waitpid(child, nullptr, 0);
+    return {text.data(), static_cast<std::size_t>(count > 0 ? count : 0)};
+}
+
+TEST(AtomicFileLimit, SignalIsLeftToTheProgram)
+{
+    const TemporaryFolder folder;
+    const auto write_beyond = [&] {
+        const rlimit limit{kBlock, kBlock};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const auto error = ErrorOf([&] { WriteWhole(folder.File("file"), std::string(1'000'000, 'x')); });
+        return error.has_value() ? std::string(error->what()) : "written";
+    };
+    EXPECT_EQ(InAChild([&] {
+                  std::signal(SIGXFSZ, SIG_IGN);
+                  return write_beyond();
+              }),
+              TextOf(std::errc::file_too_large));
+    EXPECT_EQ(folder.Count(), 0);
+    EXPECT_EQ(InAChild([&] {
+                  std::signal(SIGXFSZ, SIG_DFL);
+                  return write_beyond();
+              }),
+              "")
+        << "the header tells programs to ignore the signal";
+    EXPECT_EQ(folder.Count(), 1) << "the part";
+}
+
+/// Makes a file system of 64 KiB of the folder, for the calling process alone. Returns why it cannot; empty
+/// if it does.
+std::string MountTinyDisk(const fs::path& folder)
+{
+    if (::unshare(CLONE_NEWNS) != 0 || ::mount("", "/", "", MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        ::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") != 0)
+        return std::strerror(errno);
+    return {};
+}
+
+TEST(AtomicFileDisk, FullOneIsToldAndLeavesTheOldFileAndNoPart)
+{
+    const TemporaryFolder folder;
+    constexpr const char* kCannot = "cannot: ";
+    const std::string answer = InAChild([&]() -> std::string {
+        const std::string refusal = MountTinyDisk(folder.Path());
+        if (!refusal.empty())
+            return kCannot + refusal;
+        const std::string path = folder.File("file");
+        WriteWhole(path, "old");
+        const auto error = ErrorOf([&] { WriteWhole(path, std::string(1'000'000, 'x')); });
+        return (error.has_value() ? error->what() : "written") + (", " + ContentOf(path)) + ", " +
+               std::to_string(folder.Count());
+    });
+    if (answer.starts_with(kCannot))
+        GTEST_SKIP() << "a small file system cannot be mounted here: " << answer;
+    EXPECT_EQ(answer, TextOf(std::errc::no_space_on_device) + ", old, 1");
+}
+
+TEST(AtomicFileLinks, TemporaryFileIsNeverCreatedThroughALinkOrOverAFile)
+{
+    const TemporaryFolder folder;
+    std::ofstream(folder.File("victim")) << "old";
+    fs::create_symlink("victim", folder.File("link"));
+    fs::create_symlink("missing", folder.File("dangling"));
+    fs::create_directory(folder.File("sub"));
+    for (const char* name : {"victim", "link", "dangling", "sub"}) {
+        errno = 0;
+        EXPECT_EQ(atomic_file::CreateNewFile(folder.File(name)), nullptr) << name;
+        EXPECT_EQ(errno, EEXIST) << name;
+    }
+    EXPECT_EQ(ContentOf(folder.File("victim")), "old");
+    EXPECT_FALSE(fs::exists(folder.File("missing")));
+}
+
+TEST(AtomicFileLinks, LinkToAPipeWithoutANameIsRefused)
+{
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    EXPECT_EQ(RefusalOfTarget("/proc/self/fd/" + std::to_string(ends[1])), "is not a regular file");
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 TEST(AtomicFileLinks, FileBehindALinkIsReplacedAndTheLinkStays)

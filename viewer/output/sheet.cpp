@@ -1,6 +1,7 @@
 #include "viewer/output/sheet.h"
 
 #include "viewer/output/png_image.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
@@ -63,7 +64,7 @@ void WriteSheet(const std::string& path, const std::string& title, const SheetLa
                 const std::function<Picture(StandardView)>& draw)
 {
     PngImage image(layout.whole.width, layout.whole.height);
-    image.DrawText(title, layout.whole.width / 2.0, kTitleHeight - kTitleSize / 2, kTitleSize,
+    image.DrawText(OneLine(title), layout.whole.width / 2.0, kTitleHeight - kTitleSize / 2, kTitleSize,
                    layout.whole.width - 2.0 * kGap);
     for (std::size_t i = 0; i < kStandardViews.size(); ++i) {
         const int column = static_cast<int>(i) % layout.columns;

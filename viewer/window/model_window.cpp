@@ -1,6 +1,7 @@
 #include "viewer/window/model_window.h"
 
 #include "platform/tools/utf8.h"
+#include "viewer/text/text.h"
 
 namespace viewer
 {
@@ -10,7 +11,7 @@ namespace
 
 std::wstring TitleOf(const Model& model)
 {
-    return (model.title.empty() ? L"" : WideFromUtf8(model.title) + L" - ") + std::wstring(L"karv-view");
+    return (model.title.empty() ? L"" : WideFromUtf8(OneLine(model.title)) + L" - ") + std::wstring(L"karv-view");
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "viewer/output/progress_line.h"
 #include "viewer/output/sheet.h"
 #include "viewer/output/stats.h"
+#include "viewer/text/text.h"
 #include "viewer/scene/bundled_model.h"
 #include "viewer/window/interactive_window.h"
 #include "viewer/window/message_loop.h"
@@ -99,7 +100,7 @@ class Application
     void ForEachModel(const std::function<void(Model)>& take)
     {
         for (const std::string& path : options_.models) {
-            ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + path);
+            ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + OneLine(path));
             Model model = ImportModel(path, ImportOptions{options_.deflection},
                                       [&](double fraction) { progress.Report(fraction); });
             take(std::move(model));
@@ -291,7 +292,7 @@ int Run(const Options& options, SteadyTime start, std::ostream& out, std::ostrea
     } catch (const std::bad_alloc&) {
         err << "karv-view: needs more memory than there is\n";
     } catch (const std::exception& error) {
-        err << "karv-view: " << error.what() << '\n';
+        err << "karv-view: " << OneLine(error.what()) << '\n';
     }
     return 1;
 }
