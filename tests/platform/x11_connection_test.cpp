@@ -2,8 +2,8 @@
 // the server.
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
-#include "tests/support/x11_test.h"
 #include "tests/support/trace_recording.h"
+#include "tests/support/x11_test.h"
 
 #include <cstdlib>
 #include <stdexcept>

@@ -2,8 +2,8 @@
 #include "platform/framework/window.h"
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
-#include "tests/support/x11_test.h"
 #include "tests/support/trace_recording.h"
+#include "tests/support/x11_test.h"
 
 using testing::ElementsAre;
 

@@ -1,8 +1,8 @@
 // Windows of the layer as X windows: their appearance to another client, and the events that they get.
 #include "platform/winsys/backend.h"
 #include "platform/winsys/opengl.h"
-#include "tests/support/x11_test.h"
 #include "tests/support/trace_recording.h"
+#include "tests/support/x11_test.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;

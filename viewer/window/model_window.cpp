@@ -11,7 +11,8 @@ namespace
 
 std::wstring TitleOf(const Model& model)
 {
-    return (model.title.empty() ? L"" : WideFromUtf8(OneLine(model.title)) + L" - ") + std::wstring(L"karv-view");
+    return (model.title.empty() ? L"" : WideFromUtf8(OneLine(model.title)) + L" - ") +
+           std::wstring(L"karv-view");
 }
 
 } // namespace

@@ -10,8 +10,8 @@
 #include "viewer/output/progress_line.h"
 #include "viewer/output/sheet.h"
 #include "viewer/output/stats.h"
-#include "viewer/text/text.h"
 #include "viewer/scene/bundled_model.h"
+#include "viewer/text/text.h"
 #include "viewer/window/interactive_window.h"
 #include "viewer/window/message_loop.h"
 

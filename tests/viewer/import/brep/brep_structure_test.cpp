@@ -233,7 +233,8 @@ TEST_F(BrepStructure, OpacityIsThatOfTheColour)
 TEST_F(BrepStructure, ColourBetweenThoseOfThePaletteTakesTheNearest)
 {
     // 165, 82, 82 is index 13; each channel is off by 2.
-    document.SetColor(document.AddPart(BlockShape(1, 1, 1), "part"), 167.0 / 255.0, 80.0 / 255.0, 84.0 / 255.0);
+    document.SetColor(document.AddPart(BlockShape(1, 1, 1), "part"), 167.0 / 255.0, 80.0 / 255.0,
+                      84.0 / 255.0);
     EXPECT_EQ(Read().pieces.at(0).color, 13);
 }
 
