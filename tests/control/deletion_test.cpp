@@ -226,7 +226,11 @@ TEST_F(ControlDeletion, NestedMessageLoopInTheFocusHandlerMayDeleteTheControl)
     deleter.message = kDeleteNow;
     deleter.action = [this] { Delete(); };
     ::PostMessageW(deleter.GetSafeHwnd(), kDeleteNow, 0, 0);
-    focused_.action = [] { PumpPending(); };
+    focused_.action = [] {
+        MSG message{};
+        while (::PeekMessageW(&message, nullptr, kDeleteNow, kDeleteNow, PM_REMOVE))
+            ::DispatchMessageW(&message);
+    };
     Send(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(3, 4));
     EXPECT_EQ(deletions_, 1);
 }
