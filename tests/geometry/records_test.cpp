@@ -11,6 +11,7 @@
 #include <vector>
 
 using karv_test::Square;
+using Entity = KARVGraphicalEntity;
 
 TEST(Vertex, DefaultIsTheOrigin)
 {
@@ -150,7 +151,6 @@ TEST(Face, CornerOutOfRangeIsAFault)
 
 TEST(EntityType, ElevenCategoriesHaveTheValues0To10In32Bits)
 {
-    using Entity = KARVGraphicalEntity;
     static_assert(std::is_same_v<std::underlying_type_t<Entity::EntityType>, std::int32_t>);
     int value = 0;
     for (const Entity::EntityType type :
