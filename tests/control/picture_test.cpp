@@ -107,8 +107,8 @@ class ControlPicture : public ControlTest
     /// The cube from 0.05 to 0.15, each side in its own colour, clockwise seen from outside.
     void AppendColoredCube()
     {
-        constexpr double a = 0.05;
-        constexpr double b = 0.15;
+        const double a = 0.05;
+        const double b = 0.15;
         Append(MakeFace({{a, a, b}, {a, b, b}, {b, b, b}, {b, a, b}}, {0.0, 0.0, 1.0}), kRed);     // top
         Append(MakeFace({{a, a, a}, {b, a, a}, {b, b, a}, {a, b, a}}, {0.0, 0.0, -1.0}), kYellow); // bottom
         Append(MakeFace({{a, a, a}, {a, a, b}, {b, a, b}, {b, a, a}}, {0.0, -1.0, 0.0}), kGreen);  // front

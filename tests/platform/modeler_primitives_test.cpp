@@ -10,7 +10,6 @@ using namespace karv_test;
 using AModeler::MakeBox;
 using AModeler::MakePrism;
 using AModeler::MakeRevolution;
-using AModeler::Profile;
 using AModeler::ProfilePoint;
 
 namespace
