@@ -164,6 +164,17 @@ bool Model::IsTranslucent() const
     return std::any_of(pieces.begin(), pieces.end(), [](const Piece& piece) { return piece.alpha < 1.0F; });
 }
 
+void Model::LeaveOut(std::string_view kind, std::size_t count)
+{
+    if (count == 0)
+        return;
+    const auto known = std::ranges::find(left_out, kind, &LeftOut::kind);
+    if (known != left_out.end())
+        known->count += count;
+    else
+        left_out.push_back({std::string(kind), count});
+}
+
 void Model::Append(Model other)
 {
     if (pieces.empty() && !meters_per_unit)
@@ -179,6 +190,8 @@ void Model::Append(Model other)
     if (!other.category_names.empty())
         category_names.resize(static_cast<std::size_t>(first_category));
     std::move(other.category_names.begin(), other.category_names.end(), std::back_inserter(category_names));
+    for (const LeftOut& parts : other.left_out)
+        LeaveOut(parts.kind, parts.count);
     if (!title.empty() && !other.title.empty())
         title += ", ";
     title += other.title;

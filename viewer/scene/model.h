@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace viewer
@@ -75,6 +76,8 @@ struct Piece {
     /// faces.
     std::optional<std::vector<Segment>> edges;
     std::vector<Segment> lines; ///< wires and curves that are not edges of faces, cut into segments
+    /// The faces do not close, so each one is visible from both sides.
+    bool two_sided = false;
     int category = 0;
     unsigned char color = 7; ///< palette index
     float alpha = 1.0F;      ///< opacity, 0 to 1
@@ -84,12 +87,22 @@ struct Piece {
 [[nodiscard]] Piece MakePiece(std::string name, std::vector<ModelFace> faces, int category = 0,
                               unsigned char color = 7, float alpha = 1.0F);
 
+/// Parts of a file of one kind that the model does not contain.
+struct LeftOut {
+    std::string kind; ///< what they are, as the file or its format names it, e.g. "3DSOLID"
+    std::size_t count = 0;
+};
+
 struct Model {
     std::string title;
     std::vector<Piece> pieces;
     std::vector<std::string> category_names; ///< by category; may be shorter than the category count
     /// The length of the unit of the coordinates, above 0; absent where the file does not define it.
     std::optional<double> meters_per_unit;
+    std::vector<LeftOut> left_out; ///< each kind once
+
+    /// Counts parts of a file that the model does not contain. Nothing happens for a count of 0.
+    void LeaveOut(std::string_view kind, std::size_t count = 1);
 
     /// The box of all faces and lines.
     [[nodiscard]] Box Extents() const;
@@ -100,7 +113,7 @@ struct Model {
 
     /// Adds the pieces of another model. Its categories, with their names, are numbered after those of this
     /// one. Where both models have a unit, the other one is scaled to this one's. A model without pieces and
-    /// unit takes the unit of the other one.
+    /// unit takes the unit of the other one. The parts that were left out of both are summed by kind.
     void Append(Model other);
     /// Moves the translucent pieces behind the opaque ones; within each kind, the order is kept. The viewport
     /// draws in the order of appending and does not sort.

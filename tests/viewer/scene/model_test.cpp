@@ -147,6 +147,25 @@ TEST(Model, AppendedLengthsStayWhereAUnitIsUnknown)
     }
 }
 
+TEST(Model, CountsWhatIsLeftOutByKindAndSumsItUpWhenAppended)
+{
+    viewer::Model model;
+    model.LeaveOut("TEXT", 2);
+    model.LeaveOut("3DSOLID");
+    model.LeaveOut("IMAGE", 0);
+    viewer::Model other;
+    other.LeaveOut("3DSOLID", 4);
+    other.LeaveOut("WIPEOUT");
+    model.Append(other);
+    ASSERT_EQ(model.left_out.size(), 3U);
+    EXPECT_EQ(model.left_out[0].kind, "TEXT");
+    EXPECT_EQ(model.left_out[0].count, 2U);
+    EXPECT_EQ(model.left_out[1].kind, "3DSOLID");
+    EXPECT_EQ(model.left_out[1].count, 5U);
+    EXPECT_EQ(model.left_out[2].kind, "WIPEOUT");
+    EXPECT_EQ(model.left_out[2].count, 1U);
+}
+
 TEST(Model, AnEmptyOneTakesTheUnitOfTheFirstThatIsAppended)
 {
     Model model;
