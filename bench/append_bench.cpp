@@ -26,20 +26,20 @@ struct AppendCase {
     int rounds = 0;
     enum class Kind {
         /// GLU compiles a list for each face. Time and memory have limits.
-        kLists,
+        Lists,
         /// No GLU work, so the bare program does almost nothing. Only the memory has a limit.
-        kNoLists,
+        NoLists,
         /// No context is current, so there are no lists and the driver takes no time. Only the memory has a
         /// limit.
-        kNoContext,
+        NoContext,
         /// The client keeps its face vector and passes a copy. There is no limit.
-        kClientKeepsFaces,
-    } kind = Kind::kLists;
+        ClientKeepsFaces,
+    } kind = Kind::Lists;
 
     [[nodiscard]] double Limit(Unit unit) const
     {
         constexpr double kLimit = 1.2;
-        const bool judged = unit == Unit::kSeconds ? kind == Kind::kLists : kind != Kind::kClientKeepsFaces;
+        const bool judged = unit == Unit::Seconds ? kind == Kind::Lists : kind != Kind::ClientKeepsFaces;
         return judged ? kLimit : 0.0;
     }
 };
@@ -66,12 +66,12 @@ double MeasureControl(HostWindow& host, const AppendCase& test, Meter meter)
 {
     MeasuredControl measured(host, kSide);
     KARVOpenGLControl& control = measured.Control();
-    if (test.kind == AppendCase::Kind::kNoContext)
+    if (test.kind == AppendCase::Kind::NoContext)
         wglMakeCurrent(nullptr, nullptr);
     Faces kept;
     return meter([&] {
         Faces faces = test.make(test.count);
-        if (test.kind == AppendCase::Kind::kClientKeepsFaces) {
+        if (test.kind == AppendCase::Kind::ClientKeepsFaces) {
             kept = std::move(faces);
             control.AppendGeometry(kept, KARVGraphicalEntity::EntityType0, kColorIndex, 1.0F);
         } else {
@@ -83,7 +83,7 @@ double MeasureControl(HostWindow& host, const AppendCase& test, Meter meter)
 double MeasureBare(HostWindow& host, const AppendCase& test, int pixel_format, Meter meter)
 {
     const BareViewport viewport(host.m_hWnd, kSide, pixel_format);
-    if (test.kind == AppendCase::Kind::kNoContext)
+    if (test.kind == AppendCase::Kind::NoContext)
         wglMakeCurrent(nullptr, nullptr);
     BareTessellation tessellation;
     Faces faces;
@@ -119,12 +119,12 @@ std::vector<AppendCase> AllCases()
         {"10 000 quads", MakeQuads, 10'000, 15},
         {"100 000 quads", MakeQuads, 100'000, 3},
         {"10 000 L-shaped faces", MakeLShapes, 10'000, 15},
-        {"100 000 triangles", MakeTriangles, 100'000, 15, Kind::kNoLists},
-        {"1 000 000 triangles", MakeTriangles, 1'000'000, 5, Kind::kNoLists},
-        {"10 000 quads, no context", MakeQuads, 10'000, 15, Kind::kNoContext},
-        {"100 000 quads, no context", MakeQuads, 100'000, 15, Kind::kNoContext},
-        {"1 000 000 quads, no context", MakeQuads, 1'000'000, 5, Kind::kNoContext},
-        {"10 000 quads that the client keeps", MakeQuads, 10'000, 5, Kind::kClientKeepsFaces},
+        {"100 000 triangles", MakeTriangles, 100'000, 15, Kind::NoLists},
+        {"1 000 000 triangles", MakeTriangles, 1'000'000, 5, Kind::NoLists},
+        {"10 000 quads, no context", MakeQuads, 10'000, 15, Kind::NoContext},
+        {"100 000 quads, no context", MakeQuads, 100'000, 15, Kind::NoContext},
+        {"1 000 000 quads, no context", MakeQuads, 1'000'000, 5, Kind::NoContext},
+        {"10 000 quads that the client keeps", MakeQuads, 10'000, 5, Kind::ClientKeepsFaces},
     };
 }
 
@@ -142,11 +142,11 @@ void Register(const std::string& name, const AppendCase& test, int rounds, Unit 
 void RegisterAppends(const Effort& effort)
 {
     for (const AppendCase& test : AllCases())
-        Register("append, " + test.name, test, effort.Rounds(test.rounds), Unit::kSeconds, &SecondsOf);
+        Register("append, " + test.name, test, effort.Rounds(test.rounds), Unit::Seconds, &SecondsOf);
     for (const AppendCase& test : AllCases())
-        Register("memory at peak, " + test.name, test, 1, Unit::kBytes, &PeakBytes);
+        Register("memory at peak, " + test.name, test, 1, Unit::Bytes, &PeakBytes);
     for (const AppendCase& test : AllCases())
-        Register("memory held, " + test.name, test, 1, Unit::kBytes, &HeldBytes);
+        Register("memory held, " + test.name, test, 1, Unit::Bytes, &HeldBytes);
 }
 
 } // namespace karv_bench

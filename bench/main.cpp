@@ -39,7 +39,7 @@ int Run(int argc, char** argv)
     const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
     const karv_bench::Effort effort{TakeOption(argc, argv, "--quick")};
     if (TakeOption(argc, argv, "--thread-time"))
-        karv_bench::UseClock(karv_bench::Clock::kThread);
+        karv_bench::UseClock(karv_bench::Clock::Thread);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;

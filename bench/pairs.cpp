@@ -55,7 +55,7 @@ void Report(benchmark::State& state, const Row& row, const Samples& samples)
     state.counters["quartile1"] = Quantile(samples.ratios, 0.25);
     state.counters["quartile3"] = Quantile(samples.ratios, 0.75);
     state.counters["limit"] = row.limit;
-    state.counters["bytes"] = row.unit == Unit::kBytes ? 1.0 : 0.0;
+    state.counters["bytes"] = row.unit == Unit::Bytes ? 1.0 : 0.0;
     state.SetLabel(std::string(row.per_what));
 }
 
@@ -77,7 +77,7 @@ void RunPairs(benchmark::State& state, const Row& row, const Side& component, co
             if (!component_first)
                 of_component = component();
             samples.Add(of_component, of_bare);
-            state.SetIterationTime(row.unit == Unit::kSeconds ? of_component : 1.0);
+            state.SetIterationTime(row.unit == Unit::Seconds ? of_component : 1.0);
         }
         Report(state, row, samples);
     } catch (const std::exception& error) {
@@ -87,7 +87,7 @@ void RunPairs(benchmark::State& state, const Row& row, const Side& component, co
 
 void UseClock(Clock clock)
 {
-    clock_id = clock == Clock::kWall ? CLOCK_MONOTONIC : CLOCK_THREAD_CPUTIME_ID;
+    clock_id = clock == Clock::Wall ? CLOCK_MONOTONIC : CLOCK_THREAD_CPUTIME_ID;
 }
 
 double SecondsOf(const std::function<void()>& action)

@@ -11,11 +11,11 @@ namespace karv_bench
 {
 
 /// The unit of a row of the table.
-enum class Unit { kSeconds, kBytes };
+enum class Unit { Seconds, Bytes };
 
 /// The unit, the limit and the scale of a row of the table.
 struct Row {
-    Unit unit = Unit::kSeconds;
+    Unit unit = Unit::Seconds;
     double limit = 0.0; ///< of the ratio; 0 for none
     /// Both figures are divided by this number and named "per `per_what`".
     double per = 1.0;
@@ -34,7 +34,7 @@ void RunPairs(benchmark::State& state, const Row& row, const Side& component, co
 
 /// The clock of `SecondsOf`: wall time, or the processor time of the calling thread. The latter depends less
 /// on other load and does not include the work of the rasteriser's own threads.
-enum class Clock { kWall, kThread };
+enum class Clock { Wall, Thread };
 void UseClock(Clock clock);
 
 /// Runs an action and returns its duration in seconds.

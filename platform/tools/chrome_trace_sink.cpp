@@ -55,7 +55,7 @@ int ThreadNumber()
 struct ChromeTraceSink::File {
     std::mutex mutex;
     std::string path;
-    std::optional<AtomicFile> output; ///< none once the sink is closed
+    std::unique_ptr<AtomicFile> output; ///< none once the sink is closed
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     std::map<int, std::vector<const wchar_t*>> open_calls; ///< by thread, innermost last
     std::optional<std::errc> error;                        ///< the first failure; nothing is written after it
@@ -111,7 +111,7 @@ struct ChromeTraceSink::File {
     template <typename Step>
     void Run(Step step) noexcept
     {
-        if (!output.has_value() || error.has_value())
+        if (output == nullptr || error.has_value())
             return;
         try {
             step();
@@ -127,7 +127,7 @@ ChromeTraceSink::ChromeTraceSink(const std::string& path) : file_(std::make_uniq
 {
     file_->path = path;
     try {
-        file_->output.emplace(path);
+        file_->output = std::make_unique<AtomicFile>(path);
     } catch (const AtomicFileError& failure) {
         Refuse(path, failure.Code());
     }
@@ -164,7 +164,7 @@ void ChromeTraceSink::ReportFault(const wchar_t* file, int line) noexcept
 void ChromeTraceSink::Close()
 {
     const std::lock_guard lock(file_->mutex);
-    if (!file_->output.has_value())
+    if (file_->output == nullptr)
         return;
     file_->Run([&] {
         file_->EndAll();
@@ -172,6 +172,6 @@ void ChromeTraceSink::Close()
         file_->output->Commit();
     });
     file_->output.reset();
-    if (file_->error.has_value())
-        Refuse(file_->path, *file_->error);
+    if (const std::optional<std::errc> error = file_->error)
+        Refuse(file_->path, *error);
 }

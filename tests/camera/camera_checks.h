@@ -17,9 +17,9 @@ inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
 inline constexpr float kNaNf = std::numeric_limits<float>::quiet_NaN();
 inline constexpr float kInfinityf = std::numeric_limits<float>::infinity();
 
-inline const AcGeVector3d& kX = AcGeVector3d::kXAxis;
-inline const AcGeVector3d& kY = AcGeVector3d::kYAxis;
-inline const AcGeVector3d& kZ = AcGeVector3d::kZAxis;
+inline const AcGeVector3d& x_axis = AcGeVector3d::kXAxis;
+inline const AcGeVector3d& y_axis = AcGeVector3d::kYAxis;
+inline const AcGeVector3d& z_axis = AcGeVector3d::kZAxis;
 
 /// The single-precision 16.66, widened: degrees of a field of view per unit of parallel zoom.
 inline constexpr double kDegreesPerZoom = 16.65999984741211;

@@ -18,12 +18,12 @@ using karv_test::kInfinityf;
 using karv_test::kNaN;
 using karv_test::kNaNf;
 using karv_test::kRadiansPerDegree;
-using karv_test::kX;
-using karv_test::kY;
-using karv_test::kZ;
 using karv_test::SameCamera;
 using karv_test::Sin;
 using karv_test::View;
+using karv_test::x_axis;
+using karv_test::y_axis;
+using karv_test::z_axis;
 
 namespace
 {
@@ -48,7 +48,7 @@ double Elevation(const KARVGLCamera& camera)
 TEST(CameraOrbit, TurnsEyeAndFrameAboutWorldZThroughTheTarget)
 {
     KARVGLCamera camera = FrontCamera(10.0, {1.0, 2.0, 3.0});
-    camera.RotateCamera(30.0F, kZ);
+    camera.RotateCamera(30.0F, z_axis);
     EXPECT_TRUE(IsAt(camera.position, 1.0 + 10.0 * Sin(30), 2.0 - 10.0 * Cos(30), 3.0));
     EXPECT_TRUE(IsAt(camera.xAxis, Cos(30), Sin(30), 0.0));
     EXPECT_TRUE(IsAt(camera.yAxis, -Sin(30), Cos(30), 0.0));
@@ -59,8 +59,8 @@ TEST(CameraOrbit, LeavesTargetAndUpVector)
 {
     KARVGLCamera camera = FrontCamera(10.0, {0.1, 0.2, 0.3});
     camera.upVector = {1.0, 2.0, 3.0};
-    camera.RotateCamera(77.0F, kZ);
-    camera.RotateCamera(20.0F, kX);
+    camera.RotateCamera(77.0F, z_axis);
+    camera.RotateCamera(20.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.target, 0.1, 0.2, 0.3, 0));
     EXPECT_TRUE(IsAt(camera.upVector, 1, 2, 3, 0));
 }
@@ -68,9 +68,9 @@ TEST(CameraOrbit, LeavesTargetAndUpVector)
 TEST(CameraOrbit, LeavesTheProjection)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(77.0F, kZ);
-    camera.RotateCamera(20.0F, kX);
-    camera.PanCamera(1.0F, kX);
+    camera.RotateCamera(77.0F, z_axis);
+    camera.RotateCamera(20.0F, x_axis);
+    camera.PanCamera(1.0F, x_axis);
     camera.ZoomCamera(1.0F);
     EXPECT_TRUE(karv_test::SameProjection(camera, KARVGLCamera()));
 }
@@ -79,7 +79,7 @@ TEST(CameraOrbit, AngleIsWidenedBeforeItBecomesRadians)
 {
     KARVGLCamera camera = FrontCamera(1.0);
     const float angle = 0.1F;
-    camera.RotateCamera(angle, kZ);
+    camera.RotateCamera(angle, z_axis);
     // 0.1F is 1.5e-9 degrees more than 0.1.
     ASSERT_GT(std::fabs(Sin(static_cast<double>(angle)) - Sin(0.1)), 1e-11);
     EXPECT_NEAR(camera.position.x, Sin(static_cast<double>(angle)), 1e-15);
@@ -87,25 +87,25 @@ TEST(CameraOrbit, AngleIsWidenedBeforeItBecomesRadians)
 
 TEST(CameraOrbit, ZeroAngleChangesNothing)
 {
-    EXPECT_FALSE(Tilts(FrontCamera(), 0.0F, kZ));
-    EXPECT_FALSE(Tilts(FrontCamera(), -0.0F, kZ));
-    EXPECT_FALSE(Tilts(FrontCamera(), 0.0F, kX));
+    EXPECT_FALSE(Tilts(FrontCamera(), 0.0F, z_axis));
+    EXPECT_FALSE(Tilts(FrontCamera(), -0.0F, z_axis));
+    EXPECT_FALSE(Tilts(FrontCamera(), 0.0F, x_axis));
 }
 
 TEST(CameraOrbit, AngleWhoseSquareIsBelowTheThresholdChangesNothing)
 {
-    EXPECT_FALSE(Tilts(FrontCamera(), 1e-11F, kZ));
-    EXPECT_FALSE(Tilts(FrontCamera(), -1e-11F, kX));
+    EXPECT_FALSE(Tilts(FrontCamera(), 1e-11F, z_axis));
+    EXPECT_FALSE(Tilts(FrontCamera(), -1e-11F, x_axis));
     // The square of the float below 1e-10 is 9.9999e-21.
-    EXPECT_FALSE(Tilts(FrontCamera(), 9.9999e-11F, kZ));
+    EXPECT_FALSE(Tilts(FrontCamera(), 9.9999e-11F, z_axis));
 }
 
 TEST(CameraOrbit, AngleWhoseSquareIsAboveTheThresholdTurns)
 {
     KARVGLCamera camera = FrontCamera(1.0);
-    camera.RotateCamera(2e-10F, kZ);
+    camera.RotateCamera(2e-10F, z_axis);
     EXPECT_NEAR(camera.position.x, 2e-10 * kRadiansPerDegree, 1e-18);
-    EXPECT_TRUE(Tilts(FrontCamera(), 2e-10F, kZ));
+    EXPECT_TRUE(Tilts(FrontCamera(), 2e-10F, z_axis));
 }
 
 TEST(CameraOrbit, ThresholdLiesBetweenTheFloatsAbout1e10th)
@@ -115,7 +115,7 @@ TEST(CameraOrbit, ThresholdLiesBetweenTheFloatsAbout1e10th)
     const float below = std::nextafter(above, 0.0F);
     ASSERT_GT(static_cast<double>(above), 1e-10);
     ASSERT_LT(static_cast<double>(below), 1e-10);
-    for (const AcGeVector3d& axis : {kX, kZ}) {
+    for (const AcGeVector3d& axis : {x_axis, z_axis}) {
         EXPECT_TRUE(Tilts(FrontCamera(), above, axis));
         EXPECT_TRUE(Tilts(FrontCamera(), -above, axis));
         EXPECT_FALSE(Tilts(FrontCamera(), below, axis));
@@ -126,20 +126,20 @@ TEST(CameraOrbit, ThresholdLiesBetweenTheFloatsAbout1e10th)
 TEST(CameraOrbit, AngleTooSmallForItsSquareToBeAFloatChangesNothing)
 {
     ASSERT_EQ(1e-30F * 1e-30F, 0.0F);
-    EXPECT_FALSE(Tilts(FrontCamera(), 1e-30F, kZ));
+    EXPECT_FALSE(Tilts(FrontCamera(), 1e-30F, z_axis));
 }
 
 TEST(CameraOrbit, HugeAngleIsTaken)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(3.6e6F + 90.0F, kZ);
+    camera.RotateCamera(3.6e6F + 90.0F, z_axis);
     EXPECT_TRUE(IsAt(camera.position, 10, 0, 0, 1e-6));
 }
 
 TEST(CameraOrbit, FullTurnComesBack)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(360.0F, kZ);
+    camera.RotateCamera(360.0F, z_axis);
     EXPECT_TRUE(IsAt(camera.position, 0, -10, 0));
 }
 
@@ -172,20 +172,20 @@ TEST(CameraOrbit, TurnsAboutTheAxisGivenAndNotWorldZItself)
 TEST(CameraOrbit, WorksFromStraightAboveAndFarAway)
 {
     KARVGLCamera camera = View(&KARVGLCamera::SetViewTop);
-    camera.RotateCamera(90.0F, kZ);
+    camera.RotateCamera(90.0F, z_axis);
     EXPECT_TRUE(IsAt(camera.position, 0, 0, 10));
     EXPECT_TRUE(IsAt(camera.xAxis, 0, 1, 0));
     EXPECT_TRUE(IsAt(camera.zAxis, -1, 0, 0));
 
     KARVGLCamera distant = FrontCamera(1e12);
-    distant.RotateCamera(90.0F, kZ);
+    distant.RotateCamera(90.0F, z_axis);
     EXPECT_TRUE(IsAt(distant.position, 1e12, 0, 0, 1.0));
 }
 
 TEST(CameraOrbit, EyeOnTheTargetTurnsTheFrameAlone)
 {
     KARVGLCamera camera;
-    camera.RotateCamera(90.0F, kZ);
+    camera.RotateCamera(90.0F, z_axis);
     EXPECT_TRUE(IsAt(camera.position, 0, 0, 0));
     EXPECT_TRUE(IsAt(camera.xAxis, 0, 1, 0));
 }
@@ -195,7 +195,7 @@ TEST(CameraOrbit, NaNAndInfiniteAnglesEndInNaNWithoutAFault)
     for (const float angle : {kNaNf, kInfinityf, -kInfinityf}) {
         const karv_test::TraceRecording trace;
         KARVGLCamera camera = FrontCamera();
-        camera.RotateCamera(angle, kZ);
+        camera.RotateCamera(angle, z_axis);
         EXPECT_TRUE(std::isnan(camera.position.x));
         EXPECT_TRUE(std::isnan(camera.xAxis.x));
         EXPECT_TRUE(IsAt(camera.target, 0, 0, 0, 0));
@@ -206,7 +206,7 @@ TEST(CameraOrbit, NaNAndInfiniteAnglesEndInNaNWithoutAFault)
 TEST(CameraTilt, PositiveAngleLiftsTheEye)
 {
     KARVGLCamera camera = FrontCamera(10.0, {1.0, 2.0, 3.0});
-    camera.RotateCamera(30.0F, kX);
+    camera.RotateCamera(30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 1.0, 2.0 - 10.0 * Cos(30), 3.0 + 10.0 * Sin(30)));
     EXPECT_TRUE(IsAt(camera.xAxis, 1.0, 0.0, 0.0));
     EXPECT_TRUE(IsAt(camera.yAxis, 0.0, Cos(30), -Sin(30)));
@@ -216,7 +216,7 @@ TEST(CameraTilt, PositiveAngleLiftsTheEye)
 TEST(CameraTilt, NegativeAngleLowersTheEye)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(-30.0F, kX);
+    camera.RotateCamera(-30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 0.0, -10.0 * Cos(30), -10.0 * Sin(30)));
 }
 
@@ -224,23 +224,17 @@ TEST(CameraTilt, FollowsTheLineOfSightAndNotTheAxis)
 {
     // From the right, the eye at +X: lifting it moves it in the plane of X and Z.
     KARVGLCamera camera = View(&KARVGLCamera::SetViewRight);
-    camera.RotateCamera(30.0F, kX);
+    camera.RotateCamera(30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 10.0 * Cos(30), 0.0, 10.0 * Sin(30)));
 }
 
 TEST(CameraTilt, AnyOtherAxisTiltsLikeWorldX)
 {
     KARVGLCamera expected = FrontCamera();
-    expected.RotateCamera(30.0F, kX);
+    expected.RotateCamera(30.0F, x_axis);
     const std::vector<AcGeVector3d> axes = {
-        kY,
-        {0.0, 0.0, -1.0},
-        {0.0, 0.0, 2.0},
-        {0.0, 0.0, 0.0},
-        {-1.0, 0.0, 0.0},
-        {0.3, 0.4, 0.5},
-        {0.0, 0.0, 1.0 + 1e-9},
-        {kNaN, kNaN, kNaN},
+        y_axis,           {0.0, 0.0, -1.0}, {0.0, 0.0, 2.0},        {0.0, 0.0, 0.0},
+        {-1.0, 0.0, 0.0}, {0.3, 0.4, 0.5},  {0.0, 0.0, 1.0 + 1e-9}, {kNaN, kNaN, kNaN},
     };
     for (const AcGeVector3d& axis : axes) {
         KARVGLCamera camera = FrontCamera();
@@ -252,7 +246,7 @@ TEST(CameraTilt, AnyOtherAxisTiltsLikeWorldX)
 TEST(CameraTilt, From90DegreesOneOf88IsAllowed)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(88.0F, kX);
+    camera.RotateCamera(88.0F, x_axis);
     EXPECT_NEAR(Elevation(camera), 88.0, 1e-9);
     EXPECT_TRUE(IsOrthonormal(camera));
 }
@@ -289,7 +283,7 @@ TEST(CameraTilt, TheLimitOfOneDegreeItselfIsAllowed)
     // From straight below, 0 plus one degree is the lower bound to the last bit.
     KARVGLCamera camera;
     camera.position = {0.0, 0.0, -10.0};
-    ASSERT_EQ((camera.target - camera.position).angleTo(kZ), 0.0);
+    ASSERT_EQ((camera.target - camera.position).angleTo(z_axis), 0.0);
     EXPECT_TRUE(Tilts(camera, 1.0F));
     EXPECT_FALSE(Tilts(camera, std::nextafter(1.0F, 0.0F)));
 }
@@ -317,7 +311,7 @@ TEST(CameraTilt, NextFloatPastTheLimitIsRefused)
 TEST(CameraTilt, LimitHoldsFromWhereTheCameraIs)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(60.0F, kX);
+    camera.RotateCamera(60.0F, x_axis);
     EXPECT_FALSE(Tilts(camera, 29.5F));
     EXPECT_TRUE(Tilts(camera, 28.5F));
     EXPECT_FALSE(Tilts(camera, -149.5F));
@@ -327,18 +321,18 @@ TEST(CameraTilt, LimitHoldsFromWhereTheCameraIs)
 TEST(CameraTilt, RefusedStepIsNotCutToTheLimit)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(80.0F, kX);
+    camera.RotateCamera(80.0F, x_axis);
     const KARVGLCamera before = camera;
-    camera.RotateCamera(45.0F, kX);
+    camera.RotateCamera(45.0F, x_axis);
     EXPECT_TRUE(SameCamera(camera, before));
-    camera.RotateCamera(5.0F, kX);
+    camera.RotateCamera(5.0F, x_axis);
     EXPECT_NEAR(Elevation(camera), 85.0, 1e-9);
 }
 
 TEST(CameraTilt, Exactly90DegreesUpIsAlwaysAllowed)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(90.0F, kX);
+    camera.RotateCamera(90.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 0, 0, 10));
     EXPECT_TRUE(IsAt(camera.yAxis, 0, 0, -1));
 }
@@ -346,7 +340,7 @@ TEST(CameraTilt, Exactly90DegreesUpIsAlwaysAllowed)
 TEST(CameraTilt, Exactly90DegreesDownIsAlwaysAllowed)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(-90.0F, kX);
+    camera.RotateCamera(-90.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 0, 0, -10));
     EXPECT_TRUE(IsAt(camera.yAxis, 0, 0, 1));
 }
@@ -354,8 +348,8 @@ TEST(CameraTilt, Exactly90DegreesDownIsAlwaysAllowed)
 TEST(CameraTilt, Exactly90DegreesMayPassOverThePole)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.RotateCamera(60.0F, kX);
-    camera.RotateCamera(90.0F, kX);
+    camera.RotateCamera(60.0F, x_axis);
+    camera.RotateCamera(90.0F, x_axis);
     // 150 degrees from the front, so on the far side, 30 degrees above the level.
     EXPECT_TRUE(IsAt(camera.position, 0.0, -10.0 * Cos(150), 10.0 * Sin(150)));
 }
@@ -370,7 +364,7 @@ TEST(CameraTilt, NeighborsOf90DegreesAreNotExempt)
 TEST(CameraTilt, FromTheTopTurnsAboutWorldX)
 {
     KARVGLCamera camera = View(&KARVGLCamera::SetViewTop);
-    camera.RotateCamera(-30.0F, kX);
+    camera.RotateCamera(-30.0F, x_axis);
     // 180 - 30 degrees from +Z: back towards the front view.
     EXPECT_TRUE(IsAt(camera.position, 0.0, -10.0 * Sin(30), 10.0 * Cos(30)));
 }
@@ -385,7 +379,7 @@ TEST(CameraTilt, FromTheTopCannotLiftFurther)
 TEST(CameraTilt, FromTheBottomTurnsAboutWorldX)
 {
     KARVGLCamera camera = View(&KARVGLCamera::SetViewBottom);
-    camera.RotateCamera(30.0F, kX);
+    camera.RotateCamera(30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 0.0, -10.0 * Sin(30), -10.0 * Cos(30)));
     EXPECT_FALSE(Tilts(View(&KARVGLCamera::SetViewBottom), -1.0F));
 }
@@ -393,8 +387,8 @@ TEST(CameraTilt, FromTheBottomTurnsAboutWorldX)
 TEST(CameraTilt, FromAnOrbitedTopStillTurnsAboutWorldX)
 {
     KARVGLCamera camera = View(&KARVGLCamera::SetViewTop);
-    camera.RotateCamera(90.0F, kZ);
-    camera.RotateCamera(-30.0F, kX);
+    camera.RotateCamera(90.0F, z_axis);
+    camera.RotateCamera(-30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 0.0, -10.0 * Sin(30), 10.0 * Cos(30)));
 }
 
@@ -403,7 +397,7 @@ TEST(CameraTilt, FromWithinTheToleranceOfStraightAboveTurnsAboutWorldX)
     // 5e-10 in 10 is an angle of 5e-11, half of the tolerance.
     KARVGLCamera camera;
     camera.position = {5e-10, 0.0, 10.0};
-    camera.RotateCamera(-30.0F, kX);
+    camera.RotateCamera(-30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 5e-10, -10.0 * Sin(30), 10.0 * Cos(30)));
 }
 
@@ -413,7 +407,7 @@ TEST(CameraTilt, FromBeyondTheToleranceOfStraightAboveFollowsTheLineOfSight)
     // to, +X.
     KARVGLCamera camera;
     camera.position = {1e-8, 0.0, 10.0};
-    camera.RotateCamera(-30.0F, kX);
+    camera.RotateCamera(-30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 10.0 * Sin(30), 0.0, 10.0 * Cos(30), 1e-7));
 }
 
@@ -423,14 +417,14 @@ TEST(CameraTilt, ToleranceOfStraightAboveIsThatOfTheProcess)
     const GlobalTolerance coarse(0.1);
     KARVGLCamera camera;
     camera.position = {0.5, 0.0, 10.0};
-    camera.RotateCamera(-30.0F, kX);
+    camera.RotateCamera(-30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 0.5, -10.0 * Sin(30), 10.0 * Cos(30)));
 }
 
 TEST(CameraTilt, EyeOnTheTargetTurnsTheFrameAboutWorldX)
 {
     KARVGLCamera camera;
-    camera.RotateCamera(30.0F, kX);
+    camera.RotateCamera(30.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 0, 0, 0, 0));
     EXPECT_TRUE(IsAt(camera.xAxis, 1, 0, 0));
     EXPECT_TRUE(IsAt(camera.yAxis, 0, Cos(30), -Sin(30)));
@@ -464,7 +458,7 @@ TEST(CameraTilt, ThousandSmallStepsStopInsideTheLimit)
 {
     KARVGLCamera camera = FrontCamera();
     for (int i = 0; i < 1000; ++i)
-        camera.RotateCamera(0.5F, kX);
+        camera.RotateCamera(0.5F, x_axis);
     EXPECT_LE(Elevation(camera), 89.0 + 1e-6);
     EXPECT_GE(Elevation(camera), 88.5 - 1e-6);
     EXPECT_NEAR((camera.position - camera.target).length(), 10.0, 1e-9);

@@ -13,22 +13,22 @@ using karv_test::GlobalTolerance;
 using karv_test::IsAt;
 using karv_test::kInfinityf;
 using karv_test::kNaNf;
-using karv_test::kX;
-using karv_test::kY;
-using karv_test::kZ;
 using karv_test::SameCamera;
 using karv_test::SameFrame;
 using karv_test::SamePlace;
 using karv_test::Sin;
 using karv_test::View;
+using karv_test::x_axis;
+using karv_test::y_axis;
+using karv_test::z_axis;
 
 TEST(CameraPan, FrontViewMovesAlongWorldXAndZ)
 {
     KARVGLCamera camera = FrontCamera(10.0, {1.0, 2.0, 3.0});
-    camera.PanCamera(2.5F, kX);
+    camera.PanCamera(2.5F, x_axis);
     EXPECT_TRUE(IsAt(camera.position, 3.5, -8, 3));
     EXPECT_TRUE(IsAt(camera.target, 3.5, 2, 3));
-    camera.PanCamera(-1.5F, kZ);
+    camera.PanCamera(-1.5F, z_axis);
     EXPECT_TRUE(IsAt(camera.position, 3.5, -8, 1.5));
     EXPECT_TRUE(IsAt(camera.target, 3.5, 2, 1.5));
 }
@@ -38,17 +38,17 @@ TEST(CameraPan, LeavesTheFrame)
     KARVGLCamera camera = View(&KARVGLCamera::SetViewSE);
     camera.upVector = {1.0, 2.0, 3.0};
     const KARVGLCamera before = camera;
-    camera.PanCamera(3.0F, kX);
-    camera.PanCamera(3.0F, kZ);
+    camera.PanCamera(3.0F, x_axis);
+    camera.PanCamera(3.0F, z_axis);
     EXPECT_TRUE(SameFrame(camera, before));
 }
 
 TEST(CameraPan, AnyAxisButWorldXMovesUpTheScreen)
 {
     KARVGLCamera expected = FrontCamera();
-    expected.PanCamera(2.0F, kZ);
+    expected.PanCamera(2.0F, z_axis);
     const std::vector<AcGeVector3d> axes = {
-        kY, {-1.0, 0.0, 0.0}, {2.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {1.0 + 1e-9, 0.0, 0.0}};
+        y_axis, {-1.0, 0.0, 0.0}, {2.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {1.0 + 1e-9, 0.0, 0.0}};
     for (const AcGeVector3d& axis : axes) {
         KARVGLCamera camera = FrontCamera();
         camera.PanCamera(2.0F, axis);
@@ -68,7 +68,7 @@ TEST(CameraPan, FromWithinTheToleranceOfStraightAboveRightIsWorldX)
     // 5e-10 in 10 is an angle of 5e-11, half of the tolerance.
     KARVGLCamera camera;
     camera.position = {5e-10, 0.0, 10.0};
-    camera.PanCamera(2.0F, kX);
+    camera.PanCamera(2.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.target, 2, 0, 0));
 }
 
@@ -77,7 +77,7 @@ TEST(CameraPan, FromBeyondTheToleranceOfStraightAboveRightFollowsTheLineOfSight)
     // Ten times the tolerance: the eye leans to +X, so it looks along -X, and its right is +Y.
     KARVGLCamera camera;
     camera.position = {1e-8, 0.0, 10.0};
-    camera.PanCamera(2.0F, kX);
+    camera.PanCamera(2.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.target, 0, 2, 0));
 }
 
@@ -92,20 +92,20 @@ TEST(CameraPan, ToleranceIsThatOfTheProcess)
 
     KARVGLCamera steep;
     steep.position = {0.5, 0.0, 10.0};
-    steep.PanCamera(2.0F, kX);
+    steep.PanCamera(2.0F, x_axis);
     EXPECT_TRUE(IsAt(steep.target, 2, 0, 0));
 
     // The eye leans by 0.0625 in 0.25 to +X. The right direction is +Y, of length 0.0625, and is not
     // brought to length 1.
     KARVGLCamera leaning;
     leaning.position = {0.0625, 0.0, 0.25};
-    leaning.PanCamera(2.0F, kX);
+    leaning.PanCamera(2.0F, x_axis);
     EXPECT_TRUE(IsAt(leaning.target, 0, 0.125, 0));
 
     // A line of sight of 0.0625 has no length. Otherwise the right direction from the back would be -X.
     KARVGLCamera close;
     close.position = {0.0, 0.0625, 0.0};
-    close.PanCamera(2.0F, kX);
+    close.PanCamera(2.0F, x_axis);
     EXPECT_TRUE(IsAt(close.target, 2, 0, 0));
 }
 
@@ -113,8 +113,8 @@ TEST(CameraPan, ZeroAmountMovesNothing)
 {
     KARVGLCamera camera = View(&KARVGLCamera::SetViewNE);
     const KARVGLCamera before = camera;
-    camera.PanCamera(0.0F, kX);
-    camera.PanCamera(0.0F, kZ);
+    camera.PanCamera(0.0F, x_axis);
+    camera.PanCamera(0.0F, z_axis);
     EXPECT_TRUE(SameCamera(camera, before));
 }
 
@@ -122,8 +122,8 @@ TEST(CameraPan, MovesAreOfTheAmountAtAnyDistance)
 {
     for (const double distance : {1e-4, 1.0, 1e9}) {
         KARVGLCamera camera = FrontCamera(distance);
-        camera.PanCamera(3.0F, kX);
-        camera.PanCamera(4.0F, kZ);
+        camera.PanCamera(3.0F, x_axis);
+        camera.PanCamera(4.0F, z_axis);
         EXPECT_TRUE(IsAt(camera.target, 3, 0, 4)) << distance;
     }
 }
@@ -131,7 +131,7 @@ TEST(CameraPan, MovesAreOfTheAmountAtAnyDistance)
 TEST(CameraPan, AmountIsA32BitFloat)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.PanCamera(0.1F, kX);
+    camera.PanCamera(0.1F, x_axis);
     EXPECT_EQ(camera.target.x, static_cast<double>(0.1F));
 }
 
@@ -140,17 +140,17 @@ TEST(CameraPan, CloserThanTheToleranceUpIsNotNormalized)
     // At a distance of 1e-6 the right direction is 1e-6 long, more than the tolerance of 1e-10, and is
     // normalized. The direction down the screen is 1e-12 long, which is less, and is not normalized.
     KARVGLCamera camera = FrontCamera(1e-6);
-    camera.PanCamera(3.0F, kX);
+    camera.PanCamera(3.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.target, 3, 0, 0));
-    camera.PanCamera(4.0F, kZ);
+    camera.PanCamera(4.0F, z_axis);
     EXPECT_NEAR(camera.target.z, 4.0 * 1e-12, 1e-24);
 }
 
 TEST(CameraPan, EyeOnTheTargetMovesAlongWorldXAlone)
 {
     KARVGLCamera camera;
-    camera.PanCamera(3.0F, kX);
-    camera.PanCamera(4.0F, kZ);
+    camera.PanCamera(3.0F, x_axis);
+    camera.PanCamera(4.0F, z_axis);
     EXPECT_TRUE(IsAt(camera.position, 3, 0, 0, 0));
     EXPECT_TRUE(IsAt(camera.target, 3, 0, 0, 0));
 }
@@ -158,7 +158,7 @@ TEST(CameraPan, EyeOnTheTargetMovesAlongWorldXAlone)
 TEST(CameraPan, NaNSpoilsThePlaceAndNotTheFrame)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.PanCamera(kNaNf, kX);
+    camera.PanCamera(kNaNf, x_axis);
     EXPECT_TRUE(std::isnan(camera.position.x));
     EXPECT_TRUE(std::isnan(camera.target.x));
     EXPECT_TRUE(SameFrame(camera, FrontCamera()));
@@ -167,7 +167,7 @@ TEST(CameraPan, NaNSpoilsThePlaceAndNotTheFrame)
 TEST(CameraPan, InfiniteAmountIsTaken)
 {
     KARVGLCamera camera = FrontCamera();
-    camera.PanCamera(kInfinityf, kX);
+    camera.PanCamera(kInfinityf, x_axis);
     EXPECT_EQ(camera.target.x, std::numeric_limits<double>::infinity());
     EXPECT_TRUE(SameFrame(camera, FrontCamera()));
 }
@@ -177,9 +177,9 @@ TEST(CameraPan, HundredStepsAndBackReturnToTheStart)
     KARVGLCamera camera = View(&KARVGLCamera::SetViewSW);
     const KARVGLCamera before = camera;
     for (int i = 0; i < 100; ++i)
-        camera.PanCamera(0.7F, i % 2 == 0 ? kX : kZ);
+        camera.PanCamera(0.7F, i % 2 == 0 ? x_axis : z_axis);
     for (int i = 0; i < 100; ++i)
-        camera.PanCamera(-0.7F, i % 2 == 0 ? kX : kZ);
+        camera.PanCamera(-0.7F, i % 2 == 0 ? x_axis : z_axis);
     EXPECT_TRUE(IsAt(camera.target, before.target.x, before.target.y, before.target.z, 1e-10));
 }
 
@@ -238,9 +238,9 @@ TEST_P(PanInView, MovesRightAndUpOnTheScreen)
     const AcGePoint3d eye = camera.position;
     const AcGeVector3d& right = GetParam().right;
     const AcGeVector3d& up = GetParam().up;
-    camera.PanCamera(2.0F, kX);
+    camera.PanCamera(2.0F, x_axis);
     EXPECT_TRUE(IsAt(camera.target, 2 * right.x, 2 * right.y, 2 * right.z));
-    camera.PanCamera(3.0F, kZ);
+    camera.PanCamera(3.0F, z_axis);
     const AcGeVector3d moved = right * 2.0 + up * 3.0;
     EXPECT_TRUE(IsAt(camera.target, moved.x, moved.y, moved.z));
     EXPECT_TRUE(IsAt(camera.position, eye.x + moved.x, eye.y + moved.y, eye.z + moved.z));

@@ -2,6 +2,7 @@
 //
 // Lighting: a side seen face on has its full colour plus the white highlight of 0.5. Red face on is (1, 0.5,
 // 0.5).
+#include "tests/control/shared_constants.h"
 #include "tests/support/control_test.h"
 
 #include "platform/modeler/primitives.h"
@@ -20,13 +21,6 @@ using testing::Not;
 
 namespace
 {
-
-constexpr int kRed = 1;
-constexpr int kGreen = 3;
-constexpr int kSide = 96; // width and height of the picture, in pixels
-constexpr int kMiddle = kSide / 2;
-const Pixel kBlack{0, 0, 0};
-const Pixel kRedFaceOn{255, 128, 128};
 
 class ControlBodyFeed : public ControlTest
 {

@@ -1,4 +1,5 @@
 // The camera commands of the control: their effect on camera and zoom, and the GL calls they make.
+#include "tests/control/shared_constants.h"
 #include "tests/support/control_test.h"
 
 #include "platform/winsys/opengl.h"
@@ -14,7 +15,6 @@ using testing::IsEmpty;
 namespace
 {
 
-constexpr double kRounding = 1e-6;
 constexpr double kIsoTilt = 35.263999938964844; // 35.264 as a float
 
 /// A control of aspect 2 whose scene has its centre at (1.5, 2, 0) and size 6 (a diagonal of 5, times 1.2).

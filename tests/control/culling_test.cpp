@@ -21,11 +21,11 @@ class ControlCulling : public ControlTest
   protected:
     ControlCulling() : control_(NewControl())
     {
-        constexpr double right = kWidth;
-        constexpr double top = kHeight;
+        constexpr double kRight = kWidth;
+        constexpr double kTop = kHeight;
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
-        glOrtho(0.0, right, 0.0, top, -10.0, 10.0);
+        glOrtho(0.0, kRight, 0.0, kTop, -10.0, 10.0);
         glMatrixMode(GL_MODELVIEW);
         glLoadIdentity();
     }

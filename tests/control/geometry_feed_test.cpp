@@ -1,4 +1,5 @@
 // The effect of appended geometry: the cache, the face total, the switches of the categories.
+#include "tests/control/shared_constants.h"
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -15,8 +16,6 @@ using testing::Pair;
 
 namespace
 {
-
-constexpr int kRed = 1;
 
 /// The lines of a trace without those of the entity's inner steps.
 std::vector<std::string> WithoutInnerSteps(const TraceRecording& trace)

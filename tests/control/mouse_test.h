@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/winsys/opengl.h"
+#include "tests/control/shared_constants.h"
 #include "tests/support/control_test.h"
 
 #include <array>
@@ -11,8 +12,6 @@
 
 namespace karv_test
 {
-
-inline constexpr double kRounding = 1e-6;
 
 inline double Radians(double degrees)
 {

@@ -2,6 +2,7 @@
 //
 // Lighting: the light shines along the line of sight, so a side seen face on has its full colour plus the
 // white highlight of 0.5. Red face on is (1, 0.5, 0.5).
+#include "tests/control/shared_constants.h"
 #include "tests/support/control_test.h"
 
 #include "platform/host/db/entities.h"
@@ -15,20 +16,6 @@ using namespace karv_test;
 
 namespace
 {
-
-constexpr int kSide = 96; // width and height of the picture, in pixels
-constexpr int kMiddle = kSide / 2;
-
-/// Colour indices; the bits of red, green and blue of each, as in `HueOf`.
-constexpr int kRed = 1;
-constexpr int kYellow = 2;
-constexpr int kGreen = 3;
-constexpr int kCyan = 4;
-constexpr int kBlue = 5;
-constexpr int kMagenta = 6;
-
-const Pixel kBlack{0, 0, 0};
-const Pixel kRedFaceOn{255, 128, 128};
 
 /// The colour index of a lit surface by its brightest channels, 0 for the black background. A full channel is
 /// at least half again as bright as the highlight alone.

@@ -1,4 +1,5 @@
 // The redraw, which applies queued motion to the camera, and size messages.
+#include "tests/control/shared_constants.h"
 #include "tests/support/control_test.h"
 
 #include "platform/winsys/opengl.h"
@@ -13,8 +14,6 @@ using testing::IsEmpty;
 
 namespace
 {
-
-constexpr double kRounding = 1e-6;
 
 /// A control whose camera is 10 units in front of the origin.
 class ControlRedraw : public ControlTest

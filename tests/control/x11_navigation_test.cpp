@@ -6,6 +6,7 @@
 // of that is 0.41569 x tan 20 degrees = 0.1513 at the distance of the centre.
 #include "control/KARVOpenGLControl.h"
 #include "platform/winsys/backend.h"
+#include "tests/control/shared_constants.h"
 #include "tests/support/x11_test.h"
 
 #include <algorithm>
@@ -18,9 +19,6 @@ namespace
 
 constexpr int kWidth = 300;
 constexpr int kHeight = 200;
-
-constexpr unsigned short kGreen = 3;
-constexpr unsigned short kBlue = 5;
 
 /// The pixels of one colour: their number and their middle.
 struct Blob {
@@ -41,11 +39,13 @@ class X11Navigation : public X11ManagedTest
         control_.SetBgColor(0, 0, 0);
         control_.ComputeExtents(false);
         control_.OverrideExtents({0.0, 0.0, 0.0}, {0.2, 0.2, 0.2});
-        constexpr double a = 0.05;
-        constexpr double b = 0.15;
+        constexpr double kLow = 0.05;
+        constexpr double kHigh = 0.15;
         // The front and the left side, clockwise seen from outside.
-        Append({{a, a, a}, {a, a, b}, {b, a, b}, {b, a, a}}, {0.0, -1.0, 0.0}, kGreen);
-        Append({{a, b, a}, {a, b, b}, {a, a, b}, {a, a, a}}, {-1.0, 0.0, 0.0}, kBlue);
+        Append({{kLow, kLow, kLow}, {kLow, kLow, kHigh}, {kHigh, kLow, kHigh}, {kHigh, kLow, kLow}},
+               {0.0, -1.0, 0.0}, kGreen);
+        Append({{kLow, kHigh, kLow}, {kLow, kHigh, kHigh}, {kLow, kLow, kHigh}, {kLow, kLow, kLow}},
+               {-1.0, 0.0, 0.0}, kBlue);
         control_.CameraViewFront();
         control_.OnDraw(nullptr);
         origin_ = client_.PositionOnScreen(managed_id_);

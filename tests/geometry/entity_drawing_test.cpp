@@ -18,6 +18,7 @@
 using karv_test::EntityOf;
 using karv_test::GlRecording;
 using karv_test::IsNear;
+using karv_test::Lines;
 using karv_test::Square;
 using karv_test::ThrowAt;
 using karv_test::TraceRecording;
@@ -28,16 +29,6 @@ using Entity = KARVGraphicalEntity;
 
 namespace
 {
-
-/// An entity of line ends only, of colour (0.25, 0.5, 0.75) and opacity 0.5.
-Entity Lines(std::vector<KARVGLVertex> ends)
-{
-    Entity entity;
-    entity.lineVertices = std::move(ends);
-    entity.color = {0.25, 0.5, 0.75};
-    entity.alpha = 0.5F;
-    return entity;
-}
 
 /// An entity of faces without display lists, of the same colour and opacity.
 Entity Faces(std::vector<KARVGLFace> faces)

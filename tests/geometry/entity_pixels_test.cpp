@@ -15,7 +15,10 @@
 using karv_test::EntityOf;
 using karv_test::Face;
 using karv_test::IsNear;
+using karv_test::kBlack;
 using karv_test::kRed;
+using karv_test::kRedPixel;
+using karv_test::Lines;
 using karv_test::LShape;
 using karv_test::Picture;
 using karv_test::Pixel;
@@ -28,19 +31,6 @@ using Entity = KARVGraphicalEntity;
 
 namespace
 {
-
-constexpr Pixel kBlack{0, 0, 0};
-constexpr Pixel kRedPixel{255, 0, 0};
-
-/// An entity of line ends only, of colour (0.25, 0.5, 0.75) and opacity 0.5.
-Entity Lines(std::vector<KARVGLVertex> ends)
-{
-    Entity entity;
-    entity.lineVertices = std::move(ends);
-    entity.color = {0.25, 0.5, 0.75};
-    entity.alpha = 0.5F;
-    return entity;
-}
 
 class EntityShown : public karv_test::GlTest
 {

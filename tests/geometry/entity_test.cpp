@@ -280,13 +280,15 @@ TEST(Entity, SetColorPassesTheFullIndexToThePalette)
 
 TEST(Entity, SetColorMultipliesEveryChannelIn64Bits)
 {
-    constexpr double k = 0.00392156862745098;
+    constexpr double kPerStep = 0.00392156862745098;
     Entity entity;
     for (unsigned short index = 0; index < 300; ++index) {
         AcCmColor color;
         color.setColorIndex(index);
         entity.SetColor(index);
-        EXPECT_EQ(entity.color, KARVGLVertex(color.red() * k, color.green() * k, color.blue() * k)) << index;
+        EXPECT_EQ(entity.color,
+                  KARVGLVertex(color.red() * kPerStep, color.green() * kPerStep, color.blue() * kPerStep))
+            << index;
     }
 }
 

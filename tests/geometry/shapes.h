@@ -24,6 +24,16 @@ inline KARVGLFace Face(std::initializer_list<KARVGLVertex> corners,
     return face;
 }
 
+/// An entity of line ends only, of colour (0.25, 0.5, 0.75) and opacity 0.5.
+inline KARVGraphicalEntity Lines(std::vector<KARVGLVertex> ends)
+{
+    KARVGraphicalEntity entity;
+    entity.lineVertices = std::move(ends);
+    entity.color = {0.25, 0.5, 0.75};
+    entity.alpha = 0.5F;
+    return entity;
+}
+
 inline KARVGLFace Triangle()
 {
     return Face({{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}});

@@ -24,7 +24,9 @@ using karv_test::GlCall;
 using karv_test::GlRecording;
 using karv_test::GlTestWindow;
 using karv_test::IsNear;
+using karv_test::kBlack;
 using karv_test::kRed;
+using karv_test::kRedPixel;
 using karv_test::LShape;
 using karv_test::Pixel;
 using karv_test::Square;
@@ -38,9 +40,6 @@ using Point = std::array<double, 2>;
 
 namespace
 {
-
-constexpr Pixel kBlack{0, 0, 0};
-constexpr Pixel kRedPixel{255, 0, 0};
 
 using Point = std::array<double, 2>;
 

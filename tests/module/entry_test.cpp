@@ -188,13 +188,13 @@ class ModuleNotifications : public testing::Test
     }
     void TearDown() override
     {
-        DllMain(kOwn, kDetach, nullptr);
+        DllMain(own_, kDetach, nullptr);
         karv::module_instance = nullptr;
         AfxSetResourceHandle(nullptr);
     }
     [[nodiscard]] static ExtensionModule& Record() { return karv::extension_module; }
 
-    const HINSTANCE kOwn = Instance(0x10000);
+    const HINSTANCE own_ = Instance(0x10000);
 };
 
 TEST(ExtensionModuleRecord, NewOneIsZero)
@@ -211,39 +211,39 @@ TEST(ExtensionModuleRecord, NewOneIsZero)
 
 TEST_F(ModuleNotifications, AttachJoinsTheChainOnce)
 {
-    EXPECT_EQ(DllMain(kOwn, kAttach, nullptr), TRUE);
-    EXPECT_EQ(karv::module_instance, kOwn);
+    EXPECT_EQ(DllMain(own_, kAttach, nullptr), TRUE);
+    EXPECT_EQ(karv::module_instance, own_);
     EXPECT_EQ(Record().attached, 1);
-    EXPECT_EQ(Record().module_resources, kOwn);
-    EXPECT_EQ(Record().state.hModule, kOwn);
-    EXPECT_THAT(Chain(), ElementsAre(kOwn));
+    EXPECT_EQ(Record().module_resources, own_);
+    EXPECT_EQ(Record().state.hModule, own_);
+    EXPECT_THAT(Chain(), ElementsAre(own_));
     EXPECT_EQ(AfxGetModuleState()->m_pFirstDLL->m_bSystem, FALSE);
-    EXPECT_EQ(AfxGetModuleState()->m_pFirstDLL->m_hResource, kOwn);
+    EXPECT_EQ(AfxGetModuleState()->m_pFirstDLL->m_hResource, own_);
 }
 
 TEST_F(ModuleNotifications, DefaultResourcesAreThoseCurrentAtTheAttachment)
 {
     AfxSetResourceHandle(Instance(0x77000));
-    DllMain(kOwn, kAttach, nullptr);
+    DllMain(own_, kAttach, nullptr);
     AfxSetResourceHandle(Instance(0x88000));
     EXPECT_EQ(Record().default_resources, Instance(0x77000));
-    DllMain(kOwn, kAttach, nullptr);
+    DllMain(own_, kAttach, nullptr);
     EXPECT_EQ(Record().default_resources, Instance(0x77000)) << "attached already";
 }
 
 TEST_F(ModuleNotifications, AttachLeavesTheDefaultResourcesAsTheyAre)
 {
     AfxSetResourceHandle(Instance(0x77000));
-    DllMain(kOwn, kAttach, nullptr);
+    DllMain(own_, kAttach, nullptr);
     EXPECT_EQ(AfxGetResourceHandle(), Instance(0x77000));
 }
 
 TEST_F(ModuleNotifications, SecondAttachKeepsOneRecordAndNotesTheHandle)
 {
-    DllMain(kOwn, kAttach, nullptr);
+    DllMain(own_, kAttach, nullptr);
     EXPECT_EQ(DllMain(Instance(0x20000), kAttach, nullptr), TRUE);
-    EXPECT_THAT(Chain(), ElementsAre(kOwn));
-    EXPECT_EQ(Record().module_resources, kOwn);
+    EXPECT_THAT(Chain(), ElementsAre(own_));
+    EXPECT_EQ(Record().module_resources, own_);
     EXPECT_EQ(karv::module_instance, Instance(0x20000));
 }
 
@@ -265,27 +265,27 @@ TEST_F(ModuleNotifications, AttachWithoutMemoryForTheChainIsAnsweredWithSuccess)
     BOOL answer = FALSE;
     {
         const karv_test::AllocationRefusal refusal(1);
-        answer = DllMain(kOwn, kAttach, nullptr);
+        answer = DllMain(own_, kAttach, nullptr);
     }
     EXPECT_EQ(answer, TRUE);
     EXPECT_EQ(Record().attached, 1);
     EXPECT_THAT(Chain(), IsEmpty());
-    EXPECT_EQ(DllMain(kOwn, kDetach, nullptr), TRUE);
+    EXPECT_EQ(DllMain(own_, kDetach, nullptr), TRUE);
     EXPECT_EQ(Record().attached, 0);
 }
 
 TEST_F(ModuleNotifications, AttachAfterARefusalAttaches)
 {
     DllMain(nullptr, kAttach, nullptr);
-    DllMain(kOwn, kAttach, nullptr);
+    DllMain(own_, kAttach, nullptr);
     EXPECT_EQ(Record().attached, 1);
-    EXPECT_THAT(Chain(), ElementsAre(kOwn));
+    EXPECT_THAT(Chain(), ElementsAre(own_));
 }
 
 TEST_F(ModuleNotifications, DetachLeavesTheChainAndClearsTheFlag)
 {
-    DllMain(kOwn, kAttach, nullptr);
-    EXPECT_EQ(DllMain(kOwn, kDetach, nullptr), TRUE);
+    DllMain(own_, kAttach, nullptr);
+    EXPECT_EQ(DllMain(own_, kDetach, nullptr), TRUE);
     EXPECT_EQ(Record().attached, 0);
     EXPECT_EQ(Record().state.bInitialized, FALSE);
     EXPECT_THAT(Chain(), IsEmpty());
@@ -296,25 +296,25 @@ TEST_F(ModuleNotifications, DetachTakesOnlyTheModulesOwnPlace)
     AFX_EXTENSION_MODULE other;
     AfxInitExtensionModule(other, Instance(0x30000));
     const auto record = std::make_unique<CDynLinkLibrary>(other);
-    DllMain(kOwn, kAttach, nullptr);
-    DllMain(kOwn, kDetach, nullptr);
+    DllMain(own_, kAttach, nullptr);
+    DllMain(own_, kDetach, nullptr);
     EXPECT_THAT(Chain(), ElementsAre(Instance(0x30000)));
 }
 
 TEST_F(ModuleNotifications, DetachWithoutAttachDoesNothing)
 {
-    EXPECT_EQ(DllMain(kOwn, kDetach, nullptr), TRUE);
+    EXPECT_EQ(DllMain(own_, kDetach, nullptr), TRUE);
     EXPECT_EQ(Record().attached, 0);
     EXPECT_EQ(karv::module_instance, nullptr);
 }
 
 TEST_F(ModuleNotifications, DetachTwiceTerminatesOnce)
 {
-    DllMain(kOwn, kAttach, nullptr);
-    DllMain(kOwn, kDetach, nullptr);
+    DllMain(own_, kAttach, nullptr);
+    DllMain(own_, kDetach, nullptr);
     // A second termination would end this state, because it has the same address.
-    AfxInitExtensionModule(Record().state, kOwn);
-    DllMain(kOwn, kDetach, nullptr);
+    AfxInitExtensionModule(Record().state, own_);
+    DllMain(own_, kDetach, nullptr);
     EXPECT_EQ(Record().state.bInitialized, TRUE);
     AfxTermExtensionModule(Record().state);
 }
@@ -322,33 +322,33 @@ TEST_F(ModuleNotifications, DetachTwiceTerminatesOnce)
 TEST_F(ModuleNotifications, ThreadsChangeNothing)
 {
     for (const DWORD reason : {kThreadAttach, kThreadDetach}) {
-        EXPECT_EQ(DllMain(kOwn, reason, nullptr), TRUE);
+        EXPECT_EQ(DllMain(own_, reason, nullptr), TRUE);
         EXPECT_EQ(karv::module_instance, nullptr) << reason;
         EXPECT_EQ(Record().attached, 0) << reason;
     }
-    DllMain(kOwn, kAttach, nullptr);
+    DllMain(own_, kAttach, nullptr);
     for (const DWORD reason : {kThreadAttach, kThreadDetach}) {
         EXPECT_EQ(DllMain(Instance(0x20000), reason, nullptr), TRUE);
-        EXPECT_EQ(karv::module_instance, kOwn) << reason;
+        EXPECT_EQ(karv::module_instance, own_) << reason;
         EXPECT_EQ(Record().attached, 1) << reason;
-        EXPECT_THAT(Chain(), ElementsAre(kOwn)) << reason;
+        EXPECT_THAT(Chain(), ElementsAre(own_)) << reason;
     }
 }
 
 TEST_F(ModuleNotifications, UnknownReasonIsAnsweredWithSuccess)
 {
-    DllMain(kOwn, kAttach, nullptr);
-    EXPECT_EQ(DllMain(kOwn, 4, nullptr), TRUE);
-    EXPECT_EQ(DllMain(kOwn, std::numeric_limits<DWORD>::max(), nullptr), TRUE);
+    DllMain(own_, kAttach, nullptr);
+    EXPECT_EQ(DllMain(own_, 4, nullptr), TRUE);
+    EXPECT_EQ(DllMain(own_, std::numeric_limits<DWORD>::max(), nullptr), TRUE);
     EXPECT_EQ(Record().attached, 1);
 }
 
 TEST_F(ModuleNotifications, HundredTimesAttachedAndDetached)
 {
     for (int i = 0; i < 100; ++i) {
-        DllMain(kOwn, kAttach, nullptr);
-        EXPECT_THAT(Chain(), ElementsAre(kOwn));
-        DllMain(kOwn, kDetach, nullptr);
+        DllMain(own_, kAttach, nullptr);
+        EXPECT_THAT(Chain(), ElementsAre(own_));
+        DllMain(own_, kDetach, nullptr);
         EXPECT_THAT(Chain(), IsEmpty());
     }
 }
@@ -356,8 +356,8 @@ TEST_F(ModuleNotifications, HundredTimesAttachedAndDetached)
 TEST_F(ModuleNotifications, AttachmentIsOutsideTheWrapper)
 {
     const karv_test::TraceRecording trace;
-    DllMain(kOwn, kAttach, nullptr);
-    DllMain(kOwn, kDetach, nullptr);
+    DllMain(own_, kAttach, nullptr);
+    DllMain(own_, kDetach, nullptr);
     EXPECT_THAT(trace.Listing(), IsEmpty());
 }
 

@@ -1,17 +1,19 @@
 #include "platform/host/ge/geometry.h"
 
+#include "tests/support/non_finite.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <numbers>
+
+using karv_test::kInfinity;
+using karv_test::kNan;
 
 namespace
 {
 
 constexpr double kPi = std::numbers::pi;
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kRounding = 1e-15;
 
 void ExpectNear(const AcGeVector3d& actual, const AcGeVector3d& expected, double tolerance = kRounding)

@@ -1,5 +1,6 @@
 // Bodies from points and loops: how their parts are linked, and the reasons of refusals.
 #include "tests/platform/modeler_checks.h"
+#include "tests/support/non_finite.h"
 
 #include <gmock/gmock.h>
 
@@ -43,7 +44,7 @@ std::vector<std::pair<int, int>> EndsOf(const AModeler::Body& body, const std::v
 using Ends = std::pair<int, int>;
 
 template <typename Action>
-std::string ErrorOf(const Action& action)
+std::string BuildErrorOf(const Action& action)
 {
     try {
         action();
@@ -174,8 +175,6 @@ TEST(ModelerBuilder, FacesWithoutAreaStayAsTheyAre)
 
 TEST(ModelerBuilderRefusal, PointThatIsNotFinite)
 {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     for (const AcGePoint3d& bad :
          {AcGePoint3d{kNan, 0, 0}, AcGePoint3d{0, kInfinity, 0}, AcGePoint3d{0, 0, -kInfinity}}) {
         Points points = kTetrahedron;
@@ -311,15 +310,15 @@ TEST(ModelerBuilderRefusal, EqualPointsOfDifferentNumbersDoNotClose)
 TEST(ModelerBuilderRefusal, StepsOutOfOrder)
 {
     AModeler::BodyBuilder builder;
-    EXPECT_EQ(ErrorOf([&] { builder.BeginLoop(); }), "a loop begins outside any face");
-    EXPECT_EQ(ErrorOf([&] { builder.AddCorner(0); }), "a corner is outside any loop");
-    EXPECT_EQ(ErrorOf([&] { builder.EndLoop(); }), "a loop ends that has not begun");
+    EXPECT_EQ(BuildErrorOf([&] { builder.BeginLoop(); }), "a loop begins outside any face");
+    EXPECT_EQ(BuildErrorOf([&] { builder.AddCorner(0); }), "a corner is outside any loop");
+    EXPECT_EQ(BuildErrorOf([&] { builder.EndLoop(); }), "a loop ends that has not begun");
     builder.BeginFace();
-    EXPECT_EQ(ErrorOf([&] { builder.AddCorner(0); }), "a corner is outside any loop");
+    EXPECT_EQ(BuildErrorOf([&] { builder.AddCorner(0); }), "a corner is outside any loop");
     builder.BeginLoop();
     builder.EndLoop();
-    EXPECT_EQ(ErrorOf([&] { builder.AddCorner(0); }), "a corner is outside any loop");
-    EXPECT_EQ(ErrorOf([&] { builder.EndLoop(); }), "a loop ends that has not begun");
+    EXPECT_EQ(BuildErrorOf([&] { builder.AddCorner(0); }), "a corner is outside any loop");
+    EXPECT_EQ(BuildErrorOf([&] { builder.EndLoop(); }), "a loop ends that has not begun");
 }
 
 TEST(ModelerBuilderRefusal, IsAStandardError)

@@ -1,7 +1,6 @@
 // The planes of faces: direction and length of the normal, and the plane's place, for loops of every kind.
 #include "tests/platform/modeler_checks.h"
-
-#include <limits>
+#include "tests/support/non_finite.h"
 
 using namespace karv_test;
 
@@ -142,8 +141,6 @@ TEST(ModelerPlane, LoopOfEqualPartsBothWaysHasNone)
 
 TEST(ModelerPlane, CoordinatesThatAreNotFiniteGiveNone)
 {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     for (const double bad : {kNan, kInfinity, -kInfinity})
         for (std::size_t corner = 0; corner < 4; ++corner) {
             AModeler::Body body = LaminaOf({kSquare}).Build();

@@ -2,8 +2,8 @@
 #include "platform/modeler/primitives.h"
 
 #include "tests/platform/modeler_checks.h"
+#include "tests/support/non_finite.h"
 
-#include <limits>
 #include <numbers>
 
 using namespace karv_test;
@@ -14,9 +14,6 @@ using AModeler::ProfilePoint;
 
 namespace
 {
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 const Points kOutline{{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
 const Points kHole{{0.5, 0.5, 0}, {1.5, 0.5, 0}, {1.5, 1.5, 0}, {0.5, 1.5, 0}};

@@ -21,20 +21,20 @@ using Records = std::vector<TraceRecord>;
 class Trace : public testing::Test
 {
   public:
-    Trace() { InstallTraceSink(&sink); }
+    Trace() { InstallTraceSink(&sink_); }
     ~Trace() override { InstallTraceSink(nullptr); }
 
   protected:
-    MemoryTraceSink sink;
+    MemoryTraceSink sink_;
 };
 
 TEST_F(Trace, EntryIsRecordedAtItsBeginningAndItsEnd)
 {
     {
         const CTqLogEntry entry(L"Class::Operation");
-        EXPECT_EQ(sink.Records(), (Records{{Kind::Enter, L"Class::Operation", 0}}));
+        EXPECT_EQ(sink_.Records(), (Records{{Kind::Enter, L"Class::Operation", 0}}));
     }
-    EXPECT_EQ(sink.Records(),
+    EXPECT_EQ(sink_.Records(),
               (Records{{Kind::Enter, L"Class::Operation", 0}, {Kind::Leave, L"Class::Operation", 0}}));
 }
 
@@ -44,10 +44,10 @@ TEST_F(Trace, NestedEntriesEndInnermostFirst)
         const CTqLogEntry outer(L"outer");
         const CTqLogEntry inner(L"inner");
     }
-    EXPECT_EQ(sink.Records(), (Records{{Kind::Enter, L"outer", 0},
-                                       {Kind::Enter, L"inner", 0},
-                                       {Kind::Leave, L"inner", 0},
-                                       {Kind::Leave, L"outer", 0}}));
+    EXPECT_EQ(sink_.Records(), (Records{{Kind::Enter, L"outer", 0},
+                                        {Kind::Enter, L"inner", 0},
+                                        {Kind::Leave, L"inner", 0},
+                                        {Kind::Leave, L"outer", 0}}));
 }
 
 TEST_F(Trace, EntryEndsWhenAnExceptionUnwindsIt)
@@ -59,7 +59,7 @@ TEST_F(Trace, EntryEndsWhenAnExceptionUnwindsIt)
         const CTqCrashHandler report(L".\\Source", 12);
     }
     EXPECT_EQ(
-        sink.Records(),
+        sink_.Records(),
         (Records{{Kind::Enter, L"faulty", 0}, {Kind::Leave, L"faulty", 0}, {Kind::Fault, L".\\Source", 12}}));
 }
 
@@ -67,28 +67,28 @@ TEST_F(Trace, FaultIsReportedOnceAndAtItsConstruction)
 {
     {
         const CTqCrashHandler report(L"file", 7);
-        EXPECT_EQ(sink.Records(), (Records{{Kind::Fault, L"file", 7}}));
+        EXPECT_EQ(sink_.Records(), (Records{{Kind::Fault, L"file", 7}}));
     }
-    EXPECT_EQ(sink.Records().size(), 1U);
+    EXPECT_EQ(sink_.Records().size(), 1U);
 }
 
 TEST_F(Trace, ClearedSinkIsEmpty)
 {
     const CTqCrashHandler report(L"file", 7);
-    sink.Clear();
-    EXPECT_TRUE(sink.Records().empty());
+    sink_.Clear();
+    EXPECT_TRUE(sink_.Records().empty());
 }
 
 TEST_F(Trace, MissingNameIsRecordedAsEmpty)
 {
     const CTqCrashHandler report(nullptr, 3);
-    EXPECT_EQ(sink.Records(), (Records{{Kind::Fault, L"", 3}}));
+    EXPECT_EQ(sink_.Records(), (Records{{Kind::Fault, L"", 3}}));
 }
 
 TEST_F(Trace, InstallingAnswersTheSinkBefore)
 {
     MemoryTraceSink other;
-    EXPECT_EQ(InstallTraceSink(&other), &sink);
+    EXPECT_EQ(InstallTraceSink(&other), &sink_);
     EXPECT_EQ(InstallTraceSink(nullptr), &other);
     EXPECT_EQ(InstallTraceSink(nullptr), nullptr);
 }
@@ -100,7 +100,7 @@ TEST_F(Trace, WithoutASinkNothingIsRecorded)
         const CTqLogEntry entry(L"call");
         const CTqCrashHandler report(L"file", 1);
     }
-    EXPECT_TRUE(sink.Records().empty());
+    EXPECT_TRUE(sink_.Records().empty());
 }
 
 TEST_F(Trace, EntryEndsAtTheSinkThatSawItsBeginning)
@@ -112,7 +112,7 @@ TEST_F(Trace, EntryEndsAtTheSinkThatSawItsBeginning)
         const CTqLogEntry after(L"after");
         InstallTraceSink(nullptr);
     }
-    EXPECT_EQ(sink.Records(), (Records{{Kind::Enter, L"before", 0}, {Kind::Leave, L"before", 0}}));
+    EXPECT_EQ(sink_.Records(), (Records{{Kind::Enter, L"before", 0}, {Kind::Leave, L"before", 0}}));
     EXPECT_EQ(other.Records(), (Records{{Kind::Enter, L"after", 0}, {Kind::Leave, L"after", 0}}));
 }
 
@@ -121,9 +121,9 @@ TEST_F(Trace, EntryBegunWithoutASinkStaysUnrecorded)
     InstallTraceSink(nullptr);
     {
         const CTqLogEntry entry(L"call");
-        InstallTraceSink(&sink);
+        InstallTraceSink(&sink_);
     }
-    EXPECT_TRUE(sink.Records().empty());
+    EXPECT_TRUE(sink_.Records().empty());
 }
 
 TEST_F(Trace, ThreadsLoseNoRecord)
@@ -139,7 +139,7 @@ TEST_F(Trace, ThreadsLoseNoRecord)
     }
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(sink.Records().size(), kThreads * kCalls * 2);
+    EXPECT_EQ(sink_.Records().size(), kThreads * kCalls * 2);
 }
 
 TEST(TraceContract, FaultResultIsAZeroOf64Bits)

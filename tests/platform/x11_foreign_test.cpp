@@ -17,7 +17,7 @@ class X11Foreign : public X11Test
     HWND host_ = Adopt(host_id_);
 };
 
-constexpr unsigned kRedPixel = 0xFF0000;
+constexpr unsigned kServerRed = 0xFF0000;
 
 TEST_F(X11Foreign, WindowIsKnownByItsPlaceAndSize)
 {
@@ -62,7 +62,7 @@ TEST_F(X11Foreign, ChildIsAnXWindowInTheForeignOne)
     EXPECT_EQ(client_.PositionOnScreen(id), Size(210, 120));
     MakeCurrentContext(child);
     ASSERT_TRUE(Show(child, 1, 0, 0));
-    EXPECT_TRUE(ShowsPixel(210, 120, kRedPixel));
+    EXPECT_TRUE(ShowsPixel(210, 120, kServerRed));
     EXPECT_TRUE(ShowsPixel(209, 120, 0x00FFFFU)) << "the other toolkit's own background";
 }
 

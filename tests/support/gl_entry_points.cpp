@@ -42,7 +42,7 @@ struct Capability {
     GLenum value;
     operator GLenum() const
     {
-        for (const GlRefusal* refusal : State().refusals)
+        for (const GlRefusal* refusal : Recorder().refusals)
             if (refusal->Capability() == value)
                 return kUnknown;
         return value;
@@ -101,8 +101,8 @@ void Describe(GlCall& call, Number number)
 
 void NoteEnum(GLenum value)
 {
-    if (State().recording != nullptr)
-        State().recording->NoteEnum(value);
+    if (Recorder().recording != nullptr)
+        Recorder().recording->NoteEnum(value);
 }
 
 void Describe(GlCall& call, Enum value)
@@ -162,10 +162,10 @@ bool IsOpaque(std::string_view name)
 class GluScope
 {
   public:
-    explicit GluScope(bool opaque) : opaque_(opaque ? 1 : 0) { State().inside_glu += opaque_; }
+    explicit GluScope(bool opaque) : opaque_(opaque ? 1 : 0) { Recorder().inside_glu += opaque_; }
     GluScope(const GluScope&) = delete;
     GluScope& operator=(const GluScope&) = delete;
-    ~GluScope() { State().inside_glu -= opaque_; }
+    ~GluScope() { Recorder().inside_glu -= opaque_; }
 
   private:
     int opaque_;
@@ -193,7 +193,7 @@ Result ToResult(std::uintptr_t answer)
 template <typename... Arguments>
 std::optional<std::uintptr_t> Hear(const char* name, Arguments... arguments)
 {
-    RecorderState& state = State();
+    RecorderState& state = Recorder();
     if (state.inside_glu > 0 || (state.recording == nullptr && state.hooks.empty() && state.answers.empty()))
         return std::nullopt;
     GlCall call{.name = name, .text = std::string(name) + "(", .values = {}};

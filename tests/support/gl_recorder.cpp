@@ -10,14 +10,14 @@
 namespace karv_test
 {
 
-GlRecording::GlRecording() : outer_(State().recording)
+GlRecording::GlRecording() : outer_(Recorder().recording)
 {
-    State().recording = this;
+    Recorder().recording = this;
 }
 
 GlRecording::~GlRecording()
 {
-    State().recording = outer_;
+    Recorder().recording = outer_;
 }
 
 std::vector<std::string> GlRecording::Listing() const
@@ -52,12 +52,12 @@ void GlRecording::NoteEnum(unsigned value)
 GlHook::GlHook(std::string name, std::function<void(int)> action)
     : name_(std::move(name)), action_(std::move(action))
 {
-    State().hooks.push_back(this);
+    Recorder().hooks.push_back(this);
 }
 
 GlHook::~GlHook()
 {
-    std::erase(State().hooks, this);
+    std::erase(Recorder().hooks, this);
 }
 
 void GlHook::Run(std::string_view name)
@@ -69,12 +69,12 @@ void GlHook::Run(std::string_view name)
 GlAnswer::GlAnswer(std::string name, std::uintptr_t result, std::optional<double> first_argument)
     : name_(std::move(name)), result_(result), first_argument_(first_argument)
 {
-    State().answers.push_back(this);
+    Recorder().answers.push_back(this);
 }
 
 GlAnswer::~GlAnswer()
 {
-    std::erase(State().answers, this);
+    std::erase(Recorder().answers, this);
 }
 
 std::optional<std::uintptr_t> GlAnswer::For(const GlCall& call) const
@@ -86,12 +86,12 @@ std::optional<std::uintptr_t> GlAnswer::For(const GlCall& call) const
 
 GlRefusal::GlRefusal(unsigned capability) : capability_(capability)
 {
-    State().refusals.push_back(this);
+    Recorder().refusals.push_back(this);
 }
 
 GlRefusal::~GlRefusal()
 {
-    std::erase(State().refusals, this);
+    std::erase(Recorder().refusals, this);
 }
 
 } // namespace karv_test

@@ -20,7 +20,7 @@ struct RecorderState {
 };
 
 /// One for the test program.
-inline RecorderState& State()
+inline RecorderState& Recorder()
 {
     static RecorderState state;
     return state;

@@ -23,6 +23,9 @@ struct Pixel {
     bool operator==(const Pixel&) const = default;
 };
 
+inline constexpr Pixel kBlack{0, 0, 0};
+inline constexpr Pixel kRedPixel{255, 0, 0};
+
 std::ostream& operator<<(std::ostream& out, const Pixel& pixel);
 
 /// Whether each channel differs by at most `tolerance`.

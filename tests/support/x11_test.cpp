@@ -13,7 +13,7 @@ namespace karv_test
 namespace
 {
 
-constexpr const wchar_t* kClassName = L"X11Test";
+constexpr const wchar_t* kX11ClassName = L"X11Test";
 
 } // namespace
 
@@ -26,7 +26,7 @@ X11Test::X11Test()
     WNDCLASSW window_class{};
     window_class.style = CS_OWNDC;
     window_class.lpfnWndProc = &Procedure;
-    window_class.lpszClassName = kClassName;
+    window_class.lpszClassName = kX11ClassName;
     RegisterClassW(&window_class);
     // In a corner, so that no test starts under the pointer.
     client_.MovePointer(XServer::kWidth - 1, XServer::kHeight - 1);
@@ -39,16 +39,16 @@ X11Test::~X11Test()
     for (const HWND window : made_)
         DestroyWindow(window);
     PumpArrived();
-    UnregisterClassW(kClassName, nullptr);
+    UnregisterClassW(kX11ClassName, nullptr);
     winsys::UseBackend(nullptr);
     running_ = nullptr;
 }
 
 HWND X11Test::Make(const std::wstring& title, DWORD style, HWND parent, RECT place)
 {
-    const HWND window =
-        CreateWindowExW(0, kClassName, title.c_str(), style, place.left, place.top, place.right - place.left,
-                        place.bottom - place.top, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
+    const HWND window = CreateWindowExW(0, kX11ClassName, title.c_str(), style, place.left, place.top,
+                                        place.right - place.left, place.bottom - place.top, parent, nullptr,
+                                        GetModuleHandleW(nullptr), nullptr);
     made_.push_back(window);
     return window;
 }

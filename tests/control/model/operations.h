@@ -54,10 +54,10 @@ class Random
     /// In [low, high].
     [[nodiscard]] double Uniform(double low, double high);
 
-    template <typename Value, std::size_t count>
-    [[nodiscard]] Value Of(const Value (&values)[count])
+    template <typename Value, std::size_t Count>
+    [[nodiscard]] Value Of(const Value (&values)[Count])
     {
-        return values[Below(static_cast<int>(count))];
+        return values[Below(static_cast<int>(Count))];
     }
 
     [[nodiscard]] double Number();

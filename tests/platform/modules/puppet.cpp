@@ -17,7 +17,7 @@ struct Witness {
     ~Witness() { Note("destroyed"); }
 };
 
-const Witness witness;
+const Witness kWitness;
 
 } // namespace
 

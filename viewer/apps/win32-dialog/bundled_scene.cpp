@@ -25,8 +25,11 @@ constexpr int kShaftCorners = 32;
 constexpr double kShaftHalfLength = 75.0;
 constexpr double kOverhang = 10.0; ///< of the centre lines beyond the parts
 
-// In the order of drawing: the translucent cover comes last.
-enum Category { kFrame, kShaft, kCenterLines, kCover };
+// Categories, in the order of drawing: the translucent cover comes last.
+constexpr int kFrame = 0;
+constexpr int kShaft = 1;
+constexpr int kCenterLines = 2;
+constexpr int kCover = 3;
 
 // Palette indices of medium brightness: the light adds half of white to a face that is seen head-on.
 constexpr unsigned char kFrameColor = 155; ///< dark blue-grey

@@ -64,26 +64,26 @@ const TopoDS_Shape& SolidOf(const TopoDS_Shape& shape, int index)
 class BrepStructure : public BrepTest
 {
   protected:
-    Model Read() { return ImportBrep(WriteStep(document), {}); }
+    Model Read() { return ImportBrep(WriteStep(document_), {}); }
 
-    BrepTestDocument document;
+    BrepTestDocument document_;
 };
 
 TEST_F(BrepStructure, AssemblyOfThreeLevelsKeepsItsNamesPlacesAndColours)
 {
-    const TDF_Label bolt = document.AddPart(BlockShape(1, 1, 4), "bolt");
-    const TDF_Label plate = document.AddPart(BlockShape(20, 10, 1), "plate");
-    const TDF_Label flange = document.AddAssembly("flange");
-    const TDF_Label joint = document.AddAssembly("joint");
-    const TDF_Label machine = document.AddAssembly("machine");
-    document.SetColor(bolt, 0, 1, 0);
-    document.SetColor(plate, 1, 1, 0);
-    document.Place(flange, plate, MovedBy(0, 0, 1));
-    document.Place(flange, bolt, MovedBy(3, 0, 0));
-    document.Place(joint, flange, MovedBy(0, 100, 0));
-    document.Place(joint, bolt, MovedBy(0, 0, 50));
-    document.Place(machine, joint, MovedBy(1000, 0, 0));
-    document.Place(machine, plate, MovedBy(0, 0, 0));
+    const TDF_Label bolt = document_.AddPart(BlockShape(1, 1, 4), "bolt");
+    const TDF_Label plate = document_.AddPart(BlockShape(20, 10, 1), "plate");
+    const TDF_Label flange = document_.AddAssembly("flange");
+    const TDF_Label joint = document_.AddAssembly("joint");
+    const TDF_Label machine = document_.AddAssembly("machine");
+    document_.SetColor(bolt, 0, 1, 0);
+    document_.SetColor(plate, 1, 1, 0);
+    document_.Place(flange, plate, MovedBy(0, 0, 1));
+    document_.Place(flange, bolt, MovedBy(3, 0, 0));
+    document_.Place(joint, flange, MovedBy(0, 100, 0));
+    document_.Place(joint, bolt, MovedBy(0, 0, 50));
+    document_.Place(machine, joint, MovedBy(1000, 0, 0));
+    document_.Place(machine, plate, MovedBy(0, 0, 0));
 
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 4U);
@@ -113,11 +113,11 @@ TEST_F(BrepStructure, AssemblyOfThreeLevelsKeepsItsNamesPlacesAndColours)
 
 TEST_F(BrepStructure, TurnedInstanceStandsWhereItIsTurnedTo)
 {
-    const TDF_Label part = document.AddPart(BlockShape(1, 2, 3), "part");
-    const TDF_Label assembly = document.AddAssembly("assembly");
+    const TDF_Label part = document_.AddPart(BlockShape(1, 2, 3), "part");
+    const TDF_Label assembly = document_.AddAssembly("assembly");
     gp_Trsf turn;
     turn.SetRotation(gp_Ax1(gp_Pnt(0, 0, 0), gp::DZ()), std::numbers::pi / 2);
-    document.Place(assembly, part, TopLoc_Location(turn));
+    document_.Place(assembly, part, TopLoc_Location(turn));
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 1U);
     // A quarter turn takes x to y and y to -x.
@@ -129,10 +129,10 @@ TEST_F(BrepStructure, TurnedInstanceStandsWhereItIsTurnedTo)
 
 TEST_F(BrepStructure, InstanceKeepsANameOfItsOwn)
 {
-    const TDF_Label wheel = document.AddPart(BlockShape(1, 1, 1), "wheel");
-    const TDF_Label wagon = document.AddAssembly("wagon");
-    document.Place(wagon, wheel, MovedBy(0, 0, 0), "left wheel");
-    document.Place(wagon, wheel, MovedBy(5, 0, 0), "right wheel");
+    const TDF_Label wheel = document_.AddPart(BlockShape(1, 1, 1), "wheel");
+    const TDF_Label wagon = document_.AddAssembly("wagon");
+    document_.Place(wagon, wheel, MovedBy(0, 0, 0), "left wheel");
+    document_.Place(wagon, wheel, MovedBy(5, 0, 0), "right wheel");
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 2U);
     EXPECT_EQ(model.pieces[0].name, "left wheel");
@@ -143,17 +143,17 @@ TEST_F(BrepStructure, InstanceKeepsANameOfItsOwn)
 
 TEST_F(BrepStructure, NameBeyondAsciiStaysAsItIs)
 {
-    document.AddPart(BlockShape(1, 1, 1), "Gehäuse 壳");
+    document_.AddPart(BlockShape(1, 1, 1), "Gehäuse 壳");
     EXPECT_EQ(Read().pieces.at(0).name, "Gehäuse 壳");
 }
 
 TEST_F(BrepStructure, ColourOfAnInstanceGoesBeforeThatOfItsPart)
 {
-    const TDF_Label part = document.AddPart(BlockShape(1, 1, 1), "part");
-    const TDF_Label assembly = document.AddAssembly("assembly");
-    document.SetColor(part, 1, 0, 0);
-    document.Place(assembly, part, MovedBy(0, 0, 0));
-    document.SetColor(document.Place(assembly, part, MovedBy(5, 0, 0)), 0, 0, 1);
+    const TDF_Label part = document_.AddPart(BlockShape(1, 1, 1), "part");
+    const TDF_Label assembly = document_.AddAssembly("assembly");
+    document_.SetColor(part, 1, 0, 0);
+    document_.Place(assembly, part, MovedBy(0, 0, 0));
+    document_.SetColor(document_.Place(assembly, part, MovedBy(5, 0, 0)), 0, 0, 1);
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 2U);
     EXPECT_EQ(model.pieces[0].color, kRed);
@@ -164,10 +164,10 @@ TEST_F(BrepStructure, SolidHasTheColourOfMostOfItsArea)
 {
     // Faces of a box come in pairs: at x, y, z. Those at z have 100 of 2 * (10 + 10 + 100) square units each.
     const TopoDS_Shape box = BlockShape(10, 10, 1);
-    const TDF_Label part = document.AddPart(box, "part");
-    document.SetColor(part, 1, 0, 0);
-    document.SetColorOf(part, FaceOf(box, 4), 0, 0, 1);
-    document.SetColorOf(part, FaceOf(box, 5), 0, 0, 1);
+    const TDF_Label part = document_.AddPart(box, "part");
+    document_.SetColor(part, 1, 0, 0);
+    document_.SetColorOf(part, FaceOf(box, 4), 0, 0, 1);
+    document_.SetColorOf(part, FaceOf(box, 5), 0, 0, 1);
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(model.pieces[0].color, kBlue);
@@ -181,11 +181,11 @@ TEST_F(BrepStructure, LooseFacesKeepTheirColours)
     BRep_Builder().MakeCompound(faces);
     for (int i = 0; i < 3; ++i)
         BRep_Builder().Add(faces, FaceOf(box, i));
-    const TDF_Label part = document.AddPart(faces, "sheets");
-    document.SetColorOf(part, FaceOf(box, 0), 1, 0, 0);
-    document.SetColorOf(part, FaceOf(box, 1), 0, 0, 1);
-    document.SetColorOf(part, FaceOf(box, 2), 0, 0, 1);
-    const Model model = ImportBrep(WriteIges(document), {});
+    const TDF_Label part = document_.AddPart(faces, "sheets");
+    document_.SetColorOf(part, FaceOf(box, 0), 1, 0, 0);
+    document_.SetColorOf(part, FaceOf(box, 1), 0, 0, 1);
+    document_.SetColorOf(part, FaceOf(box, 2), 0, 0, 1);
+    const Model model = ImportBrep(WriteIges(document_), {});
     std::size_t red = 0;
     std::size_t blue = 0;
     for (const Piece& piece : model.pieces) {
@@ -198,14 +198,14 @@ TEST_F(BrepStructure, LooseFacesKeepTheirColours)
 
 TEST_F(BrepStructure, ColourForOneUseDeepInAnAssemblyReachesThatOneOnly)
 {
-    const TDF_Label part = document.AddPart(BlockShape(1, 1, 1), "part");
-    const TDF_Label pair = document.AddAssembly("pair");
-    const TDF_Label machine = document.AddAssembly("machine");
-    document.SetColor(part, 1, 0, 0);
-    const TDF_Label inner = document.Place(pair, part, MovedBy(0, 0, 0));
-    document.Place(machine, pair, MovedBy(0, 0, 0));
-    const TDF_Label second = document.Place(machine, pair, MovedBy(10, 0, 0));
-    document.SetColorOfUse({second, inner}, 0, 0, 1);
+    const TDF_Label part = document_.AddPart(BlockShape(1, 1, 1), "part");
+    const TDF_Label pair = document_.AddAssembly("pair");
+    const TDF_Label machine = document_.AddAssembly("machine");
+    document_.SetColor(part, 1, 0, 0);
+    const TDF_Label inner = document_.Place(pair, part, MovedBy(0, 0, 0));
+    document_.Place(machine, pair, MovedBy(0, 0, 0));
+    const TDF_Label second = document_.Place(machine, pair, MovedBy(10, 0, 0));
+    document_.SetColorOfUse({second, inner}, 0, 0, 1);
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 2U);
     EXPECT_EQ(model.pieces[0].color, kRed);
@@ -216,15 +216,15 @@ TEST_F(BrepStructure, ColourForOneUseDeepInAnAssemblyReachesThatOneOnly)
 TEST_F(BrepStructure, SmallColouredFaceLeavesTheSolidAsItIs)
 {
     const TopoDS_Shape box = BlockShape(10, 10, 1);
-    const TDF_Label part = document.AddPart(box, "part");
-    document.SetColor(part, 1, 0, 0);
-    document.SetColorOf(part, FaceOf(box, 0), 0, 0, 1);
+    const TDF_Label part = document_.AddPart(box, "part");
+    document_.SetColor(part, 1, 0, 0);
+    document_.SetColorOf(part, FaceOf(box, 0), 0, 0, 1);
     EXPECT_EQ(Read().pieces.at(0).color, kRed);
 }
 
 TEST_F(BrepStructure, OpacityIsThatOfTheColour)
 {
-    document.SetColor(document.AddPart(BlockShape(1, 1, 1), "glass"), 0, 0, 1, 0.25F);
+    document_.SetColor(document_.AddPart(BlockShape(1, 1, 1), "glass"), 0, 0, 1, 0.25F);
     const Model model = Read();
     EXPECT_EQ(model.pieces.at(0).color, kBlue);
     EXPECT_NEAR(model.pieces.at(0).alpha, 0.25F, 1e-3F);
@@ -233,14 +233,14 @@ TEST_F(BrepStructure, OpacityIsThatOfTheColour)
 TEST_F(BrepStructure, ColourBetweenThoseOfThePaletteTakesTheNearest)
 {
     // 165, 82, 82 is index 13; each channel is off by 2.
-    document.SetColor(document.AddPart(BlockShape(1, 1, 1), "part"), 167.0 / 255.0, 80.0 / 255.0,
-                      84.0 / 255.0);
+    document_.SetColor(document_.AddPart(BlockShape(1, 1, 1), "part"), 167.0 / 255.0, 80.0 / 255.0,
+                       84.0 / 255.0);
     EXPECT_EQ(Read().pieces.at(0).color, 13);
 }
 
 TEST_F(BrepStructure, PartWithoutColourIsGrey)
 {
-    document.AddPart(BlockShape(1, 1, 1), "part");
+    document_.AddPart(BlockShape(1, 1, 1), "part");
     const unsigned int color = AcCmEntityColor::lookUpRGB(Read().pieces.at(0).color);
     const unsigned int red = color >> 16U;
     EXPECT_EQ(color, red << 16U | red << 8U | red);
@@ -251,11 +251,11 @@ TEST_F(BrepStructure, PartWithoutColourIsGrey)
 TEST_F(BrepStructure, BodiesOfOnePartKeepTheirNamesAndColours)
 {
     const TopoDS_Shape boxes = TwoBoxes();
-    const TDF_Label part = document.AddPart(boxes, "pair");
-    document.SetNameOf(part, SolidOf(boxes, 0), "small");
-    document.SetNameOf(part, SolidOf(boxes, 1), "large");
-    document.SetColorOf(part, SolidOf(boxes, 0), 1, 0, 0);
-    document.SetColorOf(part, SolidOf(boxes, 1), 0, 0, 1);
+    const TDF_Label part = document_.AddPart(boxes, "pair");
+    document_.SetNameOf(part, SolidOf(boxes, 0), "small");
+    document_.SetNameOf(part, SolidOf(boxes, 1), "large");
+    document_.SetColorOf(part, SolidOf(boxes, 0), 1, 0, 0);
+    document_.SetColorOf(part, SolidOf(boxes, 1), 0, 0, 1);
     STEPCAFControl_Controller::Init();
     ASSERT_TRUE(Interface_Static::SetIVal("write.stepcaf.subshapes.name", 1));
     const Model model = Read();
@@ -274,8 +274,8 @@ TEST_F(BrepStructure, BodiesOfOnePartKeepTheirNamesAndColours)
 
 TEST_F(BrepStructure, SeveralPartsAtTheTopAreCategoriesByName)
 {
-    document.AddPart(BlockShape(1, 1, 1), "box");
-    document.AddPart(BRepPrimAPI_MakeSphere(1.0).Shape(), "ball");
+    document_.AddPart(BlockShape(1, 1, 1), "box");
+    document_.AddPart(BRepPrimAPI_MakeSphere(1.0).Shape(), "ball");
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 2U);
     EXPECT_THAT(model.category_names, ElementsAre("box", "ball"));
@@ -285,8 +285,8 @@ TEST_F(BrepStructure, SeveralPartsAtTheTopAreCategoriesByName)
 
 TEST_F(BrepStructure, HiddenPartIsLeftOut)
 {
-    document.AddPart(BlockShape(1, 1, 1), "seen");
-    document.Hide(document.AddPart(BlockShape(2, 2, 2), "hidden"));
+    document_.AddPart(BlockShape(1, 1, 1), "seen");
+    document_.Hide(document_.AddPart(BlockShape(2, 2, 2), "hidden"));
     const Model model = Read();
     ASSERT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(model.pieces[0].name, "seen");

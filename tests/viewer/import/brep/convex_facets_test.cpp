@@ -20,11 +20,11 @@ class ConvexFacets : public testing::Test
         const Triangles& triangles,
         const std::function<bool(int, int)>& must_stay = [](int, int) { return false; })
     {
-        const auto point_of = [this](int corner) { return points.at(static_cast<std::size_t>(corner)); };
+        const auto point_of = [this](int corner) { return points_.at(static_cast<std::size_t>(corner)); };
         return JoinIntoConvexPolygons(triangles, point_of, {0, 0, 1}, must_stay);
     }
 
-    std::vector<Point> points;
+    std::vector<Point> points_;
 };
 
 TEST_F(ConvexFacets, NoTrianglesMakeNothing)
@@ -34,13 +34,13 @@ TEST_F(ConvexFacets, NoTrianglesMakeNothing)
 
 TEST_F(ConvexFacets, OneTriangleStays)
 {
-    points = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    points_ = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
     EXPECT_THAT(Join({{0, 1, 2}}), testing::ElementsAre(FacetCorners{0, 1, 2}));
 }
 
 TEST_F(ConvexFacets, SquareBecomesOne)
 {
-    points = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+    points_ = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
     const auto joined = Join({{0, 1, 2}, {0, 2, 3}});
     ASSERT_EQ(joined.size(), 1U);
     EXPECT_EQ(joined[0].size(), 4U);
@@ -48,7 +48,7 @@ TEST_F(ConvexFacets, SquareBecomesOne)
 
 TEST_F(ConvexFacets, EdgeThatMustStayKeepsTheSquareApart)
 {
-    points = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+    points_ = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
     const auto stays = [](int a, int b) { return a + b == 2 && a * b == 0; };
     EXPECT_EQ(Join({{0, 1, 2}, {0, 2, 3}}, stays).size(), 2U);
 }
@@ -59,7 +59,7 @@ TEST_F(ConvexFacets, DiscOfAThousandCornersBecomesOne)
     Triangles triangles;
     for (int i = 0; i < kCorners; ++i) {
         const double angle = 2.0 * std::numbers::pi * i / kCorners;
-        points.push_back({std::cos(angle), std::sin(angle), 0.0});
+        points_.push_back({std::cos(angle), std::sin(angle), 0.0});
         if (i >= 2)
             triangles.push_back({0, i - 1, i});
     }
@@ -70,7 +70,7 @@ TEST_F(ConvexFacets, DiscOfAThousandCornersBecomesOne)
 
 TEST_F(ConvexFacets, CornersInOneLineAreKept)
 {
-    points = {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {2, 1, 0}, {0, 1, 0}};
+    points_ = {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {2, 1, 0}, {0, 1, 0}};
     const auto joined = Join({{0, 1, 4}, {1, 3, 4}, {1, 2, 3}});
     ASSERT_EQ(joined.size(), 1U);
     EXPECT_EQ(joined[0].size(), 5U);
@@ -78,7 +78,7 @@ TEST_F(ConvexFacets, CornersInOneLineAreKept)
 
 TEST_F(ConvexFacets, TriangleWithoutAreaGoesIntoItsNeighbour)
 {
-    points = {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 2, 0}};
+    points_ = {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 2, 0}};
     const auto joined = Join({{0, 1, 2}, {0, 2, 3}});
     ASSERT_EQ(joined.size(), 1U);
     EXPECT_EQ(joined[0].size(), 4U);
@@ -87,7 +87,7 @@ TEST_F(ConvexFacets, TriangleWithoutAreaGoesIntoItsNeighbour)
 TEST_F(ConvexFacets, NotchIsNotFilled)
 {
     // An arrow head with its notch at (1, 1).
-    points = {{0, 0, 0}, {1, 1, 0}, {2, 0, 0}, {1, 3, 0}};
+    points_ = {{0, 0, 0}, {1, 1, 0}, {2, 0, 0}, {1, 3, 0}};
     const auto joined = Join({{0, 1, 3}, {1, 2, 3}});
     EXPECT_EQ(joined.size(), 2U);
 }
@@ -95,7 +95,7 @@ TEST_F(ConvexFacets, NotchIsNotFilled)
 TEST_F(ConvexFacets, RingIsNotClosedOverItsHole)
 {
     // A square of 3 around one of 1.
-    points = {{0, 0, 0}, {3, 0, 0}, {3, 3, 0}, {0, 3, 0}, {1, 1, 0}, {2, 1, 0}, {2, 2, 0}, {1, 2, 0}};
+    points_ = {{0, 0, 0}, {3, 0, 0}, {3, 3, 0}, {0, 3, 0}, {1, 1, 0}, {2, 1, 0}, {2, 2, 0}, {1, 2, 0}};
     const auto joined =
         Join({{0, 1, 5}, {0, 5, 4}, {1, 2, 6}, {1, 6, 5}, {2, 3, 7}, {2, 7, 6}, {3, 0, 4}, {3, 4, 7}});
     EXPECT_EQ(joined.size(), 4U);
@@ -107,7 +107,7 @@ TEST_F(ConvexFacets, RingIsNotClosedOverItsHole)
 
 TEST_F(ConvexFacets, EdgeOfThreeTrianglesStays)
 {
-    points = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+    points_ = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
     EXPECT_EQ(Join({{0, 1, 2}, {0, 2, 3}, {0, 2, 3}}).size(), 3U);
 }
 

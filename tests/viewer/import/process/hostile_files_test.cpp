@@ -99,7 +99,7 @@ class HostileFiles : public BrepTest
             return Read("sample." + ending);
         if (ending == "dxf")
             return Drawing("0 LINE 8 a 10 0 20 0 30 0 11 1 21 2 31 3 0 CIRCLE 8 b 10 5 20 5 30 0 40 2");
-        static const std::map<std::string, std::string> kMeshes = {
+        static const std::map<std::string, std::string> meshes = {
             {"obj", kCubeObj},
             {"stl", BinaryStl(2, BinaryFacet() + BinaryFacet())},
             {"ply", "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
@@ -108,7 +108,7 @@ class HostileFiles : public BrepTest
             {"off", "OFF\n4 1 4\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n"},
             {"gltf", Gltf("", R"([{"mesh":0}])")},
         };
-        return kMeshes.at(ending);
+        return meshes.at(ending);
     }
 };
 
