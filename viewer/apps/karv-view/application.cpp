@@ -101,7 +101,7 @@ class Application
     {
         for (const std::string& path : options_.models) {
             ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + OneLine(path));
-            Model model = ImportModel(path, ImportOptions{options_.deflection},
+            Model model = ImportModel(path, {.deflection = options_.deflection},
                                       [&](double fraction) { progress.Report(fraction); });
             take(std::move(model));
         }

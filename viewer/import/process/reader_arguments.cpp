@@ -11,9 +11,11 @@ namespace viewer
 namespace
 {
 
-/// The program's name, parent, processor time, memory, deflection and path.
-constexpr int kArgumentCount = 6;
+/// The program's name, parent, processor time, memory, deflection, mode and path.
+constexpr int kArgumentCount = 7;
 constexpr std::string_view kNoDeflection = "-";
+constexpr std::string_view kSafe = "safe";
+constexpr std::string_view kNormal = "normal";
 
 template <typename Number>
 std::string ToText(Number number)
@@ -36,8 +38,12 @@ bool FromText(std::string_view text, Number& number)
 std::vector<std::string> WriteReaderArguments(const ReaderArguments& arguments)
 {
     const std::optional<double> deflection = arguments.options.deflection;
-    return {ToText(arguments.parent), ToText(arguments.processor.count()), ToText(arguments.memory),
-            deflection ? ToText(*deflection) : std::string(kNoDeflection), arguments.path};
+    return {ToText(arguments.parent),
+            ToText(arguments.processor.count()),
+            ToText(arguments.memory),
+            deflection ? ToText(*deflection) : std::string(kNoDeflection),
+            std::string(arguments.options.safe ? kSafe : kNormal),
+            arguments.path};
 }
 
 std::optional<ReaderArguments> ParseReaderArguments(int argc, const char* const* argv)
@@ -49,12 +55,14 @@ std::optional<ReaderArguments> ParseReaderArguments(int argc, const char* const*
     double deflection = 0.0;
     const bool has_deflection = argv[4] != kNoDeflection;
     if (!FromText(argv[1], arguments.parent) || !FromText(argv[2], processor) ||
-        !FromText(argv[3], arguments.memory) || (has_deflection && !FromText(argv[4], deflection)))
+        !FromText(argv[3], arguments.memory) || (has_deflection && !FromText(argv[4], deflection)) ||
+        (argv[5] != kSafe && argv[5] != kNormal))
         return std::nullopt;
     arguments.processor = std::chrono::seconds(processor);
     if (has_deflection)
         arguments.options.deflection = deflection;
-    arguments.path = argv[5];
+    arguments.options.safe = argv[5] == kSafe;
+    arguments.path = argv[6];
     return arguments;
 }
 
