@@ -4,6 +4,8 @@
 #include "viewer/import/brep/file_kind.h"
 #include "viewer/import/dxf/dxf_import.h"
 #include "viewer/import/mesh/mesh_import.h"
+#include "viewer/scene/face_filling.h"
+#include "viewer/scene/surface_sides.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
@@ -29,9 +31,13 @@ Model Import(const std::string& path, const ImportOptions& options, const Progre
 Model ReadModelFile(const std::string& path, const ImportOptions& options, const ProgressFunction& progress)
 {
     Model model = Import(path, options, progress);
+    FillFaces(model);
+    SettleSides(model);
     const Box box = model.Extents();
     if (box.IsEmpty())
-        throw FileError(path, "holds nothing to show");
+        throw FileError(path,
+                        "holds nothing to show" +
+                            (model.left_out.empty() ? std::string() : ", only " + ListOf(model.left_out)));
     if (!std::isfinite(box.Diagonal()))
         throw FileError(path, "holds coordinates that are too far apart");
     return model;

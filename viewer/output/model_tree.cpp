@@ -35,9 +35,9 @@ struct Counts {
 
 Counts CountsOf(const Piece& piece)
 {
-    Counts counts{piece.faces.size(), 0, piece.lines.size(), 0};
+    Counts counts{FaceCountOf(piece), 0, piece.lines.size(), 0};
     const auto in_place = [](const Point& point) { return point; };
-    auto solid = piece.faces.empty() ? std::nullopt : MakeSolid(piece, in_place);
+    auto solid = piece.faces.empty() || piece.two_sided ? std::nullopt : MakeSolid(piece, in_place);
     if (!solid) {
         counts.edges = FeatureEdges(piece).size();
         return counts;
@@ -101,6 +101,9 @@ class TreePrinter
              << TextOf(whole_) << '\n';
         if (model_.meters_per_unit)
             out_ << "  unit: " << *model_.meters_per_unit << " m\n";
+        constexpr std::size_t kMaxListBytes = 500;
+        if (!model_.left_out.empty())
+            out_ << "  left out: " << OneLine(ListOf(model_.left_out), kMaxListBytes) << '\n';
         PrintCategories();
         std::vector<std::string> open;
         for (std::size_t i = 0; i < model_.pieces.size(); ++i) {

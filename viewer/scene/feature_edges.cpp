@@ -1,9 +1,9 @@
 #include "viewer/scene/feature_edges.h"
 
 #include "platform/modeler/body_builder.h"
+#include "viewer/scene/shared_corners.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -17,42 +17,6 @@ namespace viewer
 namespace
 {
 
-struct PointHash {
-    std::size_t operator()(const Point& point) const
-    {
-        std::uint64_t hash = 0;
-        for (const double coordinate : {point.x, point.y, point.z}) {
-            // Positive and negative zero are equal.
-            const auto bits = std::bit_cast<std::uint64_t>(coordinate == 0.0 ? 0.0 : coordinate);
-            constexpr std::uint64_t kGoldenRatio = 0x9E3779B97F4A7C15U;
-            hash = (std::rotl(hash, 23) ^ bits) * kGoldenRatio;
-        }
-        return static_cast<std::size_t>(hash ^ (hash >> 32U));
-    }
-};
-
-/// The corners of all faces as indices of points; corners with the same coordinates share an index.
-struct SharedCorners {
-    std::vector<Point> points;
-    std::vector<std::vector<int>> faces;
-    std::unordered_map<Point, int, PointHash> known;
-
-    explicit SharedCorners(const Piece& piece)
-    {
-        faces.reserve(piece.faces.size());
-        for (const ModelFace& face : piece.faces) {
-            std::vector<int>& corners = faces.emplace_back();
-            corners.reserve(face.corners.size());
-            for (const Point& corner : face.corners) {
-                const auto [entry, is_new] = known.emplace(corner, static_cast<int>(points.size()));
-                if (is_new)
-                    points.push_back(corner);
-                corners.push_back(entry->second);
-            }
-        }
-    }
-};
-
 /// The use of an edge by faces.
 struct EdgeUse {
     std::size_t first_face = 0;
@@ -62,15 +26,8 @@ struct EdgeUse {
     bool is_twisted = false;       ///< another face runs in the same direction as the first one
 };
 
-std::uint64_t EdgeKey(int a, int b)
-{
-    const auto [low, high] = std::minmax(a, b);
-    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(low)) << 32U |
-           static_cast<std::uint32_t>(high);
-}
-
 /// Calls `visit` for both sides of every edge.
-void ForEachEdge(AModeler::Body& body, const auto& visit)
+void ForEachSide(AModeler::Body& body, const auto& visit)
 {
     for (AModeler::Face* face = body.faceList(); face != nullptr; face = face->next()) {
         AModeler::Edge* edge = face->edgeLoop();
@@ -79,31 +36,57 @@ void ForEachEdge(AModeler::Body& body, const auto& visit)
     }
 }
 
-/// Makes all edges non-physical that are not in the list. Segments that are not an edge of a face are
-/// ignored.
-void MarkListedEdges(AModeler::Body& body, const std::vector<Segment>& listed, const SharedCorners& corners)
+/// Makes all physical edges non-physical whose key `is_physical` refuses.
+void SetPhysicalEdges(AModeler::Body& body, const auto& is_physical)
 {
-    std::unordered_set<std::uint64_t> keys;
-    for (const Segment& segment : listed) {
-        const auto from = corners.known.find(segment.from);
-        const auto to = corners.known.find(segment.to);
-        if (from != corners.known.end() && to != corners.known.end())
-            keys.insert(EdgeKey(from->second, to->second));
-    }
     // The body keeps its vertices in one array in the order in which they were added, and every vertex is a
     // corner of a face.
     const AModeler::Vertex* first = nullptr;
-    ForEachEdge(body, [&](const AModeler::Edge& edge) {
+    ForEachSide(body, [&](const AModeler::Edge& edge) {
         first = first == nullptr ? edge.vertex()
                                  : std::min<const AModeler::Vertex*>(first, edge.vertex(), std::less<>());
     });
     const auto number_of = [&](const AModeler::Edge& edge) {
         return static_cast<int>(edge.vertex() - first);
     };
-    ForEachEdge(body, [&](AModeler::Edge& edge) {
+    ForEachSide(body, [&](AModeler::Edge& edge) {
         if (edge.isPhysical())
-            edge.setPhysical(keys.contains(EdgeKey(number_of(edge), number_of(*edge.partner()))));
+            edge.setPhysical(is_physical(EdgeKey(number_of(edge), number_of(*edge.partner()))));
     });
+}
+
+/// Makes all edges non-physical that are not in the list. Segments that are not an edge of a face are
+/// ignored.
+void MarkListedEdges(AModeler::Body& body, const std::vector<Segment>& listed, const SharedCorners& corners)
+{
+    std::unordered_set<std::uint64_t> keys;
+    for (const Segment& segment : listed) {
+        const int from = corners.Find(segment.from);
+        const int to = corners.Find(segment.to);
+        if (from >= 0 && to >= 0)
+            keys.insert(EdgeKey(from, to));
+    }
+    SetPhysicalEdges(body, [&](std::uint64_t key) { return keys.contains(key); });
+}
+
+/// The edges between the parts of one face, as keys.
+std::unordered_set<std::uint64_t> InnerEdges(const Piece& piece, const SharedCorners& corners)
+{
+    std::unordered_set<std::uint64_t> inner;
+    std::unordered_set<std::uint64_t> seen;
+    for (std::size_t face = 0; face < piece.faces.size(); ++face) {
+        const bool is_part =
+            piece.faces[face].continues || (face + 1 < piece.faces.size() && piece.faces[face + 1].continues);
+        // Not cleared: that takes time for the largest face that it has held.
+        if (!piece.faces[face].continues && !seen.empty())
+            std::unordered_set<std::uint64_t>().swap(seen);
+        if (is_part)
+            ForEachEdge(corners.Of(face), [&](int from, int to) {
+                if (!seen.insert(EdgeKey(from, to)).second)
+                    inner.insert(EdgeKey(from, to));
+            });
+    }
+    return inner;
 }
 
 bool IsSmooth(const Point& a, const Point& b)
@@ -120,17 +103,21 @@ std::optional<AModeler::Body> MakeSolid(const Piece& piece, const std::function<
     const SharedCorners corners(piece);
     try {
         AModeler::BodyBuilder builder;
-        for (const Point& point : corners.points) {
+        for (const Point& point : corners.Points()) {
             const Point placed = place(point);
             builder.AddPoint({placed.x, placed.y, placed.z});
         }
-        for (const std::vector<int>& face : corners.faces)
-            builder.AddFace(face);
+        for (std::size_t face = 0; face < corners.FaceCount(); ++face)
+            builder.AddFace(corners.Of(face));
         AModeler::Body body = builder.Build();
-        if (piece.edges)
+        if (piece.edges) {
             MarkListedEdges(body, *piece.edges, corners);
-        else
+        } else {
             body.markSmoothEdges(kSmoothAngle);
+            const auto inner = InnerEdges(piece, corners);
+            if (!inner.empty())
+                SetPhysicalEdges(body, [&](std::uint64_t key) { return !inner.contains(key); });
+        }
         return body;
     } catch (const AModeler::BodyError&) {
         return std::nullopt;
@@ -144,11 +131,8 @@ std::vector<Segment> FeatureEdges(const Piece& piece)
     const SharedCorners corners(piece);
     std::unordered_map<std::uint64_t, EdgeUse> uses;
     std::vector<std::uint64_t> order;
-    for (std::size_t face = 0; face < corners.faces.size(); ++face) {
-        const std::vector<int>& loop = corners.faces[face];
-        for (std::size_t i = 0; i < loop.size(); ++i) {
-            const int from = loop[i];
-            const int to = loop[(i + 1) % loop.size()];
+    for (std::size_t face = 0; face < corners.FaceCount(); ++face)
+        ForEachEdge(corners.Of(face), [&](int from, int to) {
             EdgeUse& use = uses[EdgeKey(from, to)];
             if (++use.count == 1) {
                 use.first_face = face;
@@ -158,15 +142,17 @@ std::vector<Segment> FeatureEdges(const Piece& piece)
                 use.second_face = face;
                 use.is_twisted = use.is_twisted || use.first_is_upwards == (from < to);
             }
-        }
-    }
+        });
+    const auto inner = InnerEdges(piece, corners);
     std::vector<Segment> edges;
     for (const std::uint64_t key : order) {
+        if (inner.contains(key))
+            continue;
         const EdgeUse& use = uses.at(key);
         const bool is_inner = use.count == 2 && !use.is_twisted;
         if (is_inner && IsSmooth(piece.faces[use.first_face].normal, piece.faces[use.second_face].normal))
             continue;
-        edges.push_back({corners.points[key >> 32U], corners.points[key & 0xFFFFFFFFU]});
+        edges.push_back({corners.Points()[key >> 32U], corners.Points()[key & 0xFFFFFFFFU]});
     }
     return edges;
 }

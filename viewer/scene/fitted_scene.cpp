@@ -1,10 +1,12 @@
 #include "viewer/scene/fitted_scene.h"
 
 #include "platform/host/db/entities.h"
+#include "platform/winsys/opengl.h"
 #include "viewer/scene/feature_edges.h"
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <limits>
 #include <vector>
 
@@ -24,17 +26,31 @@ KARVGLVertex ToVertex(const Point& point)
     return {point.x, point.y, point.z};
 }
 
-std::vector<KARVGLFace> ToFaces(const Piece& piece, const ScenePlacement& placement)
+/// The faces as triangles: each face of more corners would cost the control a display list.
+std::vector<KARVGLFace> ToTriangles(const Piece& piece, const ScenePlacement& placement)
 {
-    std::vector<KARVGLFace> faces(piece.faces.size());
-    for (std::size_t i = 0; i < faces.size(); ++i) {
-        const ModelFace& source = piece.faces[i];
-        faces[i].normal = ToVertex(source.normal);
-        faces[i].vertices.reserve(source.corners.size());
-        for (const Point& corner : source.corners)
-            faces[i].vertices.push_back(ToVertex(placement.ToScene(corner)));
+    std::size_t count = 0;
+    for (const ModelFace& face : piece.faces)
+        count += face.corners.size() - 2;
+    std::vector<KARVGLFace> triangles;
+    triangles.reserve(piece.two_sided ? 2 * count : count);
+    const auto add = [&](std::initializer_list<KARVGLVertex> corners, const Point& normal) {
+        KARVGLFace& triangle = triangles.emplace_back();
+        triangle.normal = ToVertex(normal);
+        triangle.vertices = corners;
+    };
+    for (const ModelFace& face : piece.faces) {
+        const auto at = [&](std::size_t i) { return ToVertex(placement.ToScene(face.corners[i])); };
+        const KARVGLVertex first = at(0);
+        for (std::size_t i = 1; i + 1 < face.corners.size(); ++i) {
+            const KARVGLVertex second = at(i);
+            const KARVGLVertex third = at(i + 1);
+            add({first, second, third}, face.normal);
+            if (piece.two_sided)
+                add({third, second, first}, face.normal * -1.0);
+        }
     }
-    return faces;
+    return triangles;
 }
 
 KARVGraphicalEntity::EntityType ToType(int category)
@@ -69,6 +85,9 @@ FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const s
     : control_(control), placement_(model.Extents()), first_line_category_(model.CategoryCount()),
       hidden_(hidden.begin(), hidden.end())
 {
+    // A control for transparent drawing draws back faces, too: a face would be blended once for each side of
+    // it, and the far side of a body over the near one.
+    glEnable(GL_CULL_FACE);
     control_.ComputeExtents(false);
     control_.AllocateMemory(EntityCount(model));
     for (const Piece& piece : model.pieces)
@@ -88,11 +107,13 @@ void FittedScene::Feed(const Piece& piece)
 void FittedScene::FeedFaces(const Piece& piece)
 {
     const auto category = ToType(piece.category);
-    auto solid = MakeSolid(piece, [&](const Point& point) { return placement_.ToScene(point); });
+    auto solid = piece.two_sided
+                     ? std::nullopt
+                     : MakeSolid(piece, [&](const Point& point) { return placement_.ToScene(point); });
     if (solid) {
         control_.AppendGeometry(&*solid, category, piece.color, piece.alpha);
     } else {
-        control_.AppendGeometry(ToFaces(piece, placement_), category, piece.color, piece.alpha);
+        control_.AppendGeometry(ToTriangles(piece, placement_), category, piece.color, piece.alpha);
         const int line_category = first_line_category_ + piece.category;
         FeedLines(FeatureEdges(piece), piece.color, ToType(line_category));
         if (hidden_.contains(piece.category))

@@ -107,6 +107,12 @@ Piece MakePiece(std::string name, std::vector<ModelFace> faces, int category, un
     return piece;
 }
 
+std::size_t FaceCountOf(const Piece& piece)
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(piece.faces, [](const ModelFace& face) { return !face.continues; }));
+}
+
 namespace
 {
 
@@ -147,7 +153,7 @@ std::size_t Model::FaceCount() const
 {
     std::size_t count = 0;
     for (const Piece& piece : pieces)
-        count += piece.faces.size();
+        count += FaceCountOf(piece);
     return count;
 }
 
@@ -164,6 +170,14 @@ bool Model::IsTranslucent() const
     return std::any_of(pieces.begin(), pieces.end(), [](const Piece& piece) { return piece.alpha < 1.0F; });
 }
 
+std::string ListOf(const std::vector<LeftOut>& left_out)
+{
+    std::string list;
+    for (const LeftOut& parts : left_out)
+        list += (list.empty() ? "" : ", ") + std::to_string(parts.count) + ' ' + parts.kind;
+    return list;
+}
+
 void Model::LeaveOut(std::string_view kind, std::size_t count)
 {
     if (count == 0)
@@ -171,8 +185,10 @@ void Model::LeaveOut(std::string_view kind, std::size_t count)
     const auto known = std::ranges::find(left_out, kind, &LeftOut::kind);
     if (known != left_out.end())
         known->count += count;
-    else
+    else if (left_out.size() < kMaxLeftOutKinds || kind == kOtherKinds)
         left_out.push_back({std::string(kind), count});
+    else
+        LeaveOut(kOtherKinds, count);
 }
 
 void Model::Append(Model other)

@@ -51,6 +51,9 @@ struct Box {
 struct ModelFace {
     std::vector<Point> corners;
     Point normal;
+    /// It is a part of the same face of the file as the face before it. Edges between the parts of a face are
+    /// never shown.
+    bool continues = false;
 };
 
 /// Makes a face from corners that run counter-clockwise as seen from outside. The normal is the sum over all
@@ -87,11 +90,22 @@ struct Piece {
 [[nodiscard]] Piece MakePiece(std::string name, std::vector<ModelFace> faces, int category = 0,
                               unsigned char color = 7, float alpha = 1.0F);
 
+/// The number of faces of the piece, where the parts of a face count as one.
+[[nodiscard]] std::size_t FaceCountOf(const Piece& piece);
+
 /// Parts of a file of one kind that the model does not contain.
 struct LeftOut {
     std::string kind; ///< what they are, as the file or its format names it, e.g. "3DSOLID"
     std::size_t count = 0;
 };
+
+/// A list like "3 TEXT, 1 3DSOLID". Kinds are as the file names them.
+[[nodiscard]] std::string ListOf(const std::vector<LeftOut>& left_out);
+
+/// The maximum number of kinds of parts that are counted each, because files can name any number of kinds.
+inline constexpr std::size_t kMaxLeftOutKinds = 32;
+/// The kind of parts whose own kind is not counted.
+inline constexpr std::string_view kOtherKinds = "other part";
 
 struct Model {
     std::string title;
@@ -101,11 +115,13 @@ struct Model {
     std::optional<double> meters_per_unit;
     std::vector<LeftOut> left_out; ///< each kind once
 
-    /// Counts parts of a file that the model does not contain. Nothing happens for a count of 0.
+    /// Counts parts of a file that the model does not contain. Nothing happens for a count of 0. At most
+    /// `kMaxLeftOutKinds` kinds are kept; parts of further ones are counted as `kOtherKinds`.
     void LeaveOut(std::string_view kind, std::size_t count = 1);
 
     /// The box of all faces and lines.
     [[nodiscard]] Box Extents() const;
+    /// The number of faces, where the parts of a face count as one.
     [[nodiscard]] std::size_t FaceCount() const;
     /// One more than the highest category that is in use or has a name; 0 for an empty model.
     [[nodiscard]] int CategoryCount() const;

@@ -55,6 +55,16 @@ TEST(ModelTree, AssembliesAreNamedOnceAndPiecesUnderThem)
         "    cover: category 1, colour 7 (255,255,255), 6 faces, 12 edges, 0 lines, 1 solid\n");
 }
 
+TEST(ModelTree, PartsThatWereLeftOutAreCountedByKind)
+{
+    Model model;
+    model.title = "plan.dxf";
+    model.LeaveOut("TEXT", 3);
+    model.LeaveOut("3D\nSOLID");
+    EXPECT_EQ(TreeOf(model), "plan.dxf: 0 pieces, 0 faces, 0 edges, 0 lines, 0 solids\n"
+                             "  left out: 3 TEXT, 1 3D SOLID\n");
+}
+
 TEST(ModelTree, AssembliesOfOneNameUnderDifferentOnesAreNamedEach)
 {
     Model model;

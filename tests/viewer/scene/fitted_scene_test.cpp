@@ -156,6 +156,61 @@ TEST(FittedScene, FacesShowTheirOutsideAndItIsLit)
     }
 }
 
+/// The middle pixel of a square that is seen from the side that its corners show and from its back, with a
+/// light grey background, so that each blending darkens it.
+std::array<std::uint32_t, 2> SidesOfASquare(bool two_sided, bool transparent, float alpha)
+{
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{100, 100}, transparent);
+    view.Control().SetBgColor(200, 200, 200);
+    Model model;
+    model.pieces.push_back(
+        MakePiece("square", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}, 0, 250, alpha));
+    model.pieces[0].two_sided = two_sided;
+    FittedScene scene(view.Control(), model);
+    std::array<std::uint32_t, 2> pixels{};
+    scene.Show(StandardView::Top, Projection::Parallel, 1.0);
+    pixels[0] = PixelAt(view.TakePicture(), 50, 50);
+    scene.Show(StandardView::Bottom, Projection::Parallel, 1.0);
+    pixels[1] = PixelAt(view.TakePicture(), 50, 50);
+    return pixels;
+}
+
+constexpr std::uint32_t kLightGray = 0xC8C8C8;
+
+TEST(FittedScene, TwoSidedFaceIsSeenAndLitFromBothSides)
+{
+    const auto single = SidesOfASquare(false, false, 1.0F);
+    EXPECT_NE(single[0], kLightGray);
+    EXPECT_EQ(single[1], kLightGray) << "the back of a closed body is never seen";
+    const auto both = SidesOfASquare(true, false, 1.0F);
+    EXPECT_EQ(both[0], single[0]);
+    EXPECT_EQ(both[1], single[0]) << "lit as the other side is";
+}
+
+TEST(FittedScene, NoSideBlendsTwiceWhereItIsTransparent)
+{
+    const auto single = SidesOfASquare(false, true, 0.5F);
+    const auto both = SidesOfASquare(true, true, 0.5F);
+    EXPECT_NE(single[0], kLightGray);
+    EXPECT_EQ(both[0], single[0]);
+    EXPECT_EQ(both[1], single[0]);
+    EXPECT_EQ(single[1], kLightGray) << "back faces are culled";
+}
+
+TEST(FittedScene, FacesOfManyCornersAreFedAsTriangles)
+{
+    UseHeadless();
+    ViewportWindow view(L"test", PictureSize{100, 100}, false);
+    Model model;
+    model.pieces.push_back(
+        MakePiece("square", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}));
+    const FittedScene scene(view.Control(), model);
+    ASSERT_EQ(view.Control().entities.at(0).faces.size(), 2U);
+    for (const KARVGLFace& face : view.Control().entities[0].faces)
+        EXPECT_EQ(face.displayList, 0U);
+}
+
 /// The number of pixels that are not black.
 int DrawnPixels(const Picture& picture)
 {

@@ -1,5 +1,7 @@
 #include "viewer/scene/model.h"
 
+#include "tests/viewer/test_support.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -198,6 +200,26 @@ TEST(Model, AnEmptyOneHasNoFacesNoCategoriesAndAnEmptyBox)
     EXPECT_EQ(model.CategoryCount(), 0);
     EXPECT_FALSE(model.IsTranslucent());
     EXPECT_TRUE(model.Extents().IsEmpty());
+}
+
+TEST(Model, KindsThatAFileNamesWithoutEndAreCountedTogether)
+{
+    Model model;
+    model.LeaveOut("TEXT");
+    for (int i = 0; i < 10'000; ++i)
+        model.LeaveOut("kind " + std::to_string(i), 2);
+    model.LeaveOut("TEXT");
+    ASSERT_EQ(model.left_out.size(), kMaxLeftOutKinds + 1);
+    EXPECT_EQ(model.left_out.front().count, 2U);
+    EXPECT_EQ(model.left_out.back().kind, kOtherKinds);
+    EXPECT_EQ(model.left_out.back().count, 2 * (10'000 - (kMaxLeftOutKinds - 1)));
+}
+
+TEST(Model, PartsOfAFaceCountAsOne)
+{
+    Model model = BoxModel(BoxOf({0, 0, 0}, {1, 1, 1}));
+    model.pieces[0].faces[3].continues = true;
+    EXPECT_EQ(model.FaceCount(), 5U);
 }
 
 } // namespace

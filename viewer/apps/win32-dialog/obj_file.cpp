@@ -2,6 +2,8 @@
 
 #include "platform/host/cm/color.h"
 #include "platform/tools/utf8.h"
+#include "viewer/scene/face_filling.h"
+#include "viewer/scene/surface_sides.h"
 #include "viewer/text/file_error.h"
 
 #define TINYOBJLOADER_IMPLEMENTATION
@@ -202,6 +204,8 @@ viewer::Model ReadObjFile(const std::filesystem::path& file)
 {
     Conversion conversion(file);
     viewer::Model model = conversion.ToModel();
+    viewer::FillFaces(model);
+    viewer::SettleSides(model);
     const viewer::Box extents = model.Extents();
     if (extents.IsEmpty() || !(extents.Diagonal() > 0.0))
         throw FileError(Utf8FromWide(file.wstring()), "has no faces and no lines");

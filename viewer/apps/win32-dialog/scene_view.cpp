@@ -49,7 +49,6 @@ void SceneView::Build()
         // A transparent control draws all faces in the order of feeding, without a depth test. That suits
         // models that are translucent as a whole; here opaque faces must hide what is behind them.
         glEnable(GL_DEPTH_TEST);
-        glEnable(GL_CULL_FACE);
     }
     SetWindowPos(Window(), place_, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     scene_ = std::make_unique<viewer::FittedScene>(*viewport_, faded);

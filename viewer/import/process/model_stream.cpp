@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
+#include <unordered_map>
 #include <vector>
 
 namespace viewer
@@ -18,7 +20,33 @@ enum class Tag : unsigned char { Progress = 'p', Model = 'm', Failure = 'f' };
 
 constexpr std::string_view kEnd = "END.";
 constexpr std::size_t kBlockSize = 65536;
-constexpr std::size_t kMinCorners = 3;
+constexpr unsigned kMinCorners = 3;
+/// Set in the byte of a face's corner count if the face continues the one before it.
+constexpr unsigned kContinues = 0x80;
+
+/// The identity of a point in the table: all of its bits, so that every number arrives as it was.
+struct PointBits {
+    std::array<std::uint64_t, 3> bits;
+
+    explicit PointBits(const Point& point)
+        : bits{std::bit_cast<std::uint64_t>(point.x), std::bit_cast<std::uint64_t>(point.y),
+               std::bit_cast<std::uint64_t>(point.z)}
+    {
+    }
+    bool operator==(const PointBits&) const = default;
+};
+
+struct PointBitsHash {
+    std::size_t operator()(const PointBits& point) const
+    {
+        std::uint64_t hash = 0;
+        for (const std::uint64_t bits : point.bits) {
+            constexpr std::uint64_t kGoldenRatio = 0x9E3779B97F4A7C15U;
+            hash = (std::rotl(hash, 23) ^ bits) * kGoldenRatio;
+        }
+        return static_cast<std::size_t>(hash ^ (hash >> 32U));
+    }
+};
 
 /// Reads bytes and numbers from the source, in blocks.
 class ByteReader
@@ -181,11 +209,9 @@ class ModelReader
     /// Reads items one by one. The count is not trusted: the list starts small and its capacity doubles as
     /// items arrive.
     template <typename Item>
-    std::vector<Item> ReadItems(Item (ModelReader::*read)(), std::uint64_t min_count = 0)
+    std::vector<Item> ReadItems(Item (ModelReader::*read)())
     {
         const auto count = bytes_.ReadNumber<std::uint64_t>();
-        if (count < min_count)
-            throw StreamError("it holds a face of under three corners");
         std::vector<Item> items;
         while (items.size() < count) {
             if (items.size() == items.capacity())
@@ -221,9 +247,24 @@ class ModelReader
     ModelFace ReadFace()
     {
         constexpr double kTolerance = 1e-6;
+        const unsigned mark = bytes_.ReadNumber<unsigned char>();
+        const std::size_t count = mark & ~kContinues;
+        if (count < kMinCorners)
+            throw StreamError("it holds a face of under three corners");
+        if (count > kMaxStreamCorners)
+            throw StreamError("it holds a face of too many corners");
         ModelFace face;
-        face.corners = ReadItems(&ModelReader::ReadPoint, kMinCorners);
-        face.normal = ReadPoint();
+        face.continues = (mark & kContinues) != 0;
+        memory_.Allocate(count * sizeof(Point));
+        face.corners.reserve(count);
+        while (face.corners.size() < count) {
+            const auto number = bytes_.ReadNumber<std::uint32_t>();
+            if (number >= points_.size())
+                throw StreamError("it holds a corner that is none of the points");
+            face.corners.push_back(points_[number]);
+        }
+        // Braces evaluate their elements from left to right.
+        face.normal = Point{ReadFinite<float>(), ReadFinite<float>(), ReadFinite<float>()};
         if (std::abs(Length(face.normal) - 1.0) > kTolerance)
             throw StreamError("it holds a normal that is not of unit length");
         return face;
@@ -234,18 +275,51 @@ class ModelReader
         Piece piece;
         piece.name = ReadText();
         piece.parents = ReadItems(&ModelReader::ReadText);
+        points_ = ReadItems(&ModelReader::ReadPoint);
         piece.faces = ReadItems(&ModelReader::ReadFace);
+        FreePoints();
+        if (!piece.faces.empty() && piece.faces.front().continues)
+            throw StreamError("it holds a face that continues none");
+        piece.two_sided = ReadFlag();
         if (ReadFlag())
             piece.edges = ReadItems(&ModelReader::ReadSegment);
         piece.lines = ReadItems(&ModelReader::ReadSegment);
         piece.category = bytes_.ReadNumber<std::int32_t>();
-        if (piece.category < 0 || piece.category > kMaxStreamCategory)
+        if (piece.category < 0)
             throw StreamError("it holds a category that is out of range");
         piece.color = bytes_.ReadNumber<unsigned char>();
         piece.alpha = ReadFinite<float>();
         if (piece.alpha < 0.0F || piece.alpha > 1.0F)
             throw StreamError("it holds an opacity that is not between 0 and 1");
         return piece;
+    }
+
+    void FreePoints()
+    {
+        if (points_.capacity() > 0)
+            memory_.Release(points_.capacity() * sizeof(Point));
+        std::vector<Point>().swap(points_);
+    }
+
+    LeftOut ReadLeftOut()
+    {
+        LeftOut parts;
+        parts.kind = ReadText();
+        parts.count = bytes_.ReadNumber<std::uint64_t>();
+        return parts;
+    }
+
+    /// Each category has a name or a piece, so that the time and memory of what counts categories is
+    /// proportional to the length of the stream.
+    static void CheckCategories(const Model& model)
+    {
+        if (model.category_names.size() > kMaxStreamCategories)
+            throw StreamError("it holds names of more categories than there can be");
+        const std::size_t count =
+            std::min(kMaxStreamCategories, model.pieces.size() + model.category_names.size());
+        for (const Piece& piece : model.pieces)
+            if (static_cast<std::size_t>(piece.category) >= count)
+                throw StreamError("it holds a category that is out of range");
     }
 
     bool ReadFlag()
@@ -262,19 +336,21 @@ class ModelReader
         model.title = ReadText();
         model.pieces = ReadItems(&ModelReader::ReadPiece);
         model.category_names = ReadItems(&ModelReader::ReadText);
-        if (model.category_names.size() > static_cast<std::size_t>(kMaxStreamCategory) + 1)
-            throw StreamError("it holds names of more categories than there can be");
+        CheckCategories(model);
         if (ReadFlag()) {
             model.meters_per_unit = ReadFinite<double>();
             if (*model.meters_per_unit <= 0.0)
                 throw StreamError("it holds a unit without a length");
         }
+        for (const LeftOut& parts : ReadItems(&ModelReader::ReadLeftOut))
+            model.LeaveOut(parts.kind, parts.count);
         return model;
     }
 
     ByteReader bytes_;
     const ProgressFunction& progress_;
     MemoryCount memory_;
+    std::vector<Point> points_; ///< of the piece that is read
 };
 
 } // namespace
@@ -329,19 +405,37 @@ void ModelStreamWriter::PutSegments(const std::vector<Segment>& segments)
     }
 }
 
+void ModelStreamWriter::PutFaces(const std::vector<ModelFace>& faces)
+{
+    std::unordered_map<PointBits, std::uint32_t, PointBitsHash> numbers;
+    std::vector<Point> points;
+    for (const ModelFace& face : faces)
+        for (const Point& corner : face.corners)
+            if (numbers.emplace(corner, static_cast<std::uint32_t>(points.size())).second)
+                points.push_back(corner);
+    PutCount(points.size());
+    for (const Point& point : points)
+        PutPoint(point);
+    PutCount(faces.size());
+    for (const ModelFace& face : faces) {
+        const auto count = static_cast<unsigned>(std::min<std::size_t>(face.corners.size(), kContinues - 1));
+        PutNumber(static_cast<unsigned char>(face.continues ? count | kContinues : count));
+        for (const Point& corner : face.corners)
+            PutNumber(numbers.at(PointBits(corner)));
+        for (const double coordinate : {face.normal.x, face.normal.y, face.normal.z})
+            // A larger one is refused all the same, but may exceed the range of float.
+            PutNumber(static_cast<float>(std::clamp(coordinate, -2.0, 2.0)));
+    }
+}
+
 void ModelStreamWriter::PutPiece(const Piece& piece)
 {
     PutText(piece.name);
     PutCount(piece.parents.size());
     for (const std::string& parent : piece.parents)
         PutText(parent);
-    PutCount(piece.faces.size());
-    for (const ModelFace& face : piece.faces) {
-        PutCount(face.corners.size());
-        for (const Point& corner : face.corners)
-            PutPoint(corner);
-        PutPoint(face.normal);
-    }
+    PutFaces(piece.faces);
+    PutNumber(static_cast<unsigned char>(piece.two_sided ? 1 : 0));
     PutNumber(static_cast<unsigned char>(piece.edges ? 1 : 0));
     if (piece.edges)
         PutSegments(*piece.edges);
@@ -371,6 +465,11 @@ void ModelStreamWriter::WriteModel(const Model& model)
     PutNumber(static_cast<unsigned char>(model.meters_per_unit ? 1 : 0));
     if (model.meters_per_unit)
         PutNumber(*model.meters_per_unit);
+    PutCount(model.left_out.size());
+    for (const LeftOut& parts : model.left_out) {
+        PutText(parts.kind);
+        PutNumber(static_cast<std::uint64_t>(parts.count));
+    }
     Put(kEnd);
     Finish();
 }

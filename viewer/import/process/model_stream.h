@@ -3,11 +3,13 @@
 //
 // A stream consists of the magic bytes, the version and records. A record is a tag of one byte and its
 // content. Numbers have the machine's representation, because both processes run on one machine. Counts have
-// eight bytes, sizes of texts four. The end mark follows the model or the failure, and nothing follows the
-// end mark.
+// eight bytes, sizes of texts four. The faces of a piece name their corners by number, in a table of the
+// piece's points; their normals are in single precision. The end mark follows the model or the failure, and
+// nothing follows the end mark.
 #pragma once
 
 #include "viewer/import/progress.h"
+#include "viewer/scene/face_filling.h"
 #include "viewer/scene/model.h"
 
 #include <cstddef>
@@ -26,12 +28,15 @@ namespace viewer
 /// The first bytes of a stream.
 inline constexpr std::string_view kStreamMagic = "KARVMODL";
 /// The version of the format. A reader and a client of different versions refuse each other's streams.
-inline constexpr std::uint32_t kStreamVersion = 1;
+inline constexpr std::uint32_t kStreamVersion = 2;
 
 /// The maximum length of a text in bytes. Longer texts are cut when they are written.
 inline constexpr std::size_t kMaxStreamText = 65536;
-/// The maximum number of a category.
-inline constexpr int kMaxStreamCategory = 16'777'216;
+/// The maximum number of categories.
+inline constexpr std::size_t kMaxStreamCategories = 16'777'216;
+/// The maximum number of corners of a face. It keeps the time that a client needs for a model proportional to
+/// the length of its stream.
+inline constexpr std::size_t kMaxStreamCorners = kMaxPartCorners;
 
 /// Writes a stream, record by record. It throws only exceptions of its sink.
 class ModelStreamWriter
@@ -45,7 +50,8 @@ class ModelStreamWriter
 
     /// Writes the fraction that is done. It is clamped to 0..1; NaN becomes 0.
     void WriteProgress(double fraction);
-    /// Writes a model, which ends the stream. Nothing may be written after it.
+    /// Writes a model, which ends the stream. Nothing may be written after it. The reading side refuses faces
+    /// of more than `kMaxStreamCorners` corners.
     void WriteModel(const Model& model);
     /// Writes the reason why there is no model, which ends the stream. Nothing may be written after it.
     void WriteFailure(std::string_view reason);
@@ -58,6 +64,7 @@ class ModelStreamWriter
     void PutText(std::string_view text);
     void PutPoint(const Point& point);
     void PutSegments(const std::vector<Segment>& segments);
+    void PutFaces(const std::vector<ModelFace>& faces);
     void PutPiece(const Piece& piece);
     void Finish();
 
@@ -98,9 +105,9 @@ using StreamSource = std::function<std::size_t(std::span<char> buffer)>;
 ///
 /// Throws ReportedFailure if the stream holds a failure, and ModelTooLarge before the limit is exceeded.
 /// Throws StreamError for wrong magic bytes, another version, an unknown tag, a number that is out of range
-/// or not finite, a face of fewer than three corners or with a normal that is not of unit length, a text that
-/// is too long, a stream that ends early, and bytes after the end mark. Exceptions of `source` and `progress`
-/// pass through.
+/// or not finite, a category that has neither a name nor a piece, a face of fewer than three or more than
+/// `kMaxStreamCorners` corners or with a normal that is not of unit length, a text that is too long, a stream
+/// that ends early, and bytes after the end mark. Exceptions of `source` and `progress` pass through.
 [[nodiscard]] Model ReadModelStream(const StreamSource& source, const ProgressFunction& progress = {},
                                     std::size_t max_memory = std::numeric_limits<std::size_t>::max());
 

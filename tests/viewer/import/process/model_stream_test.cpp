@@ -58,10 +58,15 @@ TEST(ModelStream, EveryPartOfAModelArrives)
         const Piece& plate = model.pieces[0];
         EXPECT_EQ(plate.name, "plate");
         EXPECT_THAT(plate.parents, ElementsAre("machine", "frame"));
-        ASSERT_THAT(plate.faces, SizeIs(1));
+        EXPECT_TRUE(plate.two_sided);
+        ASSERT_THAT(plate.faces, SizeIs(2));
+        EXPECT_FALSE(plate.faces[0].continues);
+        EXPECT_TRUE(plate.faces[1].continues);
+        EXPECT_THAT(plate.faces[1].corners,
+                    ElementsAre(Point{0, 0.25, 0}, Point{0, 0.125, 0}, Point{1e9, 0, 0}));
         EXPECT_THAT(plate.faces[0].corners,
                     ElementsAre(Point{0, 0.125, 0}, Point{1e9, 0, 0}, Point{0, 0, 0}));
-        EXPECT_EQ(plate.faces[0].normal, sent.pieces[0].faces[0].normal);
+        EXPECT_EQ(plate.faces[0].normal, (Point{0, 0, 1})) << "in single precision";
         ASSERT_THAT(plate.edges.value(), SizeIs(1));
         EXPECT_EQ(plate.edges->front().to, (Point{1e9, 0, 0}));
         EXPECT_THAT(plate.lines, IsEmpty());
@@ -69,10 +74,16 @@ TEST(ModelStream, EveryPartOfAModelArrives)
         EXPECT_EQ(plate.color, 255);
         EXPECT_EQ(plate.alpha, 0.5F);
         const Piece& wires = model.pieces[1];
+        EXPECT_FALSE(wires.two_sided);
         EXPECT_FALSE(wires.edges) << "none is not the same as an empty list";
         ASSERT_THAT(wires.lines, SizeIs(2));
         EXPECT_EQ(wires.lines[0].from, (Point{-1, -2, -3}));
         EXPECT_EQ(wires.lines[1].to, (Point{1e-300, 0, 0}));
+        ASSERT_THAT(model.left_out, SizeIs(2));
+        EXPECT_EQ(model.left_out[0].kind, "TEXT");
+        EXPECT_EQ(model.left_out[0].count, 3U);
+        EXPECT_EQ(model.left_out[1].kind, "3DSOLID");
+        EXPECT_EQ(model.left_out[1].count, 1U);
     }
 }
 
@@ -227,9 +238,15 @@ std::vector<Bulk> Bulks()
     Model names;
     names.category_names.resize(kManyItems);
     ModelFace polygon = triangle;
-    polygon.corners.resize(kManyItems);
+    polygon.corners.resize(kMaxStreamCorners);
     Model corners;
-    corners.pieces = {MakePiece("", {polygon})};
+    corners.pieces = {MakePiece("", std::vector(kManyItems, polygon))};
+    Model points;
+    points.pieces.resize(1);
+    for (std::size_t i = 0; i < kManyItems; ++i) {
+        const double x = static_cast<double>(i) + 1.0;
+        points.pieces[0].faces.push_back(MakeFace({{x, 0, 0}, {0, x, 0}, {0, 0, x}}).value());
+    }
     return {
         {"empty names", names, kManyItems * sizeof(std::string)},
         BulkOfPieces("empty pieces", sizeof(Piece), Piece{}),
@@ -239,7 +256,9 @@ std::vector<Bulk> Bulks()
         BulkOfPieces("long names", sizeof(Piece) + 101, long_name),
         BulkOfPieces("triangles", sizeof(Piece) + sizeof(ModelFace) + 3 * sizeof(Point),
                      MakePiece("", {triangle})),
-        {"corners", corners, kManyItems * sizeof(Point)},
+        {"corners", corners, kManyItems * (sizeof(ModelFace) + kMaxStreamCorners * sizeof(Point))},
+        {"points", points,
+         kManyItems * (sizeof(ModelFace) + 3 * sizeof(Point)) + 3 * kManyItems * sizeof(Point)},
     };
 }
 
@@ -313,6 +332,53 @@ TEST(ModelStream, FaceOfTwoCornersIsRefused)
     EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a face of under three corners");
 }
 
+TEST(ModelStream, FaceOfMoreCornersThanAllowedIsRefused)
+{
+    for (const std::size_t count :
+         {kMaxStreamCorners, kMaxStreamCorners + 1, std::size_t{200}, std::size_t{259}}) {
+        Model model;
+        model.pieces.push_back(MakePiece("", {ModelFace{std::vector<Point>(count), {0, 0, 1}}}));
+        EXPECT_EQ(ReasonFor(StreamOf(model)),
+                  count > kMaxStreamCorners ? "it holds a face of too many corners" : "")
+            << count;
+    }
+}
+
+TEST(ModelStream, CornerThatIsNoneOfThePointsIsRefused)
+{
+    Model model;
+    model.pieces.push_back(MakePiece("", {MakeFace({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}}).value()}));
+    const auto corners = [](std::uint32_t last) {
+        return BytesOf(std::uint32_t{0}) + BytesOf(std::uint32_t{1}) + BytesOf(last);
+    };
+    for (const std::uint32_t number : {3U, 0xFFFFFFFFU})
+        EXPECT_EQ(ReasonFor(Replaced(StreamOf(model), corners(2), corners(number))),
+                  "it holds a corner that is none of the points");
+}
+
+TEST(ModelStream, FirstFaceThatContinuesAnotherIsRefused)
+{
+    Model model;
+    model.pieces.push_back(MakePiece("", {MakeFace({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}}).value()}));
+    model.pieces[0].faces[0].continues = true;
+    EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a face that continues none");
+}
+
+TEST(ModelStream, TriangleOfAClosedSurfaceTakesUnderFortyBytes)
+{
+    // A grid with half as many points as triangles.
+    constexpr int kSide = 50;
+    const auto at = [](int x, int y) { return Point{x * 1.0, y * 1.0, x * 0.1 * y}; };
+    Model model;
+    Piece& piece = model.pieces.emplace_back();
+    for (int x = 0; x < kSide; ++x)
+        for (int y = 0; y < kSide; ++y) {
+            piece.faces.push_back(MakeFace({at(x, y), at(x + 1, y), at(x + 1, y + 1)}).value());
+            piece.faces.push_back(MakeFace({at(x, y), at(x + 1, y + 1), at(x, y + 1)}).value());
+        }
+    EXPECT_LE(StreamOf(model).size(), 40U * piece.faces.size());
+}
+
 TEST(ModelStream, NormalThatIsNotOfUnitLengthIsRefused)
 {
     for (const Point& normal : {Point{0, 0, 0}, Point{0, 0, 2}, Point{1e200, 1e200, 0}}) {
@@ -324,14 +390,15 @@ TEST(ModelStream, NormalThatIsNotOfUnitLengthIsRefused)
 
 TEST(ModelStream, CategoriesOutOfRangeAreRefused)
 {
-    for (const int category : {-1, kMaxStreamCategory + 1, std::numeric_limits<int>::max()}) {
+    // Two pieces and two names make four categories at most.
+    for (const int category : {-1, 0, 3, 4, 16'777'216, std::numeric_limits<int>::max()}) {
         Model model;
-        model.pieces.push_back(MakePiece("", {}, category));
-        EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a category that is out of range") << category;
+        model.category_names = {"a", "b"};
+        model.pieces = {MakePiece("", {}), MakePiece("", {}, category)};
+        EXPECT_EQ(ReasonFor(StreamOf(model)),
+                  category < 0 || category > 3 ? "it holds a category that is out of range" : "")
+            << category;
     }
-    Model model;
-    model.pieces.push_back(MakePiece("", {}, kMaxStreamCategory));
-    EXPECT_EQ(ReasonFor(StreamOf(model)), "");
 }
 
 TEST(ModelStream, OpacityOutOfRangeIsRefused)
@@ -355,8 +422,8 @@ TEST(ModelStream, UnitWithoutALengthIsRefused)
 TEST(ModelStream, FlagThatIsNeitherIsRefused)
 {
     std::string bytes = StreamOf(Model{});
-    // The last byte before the four bytes of the end mark is the flag of the unit.
-    bytes[bytes.size() - 5] = '\2';
+    // The flag of the unit is before the eight bytes of the last count and the four of the end mark.
+    bytes[bytes.size() - 13] = '\2';
     EXPECT_EQ(ReasonFor(bytes), "it holds a flag that is neither 0 nor 1");
 }
 

@@ -14,7 +14,8 @@
 namespace viewer
 {
 
-/// Two pieces: a triangle with a list of edges, and lines; with names, parents, categories and a unit.
+/// Two pieces: a face of two triangles with a list of edges, and lines; with names, parents, categories, a
+/// unit, and parts that were left out.
 inline Model SampleModel()
 {
     Model model;
@@ -24,11 +25,16 @@ inline Model SampleModel()
     Piece plate =
         MakePiece("plate", {MakeFace({{0, 0, 0}, {1e9, 0, 0}, {0, 0.125, 0}}).value()}, 2, 255, 0.5F);
     plate.parents = {"machine", "frame"};
+    plate.two_sided = true;
+    plate.faces.push_back(MakeFace({{1e9, 0, 0}, {0, 0.125, 0}, {0, 0.25, 0}}).value());
+    plate.faces.back().continues = true;
     plate.edges = std::vector<Segment>{{{0, 0, 0}, {1e9, 0, 0}}};
     model.pieces.push_back(std::move(plate));
     Piece wires;
     wires.lines = {{{-1, -2, -3}, {4, 5, 6}}, {{4, 5, 6}, {1e-300, 0, 0}}};
     model.pieces.push_back(std::move(wires));
+    model.LeaveOut("TEXT", 3);
+    model.LeaveOut("3DSOLID");
     return model;
 }
 
