@@ -25,8 +25,12 @@ struct ReaderSettings {
 /// until then; `progress` is called by the calling thread. The process inherits no open file but the standard
 /// error stream, and few variables of the environment (`ReaderEnvironment`).
 ///
+/// A reader that crashes before its whole model has arrived is started once more, with `ImportOptions::safe`.
+/// Progress then starts over; the limit of elapsed time holds for both attempts together. A crash after the
+/// whole model has arrived has no effect.
+///
 /// Throws FileError, "FILE: reason" in one line, if `ReadModelFile` does, and if the reader cannot be
-/// started, crashes, exceeds a limit, sends a damaged stream, or is stopped by SIGINT, SIGTERM or SIGHUP to
+/// started, crashes twice, exceeds a limit, sends a damaged stream, or is stopped by SIGINT, SIGTERM or SIGHUP to
 /// the calling process, which then do not end that process. The reason states the last progress that the
 /// reader reported. If the reader cannot be started, the reason names its path. Exceptions of `progress` pass
 /// through.

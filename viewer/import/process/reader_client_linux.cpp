@@ -208,18 +208,29 @@ std::string SecondsText(std::chrono::milliseconds time)
     return text + " s";
 }
 
+/// A signal that no limit sends has ended the reader before its whole model had arrived.
+class ReaderCrash : public FileError
+{
+  public:
+    using FileError::FileError;
+};
+
 /// One run of karv-reader, from its start to its model or its failure.
 class ReaderSession
 {
   public:
+    using Clock = std::chrono::steady_clock;
+
+    /// `end` is when the time for the file is over.
     ReaderSession(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
-                  const ReaderSettings& reader)
+                  const ReaderSettings& reader, Clock::time_point end)
         : path_(path), progress_(progress), limits_(InForce(reader.limits)),
           process_(reader.program, WriteReaderArguments({.parent = getpid(),
                                                          .processor = limits_.processor,
                                                          .memory = limits_.memory,
                                                          .options = options,
-                                                         .path = path}))
+                                                         .path = path})),
+          end_(end)
     {
     }
 
@@ -240,8 +251,6 @@ class ReaderSession
     }
 
   private:
-    using Clock = std::chrono::steady_clock;
-
     void Report(double fraction)
     {
         fraction_ = fraction;
@@ -249,11 +258,16 @@ class ReaderSession
             progress_(fraction);
     }
 
-    [[noreturn]] void FailWithProgress(std::string reason) const
+    [[nodiscard]] std::string WithProgress(std::string reason) const
     {
         if (fraction_ > 0.0)
             reason += ", at " + std::to_string(static_cast<int>(std::floor(fraction_ * 100.0))) + " %";
-        throw FileError(path_, reason);
+        return reason;
+    }
+
+    [[noreturn]] void FailWithProgress(std::string reason) const
+    {
+        throw FileError(path_, WithProgress(std::move(reason)));
     }
 
     [[noreturn]] void FailForMemory() const
@@ -273,7 +287,11 @@ class ReaderSession
         if (WTERMSIG(status) == SIGXCPU)
             FailWithProgress("takes more than " + SecondsText(limits_.processor) +
                              " of processor time to be read");
-        FailWithProgress("the reader crashed (" + std::string(strsignal(WTERMSIG(status))) + ")");
+        const std::string reason = "the reader crashed (" + std::string(strsignal(WTERMSIG(status))) + ")";
+        // The system sends it where memory is short; a second attempt would need as much.
+        if (WTERMSIG(status) == SIGKILL)
+            FailWithProgress(reason);
+        throw ReaderCrash(path_, WithProgress(reason));
     }
 
     void CheckLimits()
@@ -313,7 +331,7 @@ class ReaderSession
     const ReaderLimits limits_;
     InterruptWatch interrupts_;
     ReaderProcess process_;
-    Clock::time_point end_ = Clock::now() + limits_.wall;
+    Clock::time_point end_;
     double fraction_ = 0.0;
     std::size_t received_ = 0;
     bool has_ended_ = false;
@@ -321,17 +339,37 @@ class ReaderSession
 
 } // namespace
 
-Model ImportModel(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
-                  const ReaderSettings& reader)
+namespace
+{
+
+Model RunReader(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
+                const ReaderSettings& reader, ReaderSession::Clock::time_point end)
 {
     std::optional<ReaderSession> session;
     try {
-        session.emplace(path, options, progress, reader);
+        session.emplace(path, options, progress, reader, end);
     } catch (const std::system_error& error) {
         throw FileError(path,
                         "its reader " + reader.program + " cannot be started: " + error.code().message());
     }
     return session->Run();
+}
+
+} // namespace
+
+Model ImportModel(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
+                  const ReaderSettings& reader)
+{
+    const auto end = ReaderSession::Clock::now() + reader.limits.wall;
+    try {
+        return RunReader(path, options, progress, reader, end);
+    } catch (const ReaderCrash&) {
+        if (options.safe)
+            throw;
+    }
+    ImportOptions safe = options;
+    safe.safe = true;
+    return RunReader(path, safe, progress, reader, end);
 }
 
 } // namespace viewer

@@ -96,6 +96,54 @@ TEST(ReaderProcess, CrashAfterSomeProgressSaysWhere)
     EXPECT_EQ(ReasonOf("late crash"), "the reader crashed (Segmentation fault), at 42 %");
 }
 
+TEST(ReaderProcess, ModelOfAReaderThatCrashesAfterItCounts)
+{
+    EXPECT_EQ(ReasonOf("model, then crash"), "a model");
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, ReaderThatCrashesIsStartedOnceMoreWithSafeOptions)
+{
+    std::vector<double> seen;
+    EXPECT_EQ(ReasonOf("crash once", Generous(), [&](double fraction) { seen.push_back(fraction); }),
+              "a model");
+    EXPECT_THAT(seen, ElementsAre(0.42));
+    EXPECT_EQ(ReasonOf("crash, then refusal"), "holds no faces");
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, ReaderThatCrashesWithSafeOptionsIsNotStartedAgain)
+{
+    std::vector<double> seen;
+    const auto count = [&](double fraction) { seen.push_back(fraction); };
+    EXPECT_THROW(static_cast<void>(ImportModel("late crash", {.deflection = {}, .safe = true}, count,
+                                               {KARV_FAKE_READER, Generous()})),
+                 FileError);
+    EXPECT_THAT(seen, SizeIs(1));
+    EXPECT_EQ(ReasonOf("late crash", Generous(), count), "the reader crashed (Segmentation fault), at 42 %");
+    EXPECT_THAT(seen, SizeIs(1 + 2));
+}
+
+TEST(ReaderProcess, ReaderThatExceedsALimitIsNotStartedAgain)
+{
+    ReaderLimits limits = Generous();
+    limits.processor = std::chrono::seconds(1);
+    limits.memory = std::size_t{256} << 20U;
+    EXPECT_EQ(ReasonOf("no memory once", limits), "needs more than 256 MiB of memory to be read");
+    EXPECT_EQ(ReasonOf("spin once", limits), "takes more than 1 s of processor time to be read");
+    EXPECT_EQ(ReasonOf("kill once"), "the reader crashed (Killed)");
+}
+
+TEST(ReaderProcess, BothAttemptsShareTheLimitOfTime)
+{
+    ReaderLimits limits = Generous();
+    limits.wall = std::chrono::milliseconds(1500);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(ReasonOf("crash, then hang", limits), "takes longer than 1.5 s to be read, at 42 %");
+    EXPECT_GE(std::chrono::steady_clock::now() - start, limits.wall);
+    ExpectNoChild();
+}
+
 TEST(ReaderProcess, NextFileIsReadAfterACrash)
 {
     for (int i = 0; i < 3; ++i) {
@@ -492,9 +540,14 @@ TEST_F(ReaderBesideThisProgram, ModelIsThatOfTheFile)
     EXPECT_EQ(model.title, "concave.obj");
     EXPECT_THAT(model.category_names, ElementsAre("glass"));
     EXPECT_EQ(model.pieces[0].alpha, 0.5F);
-    EXPECT_THAT(model.pieces[0].faces.at(0).corners,
-                ElementsAre(Point{0, 2, 0}, Point{1, 2, 0}, Point{1, 1, 0}, Point{2, 1, 0}, Point{2, 0, 0},
-                            Point{0, 0, 0}));
+    EXPECT_TRUE(model.pieces[0].two_sided);
+    EXPECT_EQ(model.FaceCount(), 1U);
+    ASSERT_THAT(model.pieces[0].faces, SizeIs(4));
+    for (const ModelFace& face : model.pieces[0].faces) {
+        EXPECT_THAT(face.corners, SizeIs(3));
+        EXPECT_EQ(face.normal, (Point{0, 0, 1}));
+    }
+    EXPECT_EQ(model.Extents().max, (Point{2, 2, 0}));
 }
 
 TEST_F(ReaderBesideThisProgram, ReasonIsThatOfTheImporter)
