@@ -21,6 +21,9 @@ std::string ToJson(const Stats& stats)
     json["files"] = stats.files;
     json["entities"] = stats.entities;
     json["faces"] = stats.faces;
+    json["left_out"] = nlohmann::ordered_json::object();
+    for (const LeftOut& parts : stats.left_out)
+        json["left_out"][parts.kind] = parts.count;
     json["extents"]["min"] = ToJson(stats.extents.min);
     json["extents"]["max"] = ToJson(stats.extents.max);
     json["load_s"] = stats.load_s;

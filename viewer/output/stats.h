@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace viewer
 {
@@ -14,6 +15,7 @@ struct Stats {
     std::size_t files = 0; ///< 0 for the bundled model
     std::size_t entities = 0;
     std::size_t faces = 0;
+    std::vector<LeftOut> left_out; ///< parts of the files that are not shown
     Box extents;
     double load_s = 0.0;        ///< for reading the files
     double first_frame_s = 0.0; ///< from the program's start to its first frame

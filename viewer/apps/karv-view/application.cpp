@@ -34,6 +34,8 @@ namespace
 using SteadyTime = std::chrono::steady_clock::time_point;
 
 constexpr const char* kDefaultSheet = "karv-view-sheet.png";
+/// Of a message that lists kinds, which files name.
+constexpr std::size_t kMaxListBytes = 500;
 
 double SecondsSince(SteadyTime start)
 {
@@ -96,13 +98,21 @@ class Application
     /// The stream for messages to the user. With --stats, the standard output is left to the figures.
     std::ostream& Notices() { return options_.stats ? err_ : out_; }
 
+    Model Read(const std::string& path)
+    {
+        ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + OneLine(path));
+        return ImportModel(path, {.deflection = options_.deflection},
+                           [&](double fraction) { progress.Report(fraction); });
+    }
+
     /// Passes the model of each file to `take`, in order; without files, the bundled model.
     void ForEachModel(const std::function<void(Model)>& take)
     {
         for (const std::string& path : options_.models) {
-            ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + OneLine(path));
-            Model model = ImportModel(path, {.deflection = options_.deflection},
-                                      [&](double fraction) { progress.Report(fraction); });
+            Model model = Read(path);
+            if (!model.left_out.empty())
+                err_ << "karv-view: " << OneLine(path)
+                     << ": left out: " << OneLine(ListOf(model.left_out), kMaxListBytes) << '\n';
             take(std::move(model));
         }
         if (options_.models.empty())
@@ -127,12 +137,16 @@ class Application
         ForEachModel([&](Model model) { Add(std::move(model)); });
         stats_.load_s = SecondsSince(before);
         stats_.files = options_.models.size();
+        Model all;
         for (Model& model : models_) {
             Prepare(model);
+            for (const LeftOut& parts : model.left_out)
+                all.LeaveOut(parts.kind, parts.count);
             stats_.entities += model.pieces.size();
             stats_.faces += model.FaceCount();
             stats_.extents.Unite(model.Extents());
         }
+        stats_.left_out = std::move(all.left_out);
     }
 
     void Add(Model model)

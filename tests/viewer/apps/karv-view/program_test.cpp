@@ -6,6 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
+#include <string>
 
 namespace viewer
 {
@@ -79,7 +81,49 @@ TEST_F(Program, StatsAreThoseOfTheFile)
     EXPECT_GT(stats.at("first_frame_s"), stats.at("load_s"));
     EXPECT_GT(stats.at("fps"), 0.0);
     EXPECT_NE(stats.at("renderer"), "");
-    EXPECT_EQ(stats.size(), 8U);
+    EXPECT_EQ(stats.at("left_out"), nlohmann::json::object());
+    EXPECT_EQ(stats.size(), 9U);
+    EXPECT_EQ(run.err, "");
+}
+
+/// An OBJ file with a triangle and a face that crosses itself too often to be filled.
+std::string ObjWithAStar()
+{
+    constexpr int kCorners = 101;
+    constexpr double kStep = 2.0 * 3.14159265358979 * 50.0 / kCorners;
+    std::string obj;
+    std::string face = "f";
+    for (int i = 1; i <= kCorners; ++i) {
+        obj +=
+            "v " + std::to_string(std::cos(kStep * i)) + ' ' + std::to_string(std::sin(kStep * i)) + " 0\n";
+        face += ' ' + std::to_string(i);
+    }
+    return obj + "f 1 2 3\n" + face + '\n';
+}
+
+TEST_F(Program, PartsThatAreLeftOutAreNamedInOneLineInTheListAndInTheStats)
+{
+    Write("star.obj", ObjWithAStar());
+    Write("t.obj", kTetrahedronObj);
+    const std::string line = "karv-view: star.obj: left out: 1 face that crosses itself\n";
+    const ProgramRun stats = View("--stats --picture p.png --size 64x64 star.obj t.obj star.obj");
+    ASSERT_EQ(stats.status, 0) << stats.err;
+    EXPECT_EQ(stats.err, line + line);
+    EXPECT_EQ(nlohmann::json::parse(stats.out).at("left_out"),
+              (nlohmann::json{{"face that crosses itself", 2}}));
+    const ProgramRun list = View("--list star.obj");
+    EXPECT_EQ(list.err, line);
+    EXPECT_THAT(list.out, HasSubstr("\n  left out: 1 face that crosses itself\n"));
+}
+
+TEST_F(Program, FileThatShowsNothingSaysWhatItHolds)
+{
+    std::string obj = ObjWithAStar();
+    obj.erase(obj.find("f 1 2 3\n"), 8);
+    Write("star.obj", obj);
+    const ProgramRun run = View("--list star.obj");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "karv-view: star.obj: holds nothing to show, only 1 face that crosses itself\n");
 }
 
 TEST_F(Program, SeveralFilesAreShownTogether)
