@@ -202,7 +202,7 @@ TEST(SurfaceSides, BoxInTheNotchOfABodyIsNoCavity)
 TEST(SurfaceSides, ManyNestedSurfacesTakeNotLong)
 {
     std::vector<ModelFace> faces;
-    constexpr int kShells = 20'000;
+    constexpr int kShells = 5000;
     for (int i = 0; i < kShells; ++i) {
         const double size = kShells - i;
         faces = std::move(faces) + Turned(BoxFaces({-size, -size, -size}, {size, size, size}));
