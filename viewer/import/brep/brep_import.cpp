@@ -10,28 +10,43 @@
 #include <BRepBndLib.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
 #include <BRepTools.hxx>
+#include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
 #include <Bnd_Box.hxx>
 #include <Message.hxx>
 #include <Message_Messenger.hxx>
 #include <Message_ProgressIndicator.hxx>
 #include <Message_ProgressScope.hxx>
+#include <OSD_Parallel.hxx>
+#include <OSD_ThreadPool.hxx>
+#include <Poly_PolygonOnTriangulation.hxx>
+#include <Poly_Triangulation.hxx>
+#include <Poly_TriangulationParameters.hxx>
 #include <Precision.hxx>
 #include <Standard_Failure.hxx>
+#include <TopExp.hxx>
 #include <TopExp_Explorer.hxx>
+#include <TopLoc_Location.hxx>
+#include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
+#include <TopTools_IndexedMapOfShape.hxx>
+#include <TopTools_ListOfShape.hxx>
 #include <TopTools_MapOfShape.hxx>
 #include <TopoDS.hxx>
+#include <TopoDS_Compound.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 
 #include <algorithm>
 #include <cmath>
 #include <exception>
 #include <filesystem>
+#include <latch>
 #include <map>
 #include <memory>
 #include <new>
 #include <numbers>
 #include <optional>
+#include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -83,6 +98,43 @@ class LibraryProgress final : public Message_ProgressIndicator
     const ProgressFunction& report_;
 };
 
+/// Starts the threads that the library's mesher uses, unless they run. Returns whether there are several.
+bool StartMesherThreads()
+{
+    // More threads gain little, and each takes address space, which is limited.
+    static constexpr int kMaxThreads = 8;
+    static const bool are_several = [] {
+        const int count = std::min(OSD_Parallel::NbLogicalProcessors(), kMaxThreads);
+        // NOTE: The library does not notice that a thread cannot be started, and waits for it forever.
+        try {
+            std::vector<std::jthread> trial;
+            std::latch all(count);
+            for (int i = 0; i < count; ++i)
+                trial.emplace_back([&] { all.arrive_and_wait(); });
+        } catch (const std::system_error&) {
+            return false;
+        }
+        OSD_ThreadPool::DefaultPool(count);
+        OSD_Parallel::For(0, count, [](int) {});
+        return count > 1;
+    }();
+    return are_several;
+}
+
+TopoDS_Compound CompoundOf(const TopTools_IndexedMapOfShape& shapes)
+{
+    TopoDS_Compound compound;
+    BRep_Builder().MakeCompound(compound);
+    for (int i = 1; i <= shapes.Extent(); ++i)
+        BRep_Builder().Add(compound, shapes(i));
+    return compound;
+}
+
+bool HasFaces(const TopoDS_Shape& shape)
+{
+    return TopExp_Explorer(shape, TopAbs_FACE).More();
+}
+
 Box BoxOf(const BrepBody& body)
 {
     Bnd_Box bounds;
@@ -108,12 +160,13 @@ class BrepConverter
     {
         CheckVertices();
         ChooseTolerance(options);
-        // Meshes that are stored in the file have another tolerance.
+        constexpr double kMeshing = 0.9;
+        Message_ProgressScope scope(progress, nullptr, 1.0);
+        MeshAll(scope.Next(kMeshing));
+        Message_ProgressScope adding(scope.Next(1.0 - kMeshing), nullptr,
+                                     static_cast<double>(content_.bodies.size()));
         for (const BrepBody& body : content_.bodies)
-            BRepTools::Clean(body.shape);
-        Message_ProgressScope scope(progress, nullptr, static_cast<double>(content_.bodies.size()));
-        for (const BrepBody& body : content_.bodies)
-            AddBody(body, scope.Next());
+            AddBody(body, adding.Next());
         if (model_.pieces.empty())
             throw FileError(path_, "holds no faces and no curves");
         NumberCategories();
@@ -151,11 +204,23 @@ class BrepConverter
         tolerance_.angle = kFacetAngle * std::numbers::pi / 180.0;
     }
 
-    /// Meshes the faces of the shape, unless another instance of it is meshed already.
-    void Mesh(const TopoDS_Shape& shape, const BrepTolerance& tolerance,
-              const Message_ProgressRange& progress) const
+    /// Meshes the faces of all bodies, each shape once, wherever its instances are.
+    void MeshAll(const Message_ProgressRange& progress) const
+    {
+        TopTools_IndexedMapOfShape shapes;
+        for (const BrepBody& body : content_.bodies)
+            if (HasFaces(body.shape))
+                shapes.Add(body.shape);
+        const TopoDS_Compound all = CompoundOf(shapes);
+        // Meshes that are stored in the file have another tolerance.
+        BRepTools::Clean(all);
+        BRepMesh_IncrementalMesh(all, MeshParameters(tolerance_), progress);
+    }
+
+    [[nodiscard]] IMeshTools_Parameters MeshParameters(const BrepTolerance& tolerance) const
     {
         IMeshTools_Parameters parameters;
+        parameters.InParallel = has_threads_;
         // NOTE: The library's default algorithm (in 7.6) leaves notches in narrow rounded faces along long
         // arcs.
         parameters.MeshAlgo = IMeshTools_MeshAlgoType_Delabella;
@@ -173,8 +238,7 @@ class BrepConverter
         parameters.MinSize =
             std::max(kMinDeflectionShare * std::min(tolerance.deflection, default_deflection_),
                      Precision::Confusion());
-        parameters.AllowQualityDecrease = Standard_True;
-        BRepMesh_IncrementalMesh(shape, parameters, progress);
+        return parameters;
     }
 
     struct Faceted {
@@ -228,7 +292,7 @@ class BrepConverter
         piece.name = body.name;
         piece.parents = body.parents;
         std::optional<BrepColor> color = body.color;
-        if (TopExp_Explorer(body.shape, TopAbs_FACE).More()) {
+        if (HasFaces(body.shape)) {
             Faceted faceted = FacetClosed(body, progress);
             color = ColorOf(body, faceted);
             faceted.surface->MoveTo(piece);
@@ -244,25 +308,67 @@ class BrepConverter
         model_.pieces.push_back(std::move(piece));
     }
 
-    /// Meshes the body. If the body is closed but its facets are not, meshes it again, much finer: chords of
-    /// edges that run close to each other can cross, for example in a thin pipe.
+    /// The facets of a meshed body. If the body is closed but its facets are not, meshes the faces where they
+    /// are open again, finer: chords of edges that run close to each other can cross, for example in a thin
+    /// pipe. Facets that stay open are returned as they are.
     Faceted FacetClosed(const BrepBody& body, const Message_ProgressRange& progress) const
     {
-        Message_ProgressScope scope(progress, nullptr, 2);
-        Mesh(body.shape, tolerance_, scope.Next());
+        constexpr int kMaxRepairs = 2;
+        Message_ProgressScope scope(progress, nullptr, kMaxRepairs);
         Faceted faceted = Facet(body);
-        if (!HasClosedShells(body.shape) || faceted.surface->Closes())
+        if (!HasClosedShells(body.shape))
             return faceted;
-        // The distance of a chord from its arc is proportional to the square of its angle.
-        constexpr double kFinerAngle = 1.0 / 4.0;
         BrepTolerance finer = tolerance_;
-        finer.angle *= kFinerAngle;
-        finer.deflection =
-            std::max(std::min(finer.deflection, default_deflection_) * kFinerAngle * kFinerAngle,
-                     Precision::Confusion());
-        BRepTools::Clean(body.shape);
-        Mesh(body.shape, finer, scope.Next());
-        return Facet(body);
+        finer.deflection = std::min(finer.deflection, default_deflection_);
+        for (int i = 0; i < kMaxRepairs && !faceted.surface->Closes(); ++i) {
+            // The distance of a chord from its arc is proportional to the square of its angle.
+            constexpr double kFinerAngle = 1.0 / 3.0;
+            finer.angle *= kFinerAngle;
+            finer.deflection = std::max(finer.deflection * kFinerAngle * kFinerAngle, Precision::Confusion());
+            MeshAgain(body.shape, faceted.surface->OpenFaces(), finer, scope.Next());
+            faceted = Facet(body);
+        }
+        return faceted;
+    }
+
+    /// Meshes some faces of a body again. The other faces keep their meshes, and with them the chords of the
+    /// edges that they share with those faces.
+    void MeshAgain(const TopoDS_Shape& shape, const std::vector<std::size_t>& numbers,
+                   const BrepTolerance& tolerance, const Message_ProgressRange& progress) const
+    {
+        TopTools_IndexedMapOfShape again;
+        std::size_t number = 0;
+        for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next(), ++number)
+            if (std::ranges::binary_search(numbers, number))
+                again.Add(it.Current());
+        TopTools_IndexedDataMapOfShapeListOfShape faces_of_edges;
+        TopExp::MapShapesAndAncestors(shape, TopAbs_EDGE, TopAbs_FACE, faces_of_edges);
+        TopTools_IndexedMapOfShape concerned = again;
+        for (int i = 1; i <= again.Extent(); ++i) {
+            BRepTools::Clean(again(i));
+            for (TopExp_Explorer it(again(i), TopAbs_EDGE); it.More(); it.Next())
+                for (const TopoDS_Shape& neighbour : faces_of_edges.FindFromKey(it.Current()))
+                    concerned.Add(neighbour);
+        }
+        for (int i = again.Extent() + 1; i <= concerned.Extent(); ++i)
+            KeepMesh(TopoDS::Face(concerned(i)), tolerance);
+        BRepMesh_IncrementalMesh(CompoundOf(concerned), MeshParameters(tolerance), progress);
+    }
+
+    /// Makes the mesher keep the mesh of the face: it replaces those of another tolerance.
+    static void KeepMesh(const TopoDS_Face& face, const BrepTolerance& tolerance)
+    {
+        TopLoc_Location location;
+        const Handle(Poly_Triangulation) mesh = BRep_Tool::Triangulation(face, location);
+        if (mesh.IsNull())
+            return;
+        mesh->Deflection(tolerance.deflection);
+        mesh->Parameters(Handle(Poly_TriangulationParameters)());
+        for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next())
+            if (const auto polygon =
+                    BRep_Tool::PolygonOnTriangulation(TopoDS::Edge(it.Current()), mesh, location);
+                !polygon.IsNull())
+                polygon->Deflection(tolerance.deflection);
     }
 
     static bool HasClosedShells(const TopoDS_Shape& shape)
@@ -318,6 +424,7 @@ class BrepConverter
 
     const std::string& path_;
     BrepContent content_;
+    const bool has_threads_ = StartMesherThreads();
     BrepTolerance tolerance_;
     double default_deflection_ = 0.0;
     std::vector<std::size_t> groups_; ///< for each piece of the model

@@ -18,11 +18,11 @@
 #include <TopoDS.hxx>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <numbers>
 #include <optional>
-#include <unordered_set>
 
 namespace viewer
 {
@@ -100,13 +100,32 @@ bool IsPlane(const TopoDS_Face& face)
     return !surface.IsNull() && GeomLib_IsPlanarSurface(surface, Precision::Confusion()).IsPlanar();
 }
 
-std::uint64_t DirectedKey(int from, int to)
+/// A side of a facet.
+struct Side {
+    std::uint64_t corners; ///< the lower number above the higher one
+    bool is_forward;       ///< runs from the lower number to the higher one
+    std::size_t face;
+};
+
+Side MakeSide(int from, int to, std::size_t face)
 {
-    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(from)) << 32U |
-           static_cast<std::uint32_t>(to);
+    const auto low = static_cast<std::uint64_t>(std::min(from, to));
+    const auto high = static_cast<std::uint64_t>(std::max(from, to));
+    return {low << 32U | high, from < to, face};
 }
 
 } // namespace
+
+std::size_t CornerNumbers::Hash::operator()(const Point& point) const
+{
+    std::uint64_t hash = 0;
+    for (const double coordinate : {point.x, point.y, point.z}) {
+        // The sum is the same for both zeros, which are equal.
+        hash = (hash ^ std::bit_cast<std::uint64_t>(coordinate + 0.0)) * 0x9E3779B97F4A7C15U;
+        hash ^= hash >> 32U;
+    }
+    return hash;
+}
 
 int CornerNumbers::NumberOf(const Point& point)
 {
@@ -206,6 +225,8 @@ FacetedBody::Triangles FacetedBody::TrianglesOf(const Poly_Triangulation& mesh,
 
 double FacetedBody::AddFace(const TopoDS_Face& face)
 {
+    ++face_count_;
+    open_faces_.reset();
     TopLoc_Location location;
     const auto& mesh = BRep_Tool::Triangulation(face, location);
     const gp_Trsf placement = placement_ * location.Transformation();
@@ -239,11 +260,11 @@ void FacetedBody::AddFacets(const TopoDS_Face& face, const Triangles& triangles,
         const auto point_of = [this](int corner) { return corners_.At(corner); };
         const auto must_stay = [&](int a, int b) { return shown.contains(std::minmax(a, b)); };
         for (FacetCorners& corners : JoinIntoConvexPolygons(triangles, point_of, normal, must_stay))
-            facets_.push_back({std::move(corners), normal});
+            facets_.push_back({std::move(corners), normal, face_count_ - 1});
         return;
     }
     for (const auto& triangle : triangles)
-        facets_.push_back({{triangle.begin(), triangle.end()}, normal});
+        facets_.push_back({{triangle.begin(), triangle.end()}, normal, face_count_ - 1});
 }
 
 std::set<std::pair<int, int>> FacetedBody::ShownSegmentsOf(const TopoDS_Face& face)
@@ -257,17 +278,41 @@ std::set<std::pair<int, int>> FacetedBody::ShownSegmentsOf(const TopoDS_Face& fa
     return segments;
 }
 
-bool FacetedBody::Closes() const
+const std::vector<std::size_t>& FacetedBody::OpenFaces() const
 {
-    std::unordered_set<std::uint64_t> sides;
+    if (!open_faces_)
+        open_faces_ = FindOpenFaces();
+    return *open_faces_;
+}
+
+std::vector<std::size_t> FacetedBody::FindOpenFaces() const
+{
+    std::vector<Side> sides;
+    sides.reserve(3 * facets_.size());
     for (const Facet& facet : facets_)
         for (std::size_t i = 0; i < facet.corners.size(); ++i)
-            if (!sides.insert(DirectedKey(facet.corners[i], facet.corners[(i + 1) % facet.corners.size()]))
-                     .second)
-                return false;
-    return !facets_.empty() && std::all_of(sides.begin(), sides.end(), [&](std::uint64_t side) {
-        return sides.contains(side << 32U | side >> 32U);
-    });
+            sides.push_back(
+                MakeSide(facet.corners[i], facet.corners[(i + 1) % facet.corners.size()], facet.face));
+    std::ranges::sort(sides, {}, &Side::corners);
+    std::vector<bool> is_open(face_count_, false);
+    std::vector<bool> has_facets(face_count_, false);
+    bool closes = true;
+    for (auto begin = sides.begin(); begin != sides.end();) {
+        const auto end = std::find_if(begin, sides.end(),
+                                      [&](const Side& side) { return side.corners != begin->corners; });
+        const bool is_paired = end - begin == 2 && begin[0].is_forward != begin[1].is_forward;
+        for (; begin != end; ++begin) {
+            has_facets[begin->face] = true;
+            if (!is_paired)
+                is_open[begin->face] = true;
+        }
+        closes = closes && is_paired;
+    }
+    std::vector<std::size_t> faces;
+    for (std::size_t face = 0; face < face_count_ && !closes; ++face)
+        if (is_open[face] || !has_facets[face])
+            faces.push_back(face);
+    return faces;
 }
 
 double FacetedBody::SignedVolume() const

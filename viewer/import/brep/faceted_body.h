@@ -13,9 +13,10 @@
 #include <gp_Trsf.hxx>
 
 #include <array>
-#include <map>
+#include <cstddef>
+#include <optional>
 #include <set>
-#include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -32,13 +33,10 @@ class CornerNumbers
     [[nodiscard]] const Point& At(int number) const { return points_[static_cast<std::size_t>(number)]; }
 
   private:
-    struct IsBefore {
-        bool operator()(const Point& a, const Point& b) const
-        {
-            return std::tie(a.x, a.y, a.z) < std::tie(b.x, b.y, b.z);
-        }
+    struct Hash {
+        std::size_t operator()(const Point& point) const;
     };
-    std::map<Point, int, IsBefore> numbers_;
+    std::unordered_map<Point, int, Hash> numbers_;
     std::vector<Point> points_;
 };
 
@@ -65,7 +63,10 @@ class FacetedBody
     double AddFace(const TopoDS_Face& face);
     /// Whether each side of a facet has exactly one facet on its other side, running in the opposite
     /// direction; false without facets.
-    [[nodiscard]] bool Closes() const;
+    [[nodiscard]] bool Closes() const { return !facets_.empty() && OpenFaces().empty(); }
+    /// The faces that keep the body from closing: those of facets with a side that has no facet, or too many,
+    /// on its other side, and those without facets. In order of `AddFace`, from 0; none if the body closes.
+    [[nodiscard]] const std::vector<std::size_t>& OpenFaces() const;
     /// Moves the faces and edges into the piece. If the facets are closed they are turned outwards, and
     /// facets without area are kept; otherwise those are dropped.
     void MoveTo(Piece& piece);
@@ -78,6 +79,7 @@ class FacetedBody
     struct Facet {
         FacetCorners corners; ///< counter-clockwise
         Point normal;         ///< of the face, for facets without area
+        std::size_t face = 0; ///< in order of `AddFace`
     };
     using Triangles = std::vector<std::array<int, 3>>;
 
@@ -92,6 +94,7 @@ class FacetedBody
     void AddFacets(const TopoDS_Face& face, const Triangles& triangles, const Point& area);
     /// The segments of the face's shown edges, as pairs of corners with the lower number first.
     std::set<std::pair<int, int>> ShownSegmentsOf(const TopoDS_Face& face);
+    [[nodiscard]] std::vector<std::size_t> FindOpenFaces() const;
     [[nodiscard]] double SignedVolume() const;
 
     gp_Trsf placement_;
@@ -99,6 +102,8 @@ class FacetedBody
     CornerNumbers corners_;
     NCollection_IndexedDataMap<TopoDS_Shape, EdgeCorners, TopTools_ShapeMapHasher> edges_;
     std::vector<Facet> facets_;
+    std::size_t face_count_ = 0;
+    mutable std::optional<std::vector<std::size_t>> open_faces_; ///< once they were asked for
 };
 
 /// Appends the segments of an edge that belongs to no face; none for an unbounded edge.

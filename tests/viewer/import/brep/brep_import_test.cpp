@@ -35,6 +35,7 @@
 #include <cmath>
 #include <numbers>
 #include <set>
+#include <utility>
 
 namespace viewer
 {
@@ -371,6 +372,28 @@ TEST_F(BrepImport, ThinRingClosesWhereCoarseChordsWouldCross)
     const Piece piece = ReadOne(shape, With(1.0));
     EXPECT_TRUE(ClosesToABody(piece));
     EXPECT_EQ(EdgesOf(piece, shape), 4U);
+}
+
+TEST_F(BrepImport, OnlyFacesWhereChordsCrossAreMeshedFiner)
+{
+    // The same pipe with an arm, and a hole of radius 3 through the arm. The arm's faces have edges in common
+    // with both, the hole none with the pipe.
+    const gp_Ax2 turned(gp_Pnt(0, 0, -1), gp::DZ(), gp_Dir(std::cos(0.1), std::sin(0.1), 0.0));
+    const TopoDS_Shape arm = BRepPrimAPI_MakeBox(gp_Pnt(8, -5, 1), 24, 10, 3).Shape();
+    const TopoDS_Shape blank = BRepAlgoAPI_Fuse(CylinderShape(0, 0, 0, 10, 5), arm).Shape();
+    const TopoDS_Shape pipe =
+        BRepAlgoAPI_Cut(blank, BRepPrimAPI_MakeCylinder(turned, 9.996, 7).Shape()).Shape();
+    const TopoDS_Shape shape = BRepAlgoAPI_Cut(pipe, CylinderShape(25, 0, -1, 3, 7)).Shape();
+    const Piece piece = ReadOne(shape, With(1.0));
+    EXPECT_TRUE(ClosesToABody(piece));
+    std::set<std::pair<double, double>> around_hole;
+    for (const ModelFace& face : piece.faces)
+        for (const Point& corner : face.corners)
+            if (std::abs(std::hypot(corner.x - 25.0, corner.y) - 3.0) < 1e-6 && corner.z > 3.0)
+                around_hole.emplace(corner.x, corner.y);
+    // At the coarsest, and not a third of the angle.
+    EXPECT_GE(around_hole.size(), 360.0 / kFacetAngle);
+    EXPECT_LE(around_hole.size(), 2 * 360.0 / kFacetAngle);
 }
 
 TEST_F(BrepImport, DeflectionByDefaultGoesWithTheSizeOfTheModel)
