@@ -6,16 +6,25 @@
 namespace viewer
 {
 
-/// The default deflection, as a fraction of the diagonal of the model's box.
-inline constexpr double kRelativeDeflection = 0.001;
-
 struct ImportOptions {
     /// The maximum distance between a curved face and its facets, and between a curve and its segments. In
-    /// the unit of the file, above 0. If not set, `kRelativeDeflection` times the model's diagonal.
+    /// the unit of the file, above 0. If not set, about half a pixel of the picture.
     std::optional<double> deflection;
+    /// The shorter side of the picture that shows the whole model, in pixels; above 0.
+    int pixels = 768;
+
     /// Avoid what is known to crash libraries on some files, at the price of speed or detail. It is set for a
     /// second attempt, after the first one has crashed.
     bool safe = false;
+
+    /// The default deflection, as a fraction of the diagonal of the model's box.
+    [[nodiscard]] double RelativeDeflection() const
+    {
+        // A model that is fitted to a window covers about 0.9 of its shorter side with its diagonal.
+        constexpr double kFittedPart = 0.9;
+        constexpr double kPixels = 0.5;
+        return kPixels / (kFittedPart * pixels);
+    }
 };
 
 } // namespace viewer

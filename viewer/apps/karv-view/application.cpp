@@ -15,6 +15,7 @@
 #include "viewer/window/interactive_window.h"
 #include "viewer/window/message_loop.h"
 
+#include <algorithm>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -72,10 +73,10 @@ class Application
     {
         if (options_.list)
             return List();
-        const bool in_windows = ChooseWindows();
+        in_windows_ = ChooseWindows();
         Load();
         GiveHints();
-        if (in_windows)
+        if (in_windows_)
             ShowWindows();
         else
             DrawPictures(TakeWhole());
@@ -101,7 +102,7 @@ class Application
     Model Read(const std::string& path)
     {
         ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + OneLine(path));
-        return ImportModel(path, {.deflection = options_.deflection},
+        return ImportModel(path, {.deflection = options_.deflection, .pixels = Pixels()},
                            [&](double fraction) { progress.Report(fraction); });
     }
 
@@ -117,6 +118,17 @@ class Application
         }
         if (options_.models.empty())
             take(MakeBundledModel());
+    }
+
+    /// The shorter side of the largest picture.
+    int Pixels() const
+    {
+        const auto shorter = [](const PictureSize& size) { return std::min(size.width, size.height); };
+        const bool is_sheet = options_.sheet || (!options_.picture && !in_windows_ && !options_.list);
+        int pixels = is_sheet ? shorter(LayOutSheet(options_.size).cell) : 1;
+        if (options_.picture || !is_sheet)
+            pixels = std::max(pixels, shorter(options_.size.value_or(PictureSize{})));
+        return pixels;
     }
 
     void List()
@@ -276,6 +288,7 @@ class Application
     SteadyTime start_;
     std::ostream& out_;
     std::ostream& err_;
+    bool in_windows_ = false;
     std::vector<Model> models_; ///< one per window
     Stats stats_;
 };

@@ -198,7 +198,7 @@ class BrepConverter
         if (!std::isfinite(diagonal))
             throw FileError(path_, "holds coordinates that are not finite");
         // The library's mesher takes no deflection below the distance at which it merges points.
-        default_deflection_ = std::max(kRelativeDeflection * diagonal, Precision::Confusion());
+        default_deflection_ = std::max(options.RelativeDeflection() * diagonal, Precision::Confusion());
         tolerance_.deflection =
             std::max(options.deflection.value_or(default_deflection_), Precision::Confusion());
         tolerance_.angle = kFacetAngle * std::numbers::pi / 180.0;
@@ -229,7 +229,6 @@ class BrepConverter
         constexpr double kAlongOneDirection = 0.45;
         parameters.Deflection = tolerance.deflection;
         parameters.DeflectionInterior = kAlongOneDirection * tolerance.deflection;
-        parameters.ForceFaceDeflection = Standard_True;
         parameters.Angle = tolerance.angle;
         parameters.AngleInterior = tolerance.angle;
         // The minimum size keeps facets of distorted surfaces from getting too small. It does not grow with a

@@ -39,7 +39,8 @@ namespace viewer
 [[nodiscard]] Model ImportBrep(const std::string& path, const ImportOptions& options,
                                const ProgressFunction& progress = {});
 
-/// The maximum angle between consecutive segments, in degrees: a full circle has at least 24 segments.
-inline constexpr double kFacetAngle = 15.0;
+/// The maximum angle between consecutive segments, in degrees: a full circle has at least 12 segments. It only
+/// keeps small shapes recognisable; large ones are cut by the deflection.
+inline constexpr double kFacetAngle = 30.0;
 
 } // namespace viewer

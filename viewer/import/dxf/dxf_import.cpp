@@ -129,7 +129,7 @@ Model Read(const std::string& path, const ImportOptions& options, const Progress
     if (box.IsEmpty())
         throw FileError(path, ReasonForNothing(file));
     DxfPieceBuilder pieces(path, file.drawing, placement,
-                           options.deflection.value_or(kRelativeDeflection * box.Diagonal()));
+                           options.deflection.value_or(options.RelativeDeflection() * box.Diagonal()));
     placement.ForEach([&](const PlacedEntity& placed) { pieces.Add(placed); });
     Model model = pieces.Finish();
     if (model.pieces.empty())

@@ -11,8 +11,8 @@ namespace viewer
 namespace
 {
 
-/// The program's name, parent, processor time, memory, deflection, mode and path.
-constexpr int kArgumentCount = 7;
+/// The program's name, parent, processor time, memory, deflection, pixels, mode and path.
+constexpr int kArgumentCount = 8;
 constexpr std::string_view kNoDeflection = "-";
 constexpr std::string_view kSafe = "safe";
 constexpr std::string_view kNormal = "normal";
@@ -42,6 +42,7 @@ std::vector<std::string> WriteReaderArguments(const ReaderArguments& arguments)
             ToText(arguments.processor.count()),
             ToText(arguments.memory),
             deflection ? ToText(*deflection) : std::string(kNoDeflection),
+            ToText(arguments.options.pixels),
             std::string(arguments.options.safe ? kSafe : kNormal),
             arguments.path};
 }
@@ -56,13 +57,14 @@ std::optional<ReaderArguments> ParseReaderArguments(int argc, const char* const*
     const bool has_deflection = argv[4] != kNoDeflection;
     if (!FromText(argv[1], arguments.parent) || !FromText(argv[2], processor) ||
         !FromText(argv[3], arguments.memory) || (has_deflection && !FromText(argv[4], deflection)) ||
-        (argv[5] != kSafe && argv[5] != kNormal))
+        !FromText(argv[5], arguments.options.pixels) || arguments.options.pixels < 1 ||
+        (argv[6] != kSafe && argv[6] != kNormal))
         return std::nullopt;
     arguments.processor = std::chrono::seconds(processor);
     if (has_deflection)
         arguments.options.deflection = deflection;
-    arguments.options.safe = argv[5] == kSafe;
-    arguments.path = argv[6];
+    arguments.options.safe = argv[6] == kSafe;
+    arguments.path = argv[7];
     return arguments;
 }
 

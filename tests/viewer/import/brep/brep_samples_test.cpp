@@ -81,7 +81,7 @@ TEST_P(BrepSolidSamples, SolidsCloseAndHaveTheLibrarysFigures)
     ASSERT_EQ(solids.size(), GetParam().solids);
     ASSERT_EQ(model.pieces.size(), solids.size());
     // The importer's box of the model can be a little larger than that of the facets.
-    const double deflection = 1.1 * kRelativeDeflection * model.Extents().Diagonal();
+    const double deflection = 1.1 * ImportOptions{}.RelativeDeflection() * model.Extents().Diagonal();
     for (std::size_t i = 0; i < solids.size(); ++i) {
         const Piece& piece = model.pieces[i];
         EXPECT_TRUE(ClosesToABody(piece)) << i;

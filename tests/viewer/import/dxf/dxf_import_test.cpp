@@ -140,12 +140,13 @@ TEST_F(DxfImport, CircleClosesExactly)
 
 TEST_F(DxfImport, DefaultToleranceIsAPartOfTheDiagonal)
 {
-    // Of a circle of radius 1: 0.001 x 2 sqrt(2), which 42 chords keep and 41 do not.
-    const double tolerance = kRelativeDeflection * 2 * std::sqrt(2);
-    EXPECT_GT(1 - std::cos(std::numbers::pi / 41), tolerance);
-    EXPECT_LT(1 - std::cos(std::numbers::pi / 42), tolerance);
+    // Of a circle of radius 1 in a picture of 100 pixels: 0.5 / 90 x 2 sqrt(2), which 18 chords keep and 17 do
+    // not.
+    const double tolerance = 0.5 / 90 * 2 * std::sqrt(2);
+    EXPECT_GT(1 - std::cos(std::numbers::pi / 17), tolerance);
+    EXPECT_LT(1 - std::cos(std::numbers::pi / 18), tolerance);
     const std::string path = Write("circle.dxf", Drawing("0 CIRCLE 10 5 20 5 40 1"));
-    EXPECT_EQ(ImportDxf(path, {}).pieces.at(0).lines.size(), 42U);
+    EXPECT_EQ(ImportDxf(path, {.pixels = 100}).pieces.at(0).lines.size(), 18U);
 }
 
 TEST_F(DxfImport, EllipseIsGivenByItsMajorAxisAndARatio)

@@ -71,7 +71,7 @@ TEST(ReaderCommandLine, IsParsedAsItWasWritten)
     const ReaderArguments written{.parent = 4711,
                                   .processor = std::chrono::seconds(90),
                                   .memory = std::size_t{5} << 30U,
-                                  .options = {.deflection = 0.1, .safe = true},
+                                  .options = {.deflection = 0.1, .pixels = 240, .safe = true},
                                   .path = "-a b.step"};
     const std::vector<std::string> texts = WriteReaderArguments(written);
     std::vector<const char*> argv{"karv-reader"};
@@ -84,6 +84,7 @@ TEST(ReaderCommandLine, IsParsedAsItWasWritten)
     EXPECT_EQ(read->memory, std::size_t{5} << 30U);
     EXPECT_EQ(read->options.deflection, 0.1);
     EXPECT_TRUE(read->options.safe);
+    EXPECT_EQ(read->options.pixels, 240);
     EXPECT_EQ(read->path, "-a b.step");
 }
 
