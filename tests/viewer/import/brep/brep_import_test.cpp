@@ -410,7 +410,7 @@ TEST_F(BrepImport, DeflectionByDefaultGoesWithTheSizeOfThePicture)
 {
     const TopoDS_Shape shape = CylinderShape(0, 0, 0, 100, 1);
     const auto chords = [&](int pixels) {
-        const Piece piece = ReadOne(shape, {.pixels = pixels});
+        const Piece piece = ReadOne(shape, {.deflection = {}, .pixels = pixels});
         std::set<std::pair<double, double>> corners;
         for (const ModelFace& face : piece.faces)
             for (const Point& corner : face.corners)

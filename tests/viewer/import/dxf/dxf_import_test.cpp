@@ -146,7 +146,7 @@ TEST_F(DxfImport, DefaultToleranceIsAPartOfTheDiagonal)
     EXPECT_GT(1 - std::cos(std::numbers::pi / 17), tolerance);
     EXPECT_LT(1 - std::cos(std::numbers::pi / 18), tolerance);
     const std::string path = Write("circle.dxf", Drawing("0 CIRCLE 10 5 20 5 40 1"));
-    EXPECT_EQ(ImportDxf(path, {.pixels = 100}).pieces.at(0).lines.size(), 18U);
+    EXPECT_EQ(ImportDxf(path, {.deflection = {}, .pixels = 100}).pieces.at(0).lines.size(), 18U);
 }
 
 TEST_F(DxfImport, EllipseIsGivenByItsMajorAxisAndARatio)
