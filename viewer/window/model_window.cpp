@@ -17,14 +17,26 @@ std::wstring TitleOf(const Model& model)
 
 } // namespace
 
-ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options, const Model& model)
-    : ViewportWindow(TitleOf(model), size, options.transparent)
+ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options)
+    : ViewportWindow(L"karv-view", size, options.transparent), options_(options)
 {
-    KARVOpenGLControl& control = Control();
-    if (const auto& background = options.background)
+}
+
+ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options, const Model& model)
+    : ModelWindow(size, options)
+{
+    Feed(model);
+}
+
+void ModelWindow::Feed(const Model& model)
+{
+    SetWindowTextW(GetSafeHwnd(), TitleOf(model).c_str());
+    ViewportControl& control = Control();
+    control.MakeCurrent();
+    if (const auto& background = options_.background)
         control.SetBgColor(background->at(0), background->at(1), background->at(2));
-    scene_ = std::make_unique<FittedScene>(control, model, options.hidden);
-    scene_->DrawLines(options.lines);
+    scene_ = std::make_unique<FittedScene>(control, model, options_.hidden);
+    scene_->DrawLines(options_.lines);
 }
 
 void ModelWindow::Show(StandardView view, Projection projection)

@@ -13,10 +13,15 @@ namespace viewer
 class ModelWindow : public ViewportWindow
 {
   public:
-    /// Creates a hidden window with a client area of this size and feeds the model, drawn as the options say.
-    /// Call `Show` next. The model is only read here. Throws as ViewportWindow does.
+    /// Creates a hidden window with a client area of this size. Call `Feed` next. The options must outlive the
+    /// window. Throws as ViewportWindow does.
+    ModelWindow(PictureSize size, const ViewOptions& options);
+    /// Creates the window and feeds the model.
     ModelWindow(PictureSize size, const ViewOptions& options, const Model& model);
 
+    /// Feeds the model, drawn as the options say. To be called once; call `Show` next. The model is only read
+    /// here.
+    void Feed(const Model& model);
     /// Shows the whole model from a standard view, from the next frame on.
     void Show(StandardView view, Projection projection);
 
@@ -24,6 +29,7 @@ class ModelWindow : public ViewportWindow
     [[nodiscard]] FittedScene& Scene() { return *scene_; }
 
   private:
+    const ViewOptions& options_;
     std::unique_ptr<FittedScene> scene_;
 };
 

@@ -102,8 +102,11 @@ class Application
     Model Read(const std::string& path)
     {
         ProgressLine progress(err_, StandardErrorIsTerminal(), "karv-view: " + OneLine(path));
-        return ImportModel(path, {.deflection = options_.deflection, .pixels = Pixels()},
-                           [&](double fraction) { progress.Report(fraction); });
+        ReaderSettings reader;
+        reader.meanwhile = [&] { PrepareWindow(); };
+        return ImportModel(
+            path, {.deflection = options_.deflection, .pixels = Pixels()},
+            [&](double fraction) { progress.Report(fraction); }, reader);
     }
 
     /// Passes the model of each file to `take`, in order; without files, the bundled model.
@@ -120,6 +123,27 @@ class Application
             take(MakeBundledModel());
     }
 
+    /// Makes the window of the first picture, while the first model is read: its context takes time.
+    void PrepareWindow()
+    {
+        if (!options_.list && !in_windows_ && !window_ && models_.empty())
+            window_ = std::make_unique<ModelWindow>(options_.picture ? PictureSizeOrDefault()
+                                                                     : LayOutSheet(options_.size).cell,
+                                                    options_.drawing);
+    }
+
+    /// The window that is prepared, or else a new one, with the model in it.
+    std::unique_ptr<ModelWindow> TakeWindow(PictureSize size, const Model& model)
+    {
+        std::unique_ptr<ModelWindow> window = std::move(window_);
+        if (!window)
+            window = std::make_unique<ModelWindow>(size, options_.drawing);
+        window->Feed(model);
+        return window;
+    }
+
+    PictureSize PictureSizeOrDefault() const { return options_.size.value_or(PictureSize{}); }
+
     /// The shorter side of the largest picture.
     int Pixels() const
     {
@@ -127,7 +151,7 @@ class Application
         const bool is_sheet = options_.sheet || (!options_.picture && !in_windows_ && !options_.list);
         int pixels = is_sheet ? shorter(LayOutSheet(options_.size).cell) : 1;
         if (options_.picture || !is_sheet)
-            pixels = std::max(pixels, shorter(options_.size.value_or(PictureSize{})));
+            pixels = std::max(pixels, shorter(PictureSizeOrDefault()));
         return pixels;
     }
 
@@ -215,18 +239,18 @@ class Application
 
     void DrawPicture(const std::string& path, const Model& model)
     {
-        ModelWindow window(options_.size.value_or(PictureSize{}), options_.drawing, model);
-        const Picture picture = Draw(window, options_.drawing.view);
-        Measure(window);
+        const auto window = TakeWindow(PictureSizeOrDefault(), model);
+        const Picture picture = Draw(*window, options_.drawing.view);
+        Measure(*window);
         WritePng(picture, path);
     }
 
     void DrawSheet(const std::string& path, const Model& model)
     {
         const SheetLayout layout = LayOutSheet(options_.size);
-        ModelWindow window(layout.cell, options_.drawing, model);
-        WriteSheet(path, model.title, layout, [&](StandardView view) { return Draw(window, view); });
-        Measure(window);
+        const auto window = TakeWindow(layout.cell, model);
+        WriteSheet(path, model.title, layout, [&](StandardView view) { return Draw(*window, view); });
+        Measure(*window);
     }
 
     void ShowWindows()
@@ -234,8 +258,8 @@ class Application
         std::vector<std::unique_ptr<InteractiveWindow>> windows;
         windows.reserve(models_.size());
         for (const Model& model : models_)
-            windows.push_back(std::make_unique<InteractiveWindow>(options_.size.value_or(PictureSize{}),
-                                                                  options_.drawing, model, Notices(), err_));
+            windows.push_back(std::make_unique<InteractiveWindow>(PictureSizeOrDefault(), options_.drawing,
+                                                                  model, Notices(), err_));
         stats_.renderer = windows.front()->RendererName();
         Notices() << "karv-view: the key ? prints the keys" << std::endl;
         const auto begin = std::chrono::steady_clock::now();
@@ -289,7 +313,8 @@ class Application
     std::ostream& out_;
     std::ostream& err_;
     bool in_windows_ = false;
-    std::vector<Model> models_; ///< one per window
+    std::unique_ptr<ModelWindow> window_; ///< prepared for the first picture, before it has a model
+    std::vector<Model> models_;           ///< one per window
     Stats stats_;
 };
 

@@ -8,6 +8,7 @@
 #include "viewer/import/progress.h"
 #include "viewer/scene/model.h"
 
+#include <functional>
 #include <string>
 
 namespace viewer
@@ -18,6 +19,9 @@ struct ReaderSettings {
     /// The path of the program.
     std::string program = ReaderBesideThisCode();
     ReaderLimits limits;
+    /// Called once the reader works on the file, for work that can be done meanwhile; the time of it counts
+    /// for the limits. Its exceptions pass through.
+    std::function<void()> meanwhile = {};
 };
 
 /// Reads a file of any kind that `ReadModelFile` reads, in a process of its own. That process has ended when

@@ -352,6 +352,8 @@ Model RunReader(const std::string& path, const ImportOptions& options, const Pro
         throw FileError(path,
                         "its reader " + reader.program + " cannot be started: " + error.code().message());
     }
+    if (reader.meanwhile)
+        reader.meanwhile();
     return session->Run();
 }
 

@@ -454,6 +454,23 @@ TEST(ReaderProcess, ProgramThatIsNotThereIsAReason)
     ExpectNoChild();
 }
 
+TEST(ReaderProcess, WorkMeanwhileIsDoneWhileTheReaderRuns)
+{
+    struct Enough {
+    };
+    bool runs = false;
+    ReaderSettings settings{KARV_FAKE_READER, Generous()};
+    settings.meanwhile = [&] {
+        siginfo_t state{};
+        runs = waitid(P_ALL, 0, &state, WEXITED | WNOHANG | WNOWAIT) == 0;
+        throw Enough();
+    };
+    // This reader never answers.
+    EXPECT_THROW(static_cast<void>(ImportModel("hang", {}, {}, settings)), Enough);
+    EXPECT_TRUE(runs);
+    ExpectNoChild();
+}
+
 TEST(ReaderProcess, HundredReadersLeaveNoDescriptorBehind)
 {
     const auto open_descriptors = [] {
