@@ -1,0 +1,78 @@
+// The colours of the materials of a mesh file: base colours, textures and colours of vertices.
+#pragma once
+
+#include "viewer/import/mesh/model_builder.h"
+#include "viewer/import/mesh/texture_image.h"
+
+#include <assimp/scene.h>
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace viewer
+{
+
+/// What the faces, lines and points of one material look like.
+struct MeshMaterial {
+    FileColor color; ///< opaque
+    float opacity = 1.0F;
+    FileColor texture_factor{1.0F, 1.0F, 1.0F, 1.0F};
+    const TextureImage* texture = nullptr; ///< absent where there is none or it is missing
+    unsigned int texture_channel = 0;      ///< the texture coordinates of the mesh that it takes
+    aiUVTransform texture_transform;
+    /// Whether the colours of vertices are factors of the material's colour. Otherwise they replace the colour of
+    /// a material without a texture.
+    bool vertices_are_factors = false;
+};
+
+/// Reads the materials of a scene, with the textures beside the file and those inside of it.
+class MeshMaterials
+{
+  public:
+    /// Both arguments must outlive the object.
+    MeshMaterials(const std::string& path, const aiScene& scene);
+
+    /// The material with this number; a grey one for any other number. Valid as long as the object.
+    [[nodiscard]] const MeshMaterial& At(unsigned int index) const;
+    /// The number of textures that are missing, damaged, or too large.
+    [[nodiscard]] std::size_t MissingTextures() const { return missing_; }
+
+  private:
+    [[nodiscard]] MeshMaterial Read(const aiMaterial& material);
+    void ReadTexture(MeshMaterial& result, const aiMaterial& material);
+    /// Absent if the texture is missing.
+    const TextureImage* TextureAt(const std::string& name);
+    [[nodiscard]] std::optional<TextureImage> Load(const std::string& name) const;
+
+    const std::string& path_;
+    const aiScene& scene_;
+    bool base_is_factor_; ///< of the texture; otherwise the texture replaces it
+    std::map<std::string, std::optional<TextureImage>> textures_;
+    std::size_t missing_ = 0;
+    std::vector<MeshMaterial> materials_;
+};
+
+/// The colours of the parts of one mesh.
+class MeshColors
+{
+  public:
+    /// Both arguments must outlive the object.
+    MeshColors(const MeshMaterial& material, const aiMesh& mesh);
+
+    /// The colour of a part with these vertices, at least one, all of them in range.
+    [[nodiscard]] FileColor Of(std::span<const unsigned int> vertices) const;
+
+  private:
+    [[nodiscard]] FileColor TextureOf(std::span<const unsigned int> vertices) const;
+
+    const MeshMaterial& material_;
+    const aiMesh& mesh_;
+    const aiVector3D* texture_points_; ///< null where the mesh has no texture
+    bool is_painted_;                  ///< by colours of vertices
+};
+
+} // namespace viewer

@@ -1,0 +1,253 @@
+#include "viewer/import/mesh/scene_converter.h"
+
+#include "viewer/import/mesh/mesh_materials.h"
+#include "viewer/import/mesh/model_builder.h"
+#include "viewer/scene/affine.h"
+#include "viewer/text/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+namespace
+{
+
+Point ToPoint(const aiVector3D& v)
+{
+    return {static_cast<double>(v.x), static_cast<double>(v.y), static_cast<double>(v.z)};
+}
+
+/// The transformation in double precision.
+Affine ToAffine(const aiMatrix4x4& m)
+{
+    const auto column = [&](unsigned int i) {
+        return Point{static_cast<double>(m[0][i]), static_cast<double>(m[1][i]),
+                     static_cast<double>(m[2][i])};
+    };
+    return {column(0), column(1), column(2), column(3)};
+}
+
+/// A file's coordinate system: the map to the viewer's axes, with z up, and the length of its unit.
+struct Convention {
+    Affine root;
+    std::optional<double> meters_per_unit;
+};
+
+/// The rotation that maps the axis with this number, or its opposite, to z.
+Affine UprightFrom(int axis, bool is_opposite)
+{
+    Affine turn;
+    if (axis == 0)
+        turn = {{0.0, 0.0, 1.0}, {0.0, 1.0, 0.0}, {-1.0, 0.0, 0.0}, {}};
+    if (axis == 1)
+        turn = {{1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {0.0, -1.0, 0.0}, {}};
+    const Affine half_turn_about_x = Scaling(1.0, -1.0, -1.0);
+    return is_opposite ? half_turn_about_x * turn : turn;
+}
+
+/// FBX files state their up axis and the length of their unit in centimetres.
+Convention FbxConvention(const aiScene& scene)
+{
+    int axis = 1;
+    int sign = 1;
+    float centimeters = 0.0F;
+    if (scene.mMetaData != nullptr) {
+        scene.mMetaData->Get("UpAxis", axis);
+        scene.mMetaData->Get("UpAxisSign", sign);
+        scene.mMetaData->Get("UnitScaleFactor", centimeters);
+    }
+    Convention convention{UprightFrom(axis, sign < 0), std::nullopt};
+    if (std::isfinite(centimeters) && centimeters > 0.0F)
+        convention.meters_per_unit = static_cast<double>(centimeters) / 100.0;
+    return convention;
+}
+
+/// NOTE: The library rotates Collada, 3DS, ASE and IFC files so that y is up, and scales Collada and IFC
+/// files to metres. glTF and X3D define both in this way. OBJ, STL, PLY and OFF files do not define their
+/// axes.
+Convention ConventionOf(const std::string& path, const aiScene& scene)
+{
+    constexpr std::array<std::string_view, 7> kMetersUpwardsY = {".gltf", ".glb", ".dae", ".zae",
+                                                                 ".ifc",  ".x3d", ".x3db"};
+    constexpr std::array<std::string_view, 7> kUpwardsY = {".3ds", ".ase", ".x",  ".ac",
+                                                           ".acc", ".lwo", ".lws"};
+    const std::string ending = LowerCaseExtension(path);
+    if (ending == ".fbx")
+        return FbxConvention(scene);
+    if (std::ranges::find(kMetersUpwardsY, ending) != kMetersUpwardsY.end())
+        return {UprightFrom(1, false), 1.0};
+    if (std::ranges::find(kUpwardsY, ending) != kUpwardsY.end())
+        return {UprightFrom(1, false), std::nullopt};
+    return {};
+}
+
+/// The maximum number of a piece's parents; further ones are dropped.
+constexpr std::size_t kMaxParents = 64;
+
+void AddParent(std::vector<std::string>& parents, const aiString& name)
+{
+    // NOTE: The library names nodes that it adds itself "..._$AssimpFbx$_...".
+    const std::string_view text(name.C_Str());
+    if (!text.empty() && text.find("$Assimp") == std::string_view::npos && parents.size() < kMaxParents)
+        parents.emplace_back(text);
+}
+
+/// Converts the library's scene to a model.
+class SceneConverter
+{
+  public:
+    SceneConverter(const std::string& path, const aiScene& scene, const ProgressFunction& progress,
+                   double progress_begin)
+        : path_(path), scene_(scene), progress_(progress), progress_begin_(progress_begin),
+          materials_(path, scene)
+    {
+        CountFaces();
+    }
+
+    Model Convert()
+    {
+        const Convention convention = ConventionOf(path_, scene_);
+        std::vector<PendingNode> pending;
+        if (scene_.mRootNode != nullptr)
+            pending.push_back({scene_.mRootNode, convention.root, {}});
+        while (!pending.empty()) {
+            const PendingNode current = std::move(pending.back());
+            pending.pop_back();
+            const aiNode& node = *current.node;
+            const Affine transform = current.transform * ToAffine(node.mTransformation);
+            for (unsigned int i = 0; i < node.mNumMeshes; ++i)
+                if (node.mMeshes[i] < scene_.mNumMeshes)
+                    AddMesh(*scene_.mMeshes[node.mMeshes[i]], node, current.parents, transform);
+                else
+                    builder_.LeaveOutDamaged();
+            std::vector<std::string> parents = current.parents;
+            // The root has the name of the file, or one that the library generates.
+            if (&node != scene_.mRootNode)
+                AddParent(parents, node.mName);
+            for (unsigned int i = node.mNumChildren; i-- > 0;)
+                pending.push_back({node.mChildren[i], transform, parents});
+        }
+        builder_.LeaveOut("texture", materials_.MissingTextures());
+        Model model = builder_.Finish(path_);
+        model.meters_per_unit = convention.meters_per_unit;
+        NumberCategories(model);
+        return model;
+    }
+
+  private:
+    struct PendingNode {
+        const aiNode* node;
+        Affine transform; ///< of its parent
+        std::vector<std::string> parents;
+    };
+
+    void CountFaces()
+    {
+        for (unsigned int i = 0; i < scene_.mNumMeshes; ++i)
+            faces_total_ += scene_.mMeshes[i]->mNumFaces;
+    }
+
+    void AddMesh(const aiMesh& mesh, const aiNode& node, const std::vector<std::string>& parents,
+                 const Affine& transform)
+    {
+        Piece pattern;
+        pattern.name = mesh.mName.length > 0 ? mesh.mName.C_Str() : node.mName.C_Str();
+        pattern.parents = parents;
+        if (&node != scene_.mRootNode && pattern.name != node.mName.C_Str())
+            AddParent(pattern.parents, node.mName);
+        // The material's number for now: categories are numbered when all materials with faces are known.
+        pattern.category = static_cast<int>(mesh.mMaterialIndex);
+        const MeshMaterial& material = materials_.At(mesh.mMaterialIndex);
+        pattern.alpha = material.opacity;
+        builder_.BeginMesh(std::move(pattern), mesh.mNumFaces);
+        const MeshColors colors(material, mesh);
+        const bool mirrors = transform.Mirrors();
+        for (unsigned int i = 0; i < mesh.mNumFaces; ++i) {
+            Report();
+            AddPart(mesh, colors, mesh.mFaces[i], transform, mirrors);
+        }
+    }
+
+    /// A face, a line or a point.
+    void AddPart(const aiMesh& mesh, const MeshColors& colors, const aiFace& source, const Affine& transform,
+                 bool mirrors)
+    {
+        const std::span<const unsigned int> vertices(source.mIndices, source.mNumIndices);
+        if (vertices.empty())
+            return;
+        if (std::ranges::any_of(vertices, [&](unsigned int vertex) { return vertex >= mesh.mNumVertices; })) {
+            builder_.LeaveOutDamaged();
+            return;
+        }
+        std::vector<Point> corners;
+        corners.reserve(vertices.size());
+        for (const unsigned int vertex : vertices)
+            corners.push_back(transform.Apply(ToPoint(mesh.mVertices[vertex])));
+        const FileColor color = colors.Of(vertices);
+        if (corners.size() == 1) {
+            builder_.AddPoint(corners[0], color);
+        } else if (corners.size() == 2) {
+            builder_.AddLine(corners[0], corners[1], color);
+        } else {
+            if (mirrors)
+                std::reverse(corners.begin(), corners.end());
+            builder_.AddFace(std::move(corners), color);
+        }
+    }
+
+    void NumberCategories(Model& model) const
+    {
+        std::map<int, int> categories;
+        for (const Piece& piece : model.pieces)
+            categories[piece.category] = 0;
+        int next = 0;
+        for (auto& [material, category] : categories) {
+            category = next++;
+            const auto number = static_cast<unsigned int>(material);
+            model.category_names.emplace_back(
+                number < scene_.mNumMaterials ? scene_.mMaterials[number]->GetName().C_Str() : "");
+        }
+        for (Piece& piece : model.pieces)
+            piece.category = categories.at(piece.category);
+    }
+
+    void Report()
+    {
+        constexpr std::size_t kFacesPerReport = 4096;
+        ++faces_seen_;
+        if (!progress_ || faces_seen_ % kFacesPerReport != 0)
+            return;
+        // A mesh that several nodes use is counted once, but converted for each of them.
+        const double done = static_cast<double>(faces_seen_) / static_cast<double>(faces_total_);
+        progress_(progress_begin_ + (1.0 - progress_begin_) * std::min(done, 1.0));
+    }
+
+    const std::string& path_;
+    const aiScene& scene_;
+    const ProgressFunction& progress_;
+    double progress_begin_;
+    MeshMaterials materials_;
+    ModelBuilder builder_;
+    std::size_t faces_total_ = 0;
+    std::size_t faces_seen_ = 0;
+};
+
+} // namespace
+
+Model ConvertScene(const std::string& path, const aiScene& scene, const ProgressFunction& progress,
+                   double progress_begin)
+{
+    return SceneConverter(path, scene, progress, progress_begin).Convert();
+}
+
+} // namespace viewer
