@@ -8,22 +8,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 namespace viewer
 {
 
 namespace
 {
-
-namespace fs = std::filesystem;
-
-/// The maximum number of different textures; each needs up to half a megabyte.
-constexpr std::size_t kMaxTextures = 256;
-/// The maximum number of files beside a model among which a texture is looked for.
-constexpr std::size_t kMaxFilesInFolder = 10'000;
 
 bool IsGltf(const std::string& path)
 {
@@ -95,40 +86,6 @@ std::optional<TextureUse> TextureOf(const aiMaterial& material)
     return std::nullopt;
 }
 
-/// A file's texture may be named in the letters of another system.
-std::optional<fs::path> WithoutCase(const fs::path& path)
-{
-    std::error_code error;
-    const std::string name = LowerCase(path.filename().string());
-    std::size_t seen = 0;
-    const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end && seen < kMaxFilesInFolder;
-         entry.increment(error), ++seen)
-        if (LowerCase(entry->path().filename().string()) == name)
-            return entry->path();
-    return std::nullopt;
-}
-
-/// The texture's file: as it is named, relative to the model's folder, or of this name beside the model.
-std::optional<fs::path> FindTexture(const fs::path& model, std::string name)
-{
-    std::replace(name.begin(), name.end(), '\\', '/');
-    constexpr std::string_view kScheme = "file://";
-    if (name.starts_with(kScheme))
-        name.erase(0, kScheme.size());
-    const fs::path folder = model.parent_path();
-    const fs::path named = fs::path(name);
-    for (const fs::path& candidate :
-         {folder / named, folder / named.filename(), folder / "textures" / named.filename()}) {
-        std::error_code error;
-        if (fs::is_regular_file(candidate, error))
-            return candidate;
-        if (const auto found = WithoutCase(candidate))
-            return found;
-    }
-    return std::nullopt;
-}
-
 std::optional<TextureImage> FromEmbedded(const aiTexture& texture)
 {
     // NOLINTBEGIN(cppcoreguidelines-pro-type-reinterpret-cast): the library keeps a packed image in texels
@@ -179,7 +136,7 @@ const aiVector3D* TexturePointsOf(const MeshMaterial& material, const aiMesh& me
 } // namespace
 
 MeshMaterials::MeshMaterials(const std::string& path, const aiScene& scene)
-    : path_(path), scene_(scene), base_is_factor_(IsGltf(path) || LowerCaseExtension(path) == ".obj")
+    : path_(path), scene_(scene), base_is_factor_(IsGltf(path))
 {
     materials_.reserve(scene.mNumMaterials);
     for (unsigned int i = 0; i < scene.mNumMaterials; ++i)
@@ -207,7 +164,8 @@ void MeshMaterials::ReadTexture(MeshMaterial& result, const aiMaterial& material
     const auto use = TextureOf(material);
     if (!use)
         return;
-    result.texture = TextureAt(use->name.C_Str());
+    const std::string name = use->name.C_Str();
+    result.texture = textures_.At(name, [&] { return Load(name); });
     if (result.texture == nullptr)
         return;
     int channel = 0;
@@ -215,37 +173,29 @@ void MeshMaterials::ReadTexture(MeshMaterial& result, const aiMaterial& material
         result.texture_channel = static_cast<unsigned int>(channel);
     material.Get(AI_MATKEY_UVTRANSFORM(use->type, 0), result.texture_transform);
     // A black factor would hide the texture: programs write it where they mean none.
-    if (base_is_factor_ && !IsBlack(result.color))
+    aiColor4D color;
+    const bool has_factor = base_is_factor_ && (material.Get(AI_MATKEY_BASE_COLOR, color) == AI_SUCCESS ||
+                                                material.Get(AI_MATKEY_COLOR_DIFFUSE, color) == AI_SUCCESS);
+    if (has_factor && !IsBlack(result.color))
         result.texture_factor = result.color;
-}
-
-const TextureImage* MeshMaterials::TextureAt(const std::string& name)
-{
-    const auto [found, is_new] = textures_.try_emplace(name);
-    if (is_new && textures_.size() <= kMaxTextures)
-        found->second = Load(name);
-    if (is_new && !found->second)
-        ++missing_;
-    return found->second ? &*found->second : nullptr;
 }
 
 std::optional<TextureImage> MeshMaterials::Load(const std::string& name) const
 {
     if (const aiTexture* embedded = scene_.GetEmbeddedTexture(name.c_str()))
         return FromEmbedded(*embedded);
-    const auto file = FindTexture(path_, name);
-    return file ? TextureImage::FromFile(file->string()) : std::nullopt;
+    return TextureStore::LoadFile(path_, name);
 }
 
 MeshColors::MeshColors(const MeshMaterial& material, const aiMesh& mesh)
     : material_(material), mesh_(mesh), texture_points_(TexturePointsOf(material, mesh)),
-      is_painted_(IsPainted(mesh) && (material.vertices_are_factors || texture_points_ == nullptr))
+      is_painted_(IsPainted(mesh) && (material.vertices_are_factors || material.texture == nullptr))
 {
 }
 
 FileColor MeshColors::Of(std::span<const unsigned int> vertices) const
 {
-    const FileColor color = texture_points_ == nullptr ? material_.color : TextureOf(vertices);
+    const FileColor color = material_.texture == nullptr ? material_.color : TextureOf(vertices);
     if (!is_painted_)
         return color;
     ColorMean mean;
@@ -258,7 +208,7 @@ FileColor MeshColors::TextureOf(std::span<const unsigned int> vertices) const
 {
     std::vector<TexturePoint> points;
     points.reserve(vertices.size());
-    for (const unsigned int vertex : vertices)
+    for (const unsigned int vertex : texture_points_ == nullptr ? std::span<const unsigned int>{} : vertices)
         points.push_back(Transformed(texture_points_[vertex], material_.texture_transform));
     return material_.texture_factor * material_.texture->MeanNear(points);
 }

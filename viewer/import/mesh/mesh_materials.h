@@ -3,11 +3,11 @@
 
 #include "viewer/import/mesh/model_builder.h"
 #include "viewer/import/mesh/texture_image.h"
+#include "viewer/import/mesh/texture_store.h"
 
 #include <assimp/scene.h>
 
 #include <cstddef>
-#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -39,20 +39,17 @@ class MeshMaterials
     /// The material with this number; a grey one for any other number. Valid as long as the object.
     [[nodiscard]] const MeshMaterial& At(unsigned int index) const;
     /// The number of textures that are missing, damaged, or too large.
-    [[nodiscard]] std::size_t MissingTextures() const { return missing_; }
+    [[nodiscard]] std::size_t MissingTextures() const { return textures_.Missing(); }
 
   private:
     [[nodiscard]] MeshMaterial Read(const aiMaterial& material);
     void ReadTexture(MeshMaterial& result, const aiMaterial& material);
-    /// Absent if the texture is missing.
-    const TextureImage* TextureAt(const std::string& name);
     [[nodiscard]] std::optional<TextureImage> Load(const std::string& name) const;
 
     const std::string& path_;
     const aiScene& scene_;
     bool base_is_factor_; ///< of the texture; otherwise the texture replaces it
-    std::map<std::string, std::optional<TextureImage>> textures_;
-    std::size_t missing_ = 0;
+    TextureStore textures_;
     std::vector<MeshMaterial> materials_;
 };
 
@@ -71,7 +68,7 @@ class MeshColors
 
     const MeshMaterial& material_;
     const aiMesh& mesh_;
-    const aiVector3D* texture_points_; ///< null where the mesh has no texture
+    const aiVector3D* texture_points_; ///< null for a mesh without them: its texture is everywhere the same
     bool is_painted_;                  ///< by colours of vertices
 };
 

@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <span>
@@ -72,15 +73,16 @@ Convention FbxConvention(const aiScene& scene)
     return convention;
 }
 
-/// NOTE: The library rotates Collada, 3DS, ASE and IFC files so that y is up, and scales Collada and IFC
+/// NOTE: The library rotates Collada, 3DS, ASE, IFC and the game formats so that y is up, and scales Collada and IFC
 /// files to metres. glTF and X3D define both in this way. OBJ, STL, PLY and OFF files do not define their
 /// axes.
 Convention ConventionOf(const std::string& path, const aiScene& scene)
 {
     constexpr std::array<std::string_view, 7> kMetersUpwardsY = {".gltf", ".glb", ".dae", ".zae",
                                                                  ".ifc",  ".x3d", ".x3db"};
-    constexpr std::array<std::string_view, 7> kUpwardsY = {".3ds", ".ase", ".x",  ".ac",
-                                                           ".acc", ".lwo", ".lws"};
+    constexpr std::array<std::string_view, 14> kUpwardsY = {".3ds",     ".ase", ".x",   ".ac",  ".acc",
+                                                            ".lwo",     ".lws", ".md2", ".md3", ".mdc",
+                                                            ".md5mesh", ".mdl", ".hmp", ".ms3d"};
     const std::string ending = LowerCaseExtension(path);
     if (ending == ".fbx")
         return FbxConvention(scene);
@@ -117,6 +119,7 @@ class SceneConverter
     Model Convert()
     {
         const Convention convention = ConventionOf(path_, scene_);
+        root_ = convention.root;
         std::vector<PendingNode> pending;
         if (scene_.mRootNode != nullptr)
             pending.push_back({scene_.mRootNode, convention.root, {}});
@@ -171,35 +174,96 @@ class SceneConverter
         pattern.alpha = material.opacity;
         builder_.BeginMesh(std::move(pattern), mesh.mNumFaces);
         const MeshColors colors(material, mesh);
-        const bool mirrors = transform.Mirrors();
+        const PlacedVertices vertices = Placed(mesh, transform);
         for (unsigned int i = 0; i < mesh.mNumFaces; ++i) {
             Report();
-            AddPart(mesh, colors, mesh.mFaces[i], transform, mirrors);
+            AddPart(vertices, colors, mesh.mFaces[i]);
         }
     }
 
+    /// The vertices of a mesh in the model's axes.
+    struct PlacedVertices {
+        std::vector<Point> points;
+        bool are_mirrored; ///< so that counter-clockwise faces have become clockwise
+    };
+
+    PlacedVertices Placed(const aiMesh& mesh, const Affine& transform)
+    {
+        PlacedVertices placed{{}, transform.Mirrors()};
+        placed.points.reserve(mesh.mNumVertices);
+        for (unsigned int i = 0; i < mesh.mNumVertices; ++i)
+            placed.points.push_back(transform.Apply(ToPoint(mesh.mVertices[i])));
+        if (mesh.HasBones())
+            FollowBones(mesh, placed);
+        return placed;
+    }
+
+    /// Moves the vertices of a skinned mesh to where its bones hold them at rest: the node of such a mesh does not
+    /// place it.
+    void FollowBones(const aiMesh& mesh, PlacedVertices& placed)
+    {
+        std::vector<Point> sums(mesh.mNumVertices);
+        std::vector<double> weights(mesh.mNumVertices);
+        for (unsigned int i = 0; i < mesh.mNumBones; ++i) {
+            const aiBone& bone = *mesh.mBones[i];
+            const auto node = NodeTransforms().find(bone.mName.C_Str());
+            if (node == NodeTransforms().end())
+                continue;
+            const Affine pose = node->second * ToAffine(bone.mOffsetMatrix);
+            placed.are_mirrored = pose.Mirrors();
+            for (unsigned int k = 0; k < bone.mNumWeights; ++k) {
+                const aiVertexWeight& weight = bone.mWeights[k];
+                if (weight.mVertexId >= mesh.mNumVertices || !(weight.mWeight > 0.0F))
+                    continue;
+                const auto share = static_cast<double>(weight.mWeight);
+                Point& sum = sums[weight.mVertexId];
+                sum = sum + pose.Apply(ToPoint(mesh.mVertices[weight.mVertexId])) * share;
+                weights[weight.mVertexId] += share;
+            }
+        }
+        for (std::size_t i = 0; i < weights.size(); ++i)
+            if (weights[i] > 0.0)
+                placed.points[i] = sums[i] * (1.0 / weights[i]);
+    }
+
+    /// By name, those of all nodes; they are collected when they are first needed.
+    const std::map<std::string, Affine, std::less<>>& NodeTransforms()
+    {
+        if (!node_transforms_.empty() || scene_.mRootNode == nullptr)
+            return node_transforms_;
+        std::vector<std::pair<const aiNode*, Affine>> pending{{scene_.mRootNode, root_}};
+        while (!pending.empty()) {
+            const auto [node, parent] = pending.back();
+            pending.pop_back();
+            const Affine transform = parent * ToAffine(node->mTransformation);
+            node_transforms_.try_emplace(node->mName.C_Str(), transform);
+            for (unsigned int i = 0; i < node->mNumChildren; ++i)
+                pending.emplace_back(node->mChildren[i], transform);
+        }
+        return node_transforms_;
+    }
+
     /// A face, a line or a point.
-    void AddPart(const aiMesh& mesh, const MeshColors& colors, const aiFace& source, const Affine& transform,
-                 bool mirrors)
+    void AddPart(const PlacedVertices& placed, const MeshColors& colors, const aiFace& source)
     {
         const std::span<const unsigned int> vertices(source.mIndices, source.mNumIndices);
         if (vertices.empty())
             return;
-        if (std::ranges::any_of(vertices, [&](unsigned int vertex) { return vertex >= mesh.mNumVertices; })) {
+        if (std::ranges::any_of(vertices, [&](unsigned int i) { return i >= placed.points.size(); })) {
             builder_.LeaveOutDamaged();
             return;
         }
         std::vector<Point> corners;
         corners.reserve(vertices.size());
         for (const unsigned int vertex : vertices)
-            corners.push_back(transform.Apply(ToPoint(mesh.mVertices[vertex])));
+            corners.push_back(placed.points[vertex]);
         const FileColor color = colors.Of(vertices);
         if (corners.size() == 1) {
             builder_.AddPoint(corners[0], color);
         } else if (corners.size() == 2) {
             builder_.AddLine(corners[0], corners[1], color);
         } else {
-            if (mirrors)
+            if (placed.are_mirrored)
                 std::reverse(corners.begin(), corners.end());
             builder_.AddFace(std::move(corners), color);
         }
@@ -236,6 +300,8 @@ class SceneConverter
     const aiScene& scene_;
     const ProgressFunction& progress_;
     double progress_begin_;
+    Affine root_; ///< the map to the model's axes
+    std::map<std::string, Affine, std::less<>> node_transforms_;
     MeshMaterials materials_;
     ModelBuilder builder_;
     std::size_t faces_total_ = 0;

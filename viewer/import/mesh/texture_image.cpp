@@ -154,8 +154,8 @@ FileColor TextureImage::MeanNear(std::span<const TexturePoint> polygon) const
     const TexturePoint half{(max.u - min.u) / 4.0, (max.v - min.v) / 4.0};
     // Beyond this size a coordinate has no digits left for a place in the image.
     constexpr double kMaxCoordinate = 1e9;
-    const bool usable = std::abs(sum.u) < kMaxCoordinate && std::abs(sum.v) < kMaxCoordinate &&
-                        std::isfinite(half.u) && std::isfinite(half.v);
+    const bool usable = !polygon.empty() && std::abs(sum.u) < kMaxCoordinate &&
+                        std::abs(sum.v) < kMaxCoordinate && std::isfinite(half.u) && std::isfinite(half.v);
     Sums total{};
     for (const Range& columns : usable ? CellsOf(sum.u / count, half.u, width_) : CellsOf(0, 1, width_))
         for (const Range& rows : usable ? CellsOf(sum.v / count, half.v, height_) : CellsOf(0, 1, height_)) {

@@ -38,7 +38,8 @@ class TextureImage
                const std::function<FileColor(std::size_t x, std::size_t y)>& pixel);
 
     /// The mean colour near the middle of a polygon: over a rectangle about the mean of its corners, half as
-    /// wide and high as the polygon. The mean of the whole image where a corner is not finite.
+    /// wide and high as the polygon. The mean of the whole image for no corners and for one that is not
+    /// finite.
     [[nodiscard]] FileColor MeanNear(std::span<const TexturePoint> polygon) const;
 
     static constexpr std::size_t kMaxPixels = 8192UL * 8192UL;

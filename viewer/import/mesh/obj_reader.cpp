@@ -1,0 +1,461 @@
+#include "viewer/import/mesh/obj_reader.h"
+
+#include "viewer/import/mesh/model_builder.h"
+#include "viewer/import/mesh/text_scanner.h"
+#include "viewer/import/mesh/texture_store.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// No number of a vertex, and a number that is not valid.
+constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+
+struct Corner {
+    std::uint32_t vertex = kNone;
+    std::uint32_t texture = kNone;
+};
+
+enum class PartKind : unsigned char { kFace, kLine, kPoint };
+
+/// A statement with corners.
+struct Part {
+    PartKind kind;
+    std::uint32_t corner_count;
+};
+
+struct ObjMaterial {
+    std::string name;
+    FileColor color;          ///< with the opacity as alpha
+    bool has_diffuse = false; ///< the colour is a diffuse one that is not black
+    std::string texture;
+};
+
+/// The parts of one object, group and material.
+struct ObjMesh {
+    std::string object;
+    std::string group;
+    int material = 0;
+    std::vector<Part> parts;
+    std::vector<Corner> corners; ///< of all parts
+};
+
+std::optional<FileColor> ColorAt(TextScanner& scanner)
+{
+    std::array<float, 3> channels{};
+    for (float& channel : channels) {
+        const auto value = ToNumber(scanner.Word());
+        if (!value)
+            return std::nullopt;
+        channel = static_cast<float>(*value);
+    }
+    const FileColor color{channels[0], channels[1], channels[2], 1.0F};
+    return color.IsFinite() ? std::optional(color) : std::nullopt;
+}
+
+/// The file of a "map_Kd" statement, which follows its options.
+std::string MapName(std::string_view rest)
+{
+    std::string_view name = rest;
+    // Each option begins with a dash and has values that are numbers or "on" and "off".
+    TextScanner words(rest);
+    bool has_options = false;
+    for (std::string_view word = words.Word(); !word.empty(); word = words.Word()) {
+        const bool is_value = has_options && (ToNumber(word) || word == "on" || word == "off");
+        if (word.starts_with('-') || is_value) {
+            has_options = true;
+            continue;
+        }
+        name = rest.substr(static_cast<std::size_t>(word.data() - rest.data()));
+        break;
+    }
+    return std::string(name);
+}
+
+class ObjReader
+{
+  public:
+    ObjReader(const std::string& path, const ProgressFunction& progress)
+        : path_(path), progress_(progress), text_(ReadWholeFile(path))
+    {
+    }
+
+    Model Read()
+    {
+        ReadStatements();
+        if (meshes_.empty())
+            ShowVertices();
+        ScaleColors();
+        AddMeshes();
+        builder_.LeaveOut("texture", textures_.Missing());
+        Model model = builder_.Finish(path_);
+        NumberCategories(model);
+        return model;
+    }
+
+  private:
+    /// Parsing and building each take about half of the time.
+    static constexpr double kParsing = 0.5;
+
+    void ReadStatements()
+    {
+        TextScanner scanner(text_, '#');
+        for (std::size_t line = 0; scanner.NextLine(); ++line) {
+            constexpr std::size_t kLinesPerReport = 8192;
+            if (progress_ && line % kLinesPerReport == 0)
+                progress_(kParsing * scanner.Fraction());
+            ReadStatement(scanner);
+        }
+    }
+
+    void ReadStatement(TextScanner& scanner)
+    {
+        const std::string_view keyword = scanner.Word();
+        if (keyword == "v")
+            ReadVertex(scanner);
+        else if (keyword == "vt")
+            ReadTexturePoint(scanner);
+        else if (keyword == "f" || keyword == "fo")
+            ReadPart(scanner, PartKind::kFace);
+        else if (keyword == "l")
+            ReadPart(scanner, PartKind::kLine);
+        else if (keyword == "p")
+            ReadPart(scanner, PartKind::kPoint);
+        else
+            ReadState(scanner, keyword);
+    }
+
+    void ReadState(TextScanner& scanner, std::string_view keyword)
+    {
+        if (keyword == "o") {
+            object_ = scanner.Rest();
+            group_.clear();
+        } else if (keyword == "g") {
+            group_ = scanner.Rest();
+        } else if (keyword == "usemtl") {
+            material_ = MaterialNumber(std::string(scanner.Rest()));
+        } else if (keyword == "mtllib") {
+            ReadLibraries(scanner.Rest());
+            return;
+        } else if (keyword == "curv" || keyword == "surf") {
+            builder_.LeaveOut(keyword);
+            return;
+        } else {
+            return;
+        }
+        mesh_.reset();
+    }
+
+    void ReadVertex(TextScanner& scanner)
+    {
+        constexpr std::size_t kMaxNumbers = 8;
+        std::array<double, kMaxNumbers> numbers{};
+        std::size_t count = 0;
+        for (std::string_view word = scanner.Word(); !word.empty() && count < kMaxNumbers;
+             word = scanner.Word())
+            numbers.at(count++) = ToNumber(word).value_or(std::numeric_limits<double>::quiet_NaN());
+        constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
+        vertices_.push_back(count < 3 ? Point{kMissing, kMissing, kMissing}
+                                      : Point{numbers[0], numbers[1], numbers[2]});
+        // Colours follow three coordinates, or three and a weight.
+        const std::size_t first = count >= 7 ? 4 : 3;
+        if (count >= 6) {
+            colors_.resize(vertices_.size(), FileColor{1.0F, 1.0F, 1.0F, 1.0F});
+            colors_.back() = {static_cast<float>(numbers.at(first)),
+                              static_cast<float>(numbers.at(first + 1)),
+                              static_cast<float>(numbers.at(first + 2)), 1.0F};
+        }
+    }
+
+    void ReadTexturePoint(TextScanner& scanner)
+    {
+        const double u = ToNumber(scanner.Word()).value_or(0.0);
+        texture_points_.push_back({u, ToNumber(scanner.Word()).value_or(0.0)});
+    }
+
+    /// The number of a vertex from 0, kNone if it is not valid. Negative numbers count back from the last one.
+    static std::uint32_t Resolve(std::string_view word, std::size_t count)
+    {
+        const auto number = ToInteger(word);
+        if (!number || *number == 0)
+            return kNone;
+        const long long index = *number > 0 ? *number - 1 : static_cast<long long>(count) + *number;
+        return index < 0 || index >= kNone ? kNone : static_cast<std::uint32_t>(index);
+    }
+
+    void ReadPart(TextScanner& scanner, PartKind kind)
+    {
+        ObjMesh& mesh = CurrentMesh();
+        std::uint32_t count = 0;
+        for (std::string_view word = scanner.Word(); !word.empty(); word = scanner.Word(), ++count) {
+            const std::size_t slash = word.find('/');
+            Corner corner{Resolve(word.substr(0, slash), vertices_.size()), kNone};
+            if (slash != std::string_view::npos) {
+                const std::string_view rest = word.substr(slash + 1);
+                corner.texture = Resolve(rest.substr(0, rest.find('/')), texture_points_.size());
+            }
+            mesh.corners.push_back(corner);
+        }
+        mesh.parts.push_back({kind, count});
+    }
+
+    ObjMesh& CurrentMesh()
+    {
+        if (!mesh_) {
+            const auto [found, is_new] =
+                mesh_numbers_.try_emplace({object_, group_, material_}, meshes_.size());
+            if (is_new)
+                meshes_.push_back({object_, group_, material_, {}, {}});
+            mesh_ = found->second;
+        }
+        return meshes_[*mesh_];
+    }
+
+    int MaterialNumber(const std::string& name)
+    {
+        const auto [found, is_new] = material_numbers_.try_emplace(name, static_cast<int>(materials_.size()));
+        if (is_new)
+            materials_.push_back({name, {}, false, {}});
+        return found->second;
+    }
+
+    /// The rest of a "mtllib" statement: one file whose name may have blanks, or several.
+    void ReadLibraries(std::string_view names)
+    {
+        if (const auto whole = FindBeside(path_, std::string(names))) {
+            ReadLibrary(*whole);
+            return;
+        }
+        TextScanner words(names);
+        for (std::string_view name = words.Word(); !name.empty(); name = words.Word())
+            if (const auto file = FindBeside(path_, std::string(name)))
+                ReadLibrary(*file);
+            else
+                builder_.LeaveOut("material library");
+    }
+
+    void ReadLibrary(const std::string& file)
+    {
+        // A file may name its library again for each object.
+        if (std::ranges::find(libraries_, file) != libraries_.end())
+            return;
+        libraries_.push_back(file);
+        const std::string text = ReadWholeFile(file);
+        TextScanner scanner(text, '#');
+        ObjMaterial ignored;
+        ObjMaterial* material = &ignored;
+        while (scanner.NextLine()) {
+            const std::string_view keyword = scanner.Word();
+            if (keyword == "newmtl") {
+                const int number = MaterialNumber(std::string(scanner.Rest()));
+                material = &materials_[static_cast<std::size_t>(number)];
+                order_.push_back(number);
+            } else {
+                ReadMaterialStatement(*material, scanner, keyword);
+            }
+        }
+    }
+
+    static void ReadMaterialStatement(ObjMaterial& material, TextScanner& scanner, std::string_view keyword)
+    {
+        const auto with_opacity = [&](const FileColor& color) {
+            return FileColor{color.red, color.green, color.blue, material.color.alpha};
+        };
+        if (keyword == "Kd" || keyword == "Ke") {
+            const auto color = ColorAt(scanner);
+            const bool is_black = !color || color->red + color->green + color->blue <= 0.0F;
+            // The light that a material emits is its colour if it has no other one.
+            if (color && (keyword == "Kd" || (!is_black && !material.has_diffuse)))
+                material.color = with_opacity(*color);
+            material.has_diffuse = material.has_diffuse || (keyword == "Kd" && !is_black);
+        } else if (keyword == "d" || keyword == "Tr") {
+            std::string_view word = scanner.Word();
+            if (word == "-halo")
+                word = scanner.Word();
+            const auto value = static_cast<float>(ToNumber(word).value_or(keyword == "d" ? 1.0 : 0.0));
+            material.color.alpha = std::clamp(keyword == "d" ? value : 1.0F - value, 0.0F, 1.0F);
+        } else if (keyword == "map_Kd") {
+            material.texture = MapName(scanner.Rest());
+        }
+    }
+
+    void ShowVertices()
+    {
+        ObjMesh& mesh = CurrentMesh();
+        for (std::size_t i = 0; i < vertices_.size(); ++i) {
+            mesh.corners.push_back({static_cast<std::uint32_t>(i), kNone});
+            mesh.parts.push_back({PartKind::kPoint, 1});
+        }
+    }
+
+    /// Colours of vertices run from 0 to 1, but some programs write them up to 255.
+    void ScaleColors()
+    {
+        if (colors_.empty())
+            return;
+        colors_.resize(vertices_.size(), FileColor{1.0F, 1.0F, 1.0F, 1.0F});
+        const bool is_bytes = std::ranges::any_of(colors_, [](const FileColor& color) {
+            return color.red > 1.0F || color.green > 1.0F || color.blue > 1.0F;
+        });
+        constexpr float kByte = 1.0F / 255.0F;
+        if (is_bytes)
+            for (FileColor& color : colors_)
+                color = color * FileColor{kByte, kByte, kByte, 1.0F};
+        // Programs write white where nothing was painted.
+        const FileColor first = colors_.front();
+        const bool is_white = first == FileColor{1.0F, 1.0F, 1.0F, 1.0F};
+        if (is_white && std::ranges::all_of(colors_, [&](const FileColor& c) { return c == first; }))
+            colors_.clear();
+    }
+
+    void AddMeshes()
+    {
+        for (const ObjMesh& mesh : meshes_)
+            parts_total_ += mesh.parts.size();
+        for (const ObjMesh& mesh : meshes_) {
+            Piece pattern;
+            pattern.name = mesh.group.empty() ? mesh.object : mesh.group;
+            if (!mesh.group.empty() && !mesh.object.empty() && mesh.group != mesh.object)
+                pattern.parents = {mesh.object};
+            pattern.category = mesh.material;
+            const ObjMaterial& material = materials_[static_cast<std::size_t>(mesh.material)];
+            pattern.alpha = material.color.alpha;
+            builder_.BeginMesh(std::move(pattern), mesh.parts.size());
+            AddParts(mesh, material);
+        }
+    }
+
+    void AddParts(const ObjMesh& mesh, const ObjMaterial& material)
+    {
+        const TextureImage* texture = nullptr;
+        if (!material.texture.empty())
+            texture = textures_.At(material.texture,
+                                   [&] { return TextureStore::LoadFile(path_, material.texture); });
+        std::size_t first = 0;
+        for (const Part& part : mesh.parts) {
+            const std::span corners = std::span(mesh.corners).subspan(first, part.corner_count);
+            first += part.corner_count;
+            if (std::ranges::any_of(corners, [&](const Corner& c) { return c.vertex >= vertices_.size(); }))
+                builder_.LeaveOutDamaged();
+            else if (!corners.empty())
+                AddPart(part.kind, corners, ColorOf(corners, material, texture));
+            Report();
+        }
+    }
+
+    FileColor ColorOf(std::span<const Corner> corners, const ObjMaterial& material,
+                      const TextureImage* texture) const
+    {
+        FileColor base = material.color;
+        base.alpha = 1.0F;
+        const bool has_places = std::ranges::all_of(
+            corners, [&](const Corner& corner) { return corner.texture < texture_points_.size(); });
+        if (texture != nullptr && has_places) {
+            std::vector<TexturePoint> points;
+            points.reserve(corners.size());
+            for (const Corner& corner : corners)
+                points.push_back(texture_points_[corner.texture]);
+            // A black factor would hide the texture: programs write it where they mean none.
+            const bool is_black = base.red + base.green + base.blue <= 0.0F;
+            const FileColor factor = is_black ? FileColor{1.0F, 1.0F, 1.0F, 1.0F} : base;
+            return factor * texture->MeanNear(points);
+        }
+        if (colors_.empty())
+            return base;
+        ColorMean mean;
+        for (const Corner& corner : corners)
+            mean.Add(colors_[corner.vertex]);
+        return mean.Mean();
+    }
+
+    void AddPart(PartKind kind, std::span<const Corner> corners, const FileColor& color)
+    {
+        const auto at = [&](const Corner& corner) { return vertices_[corner.vertex]; };
+        if (kind == PartKind::kPoint || corners.size() == 1) {
+            for (const Corner& corner : corners)
+                builder_.AddPoint(at(corner), color);
+        } else if (kind == PartKind::kLine || corners.size() == 2) {
+            for (std::size_t i = 0; i + 1 < corners.size(); ++i)
+                builder_.AddLine(at(corners[i]), at(corners[i + 1]), color);
+        } else {
+            std::vector<Point> polygon;
+            polygon.reserve(corners.size());
+            for (const Corner& corner : corners)
+                polygon.push_back(at(corner));
+            builder_.AddFace(std::move(polygon), color);
+        }
+    }
+
+    void Report()
+    {
+        constexpr std::size_t kPartsPerReport = 4096;
+        if (progress_ && ++parts_done_ % kPartsPerReport == 0)
+            progress_(kParsing + (1.0 - kParsing) * static_cast<double>(parts_done_) /
+                                     static_cast<double>(parts_total_));
+    }
+
+    void NumberCategories(Model& model) const
+    {
+        // The libraries' materials first, then those that no library has.
+        std::vector<int> order = order_;
+        for (std::size_t i = 0; i < materials_.size(); ++i)
+            order.push_back(static_cast<int>(i));
+        std::vector<int> categories(materials_.size(), -1);
+        std::vector<bool> used(materials_.size());
+        for (const Piece& piece : model.pieces)
+            used[static_cast<std::size_t>(piece.category)] = true;
+        int next = 0;
+        for (const int material : order) {
+            const auto number = static_cast<std::size_t>(material);
+            if (!used[number] || categories[number] >= 0)
+                continue;
+            categories[number] = next++;
+            model.category_names.push_back(materials_[number].name);
+        }
+        for (Piece& piece : model.pieces)
+            piece.category = categories[static_cast<std::size_t>(piece.category)];
+    }
+
+    const std::string& path_;
+    const ProgressFunction& progress_;
+    std::string text_;
+    std::vector<Point> vertices_;
+    std::vector<FileColor> colors_; ///< of vertices, empty if the file has none
+    std::vector<TexturePoint> texture_points_;
+    std::vector<ObjMaterial> materials_{ObjMaterial{}}; ///< the first one is that of parts without a material
+    std::map<std::string, int> material_numbers_{{"", 0}};
+    std::vector<int> order_; ///< of the materials of the libraries
+    std::vector<std::string> libraries_;
+    std::vector<ObjMesh> meshes_;
+    std::map<std::tuple<std::string, std::string, int>, std::size_t> mesh_numbers_;
+    std::string object_;
+    std::string group_;
+    int material_ = 0;
+    std::optional<std::size_t> mesh_; ///< the number of the current one, if it is known
+    TextureStore textures_;
+    ModelBuilder builder_;
+    std::size_t parts_total_ = 0;
+    std::size_t parts_done_ = 0;
+};
+
+} // namespace
+
+Model ReadObj(const std::string& path, const ProgressFunction& progress)
+{
+    return ObjReader(path, progress).Read();
+}
+
+} // namespace viewer

@@ -1,0 +1,541 @@
+#include "viewer/import/mesh/ply_reader.h"
+
+#include "viewer/import/mesh/model_builder.h"
+#include "viewer/import/mesh/text_scanner.h"
+#include "viewer/import/mesh/texture_store.h"
+#include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+namespace
+{
+
+enum class Scalar : unsigned char { kInt8, kUint8, kInt16, kUint16, kInt32, kUint32, kFloat, kDouble };
+
+std::optional<Scalar> ScalarOf(std::string_view name)
+{
+    constexpr std::array<std::pair<std::string_view, Scalar>, 16> kNames = {{
+        {"char", Scalar::kInt8},
+        {"int8", Scalar::kInt8},
+        {"uchar", Scalar::kUint8},
+        {"uint8", Scalar::kUint8},
+        {"short", Scalar::kInt16},
+        {"int16", Scalar::kInt16},
+        {"ushort", Scalar::kUint16},
+        {"uint16", Scalar::kUint16},
+        {"int", Scalar::kInt32},
+        {"int32", Scalar::kInt32},
+        {"uint", Scalar::kUint32},
+        {"uint32", Scalar::kUint32},
+        {"float", Scalar::kFloat},
+        {"float32", Scalar::kFloat},
+        {"double", Scalar::kDouble},
+        {"float64", Scalar::kDouble},
+    }};
+    const auto* const found = std::ranges::find(kNames, name, &std::pair<std::string_view, Scalar>::first);
+    return found == kNames.end() ? std::nullopt : std::optional(found->second);
+}
+
+/// What a property of an element is used for.
+enum class Use : unsigned char {
+    kNone,
+    kX,
+    kY,
+    kZ,
+    kRed,
+    kGreen,
+    kBlue,
+    kAlpha,
+    kU,
+    kV,
+    kVertex1,
+    kVertex2,
+    kCount, ///< of the above
+    kIndices,
+    kTexturePoints
+};
+
+constexpr auto kUseCount = static_cast<std::size_t>(Use::kCount);
+
+Use UseOf(std::string_view name, bool is_list)
+{
+    constexpr std::array<std::pair<std::string_view, Use>, 24> kScalars = {{
+        {"x", Use::kX},
+        {"y", Use::kY},
+        {"z", Use::kZ},
+        {"red", Use::kRed},
+        {"green", Use::kGreen},
+        {"blue", Use::kBlue},
+        {"alpha", Use::kAlpha},
+        {"r", Use::kRed},
+        {"g", Use::kGreen},
+        {"b", Use::kBlue},
+        {"a", Use::kAlpha},
+        {"diffuse_red", Use::kRed},
+        {"diffuse_green", Use::kGreen},
+        {"diffuse_blue", Use::kBlue},
+        {"u", Use::kU},
+        {"v", Use::kV},
+        {"s", Use::kU},
+        {"t", Use::kV},
+        {"texture_u", Use::kU},
+        {"texture_v", Use::kV},
+        {"texture_s", Use::kU},
+        {"texture_t", Use::kV},
+        {"vertex1", Use::kVertex1},
+        {"vertex2", Use::kVertex2},
+    }};
+    if (is_list) {
+        const bool has_indices = name == "vertex_indices" || name == "vertex_index";
+        return has_indices ? Use::kIndices : name == "texcoord" ? Use::kTexturePoints : Use::kNone;
+    }
+    const auto* const found = std::ranges::find(kScalars, name, &std::pair<std::string_view, Use>::first);
+    return found == kScalars.end() ? Use::kNone : found->second;
+}
+
+struct Property {
+    Use use = Use::kNone;
+    Scalar type = Scalar::kFloat;
+    std::optional<Scalar> count_type; ///< of a list
+};
+
+enum class ElementKind : unsigned char { kOther, kVertex, kFace, kStrip, kEdge };
+
+ElementKind ElementKindOf(std::string_view name)
+{
+    if (name == "vertex")
+        return ElementKind::kVertex;
+    if (name == "face")
+        return ElementKind::kFace;
+    if (name == "tristrips")
+        return ElementKind::kStrip;
+    return name == "edge" ? ElementKind::kEdge : ElementKind::kOther;
+}
+
+struct Element {
+    ElementKind kind = ElementKind::kOther;
+    std::size_t count = 0;
+    std::vector<Property> properties;
+};
+
+enum class Format : unsigned char { kAscii, kLittleEndian, kBigEndian };
+
+/// The values of one element; those that it does not have are not numbers.
+struct Values {
+    std::array<double, kUseCount> scalars{};
+    std::vector<long long> indices;
+    std::vector<double> texture_points;
+
+    [[nodiscard]] double At(Use use) const { return scalars.at(static_cast<std::size_t>(use)); }
+};
+
+struct Vertex {
+    Point point;
+    FileColor color;
+    TexturePoint texture_point;
+};
+
+/// A polygon, or a line if it has two corners.
+struct Part {
+    std::size_t first; ///< in the list of all corners
+    std::size_t count;
+    std::optional<FileColor> color;
+};
+
+class PlyReader
+{
+  public:
+    PlyReader(const std::string& path, const ProgressFunction& progress)
+        : path_(path), progress_(progress), text_(ReadWholeFile(path)), scanner_("")
+    {
+    }
+
+    Model Read()
+    {
+        ReadHeader();
+        for (const Element& element : elements_) {
+            // Each one takes a byte at least; those without properties take none and hold nothing.
+            if (element.count > text_.size())
+                ThrowTruncated();
+            for (std::size_t i = 0; i < element.count && !element.properties.empty(); ++i) {
+                ReadElement(element);
+                Take(element.kind);
+                Report();
+            }
+        }
+        AddParts();
+        builder_.LeaveOut("texture", textures_.Missing());
+        Model model = builder_.Finish(path_);
+        model.category_names = {""};
+        return model;
+    }
+
+  private:
+    /// Parsing takes most of the time.
+    static constexpr double kParsing = 0.7;
+
+    [[noreturn]] void ThrowDamaged(const std::string& what) const
+    {
+        throw FileError(path_, "damaged: " + what);
+    }
+
+    [[noreturn]] void ThrowTruncated() const
+    {
+        throw FileError(path_, "truncated: fewer elements than it states");
+    }
+
+    void ReadHeader()
+    {
+        if (!text_.starts_with("ply"))
+            ThrowDamaged("no PLY header");
+        bool has_format = false;
+        for (;;) {
+            const std::string_view line = HeaderLine();
+            if (line == "end_header")
+                break;
+            TextScanner words(line);
+            const std::string_view keyword = words.Word();
+            if (keyword == "format") {
+                ReadFormat(words.Word());
+                has_format = true;
+            } else if (keyword == "element") {
+                AddElement(words);
+            } else if (keyword == "property") {
+                AddProperty(words);
+            } else if (keyword == "comment" && words.Word() == "TextureFile") {
+                texture_name_ = words.Rest();
+            }
+        }
+        if (!has_format)
+            ThrowDamaged("no format");
+        if (format_ == Format::kAscii)
+            scanner_ = TextScanner(std::string_view(text_).substr(position_));
+    }
+
+    /// The next line of the header without its end.
+    std::string_view HeaderLine()
+    {
+        const std::size_t end = text_.find_first_of("\r\n", position_);
+        if (end == std::string::npos)
+            ThrowDamaged("the header does not end");
+        const std::string_view line = Trimmed(std::string_view(text_).substr(position_, end - position_));
+        position_ = end + (text_.compare(end, 2, "\r\n") == 0 ? 2 : 1);
+        return line;
+    }
+
+    void ReadFormat(std::string_view name)
+    {
+        if (name == "ascii")
+            format_ = Format::kAscii;
+        else if (name == "binary_little_endian")
+            format_ = Format::kLittleEndian;
+        else if (name == "binary_big_endian")
+            format_ = Format::kBigEndian;
+        else
+            ThrowDamaged("unknown format");
+    }
+
+    void AddElement(TextScanner& words)
+    {
+        const ElementKind kind = ElementKindOf(words.Word());
+        const auto count = ToInteger(words.Word());
+        if (!count || *count < 0)
+            ThrowDamaged("an element without a count");
+        elements_.push_back({kind, static_cast<std::size_t>(*count), {}});
+    }
+
+    void AddProperty(TextScanner& words)
+    {
+        if (elements_.empty())
+            ThrowDamaged("a property without an element");
+        Property property;
+        std::string_view word = words.Word();
+        const bool is_list = word == "list";
+        if (is_list) {
+            property.count_type = ScalarOf(words.Word());
+            word = words.Word();
+        }
+        const auto type = ScalarOf(word);
+        if (!type || (is_list && !property.count_type))
+            ThrowDamaged("a property of an unknown type");
+        property.type = *type;
+        property.use = UseOf(words.Word(), is_list);
+        elements_.back().properties.push_back(property);
+    }
+
+    double ReadNumber(Scalar type)
+    {
+        // A line of text that is too short lacks its last values.
+        if (format_ == Format::kAscii)
+            return ToNumber(scanner_.Word()).value_or(std::numeric_limits<double>::quiet_NaN());
+        switch (type) {
+        case Scalar::kInt8:
+            return static_cast<double>(ReadBinary<std::int8_t, std::uint8_t>());
+        case Scalar::kUint8:
+            return static_cast<double>(ReadBinary<std::uint8_t, std::uint8_t>());
+        case Scalar::kInt16:
+            return static_cast<double>(ReadBinary<std::int16_t, std::uint16_t>());
+        case Scalar::kUint16:
+            return static_cast<double>(ReadBinary<std::uint16_t, std::uint16_t>());
+        case Scalar::kInt32:
+            return static_cast<double>(ReadBinary<std::int32_t, std::uint32_t>());
+        case Scalar::kUint32:
+            return static_cast<double>(ReadBinary<std::uint32_t, std::uint32_t>());
+        case Scalar::kFloat:
+            return static_cast<double>(ReadBinary<float, std::uint32_t>());
+        case Scalar::kDouble:
+            return ReadBinary<double, std::uint64_t>();
+        }
+        return 0.0;
+    }
+
+    template <class Number, class Bits>
+    Number ReadBinary()
+    {
+        if (text_.size() - position_ < sizeof(Bits))
+            ThrowTruncated();
+        Bits bits = 0;
+        for (std::size_t i = 0; i < sizeof(Bits); ++i) {
+            const std::size_t shift = format_ == Format::kLittleEndian ? i : sizeof(Bits) - 1 - i;
+            const auto byte = static_cast<Bits>(static_cast<unsigned char>(text_[position_ + i]));
+            bits = static_cast<Bits>(bits | static_cast<Bits>(byte << (8 * shift)));
+        }
+        position_ += sizeof(Bits);
+        return std::bit_cast<Number>(bits);
+    }
+
+    void ReadElement(const Element& element)
+    {
+        values_.scalars.fill(std::numeric_limits<double>::quiet_NaN());
+        values_.indices.clear();
+        values_.texture_points.clear();
+        if (format_ == Format::kAscii && !scanner_.NextLine())
+            ThrowTruncated();
+        for (const Property& property : element.properties) {
+            if (property.count_type) {
+                ReadList(property);
+                continue;
+            }
+            double value = ReadNumber(property.type);
+            if (property.use == Use::kNone)
+                continue;
+            const bool is_color = property.use >= Use::kRed && property.use <= Use::kAlpha;
+            if (is_color && property.type != Scalar::kFloat && property.type != Scalar::kDouble)
+                value /= property.type == Scalar::kUint16 ? 65535.0 : 255.0;
+            values_.scalars.at(static_cast<std::size_t>(property.use)) = value;
+        }
+    }
+
+    void ReadList(const Property& property)
+    {
+        const double count = ReadNumber(*property.count_type);
+        if (format_ == Format::kAscii && std::isnan(count))
+            return;
+        if (!(count >= 0.0) || count > static_cast<double>(text_.size()))
+            ThrowDamaged("a list without a valid length");
+        for (auto i = static_cast<std::size_t>(count); i > 0; --i) {
+            const double value = ReadNumber(property.type);
+            constexpr double kMaxIndex = 4294967295.0;
+            if (property.use == Use::kIndices)
+                values_.indices.push_back(value >= -1.0 && value <= kMaxIndex ? static_cast<long long>(value)
+                                                                              : kNoVertex);
+            else if (property.use == Use::kTexturePoints)
+                values_.texture_points.push_back(value);
+        }
+    }
+
+    std::optional<FileColor> ColorOfValues() const
+    {
+        const auto channel = [&](Use use) { return static_cast<float>(values_.At(use)); };
+        FileColor color{channel(Use::kRed), channel(Use::kGreen), channel(Use::kBlue), channel(Use::kAlpha)};
+        if (std::isnan(color.alpha))
+            color.alpha = 1.0F;
+        return color.IsFinite() ? std::optional(color) : std::nullopt;
+    }
+
+    void Take(ElementKind kind)
+    {
+        if (kind == ElementKind::kVertex)
+            TakeVertex();
+        if (kind == ElementKind::kFace)
+            AddPart(values_.indices);
+        if (kind == ElementKind::kEdge)
+            AddPart(std::array{ToIndex(values_.At(Use::kVertex1)), ToIndex(values_.At(Use::kVertex2))});
+        if (kind == ElementKind::kStrip)
+            TakeStrips();
+    }
+
+    static long long ToIndex(double value)
+    {
+        constexpr double kMaxIndex = 4294967295.0;
+        return value >= 0.0 && value <= kMaxIndex ? static_cast<long long>(value) : kNoVertex;
+    }
+
+    void TakeVertex()
+    {
+        const auto color = ColorOfValues();
+        has_vertex_colors_ = has_vertex_colors_ || color;
+        vertices_.push_back({{values_.At(Use::kX), values_.At(Use::kY), values_.At(Use::kZ)},
+                             color.value_or(FileColor{}),
+                             {values_.At(Use::kU), values_.At(Use::kV)}});
+    }
+
+    void AddPart(std::span<const long long> indices)
+    {
+        parts_.push_back({corners_.size(), indices.size(), ColorOfValues()});
+        corners_.insert(corners_.end(), indices.begin(), indices.end());
+        // Texture coordinates of the corners are alternately u and v.
+        const std::vector<double>& points = values_.texture_points;
+        if (texture_name_.empty() || indices.empty() || points.size() != 2 * indices.size())
+            return;
+        corner_points_.resize(corners_.size());
+        for (std::size_t i = 0; i < indices.size(); ++i)
+            corner_points_[parts_.back().first + i] = {points[2 * i], points[2 * i + 1]};
+    }
+
+    /// Each strip ends with -1. Every other triangle runs the other way round.
+    void TakeStrips()
+    {
+        const std::vector<long long> strips = std::move(values_.indices);
+        values_.indices = {};
+        std::size_t first = 0;
+        for (std::size_t i = 0; i < strips.size(); ++i) {
+            if (strips[i] == -1) {
+                first = i + 1;
+            } else if (i >= first + 2) {
+                std::array<long long, 3> corners = {strips[i - 2], strips[i - 1], strips[i]};
+                if ((i - first) % 2 == 1)
+                    std::swap(corners[0], corners[1]);
+                AddPart(corners);
+            }
+        }
+    }
+
+    void Report()
+    {
+        constexpr std::size_t kElementsPerReport = 4096;
+        if (!progress_ || ++elements_read_ % kElementsPerReport != 0)
+            return;
+        progress_(kParsing * (format_ == Format::kAscii
+                                  ? scanner_.Fraction()
+                                  : static_cast<double>(position_) / static_cast<double>(text_.size())));
+    }
+
+    void AddParts()
+    {
+        if (!texture_name_.empty())
+            texture_ =
+                textures_.At(texture_name_, [&] { return TextureStore::LoadFile(path_, texture_name_); });
+        builder_.BeginMesh({}, parts_.size());
+        for (std::size_t i = 0; i < parts_.size(); ++i) {
+            AddPartToModel(parts_[i]);
+            constexpr std::size_t kPartsPerReport = 4096;
+            if (progress_ && i % kPartsPerReport == 0)
+                progress_(kParsing +
+                          (1.0 - kParsing) * static_cast<double>(i) / static_cast<double>(parts_.size()));
+        }
+        if (parts_.empty())
+            for (const Vertex& vertex : vertices_)
+                builder_.AddPoint(vertex.point, has_vertex_colors_ ? vertex.color : FileColor{});
+    }
+
+    void AddPartToModel(const Part& part)
+    {
+        const std::span corners = std::span(corners_).subspan(part.first, part.count);
+        const auto is_missing = [&](long long corner) {
+            return corner < 0 || static_cast<std::size_t>(corner) >= vertices_.size();
+        };
+        if (std::ranges::any_of(corners, is_missing)) {
+            builder_.LeaveOutDamaged();
+            return;
+        }
+        if (corners.empty())
+            return;
+        const FileColor color = ColorOf(part, corners);
+        std::vector<Point> polygon;
+        polygon.reserve(corners.size());
+        for (const long long corner : corners)
+            polygon.push_back(VertexAt(corner).point);
+        if (polygon.size() == 1)
+            builder_.AddPoint(polygon[0], color);
+        else if (polygon.size() == 2)
+            builder_.AddLine(polygon[0], polygon[1], color);
+        else
+            builder_.AddFace(std::move(polygon), color);
+    }
+
+    const Vertex& VertexAt(long long index) const { return vertices_[static_cast<std::size_t>(index)]; }
+
+    FileColor ColorOf(const Part& part, std::span<const long long> corners) const
+    {
+        if (part.color)
+            return *part.color;
+        if (texture_ != nullptr)
+            return texture_->MeanNear(TexturePointsOf(part, corners));
+        if (!has_vertex_colors_)
+            return {};
+        ColorMean mean;
+        for (const long long corner : corners)
+            mean.Add(VertexAt(corner).color);
+        return mean.Mean();
+    }
+
+    std::vector<TexturePoint> TexturePointsOf(const Part& part, std::span<const long long> corners) const
+    {
+        if (part.first + part.count <= corner_points_.size())
+            return {corner_points_.begin() + static_cast<std::ptrdiff_t>(part.first),
+                    corner_points_.begin() + static_cast<std::ptrdiff_t>(part.first + part.count)};
+        std::vector<TexturePoint> points;
+        points.reserve(corners.size());
+        for (const long long corner : corners)
+            points.push_back(VertexAt(corner).texture_point);
+        return points;
+    }
+
+    /// An index that no vertex has.
+    static constexpr long long kNoVertex = -2;
+
+    const std::string& path_;
+    const ProgressFunction& progress_;
+    std::string text_;
+    std::size_t position_ = 0; ///< in a binary file, and of the end of the header
+    TextScanner scanner_;      ///< of the body of a file of text
+    Format format_ = Format::kAscii;
+    std::vector<Element> elements_;
+    std::string texture_name_;
+    Values values_; ///< of the current element
+    std::vector<Vertex> vertices_;
+    bool has_vertex_colors_ = false;
+    std::vector<Part> parts_;
+    std::vector<long long> corners_;          ///< of all parts
+    std::vector<TexturePoint> corner_points_; ///< of the corners, where the file has them
+    TextureStore textures_;
+    const TextureImage* texture_ = nullptr;
+    std::size_t elements_read_ = 0;
+    ModelBuilder builder_;
+};
+
+} // namespace
+
+Model ReadPly(const std::string& path, const ProgressFunction& progress)
+{
+    return PlyReader(path, progress).Read();
+}
+
+} // namespace viewer

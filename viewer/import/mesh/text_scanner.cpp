@@ -1,0 +1,211 @@
+#include "viewer/import/mesh/text_scanner.h"
+
+#include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
+
+#include <array>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+namespace viewer
+{
+
+namespace
+{
+
+enum class Kind : unsigned char { kWord, kBlank, kLineEnd, kBackslash };
+
+constexpr std::array<Kind, 256> MakeKinds()
+{
+    std::array<Kind, 256> kinds{};
+    for (const char c : {' ', '\t', '\v', '\f', '\0'})
+        kinds.at(static_cast<unsigned char>(c)) = Kind::kBlank;
+    kinds.at(static_cast<unsigned char>('\n')) = Kind::kLineEnd;
+    kinds.at(static_cast<unsigned char>('\r')) = Kind::kLineEnd;
+    kinds.at(static_cast<unsigned char>('\\')) = Kind::kBackslash;
+    return kinds;
+}
+
+Kind KindOf(char c)
+{
+    static constexpr std::array<Kind, 256> kKinds = MakeKinds();
+    return kKinds.at(static_cast<unsigned char>(c));
+}
+
+bool IsLineEnd(char c)
+{
+    return KindOf(c) == Kind::kLineEnd;
+}
+
+std::string_view WithoutPlus(std::string_view word)
+{
+    return word.size() > 1 && word.front() == '+' && word[1] != '-' ? word.substr(1) : word;
+}
+
+template <class Number>
+std::optional<Number> Parse(std::string_view word)
+{
+    const std::string_view digits = WithoutPlus(word);
+    const char* end = digits.data() + digits.size();
+    Number value{};
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    // A number that is too small for its type counts as 0.
+    if (digits.empty() || stop != end)
+        return std::nullopt;
+    if (error == std::errc::result_out_of_range)
+        return digits.find("e-") != std::string_view::npos || digits.find("E-") != std::string_view::npos
+                   ? std::optional(Number{})
+                   : std::nullopt;
+    return error == std::errc() ? std::optional(value) : std::nullopt;
+}
+
+} // namespace
+
+bool HasUtf16Mark(std::string_view content)
+{
+    return content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF");
+}
+
+std::string FromUtf16(std::string_view content)
+{
+    const std::size_t high = content.front() == '\xFF' ? 1 : 0;
+    const auto unit_at = [&](std::size_t i) {
+        const auto byte = [&](std::size_t k) {
+            return static_cast<unsigned int>(static_cast<unsigned char>(content[k]));
+        };
+        return byte(i + high) << 8U | byte(i + 1 - high);
+    };
+    std::string text;
+    text.reserve(content.size() / 2);
+    for (std::size_t i = 2; i + 1 < content.size(); i += 2) {
+        unsigned int code = unit_at(i);
+        const bool is_first_half = code >= 0xD800U && code < 0xDC00U;
+        if (is_first_half && i + 3 < content.size()) {
+            i += 2;
+            code = 0x10000U + ((code & 0x3FFU) << 10U) + (unit_at(i) & 0x3FFU);
+        }
+        const auto append = [&](unsigned int byte) { text += static_cast<char>(byte); };
+        if (code < 0x80U) {
+            append(code);
+            continue;
+        }
+        const int more = code < 0x800U ? 1 : code < 0x10000U ? 2 : 3;
+        constexpr std::array<unsigned int, 4> kLead = {0, 0xC0U, 0xE0U, 0xF0U};
+        append(kLead.at(static_cast<std::size_t>(more)) | code >> (6U * static_cast<unsigned int>(more)));
+        for (int k = more - 1; k >= 0; --k)
+            append(0x80U | (code >> (6U * static_cast<unsigned int>(k)) & 0x3FU));
+    }
+    return text;
+}
+
+std::string ReadWholeFile(const std::string& path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!stream || error)
+        throw FileError(path, "cannot be opened for reading");
+    std::string content(static_cast<std::size_t>(size), '\0');
+    stream.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(stream.gcount()));
+    return HasUtf16Mark(content) ? FromUtf16(content) : content;
+}
+
+std::optional<double> ToNumber(std::string_view word)
+{
+    return Parse<double>(word);
+}
+
+std::optional<long long> ToInteger(std::string_view word)
+{
+    return Parse<long long>(word);
+}
+
+TextScanner::TextScanner(std::string_view text, char comment) : text_(text), comment_(comment)
+{
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (text_.starts_with(kByteOrderMark))
+        position_ = kByteOrderMark.size();
+}
+
+bool TextScanner::IsAtLineEnd() const
+{
+    return position_ >= text_.size() || IsLineEnd(text_[position_]) || IsAtComment();
+}
+
+std::size_t TextScanner::ContinuationLength() const
+{
+    if (text_[position_] != '\\' || position_ + 1 >= text_.size() || !IsLineEnd(text_[position_ + 1]))
+        return 0;
+    return text_.substr(position_ + 1).starts_with("\r\n") ? 3 : 2;
+}
+
+void TextScanner::SkipBlanks()
+{
+    while (position_ < text_.size()) {
+        const Kind kind = KindOf(text_[position_]);
+        const std::size_t blanks = kind == Kind::kBackslash ? ContinuationLength() : 1;
+        if (kind == Kind::kWord || kind == Kind::kLineEnd || blanks == 0)
+            return;
+        position_ += blanks;
+    }
+}
+
+bool TextScanner::NextLine()
+{
+    // The position is at the start of the first line, or somewhere in the current one.
+    if (started_)
+        while (position_ < text_.size() && !IsLineEnd(text_[position_]))
+            ++position_;
+    started_ = true;
+    while (position_ < text_.size()) {
+        SkipBlanks();
+        if (!IsAtLineEnd())
+            return true;
+        while (position_ < text_.size() && !IsLineEnd(text_[position_]))
+            ++position_;
+        while (position_ < text_.size() && IsLineEnd(text_[position_]))
+            ++position_;
+    }
+    return false;
+}
+
+std::string_view TextScanner::Word()
+{
+    SkipBlanks();
+    const std::size_t begin = position_;
+    for (; position_ < text_.size(); ++position_) {
+        const Kind kind = KindOf(text_[position_]);
+        if (kind == Kind::kBlank || kind == Kind::kLineEnd || IsAtComment())
+            break;
+        if (kind == Kind::kBackslash && ContinuationLength() != 0)
+            break;
+    }
+    return text_.substr(begin, position_ - begin);
+}
+
+std::string_view TextScanner::Rest()
+{
+    SkipBlanks();
+    const std::size_t begin = position_;
+    while (!IsAtLineEnd())
+        ++position_;
+    return Trimmed(text_.substr(begin, position_ - begin));
+}
+
+std::string_view TextScanner::WordOfText()
+{
+    std::string_view word = Word();
+    if (word.empty() && NextLine())
+        word = Word();
+    return word;
+}
+
+double TextScanner::Fraction() const
+{
+    return text_.empty() ? 1.0 : static_cast<double>(position_) / static_cast<double>(text_.size());
+}
+
+} // namespace viewer
