@@ -7,6 +7,7 @@
 #include "viewer/import/mesh/ply_reader.h"
 #include "viewer/import/mesh/scene_converter.h"
 #include "viewer/import/mesh/text_scanner.h"
+#include "viewer/import/mesh/three_mf_reader.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
@@ -98,6 +99,8 @@ Model Read(const std::string& path, const ProgressFunction& progress)
         return ReadPly(path, progress);
     if (ending == ".off")
         return ReadOff(path, progress);
+    if (ending == ".3mf")
+        return ReadThreeMf(path, progress);
     Assimp::Importer importer;
     // The library would add meshes for skeletons to a file without meshes.
     importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);

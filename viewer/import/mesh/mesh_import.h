@@ -1,5 +1,5 @@
-// Reads mesh files by the Assimp library. Polygons are not triangulated. Windings and normals are converted
-// to those of the viewport.
+// Reads mesh files: OBJ, PLY, OFF and 3MF by readers of their own, others by the Assimp library. Polygons are not
+// triangulated. Windings and normals are converted to those of the viewport.
 #pragma once
 
 #include "viewer/import/progress.h"
@@ -12,25 +12,35 @@ namespace viewer
 
 /// Reads a file.
 ///
-/// Pieces: each mesh of a node becomes one piece, in the order of the file. Its name is that of the mesh, or
-/// of the node if the mesh has none. Its parents are the names of the nodes above it. Points, lines and faces
-/// without area are dropped.
+/// Pieces: each mesh of a node becomes one piece for each palette colour and opacity of its parts, in the order of
+/// the file. Its name is that of the mesh, or of the node if the mesh has none. Its parents are the names of the
+/// nodes above it. Skinned meshes are shown as their bones hold them at rest; animations, morph targets, cameras and
+/// lights are ignored.
+///
+/// Lines are lines. A point is a cross of three strokes, each 0.5 % of the model's diagonal long. A file of vertices
+/// without faces and lines shows the vertices as points.
+///
+/// Colours: a face has the mean of its vertices' colours, or the mean of its texture near the middle of its place in
+/// it, times the base colour. Its colour is the nearest one of the palette. Emission is the colour of what has no
+/// other one. Opacities are those of the materials.
 ///
 /// Categories: each material that has faces becomes a category with the material's name. Categories are
-/// numbered from 0 in the order of the file's materials. A piece has the nearest palette colour to the
-/// material's colour, and the material's opacity.
+/// numbered from 0 in the order of the file's materials.
 ///
 /// Axes: if the format defines the up axis, the model is rotated so that z is up: glTF, Collada, FBX, 3DS,
-/// ASE, X3D, X, AC and LWO. IFC models end up with their own z axis up. Other formats, among them OBJ, STL,
-/// PLY and OFF, are not rotated.
+/// ASE, X3D, X, AC, LWO, MD2, MD3, MDC, MD5, MDL, HMP and MS3D. IFC models end up with their own z axis up. Other
+/// formats, among them OBJ, STL, PLY, OFF and 3MF, are not rotated.
 ///
-/// Unit: metres for glTF, Collada, X3D and IFC; the unit that the file states for FBX; unknown for other
-/// formats. Coordinates have the library's single precision.
+/// Unit: metres for glTF, Collada, X3D and IFC; the unit that the file states for FBX and 3MF; unknown for other
+/// formats. What the library reads has its single precision.
+///
+/// Left out and counted: parts that refer to missing vertices, parts with coordinates that are not finite,
+/// polygons that cross themselves so that they enclose no area, missing textures and material libraries, points
+/// beyond `kMaxPoints`. Faces whose corners lie on one line show nothing and are not counted.
 ///
 /// The title is the file's name without folders.
 ///
-/// Throws FileError if the file is missing, empty, truncated, damaged, of an unknown kind or without faces,
-/// or if a coordinate is not finite.
+/// Throws FileError if the file is missing, empty, truncated, damaged, of an unknown kind or shows nothing.
 [[nodiscard]] Model ImportMesh(const std::string& path, const ProgressFunction& progress = {});
 
 } // namespace viewer

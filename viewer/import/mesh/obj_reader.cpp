@@ -369,8 +369,7 @@ class ObjReader
             for (const Corner& corner : corners)
                 points.push_back(texture_points_[corner.texture]);
             // A black factor would hide the texture: programs write it where they mean none.
-            const bool is_black = base.red + base.green + base.blue <= 0.0F;
-            const FileColor factor = is_black ? FileColor{1.0F, 1.0F, 1.0F, 1.0F} : base;
+            const FileColor factor = material.has_diffuse ? base : FileColor{1.0F, 1.0F, 1.0F, 1.0F};
             return factor * texture->MeanNear(points);
         }
         if (colors_.empty())

@@ -350,6 +350,8 @@ class PlyReader
         if (!(count >= 0.0) || count > static_cast<double>(text_.size()))
             ThrowDamaged("a list without a valid length");
         for (auto i = static_cast<std::size_t>(count); i > 0; --i) {
+            if (format_ == Format::kAscii && !scanner_.HasWord())
+                ThrowTruncated();
             const double value = ReadNumber(property.type);
             constexpr double kMaxIndex = 4294967295.0;
             if (property.use == Use::kIndices)

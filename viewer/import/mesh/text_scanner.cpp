@@ -186,6 +186,12 @@ std::string_view TextScanner::Word()
     return text_.substr(begin, position_ - begin);
 }
 
+bool TextScanner::HasWord()
+{
+    SkipBlanks();
+    return !IsAtLineEnd();
+}
+
 std::string_view TextScanner::Rest()
 {
     SkipBlanks();

@@ -34,6 +34,8 @@ class TextScanner
     bool NextLine();
     /// The next word of the line; empty at its end.
     std::string_view Word();
+    /// Whether the line has a further word.
+    bool HasWord();
     /// The rest of the line without white space at its ends.
     std::string_view Rest();
     /// The next word of the text, in this or a later line; empty at the end of the text.

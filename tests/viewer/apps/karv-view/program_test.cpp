@@ -255,8 +255,8 @@ TEST_F(Program, UnknownKindIsRefused)
 
 TEST_F(Program, FileWithoutFacesIsRefused)
 {
-    Write("points.obj", "v 0 0 0\nv 1 0 0\np 1 2\n");
-    ExpectRefused("points.obj", "karv-view: points.obj: holds no faces");
+    Write("nothing.obj", "# nothing\n");
+    ExpectRefused("nothing.obj", "karv-view: nothing.obj: holds no faces, lines or points");
 }
 
 TEST_F(Program, FolderIsRefused)

@@ -220,13 +220,6 @@ TEST_F(MeshImport, KindsWithoutAnAxisOrAUnitAreTakenAsTheyStand)
     EXPECT_FALSE(model.meters_per_unit);
 }
 
-TEST_F(MeshImport, PointsLinesAndFacesWithoutAreaAreLeftOut)
-{
-    const Model model =
-        ImportMesh(Write("mixed.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 2 0 0\np 1\nl 1 2\nf 1 2 4\nf 1 2 3\n"));
-    EXPECT_EQ(model.FaceCount(), 1U);
-}
-
 TEST_F(MeshImport, ProgressRunsFromNothingTowardsOneAndNeverBack)
 {
     std::string grid;
@@ -264,15 +257,16 @@ TEST_F(MeshImport, UnknownKindIsRefused)
     EXPECT_EQ(ErrorOf(Write("notes.txt", "Buy milk.\n")), PathOf("notes.txt") + ": unknown kind of file");
 }
 
-TEST_F(MeshImport, FileOfPointsOnlyIsRefused)
+TEST_F(MeshImport, FileOfNothingIsRefused)
 {
-    EXPECT_EQ(ErrorOf(Write("points.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\np 1 2 3\n")),
-              PathOf("points.obj") + ": holds no faces");
+    EXPECT_EQ(ErrorOf(Write("none.obj", "# nothing\n")),
+              PathOf("none.obj") + ": holds no faces, lines or points");
 }
 
-TEST_F(MeshImport, FaceThatRefersToAMissingVertexIsRefused)
+TEST_F(MeshImport, FileWhoseFacesAllReferToMissingVerticesIsRefused)
 {
-    EXPECT_THAT(ErrorOf(Write("bad.obj", "v 0 0 0\nv 1 0 0\nf 1 2 9\n")), HasSubstr("bad.obj: "));
+    EXPECT_EQ(ErrorOf(Write("bad.obj", "v 0 0 0\nv 1 0 0\nf 1 2 9\n")),
+              PathOf("bad.obj") + ": damaged: its faces refer to vertices that are not there");
 }
 
 TEST_F(MeshImport, CoordinatesThatAreNotFiniteAreRefused)

@@ -570,8 +570,8 @@ TEST_F(ReaderBesideThisProgram, ModelIsThatOfTheFile)
 TEST_F(ReaderBesideThisProgram, ReasonIsThatOfTheImporter)
 {
     EXPECT_EQ(ErrorOf(PathOf("none.obj")), PathOf("none.obj") + ": no such file");
-    EXPECT_EQ(ErrorOf(Write("points.obj", "v 0 0 0\nv 1 0 0\np 1 2\n")),
-              PathOf("points.obj") + ": holds no faces");
+    EXPECT_EQ(ErrorOf(Write("nothing.obj", "# nothing\n")),
+              PathOf("nothing.obj") + ": holds no faces, lines or points");
 }
 
 TEST_F(ReaderBesideThisProgram, ProgressOfTheImporterArrivesInOrder)
