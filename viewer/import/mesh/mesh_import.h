@@ -28,7 +28,7 @@ namespace viewer
 /// numbered from 0 in the order of the file's materials.
 ///
 /// Axes: if the format defines the up axis, the model is rotated so that z is up: glTF, Collada, FBX, 3DS,
-/// ASE, X3D, X, AC, LWO, MD2, MD3, MDC, MD5, MDL, HMP and MS3D. IFC models end up with their own z axis up. Other
+/// ASE, X3D, X, AC, LWO, MD2, MD3, MDC, MD5, MDL, HMP, IQM and MS3D. IFC models end up with their own z axis up. Other
 /// formats, among them OBJ, STL, PLY, OFF and 3MF, are not rotated.
 ///
 /// Unit: metres for glTF, Collada, X3D and IFC; the unit that the file states for FBX and 3MF; unknown for other

@@ -145,8 +145,8 @@ MeshMaterials::MeshMaterials(const std::string& path, const aiScene& scene)
 
 const MeshMaterial& MeshMaterials::At(unsigned int index) const
 {
-    static const MeshMaterial kGrey;
-    return index < materials_.size() ? materials_[index] : kGrey;
+    static const MeshMaterial grey;
+    return index < materials_.size() ? materials_[index] : grey;
 }
 
 MeshMaterial MeshMaterials::Read(const aiMaterial& material)
@@ -208,8 +208,9 @@ FileColor MeshColors::TextureOf(std::span<const unsigned int> vertices) const
 {
     std::vector<TexturePoint> points;
     points.reserve(vertices.size());
-    for (const unsigned int vertex : texture_points_ == nullptr ? std::span<const unsigned int>{} : vertices)
-        points.push_back(Transformed(texture_points_[vertex], material_.texture_transform));
+    if (texture_points_ != nullptr)
+        for (const unsigned int vertex : vertices)
+            points.push_back(Transformed(texture_points_[vertex], material_.texture_transform));
     return material_.texture_factor * material_.texture->MeanNear(points);
 }
 

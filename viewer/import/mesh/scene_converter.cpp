@@ -80,9 +80,9 @@ Convention ConventionOf(const std::string& path, const aiScene& scene)
 {
     constexpr std::array<std::string_view, 7> kMetersUpwardsY = {".gltf", ".glb", ".dae", ".zae",
                                                                  ".ifc",  ".x3d", ".x3db"};
-    constexpr std::array<std::string_view, 14> kUpwardsY = {".3ds",     ".ase", ".x",   ".ac",  ".acc",
+    constexpr std::array<std::string_view, 15> kUpwardsY = {".3ds",     ".ase", ".x",   ".ac",  ".acc",
                                                             ".lwo",     ".lws", ".md2", ".md3", ".mdc",
-                                                            ".md5mesh", ".mdl", ".hmp", ".ms3d"};
+                                                            ".md5mesh", ".mdl", ".hmp", ".iqm", ".ms3d"};
     const std::string ending = LowerCaseExtension(path);
     if (ending == ".fbx")
         return FbxConvention(scene);

@@ -262,6 +262,33 @@ TEST_F(MeshParts, StlWithSeveralSolidsIsReadWhole)
         2U);
 }
 
+TEST_F(MeshParts, SkinnedMeshIsWhereItsBonesHoldIt)
+{
+    const std::string matrix = "1.0,0.0,0.0,0.0, 0.0,1.0,0.0,0.0, 0.0,0.0,1.0,0.0, ";
+    const Model model = ImportMesh(Write(
+        "s.x", "xof 0303txt 0032\nFrame Root {\nFrameTransformMatrix { " + matrix + "0.0,0.0,0.0,1.0;; }\n" +
+                   "Frame Bone {\nFrameTransformMatrix { " + matrix + "10.0,0.0,0.0,1.0;; }\n}\n" +
+                   "Frame Body {\nFrameTransformMatrix { " + matrix + "0.0,50.0,0.0,1.0;; }\n" +
+                   "Mesh m {\n3;\n0.0;0.0;0.0;,\n1.0;0.0;0.0;,\n0.0;1.0;0.0;;\n1;\n3;0,1,2;;\n" +
+                   "XSkinMeshHeader { 1; 1; 1; }\nSkinWeights {\n\"Bone\";\n3;\n0,1,2;\n1.0,1.0,1.0;\n" +
+                   matrix + "0.0,0.0,0.0,1.0;;\n}\n}\n}\n}\n"));
+    ASSERT_EQ(model.FaceCount(), 1U);
+    const Box box = model.Extents();
+    EXPECT_NEAR(box.min.x, 10.0, 1e-6);
+    EXPECT_NEAR(box.max.x, 11.0, 1e-6);
+    // The file's y axis is up.
+    EXPECT_NEAR(box.min.z, 0.0, 1e-6);
+    EXPECT_NEAR(box.max.z, 1.0, 1e-6);
+}
+
+TEST_F(MeshParts, FiguresOfGamesStandUpright)
+{
+    for (const std::string file : {"/MD2/sydney.md2", "/X/BCN_Epileptic.X"}) {
+        const Box box = ImportMesh(KARV_ASSIMP_MODELS + file).Extents();
+        EXPECT_GT(box.max.z - box.min.z, 1.5 * (box.max.y - box.min.y)) << file;
+    }
+}
+
 TEST_F(MeshParts, PlyThatClaimsElementsWithoutBytesIsRefusedAtOnce)
 {
     EXPECT_THAT(ErrorOf(Write("h.ply", "ply\nformat binary_little_endian 1.0\n"

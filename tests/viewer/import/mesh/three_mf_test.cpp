@@ -23,7 +23,7 @@ using testing::IsEmpty;
 void AppendNumber(std::string& bytes, std::uint32_t value, int count)
 {
     for (int i = 0; i < count; ++i)
-        bytes += static_cast<char>(value >> (8 * i) & 0xFFU);
+        bytes += i < 4 ? static_cast<char>(value >> (8 * i) & 0xFFU) : '\0';
 }
 
 std::uint32_t Crc32(const std::string& bytes)
