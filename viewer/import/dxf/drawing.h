@@ -3,12 +3,17 @@
 #pragma once
 
 #include "viewer/import/dxf/curve_segments.h"
+#include "viewer/import/dxf/hatch.h"
+#include "viewer/import/dxf/infinite_line.h"
+#include "viewer/import/dxf/point_mark.h"
 #include "viewer/import/dxf/spline_segments.h"
+#include "viewer/import/dxf/thick_curve.h"
 #include "viewer/scene/affine.h"
 #include "viewer/scene/model.h"
 
 #include <array>
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -22,9 +27,17 @@ namespace viewer
 inline constexpr int kColorByBlock = 0;
 inline constexpr int kColorByLayer = 256;
 
+/// How much of what is behind an entity it hides.
+struct DxfOpacity {
+    enum class Source { Layer, Block, Own };
+    Source source = Source::Layer;
+    float value = 1.0F; ///< 0 to 1, for an own one
+};
+
 struct DxfLayer {
     std::string name;
     unsigned char color = 7;
+    float opacity = 1.0F;
     bool is_off = false;
     bool is_frozen = false;
 };
@@ -50,15 +63,19 @@ struct DxfInsert {
 };
 
 struct DxfEntity {
-    std::variant<Segment, EllipticArc, Spline, DxfFace, DxfMesh, DxfInsert> shape;
+    std::variant<Segment, EllipticArc, Spline, DxfFace, DxfMesh, DxfInsert, DxfPoint, DxfInfiniteLine,
+                 DxfHatch, DxfWall, DxfBand>
+        shape;
     std::size_t layer = 0;
     int color = kColorByLayer;
     std::size_t line = 0; ///< the line of the file where it begins
+    DxfOpacity opacity;
 };
 
 struct DxfBlock {
     std::string name;
-    bool is_defined = false; ///< false if the file only refers to it
+    bool is_defined = false;  ///< false if the file only refers to it
+    bool is_external = false; ///< its entities are in another file
     Point base;
     std::vector<DxfEntity> entities;
 };
@@ -80,6 +97,8 @@ class DxfDrawing
     std::vector<DxfLayer> layers;
     std::vector<DxfBlock> blocks;
     std::vector<DxfEntity> entities; ///< those outside of blocks
+    DxfPointStyle point_style;
+    std::map<std::string, std::size_t> left_out; ///< what is not drawn, by kind
 
     /// The index of the layer or block with this name. It is added if there is none.
     std::size_t LayerNumber(std::string_view name);

@@ -1,11 +1,13 @@
 #include "viewer/import/dxf/drawing_builder.h"
 
 #include "platform/host/cm/color.h"
+#include "viewer/import/dxf/direct_entities.h"
 #include "viewer/import/dxf/extrusion_frame.h"
 #include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <numbers>
 #include <stdexcept>
 #include <utility>
@@ -45,9 +47,49 @@ int ColorOf(const DL_Attributes& attributes)
     return color >= 0 && color < kColorByLayer ? color : kColorByLayer;
 }
 
+/// The colour that these groups state, if any.
+std::optional<int> ColorOf(const DxfEntityNumbers& numbers)
+{
+    if (const auto color24 = numbers.First(420); color24 && *color24 >= 0.0)
+        return NearestIndexOf(static_cast<int>(static_cast<std::int64_t>(*color24) & 0xFFFFFF));
+    const int color = numbers.IntegerOr(62, -1);
+    return color >= 0 && color <= kColorByLayer ? std::optional(color) : std::nullopt;
+}
+
 double Radians(double degrees)
 {
     return degrees * std::numbers::pi / 180.0;
+}
+
+/// The widths of the vertices of a light polyline, in their order.
+std::vector<DxfPolyline::Vertex> LightWidths(const DxfEntityNumbers& numbers)
+{
+    DxfPolyline::Vertex widths;
+    widths.start_width = widths.end_width = numbers.FirstOr(43, 0.0);
+    std::vector<DxfPolyline::Vertex> vertices;
+    for (const DxfNumber& number : numbers.all)
+        if (number.code == 10)
+            vertices.push_back(widths);
+        else if (number.code == 40 && !vertices.empty())
+            vertices.back().start_width = number.value;
+        else if (number.code == 41 && !vertices.empty())
+            vertices.back().end_width = number.value;
+    return vertices;
+}
+
+/// The faces of the body that a face sweeps.
+DxfMesh PrismOf(const DxfFace& base, const Point& by)
+{
+    DxfMesh mesh{base, base};
+    for (std::size_t i = 0; i < base.count; ++i) {
+        const std::size_t next = (i + 1) % base.count;
+        mesh[1].corners.at(i) = base.corners.at(i) + by;
+        mesh.push_back(
+            {{base.corners.at(i), base.corners.at(next), base.corners.at(next) + by, base.corners.at(i) + by},
+             4,
+             {}});
+    }
+    return mesh;
 }
 
 } // namespace
@@ -75,7 +117,24 @@ void DxfDrawingBuilder::TakeFaceRecord()
     constexpr int kLocation = 64;
     const auto [flags, a, b, c, d] = finished_.integers;
     if (finished_.kind == "VERTEX" && polyline_ && (flags & kFace) != 0 && (flags & kLocation) == 0)
-        polyline_->polyline.face_records.push_back({a, b, c, d});
+        polyline_->face_records[ColorOf(finished_.numbers).value_or(polyline_->entity.color)].push_back(
+            {a, b, c, d});
+}
+
+/// The opacity that group 440 states, in its lowest byte; the highest byte tells whose it is.
+DxfOpacity DxfDrawingBuilder::EntityOpacity() const
+{
+    const auto stated = static_cast<std::int64_t>(finished_.numbers.FirstOr(440, 0.0));
+    constexpr std::int64_t kMaxByte = 255;
+    switch (stated >> 24) {
+    case 1:
+        return {DxfOpacity::Source::Block};
+    case 2:
+        return {DxfOpacity::Source::Own,
+                static_cast<float>(stated & kMaxByte) / static_cast<float>(kMaxByte)};
+    default:
+        return {};
+    }
 }
 
 int DxfDrawingBuilder::EntityColor()
@@ -92,8 +151,31 @@ Affine DxfDrawingBuilder::Frame()
 void DxfDrawingBuilder::Add(decltype(DxfEntity::shape) shape)
 {
     std::vector<DxfEntity>& entities = block_ ? drawing_.blocks[*block_].entities : drawing_.entities;
-    entities.push_back(
-        {std::move(shape), drawing_.LayerNumber(getAttributes().getLayer()), EntityColor(), finished_.line});
+    entities.push_back({std::move(shape), drawing_.LayerNumber(getAttributes().getLayer()), EntityColor(),
+                        finished_.line, EntityOpacity()});
+}
+
+void DxfDrawingBuilder::AddAll(std::vector<decltype(DxfEntity::shape)> shapes)
+{
+    for (auto& shape : shapes)
+        Add(std::move(shape));
+}
+
+/// Adds what the thickness of a curve makes of it, if it has one.
+void DxfDrawingBuilder::AddWall(std::variant<Segment, EllipticArc> curve)
+{
+    const double thickness = finished_.numbers.FirstOr(39, 0.0);
+    if (thickness != 0.0)
+        Add(DxfWall{std::move(curve), Frame().z * thickness});
+}
+
+/// Points, and all entities that are not read by the library: it gets a point for each of them.
+void DxfDrawingBuilder::addPoint(const DL_PointData& /*data*/)
+{
+    DirectShapes made = ShapesOfEntity(finished_.kind, finished_.numbers, Frame());
+    if (!made.left_out.empty())
+        ++drawing_.left_out[made.left_out];
+    AddAll(std::move(made.shapes));
 }
 
 void DxfDrawingBuilder::addLayer(const DL_LayerData& data)
@@ -108,13 +190,16 @@ void DxfDrawingBuilder::addLayer(const DL_LayerData& data)
     layer.color = static_cast<unsigned char>(color > 0 && color < kColorByLayer ? color : kForeground);
     layer.is_off = is_off;
     layer.is_frozen = (data.flags & kFrozen) != 0;
+    layer.opacity = EntityOpacity().value;
 }
 
 void DxfDrawingBuilder::addBlock(const DL_BlockData& data)
 {
     block_ = drawing_.BlockNumber(data.name);
     DxfBlock& block = drawing_.blocks[*block_];
+    constexpr int kExternal = 4 | 8;
     block.is_defined = true;
+    block.is_external = (data.flags & kExternal) != 0;
     block.base = {data.bpx, data.bpy, data.bpz};
     block.entities.clear();
 }
@@ -126,7 +211,9 @@ void DxfDrawingBuilder::endBlock()
 
 void DxfDrawingBuilder::addLine(const DL_LineData& data)
 {
-    Add(Segment{{data.x1, data.y1, data.z1}, {data.x2, data.y2, data.z2}});
+    const Segment line{{data.x1, data.y1, data.z1}, {data.x2, data.y2, data.z2}};
+    Add(line);
+    AddWall(line);
 }
 
 void DxfDrawingBuilder::addArc(const DL_ArcData& data)
@@ -134,16 +221,20 @@ void DxfDrawingBuilder::addArc(const DL_ArcData& data)
     const Affine frame = Frame();
     const double radius = std::abs(data.radius);
     const double start = Radians(data.angle1);
-    Add(EllipticArc{frame.Apply({data.cx, data.cy, data.cz}), frame.x * radius, frame.y * radius, start,
-                    SweepBetween(start, Radians(data.angle2))});
+    const EllipticArc arc{frame.Apply({data.cx, data.cy, data.cz}), frame.x * radius, frame.y * radius, start,
+                          SweepBetween(start, Radians(data.angle2))};
+    Add(arc);
+    AddWall(arc);
 }
 
 void DxfDrawingBuilder::addCircle(const DL_CircleData& data)
 {
     const Affine frame = Frame();
     const double radius = std::abs(data.radius);
-    Add(EllipticArc{frame.Apply({data.cx, data.cy, data.cz}), frame.x * radius, frame.y * radius, 0.0,
-                    kFullTurn});
+    const EllipticArc circle{frame.Apply({data.cx, data.cy, data.cz}), frame.x * radius, frame.y * radius,
+                             0.0, kFullTurn};
+    Add(circle);
+    AddWall(circle);
 }
 
 void DxfDrawingBuilder::addEllipse(const DL_EllipseData& data)
@@ -157,7 +248,8 @@ void DxfDrawingBuilder::addEllipse(const DL_EllipseData& data)
 void DxfDrawingBuilder::addPolyline(const DL_PolylineData& data)
 {
     OpenPolyline& open = polyline_.emplace();
-    open.entity = {{}, drawing_.LayerNumber(getAttributes().getLayer()), EntityColor(), finished_.line};
+    open.entity = {
+        {}, drawing_.LayerNumber(getAttributes().getLayer()), EntityColor(), finished_.line, EntityOpacity()};
     DxfPolyline& polyline = open.polyline;
     polyline.flags = data.flags;
     const bool is_light = finished_.kind == "LWPOLYLINE";
@@ -167,7 +259,12 @@ void DxfDrawingBuilder::addPolyline(const DL_PolylineData& data)
     const bool is_smooth = (polyline.flags & DxfPolyline::kSplineFit) != 0;
     polyline.rows = finished_.integers[is_smooth ? 3 : 1];
     polyline.columns = finished_.integers[is_smooth ? 4 : 2];
+    if (is_light)
+        open.light_widths = LightWidths(finished_.numbers);
+    open.widths.start_width = finished_.numbers.FirstOr(40, 0.0);
+    open.widths.end_width = finished_.numbers.FirstOr(41, 0.0);
     if (polyline.IsFlat()) {
+        polyline.thickness = finished_.numbers.FirstOr(39, 0.0);
         polyline.frame = Frame();
         polyline.elevation = is_light ? data.elevation : getExtrusion()->getElevation();
     }
@@ -177,8 +274,19 @@ void DxfDrawingBuilder::addVertex(const DL_VertexData& data)
 {
     const bool is_frame =
         finished_.kind == "VERTEX" && (finished_.integers[0] & DxfPolyline::kFrameVertex) != 0;
-    if (polyline_ && !is_frame)
-        polyline_->polyline.vertices.push_back({{data.x, data.y, data.z}, data.bulge});
+    if (!polyline_ || is_frame)
+        return;
+    std::vector<DxfPolyline::Vertex>& vertices = polyline_->polyline.vertices;
+    DxfPolyline::Vertex vertex = polyline_->widths;
+    if (vertices.size() < polyline_->light_widths.size()) {
+        vertex = polyline_->light_widths[vertices.size()];
+    } else if (finished_.kind == "VERTEX") {
+        vertex.start_width = finished_.numbers.FirstOr(40, vertex.start_width);
+        vertex.end_width = finished_.numbers.FirstOr(41, vertex.end_width);
+    }
+    vertex.point = {data.x, data.y, data.z};
+    vertex.bulge = data.bulge;
+    vertices.push_back(vertex);
 }
 
 void DxfDrawingBuilder::endSequence()
@@ -198,12 +306,18 @@ void DxfDrawingBuilder::FinishPolyline()
 {
     if (!polyline_)
         return;
-    const OpenPolyline open = std::move(*polyline_);
+    OpenPolyline open = std::move(*polyline_);
     polyline_.reset();
     std::vector<DxfEntity>& entities = block_ ? drawing_.blocks[*block_].entities : drawing_.entities;
+    if (open.face_records.empty())
+        open.face_records[open.entity.color];
     try {
-        for (auto& shape : ShapesOf(open.polyline))
-            entities.push_back({std::move(shape), open.entity.layer, open.entity.color, open.entity.line});
+        for (auto& [color, records] : open.face_records) {
+            open.polyline.face_records = std::move(records);
+            for (auto& shape : ShapesOf(open.polyline))
+                entities.push_back(
+                    {std::move(shape), open.entity.layer, color, open.entity.line, open.entity.opacity});
+        }
     } catch (const std::runtime_error& error) {
         Fail(open.entity.line, error.what());
     }
@@ -288,7 +402,11 @@ void DxfDrawingBuilder::AddBand(const DL_TraceData& data)
     DxfFace face = FaceOf(data, Frame());
     if (face.count == 4)
         std::swap(face.corners[2], face.corners[3]);
-    Add(face);
+    const double thickness = finished_.numbers.FirstOr(39, 0.0);
+    if (thickness == 0.0)
+        Add(face);
+    else
+        Add(PrismOf(face, Frame().z * thickness));
 }
 
 void DxfDrawingBuilder::addTrace(const DL_TraceData& data)

@@ -8,8 +8,10 @@
 
 #include <dxflib/dl_creationadapter.h>
 
+#include <map>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace viewer
@@ -28,6 +30,9 @@ struct OpenSpline {
 struct OpenPolyline {
     DxfEntity entity;
     DxfPolyline polyline;
+    DxfPolyline::Vertex widths;                    ///< of vertices without widths of their own
+    std::vector<DxfPolyline::Vertex> light_widths; ///< of a light polyline's vertices
+    std::map<int, std::vector<DxfPolyline::FaceRecord>> face_records; ///< by colour
 };
 
 /// Receives the library's calls. They throw FileError, with the file and the line where the entity begins.
@@ -57,6 +62,7 @@ class DxfDrawingBuilder final : public DL_CreationAdapter
     void addFitPoint(const DL_FitPointData& data) override;
     void addKnot(const DL_KnotData& data) override;
     void addInsert(const DL_InsertData& data) override;
+    void addPoint(const DL_PointData& data) override;
     void addTrace(const DL_TraceData& data) override;
     void addSolid(const DL_SolidData& data) override;
     void add3dFace(const DL_3dFaceData& data) override;
@@ -65,6 +71,9 @@ class DxfDrawingBuilder final : public DL_CreationAdapter
     [[noreturn]] void Fail(std::size_t line, const std::string& reason) const;
     void TakeFaceRecord();
     void Add(decltype(DxfEntity::shape) shape);
+    void AddAll(std::vector<decltype(DxfEntity::shape)> shapes);
+    void AddWall(std::variant<Segment, EllipticArc> curve);
+    [[nodiscard]] DxfOpacity EntityOpacity() const;
     [[nodiscard]] DxfFace FaceOf(const DL_TraceData& data, const Affine& frame) const;
     void AddBand(const DL_TraceData& data);
     void FinishPolyline();

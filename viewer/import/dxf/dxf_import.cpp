@@ -81,6 +81,7 @@ DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progres
     DL_Dxf().in(stream, &builder);
     text.RethrowFault();
     file.skipped = text.SkippedEntities();
+    file.drawing.point_style = text.PointStyle();
     file.meters_per_unit = MetersPerUnit(text.UnitNumber());
     return file;
 }
@@ -108,6 +109,26 @@ std::string ReasonForNothing(const DrawingFile& file)
     return "holds nothing that can be shown, only " + kinds;
 }
 
+/// The inserts of drawings that are in other files, by name.
+std::map<std::string, std::size_t> ExternalBlocks(const DxfDrawing& drawing)
+{
+    std::map<std::string, std::size_t> inserts;
+    const auto count = [&](const std::vector<DxfEntity>& entities) {
+        for (const DxfEntity& entity : entities) {
+            const auto* insert = std::get_if<DxfInsert>(&entity.shape);
+            if (insert == nullptr)
+                continue;
+            const DxfBlock& block = drawing.blocks[insert->block];
+            if (block.is_external && block.entities.empty())
+                ++inserts["XREF " + block.name];
+        }
+    };
+    count(drawing.entities);
+    for (const DxfBlock& block : drawing.blocks)
+        count(block.entities);
+    return inserts;
+}
+
 Box ExtentsOf(const std::string& path, DxfPlacedEntities& placement)
 {
     Box box;
@@ -128,10 +149,17 @@ Model Read(const std::string& path, const ImportOptions& options, const Progress
     const Box box = ExtentsOf(path, placement);
     if (box.IsEmpty())
         throw FileError(path, ReasonForNothing(file));
+    // The marks of a single point have a size, but the point has none.
+    const double diagonal = box.Diagonal() > 0.0 ? box.Diagonal() : 1.0;
     DxfPieceBuilder pieces(path, file.drawing, placement,
-                           options.deflection.value_or(options.RelativeDeflection() * box.Diagonal()));
+                           options.deflection.value_or(options.RelativeDeflection() * diagonal));
+    pieces.SetExtents(box);
     placement.ForEach([&](const PlacedEntity& placed) { pieces.Add(placed); });
     Model model = pieces.Finish();
+    for (const auto& [kind, count] : file.drawing.left_out)
+        model.LeaveOut(kind, count);
+    for (const auto& [kind, count] : ExternalBlocks(file.drawing))
+        model.LeaveOut(kind, count);
     if (model.pieces.empty())
         throw FileError(path, ReasonForNothing(file));
     model.meters_per_unit = file.meters_per_unit;

@@ -1,5 +1,6 @@
 #include "viewer/import/dxf/entity_stream.h"
 
+#include "viewer/import/dxf/direct_entities.h"
 #include "viewer/text/file_error.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <cmath>
 #include <initializer_list>
 #include <limits>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -24,6 +26,12 @@ constexpr int kFourthCorner = 13;
 constexpr int kFirstInteger = 70;
 constexpr int kInvisible = 60;
 constexpr int kPaperSpace = 67;
+constexpr int kThickness = 39;
+constexpr int kTrueColor = 420;
+constexpr int kOpacity = 440;
+/// Extended data: the name of the program that they belong to, and a number.
+constexpr int kExtendedName = 1001;
+constexpr int kExtendedInteger = 1071;
 
 bool IsOneOf(std::string_view text, std::initializer_list<std::string_view> words)
 {
@@ -32,7 +40,8 @@ bool IsOneOf(std::string_view text, std::initializer_list<std::string_view> word
 
 bool IsDrawn(std::string_view kind)
 {
-    return IsOneOf(kind, {"LINE", "ARC", "CIRCLE", "ELLIPSE", "LWPOLYLINE", "POLYLINE", "SPLINE", "3DFACE",
+    return IsReadDirectly(kind) ||
+           IsOneOf(kind, {"LINE", "ARC", "CIRCLE", "ELLIPSE", "LWPOLYLINE", "POLYLINE", "SPLINE", "3DFACE",
                           "SOLID", "TRACE", "INSERT"});
 }
 
@@ -50,13 +59,41 @@ bool IsReal(int code)
 {
     const bool is_coordinate = code >= 10 && code <= 38 && code % 10 <= 8;
     const bool is_direction = code == 210 || code == 220 || code == 230;
-    return is_coordinate || is_direction || (code >= 40 && code <= 45) || code == 50 || code == 51;
+    return is_coordinate || is_direction || code == kThickness || (code >= 40 && code <= 45) || code == 50 ||
+           code == 51;
 }
 
 bool IsInteger(int code)
 {
     return code == kInvisible || code == 62 || code == kPaperSpace || (code >= 70 && code <= 75) ||
-           code == 420;
+           code == kTrueColor || code == kOpacity;
+}
+
+/// Numbers of the entities that are read directly.
+bool IsDirectReal(int code)
+{
+    return IsReal(code) || (code >= 46 && code <= 49) || (code >= 52 && code <= 59);
+}
+
+bool IsDirectInteger(int code)
+{
+    return IsInteger(code) || (code >= 76 && code <= 79) || (code >= 90 && code <= 99) || code == 290 ||
+           code == 450;
+}
+
+/// The groups that the library reads of an entity that is read directly.
+bool IsAttribute(int code)
+{
+    return code == 8 || code == 62 || code == kTrueColor || code == 210 || code == 220 || code == 230;
+}
+
+/// Names of kinds and sections are written in upper case, but not by all programs.
+std::string UpperCase(std::string text)
+{
+    for (char& letter : text)
+        if (letter >= 'a' && letter <= 'z')
+            letter = static_cast<char>(letter - 'a' + 'A');
+    return text;
 }
 
 /// Whether a number begins with a plus sign, which can be omitted.
@@ -65,11 +102,14 @@ bool IsSigned(std::string_view text)
     return text.size() > 1 && text.front() == '+' && text[1] != '-';
 }
 
-bool IsFiniteNumber(std::string_view text)
+/// The finite number that is the whole text.
+std::optional<double> NumberOf(std::string_view text)
 {
     double value = 0.0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size() && std::isfinite(value);
+    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
+        return std::nullopt;
+    return value;
 }
 
 /// Whether it is a number that underflows to 0.
@@ -84,7 +124,7 @@ bool IsTiny(std::string_view text)
 bool IsIntegerFor(int code, std::string_view text)
 {
     const std::optional<long long> value = ParseWholeNumber(text);
-    const bool is_true_color = code == 420;
+    const bool is_true_color = code == kTrueColor;
     return value && *value >= std::numeric_limits<std::int32_t>::min() &&
            *value <= (is_true_color ? std::numeric_limits<std::uint32_t>::max()
                                     : static_cast<long long>(std::numeric_limits<std::int32_t>::max()));
@@ -155,7 +195,10 @@ void DxfEntityStream::ServeNext()
                                        " instead of a section");
     }
     const std::size_t line = next_.line;
-    const std::string name = std::move(next_.value);
+    std::string name = UpperCase(std::move(next_.value));
+    // NOTE: The oldest drawings name lines in space so.
+    if (name == "3DLINE")
+        name = "LINE";
     if (name == "EOF" || name == "SECTION" || name == "ENDSEC")
         CloseOpenSequences({});
     if (name == "EOF") {
@@ -166,7 +209,7 @@ void DxfEntityStream::ServeNext()
         EnterSection();
     } else {
         if (name == "ENDSEC")
-            section_ = Section::None;
+            LeaveSection();
         ReadEntity(name, line);
     }
 }
@@ -176,18 +219,44 @@ void DxfEntityStream::EnterSection()
     const DxfGroup group = groups_.Read();
     if (group.code != 2)
         Fail(group.line, "a section without a name");
-    if (group.value == "TABLES")
+    const std::string name = UpperCase(group.value);
+    in_entities_ = name == "ENTITIES";
+    if (name == "TABLES")
         section_ = Section::Tables;
-    else if (group.value == "BLOCKS" || group.value == "ENTITIES")
+    else if (name == "BLOCKS" || in_entities_)
         section_ = Section::Drawn;
     else
         section_ = Section::Other;
     std::string variable;
-    for (next_ = groups_.Read(); next_.code != 0; next_ = groups_.Read())
+    for (ReadNext(); next_.code != 0; ReadNext())
         if (next_.code == kVariable)
-            variable = next_.value;
-        else if (next_.code == kFirstInteger && variable == "$INSUNITS")
-            unit_number_ = ParseWholeNumber(next_.value).value_or(0);
+            variable = UpperCase(next_.value);
+        else
+            TakeVariable(variable, next_);
+}
+
+void DxfEntityStream::LeaveSection()
+{
+    section_ = Section::None;
+    has_entities_ = has_entities_ || in_entities_;
+    in_entities_ = false;
+}
+
+/// A file that ends behind its entities is complete enough.
+void DxfEntityStream::ReadNext()
+{
+    next_ = groups_.Read(has_entities_ && (section_ == Section::None || section_ == Section::Other));
+}
+
+void DxfEntityStream::TakeVariable(const std::string& variable, const DxfGroup& group)
+{
+    constexpr int kReal = 40;
+    if (group.code == kFirstInteger && variable == "$INSUNITS")
+        unit_number_ = ParseWholeNumber(group.value).value_or(0);
+    if (group.code == kFirstInteger && variable == "$PDMODE")
+        point_style_.mode = static_cast<int>(ParseWholeNumber(group.value).value_or(0) % 128);
+    if (group.code == kReal && variable == "$PDSIZE")
+        point_style_.size = NumberOf(group.value).value_or(0.0);
 }
 
 void DxfEntityStream::ReadEntity(const std::string& name, std::size_t line)
@@ -196,10 +265,12 @@ void DxfEntityStream::ReadEntity(const std::string& name, std::size_t line)
     entity_ = {};
     entity_.head.kind = name;
     entity_.head.line = line;
-    for (next_ = groups_.Read(); next_.code != 0; next_ = groups_.Read()) {
+    for (ReadNext(); next_.code != 0; ReadNext()) {
         entity_.has_ended = entity_.has_ended || next_.code == kEmbeddedObject;
         if (is_wanted && !entity_.has_ended && !IsCount(name, next_.code))
             Append(next_);
+        if (section_ == Section::Tables)
+            TakeLayerOpacity(next_);
     }
     const bool is_shown = !entity_.is_hidden || IsPartOfOther(name);
     if (is_wanted && is_shown)
@@ -249,23 +320,30 @@ void DxfEntityStream::Keep(const std::string& name)
     if (is_empty)
         return;
     on_entity_(entity_.head);
-    served_ += "0\n" + name + '\n' + CountsFor(name, entity_.counts) + entity_.body;
+    // The library reports a point for each entity that is read directly.
+    served_ += "0\n" + (IsReadDirectly(name) ? "POINT" : name) + '\n' + CountsFor(name, entity_.counts) +
+               entity_.body;
 }
 
 void DxfEntityStream::Append(const DxfGroup& group)
 {
     std::string_view value = group.value;
-    if (!IsName(group.code) && !IsReal(group.code) && !IsInteger(group.code))
+    const bool is_direct = IsReadDirectly(entity_.head.kind);
+    const bool is_real = is_direct ? IsDirectReal(group.code) : IsReal(group.code);
+    const bool is_integer = is_direct ? IsDirectInteger(group.code) : IsInteger(group.code);
+    if (group.code == kSubclassMarker)
+        entity_.head.numbers.all.push_back({kSubclassMarker, 0.0});
+    if (!IsName(group.code) && !is_real && !is_integer)
         return;
     if (value.size() > kMaxDxfLine)
         Fail(group.line + 1, "longer than " + std::to_string(kMaxDxfLine) + " characters");
     if (!IsName(group.code) && IsSigned(value))
         value.remove_prefix(1);
-    if (IsReal(group.code) && IsTiny(value))
+    if (is_real && IsTiny(value))
         value = "0";
-    if (IsReal(group.code) && !IsFiniteNumber(value))
+    if (is_real && !NumberOf(value))
         Fail(group.line + 1, QuotedForMessage(value) + " is no finite number");
-    if (IsInteger(group.code) && !IsIntegerFor(group.code, value))
+    if (is_integer && !IsIntegerFor(group.code, value))
         Fail(group.line + 1, QuotedForMessage(value) + " is no whole number of 32 bits");
     if (group.code >= kFirstInteger &&
         group.code < kFirstInteger + static_cast<int>(entity_.head.integers.size()))
@@ -274,11 +352,24 @@ void DxfEntityStream::Append(const DxfGroup& group)
     entity_.head.has_fourth_corner = entity_.head.has_fourth_corner || group.code == kFourthCorner;
     if ((group.code == kInvisible || group.code == kPaperSpace) && ParseWholeNumber(value) != 0)
         entity_.is_hidden = true;
+    if (is_real || is_integer)
+        entity_.head.numbers.all.push_back({group.code, NumberOf(value).value_or(0.0)});
+    if (is_direct && !IsAttribute(group.code))
+        return;
     ++entity_.counts[group.code];
     entity_.body += std::to_string(group.code);
     entity_.body += '\n';
     entity_.body += value;
     entity_.body += '\n';
+}
+
+/// The opacity of a layer is in extended data, with the same number as in the group of an entity.
+void DxfEntityStream::TakeLayerOpacity(const DxfGroup& group)
+{
+    if (group.code == kExtendedName)
+        entity_.in_opacity = group.value == "AcCmTransparency";
+    if (group.code == kExtendedInteger && entity_.in_opacity)
+        entity_.head.numbers.all.push_back({kOpacity, NumberOf(group.value).value_or(0.0)});
 }
 
 void DxfEntityStream::CountSkipped(const std::string& name)

@@ -4,7 +4,9 @@
 // interpret them.
 #pragma once
 
+#include "viewer/import/dxf/entity_numbers.h"
 #include "viewer/import/dxf/group_reader.h"
+#include "viewer/import/dxf/point_mark.h"
 #include "viewer/import/progress.h"
 
 #include <array>
@@ -27,6 +29,7 @@ struct DxfEntityHead {
     std::size_t line = 0;          ///< the line where it begins
     std::array<int, 5> integers{}; ///< values of the group codes 70 to 74
     bool has_fourth_corner = false;
+    DxfEntityNumbers numbers; ///< of all groups that are used
 };
 
 /// The filtered text as a stream buffer. It holds one entity at a time: an entity is consumed before the next
@@ -47,6 +50,8 @@ class DxfEntityStream final : public std::streambuf
     [[nodiscard]] const std::map<std::string, std::size_t>& SkippedEntities() const { return skipped_; }
     /// The number of the drawing's unit, from the variable $INSUNITS; 0 for none.
     [[nodiscard]] long long UnitNumber() const { return unit_number_; }
+    /// How the drawing's points are drawn, from the variables $PDMODE and $PDSIZE.
+    [[nodiscard]] const DxfPointStyle& PointStyle() const { return point_style_; }
     /// Throws the FileError that ended the stream, if any.
     void RethrowFault() const;
 
@@ -57,8 +62,12 @@ class DxfEntityStream final : public std::streambuf
     [[noreturn]] void Fail(std::size_t line, const std::string& reason) const;
     void ServeNext();
     void EnterSection();
+    void LeaveSection();
+    void ReadNext();
+    void TakeVariable(const std::string& variable, const DxfGroup& group);
     void ReadEntity(const std::string& name, std::size_t line);
     void Append(const DxfGroup& group);
+    void TakeLayerOpacity(const DxfGroup& group);
     void CloseOpenSequences(std::string_view next);
     [[nodiscard]] bool IsWanted(std::string_view name) const;
     void Keep(const std::string& name);
@@ -70,7 +79,8 @@ class DxfEntityStream final : public std::streambuf
         std::string body;
         std::map<int, std::size_t> counts; ///< number of groups, by code
         bool is_hidden = false;
-        bool has_ended = false; ///< the groups that follow belong to an embedded object
+        bool has_ended = false;  ///< the groups that follow belong to an embedded object
+        bool in_opacity = false; ///< the next extended data are the opacity of a layer
     };
     enum class Section { None, Tables, Drawn, Other };
 
@@ -83,10 +93,13 @@ class DxfEntityStream final : public std::streambuf
     bool has_ended_ = false;
     bool in_polyline_ = false;
     bool in_block_ = false;
+    bool in_entities_ = false;
+    bool has_entities_ = false; ///< the section of entities is complete
     Entity entity_;
     std::string served_;
     std::map<std::string, std::size_t> skipped_;
     long long unit_number_ = 0;
+    DxfPointStyle point_style_;
     std::exception_ptr fault_;
 };
 

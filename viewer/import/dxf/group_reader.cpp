@@ -1,9 +1,12 @@
 #include "viewer/import/dxf/group_reader.h"
 
+#include "viewer/import/dxf/binary_values.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <filesystem>
 #include <system_error>
@@ -17,6 +20,15 @@ namespace
 
 constexpr int kComment = 999;
 constexpr int kMaxCode = 1071;
+
+/// The shortest text of the number that reads as the same number.
+template <class Number>
+std::string TextOf(Number value)
+{
+    std::array<char, 40> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value);
+    return {text.data(), end};
+}
 
 } // namespace
 
@@ -88,7 +100,7 @@ int DxfGroupReader::ParseCode(std::string_view text) const
     if (code && *code >= -5 && *code <= kMaxCode)
         return static_cast<int>(*code);
     if (line_ == 1 && text.ends_with("Binary DXF"))
-        throw FileError(path_, "is a binary DXF file; only those of text are read");
+        throw FileError(path_, "is a damaged binary DXF file");
     if (line_ == 1)
         throw FileError(path_, "is not a DXF file: line 1 is " + QuotedForMessage(text) +
                                    ", which is no group code");
@@ -96,26 +108,158 @@ int DxfGroupReader::ParseCode(std::string_view text) const
                     "line " + std::to_string(line_) + ": " + QuotedForMessage(text) + " is no group code");
 }
 
-DxfGroup DxfGroupReader::Read()
+/// Reads a line for the code and one for the value. Blank lines are skipped where the file may end. Returns false
+/// where it ends.
+bool DxfGroupReader::ReadText(DxfGroup& group, bool may_end)
 {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    DxfGroup group;
     std::string text;
-    do {
-        const bool has_code = ReadLine(text);
-        if (line_ == 1 && text.starts_with(kByteOrderMark))
-            text.erase(0, kByteOrderMark.size());
-        if (has_code) {
-            group.line = line_;
-            group.code = ParseCode(text);
-        }
-        if (!has_code || !ReadLine(text))
-            throw FileError(path_,
-                            "truncated: it ends in line " + std::to_string(line_ - 1) + ", without its EOF");
-    } while (group.code == kComment);
+    bool has_code = ReadLine(text);
+    while (may_end && has_code && Trimmed(text).empty())
+        has_code = ReadLine(text);
+    if (!has_code)
+        return false;
+    if (line_ == 1 && text.starts_with(kByteOrderMark))
+        text.erase(0, kByteOrderMark.size());
+    group.line = line_;
+    group.code = ParseCode(text);
+    if (!ReadLine(text))
+        return false;
     group.value = Trimmed(text);
     if (text.size() > kMaxDxfLine)
         group.value.resize(kMaxDxfLine + 1);
+    return true;
+}
+
+/// A binary file begins with a line that ends in "Binary DXF", followed by two bytes that end a text.
+void DxfGroupReader::DetectBinary()
+{
+    constexpr std::string_view kEnd("Binary DXF\r\n\x1A\0", 14);
+    constexpr std::size_t kMaxStart = 40;
+    if (ReadByte() < 0)
+        return;
+    block_next_ = 0;
+    const std::string_view start(block_.data(), std::min(block_size_, kMaxStart));
+    const std::size_t found = start.find(kEnd);
+    if (found == std::string_view::npos)
+        return;
+    is_binary_ = true;
+    block_next_ = found + kEnd.size();
+    // The first group is code 0 with the text "SECTION".
+    if (block_next_ + 1 < block_size_ && block_[block_next_ + 1] != 0)
+        code_bytes_ = 1;
+}
+
+bool DxfGroupReader::ReadBytes(std::size_t count, std::string& bytes)
+{
+    bytes.clear();
+    for (; count > 0; --count) {
+        const int byte = ReadByte();
+        if (byte < 0)
+            return false;
+        bytes += static_cast<char>(byte);
+    }
+    return true;
+}
+
+/// A little-endian number. No value where the file ends.
+std::optional<std::uint64_t> DxfGroupReader::ReadUnsigned(std::size_t bytes)
+{
+    std::uint64_t value = 0;
+    for (std::size_t i = 0; i < bytes; ++i) {
+        const int byte = ReadByte();
+        if (byte < 0)
+            return std::nullopt;
+        value |= static_cast<std::uint64_t>(byte) << (8U * i);
+    }
+    return value;
+}
+
+/// Of a longer text, `kMaxDxfLine` + 1 bytes are kept.
+bool DxfGroupReader::ReadZeroEndedText(std::string& text)
+{
+    text.clear();
+    int byte = ReadByte();
+    for (; byte > 0; byte = ReadByte())
+        if (text.size() <= kMaxDxfLine)
+            text += static_cast<char>(byte);
+    return byte == 0;
+}
+
+std::optional<int> DxfGroupReader::ReadBinaryCode()
+{
+    constexpr std::uint64_t kWideCodeFollows = 255;
+    auto code = ReadUnsigned(code_bytes_);
+    if (code_bytes_ == 1 && code == kWideCodeFollows)
+        code = ReadUnsigned(2);
+    return code ? std::optional(static_cast<int>(static_cast<std::int16_t>(*code))) : std::nullopt;
+}
+
+bool DxfGroupReader::ReadBinaryValue(DxfGroup& group)
+{
+    const std::optional<DxfValueType> type = TypeOfCode(group.code);
+    if (!type)
+        throw FileError(path_, "line " + std::to_string(group.line) + ": '" + std::to_string(group.code) +
+                                   "' is no group code");
+    std::string unused;
+    const auto number = [&](std::size_t bytes, auto convert) {
+        const auto bits = ReadUnsigned(bytes);
+        if (bits)
+            group.value = TextOf(convert(*bits));
+        return bits.has_value();
+    };
+    switch (*type) {
+    case DxfValueType::Text:
+        return ReadZeroEndedText(group.value);
+    case DxfValueType::Real:
+        return number(8, [](std::uint64_t bits) { return std::bit_cast<double>(bits); });
+    case DxfValueType::Byte:
+        return number(1, [](std::uint64_t bits) { return bits; });
+    case DxfValueType::Short:
+        return number(2, [](std::uint64_t bits) { return static_cast<std::int16_t>(bits); });
+    case DxfValueType::Integer:
+        return number(4, [](std::uint64_t bits) { return static_cast<std::int32_t>(bits); });
+    case DxfValueType::Long:
+        return number(8, [](std::uint64_t bits) { return static_cast<std::int64_t>(bits); });
+    case DxfValueType::Chunk:
+        break;
+    }
+    const auto size = ReadUnsigned(1);
+    return size && ReadBytes(static_cast<std::size_t>(*size), unused);
+}
+
+bool DxfGroupReader::ReadBinary(DxfGroup& group)
+{
+    const std::optional<int> code = ReadBinaryCode();
+    if (!code)
+        return false;
+    group.line = line_ + 1;
+    line_ += 2;
+    group.code = *code;
+    if (!ReadBinaryValue(group))
+        return false;
+    group.value = Trimmed(std::string(group.value));
+    return true;
+}
+
+std::string DxfGroupReader::EndPlace() const
+{
+    return is_binary_ ? "after " + std::to_string(line_ / 2) + " groups"
+                      : "in line " + std::to_string(line_ - 1);
+}
+
+DxfGroup DxfGroupReader::Read(bool may_end)
+{
+    if (line_ == 0)
+        DetectBinary();
+    DxfGroup group;
+    do {
+        if (is_binary_ ? ReadBinary(group) : ReadText(group, may_end))
+            continue;
+        if (may_end)
+            return {0, "EOF", line_};
+        throw FileError(path_, "truncated: it ends " + EndPlace() + ", without its EOF");
+    } while (group.code == kComment);
     return group;
 }
 

@@ -1,5 +1,6 @@
-// Reads a DXF file as groups. A group is a line with a code, which gives the meaning of the value, and a line
-// with the value. Files of other kinds and truncated files are detected here. Groups are not interpreted.
+// Reads a DXF file, of text or binary, as groups. A group is a code, which gives the meaning of the value, and
+// the value; in a text file each has a line. Files of other kinds and truncated files are detected here. Groups
+// are not interpreted.
 #pragma once
 
 #include "viewer/import/progress.h"
@@ -20,8 +21,10 @@ inline constexpr std::size_t kMaxDxfLine = 1000;
 
 struct DxfGroup {
     int code = 0;
-    std::string value;    ///< trimmed; of a line longer than `kMaxDxfLine`, the first `kMaxDxfLine` + 1 bytes
-    std::size_t line = 0; ///< the line of the code, counted from 1
+    std::string value; ///< trimmed; of a line longer than `kMaxDxfLine`, the first `kMaxDxfLine` + 1 bytes
+    /// The line of the code, counted from 1. In a binary file it is the line that the code would have in a text
+    /// file.
+    std::size_t line = 0;
 };
 
 /// Text of a file for a message: in quotes, without control characters, at most 40 bytes.
@@ -37,14 +40,24 @@ class DxfGroupReader
     /// read. It must outlive the object.
     DxfGroupReader(std::string path, const ProgressFunction& progress);
 
-    /// The next group that is not a comment. Throws FileError at the end of the file, and if a code is not
-    /// valid.
-    [[nodiscard]] DxfGroup Read();
+    /// The next group that is not a comment. Values of binary files are converted to text; data without a
+    /// meaning here become an empty text. Throws FileError if a code is not valid. At the end of the file, or if
+    /// it ends within the group, the group "EOF" is returned if `may_end` is set; otherwise FileError is thrown.
+    [[nodiscard]] DxfGroup Read(bool may_end = false);
 
   private:
     int ReadByte();
     bool ReadLine(std::string& text);
     [[nodiscard]] int ParseCode(std::string_view text) const;
+    bool ReadText(DxfGroup& group, bool may_end);
+    bool ReadBinary(DxfGroup& group);
+    void DetectBinary();
+    bool ReadBytes(std::size_t count, std::string& bytes);
+    std::optional<std::uint64_t> ReadUnsigned(std::size_t bytes);
+    bool ReadZeroEndedText(std::string& text);
+    std::optional<int> ReadBinaryCode();
+    bool ReadBinaryValue(DxfGroup& group);
+    [[nodiscard]] std::string EndPlace() const;
 
     std::string path_;
     const ProgressFunction& progress_;
@@ -55,6 +68,8 @@ class DxfGroupReader
     std::size_t block_size_ = 0;
     std::size_t block_next_ = 0;
     std::size_t line_ = 0;
+    bool is_binary_ = false;
+    std::size_t code_bytes_ = 2; ///< of a binary file: 1 in the oldest version
 };
 
 } // namespace viewer

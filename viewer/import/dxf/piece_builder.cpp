@@ -38,6 +38,12 @@ void AddCorners(const DxfFace& face, const Affine& place, Box& box)
         AddPoint(place.Apply(face.corners.at(i)), box);
 }
 
+void AddPoints(const std::vector<Point>& points, const Affine& place, Box& box)
+{
+    for (const Point& point : points)
+        AddPoint(place.Apply(point), box);
+}
+
 void AddArc(const EllipticArc& arc, Box& box)
 {
     AddPoint(arc.center, box);
@@ -66,6 +72,17 @@ Box BoxOfEntity(const PlacedEntity& placed)
     } else if (const auto* mesh = std::get_if<DxfMesh>(&shape)) {
         for (const DxfFace& mesh_face : *mesh)
             AddCorners(mesh_face, placed.place, box);
+    } else if (const auto* point = std::get_if<DxfPoint>(&shape)) {
+        AddPoint(placed.place.Apply(point->frame.origin), box);
+        AddPoint(placed.place.Apply(point->frame.origin + point->by), box);
+    } else if (const auto* infinite = std::get_if<DxfInfiniteLine>(&shape)) {
+        AddPoint(placed.place.Apply(infinite->base), box);
+    } else if (const auto* hatch = std::get_if<DxfHatch>(&shape)) {
+        AddPoints(hatch->Extremes(), placed.place * hatch->frame, box);
+    } else if (const auto* wall = std::get_if<DxfWall>(&shape)) {
+        AddPoints(wall->Extremes(), placed.place, box);
+    } else if (const auto* band = std::get_if<DxfBand>(&shape)) {
+        AddPoints(band->Extremes(), placed.place * band->frame, box);
     }
     return box;
 }
@@ -85,13 +102,14 @@ Piece& DxfPieceBuilder::NewPiece(const PlacedEntity& placed)
     piece.parents = placement_.NamesOf(placed.path);
     piece.category = static_cast<int>(placed.layer);
     piece.color = placed.color;
+    piece.alpha = placed.opacity;
     return piece;
 }
 
 Piece& DxfPieceBuilder::PieceOf(const PlacedEntity& placed)
 {
-    const auto [entry, is_new] =
-        numbers_.emplace(std::tuple(placed.path, placed.layer, placed.color), model_.pieces.size());
+    const auto [entry, is_new] = numbers_.emplace(
+        std::tuple(placed.path, placed.layer, placed.color, placed.opacity), model_.pieces.size());
     return is_new ? NewPiece(placed) : model_.pieces[entry->second];
 }
 
@@ -104,23 +122,79 @@ void DxfPieceBuilder::Add(const PlacedEntity& placed)
     } else if (const auto* face = std::get_if<DxfFace>(&placed.entity.shape)) {
         AppendDxfFace(*face, placed.place, PieceOf(placed));
     } else {
-        AddSegments(placed, PieceOf(placed));
+        Piece& piece = PieceOf(placed);
+        const std::size_t before = piece.lines.size() + piece.faces.size();
+        AddSegments(placed, piece);
+        AddFaces(placed, piece);
+        Count(piece.lines.size() + piece.faces.size() - before);
     }
+}
+
+void DxfPieceBuilder::SetExtents(const Box& box)
+{
+    // A drawing without extent is shown as if it had the length of a unit.
+    constexpr double kMargin = 0.05;
+    const double diagonal = box.IsEmpty() ? 0.0 : box.Diagonal();
+    const double margin = diagonal > 0.0 ? kMargin * diagonal : 0.5;
+    extents_ = box;
+    if (!box.IsEmpty()) {
+        extents_.Add(box.min - Point{margin, margin, margin});
+        extents_.Add(box.max + Point{margin, margin, margin});
+    }
+    constexpr double kDotShare = 0.002;
+    mark_size_ = MarkSize(drawing_.point_style, box);
+    dot_length_ = kDotShare * (diagonal > 0.0 ? diagonal : 1.0);
+}
+
+void DxfPieceBuilder::AddFaces(const PlacedEntity& placed, Piece& piece)
+{
+    if (const auto* wall = std::get_if<DxfWall>(&placed.entity.shape))
+        AppendWall(*wall, placed.place, tolerance_, piece);
+    else if (const auto* band = std::get_if<DxfBand>(&placed.entity.shape))
+        AppendBand(*band, placed.place, tolerance_, piece);
+    else if (const auto* hatch = std::get_if<DxfHatch>(&placed.entity.shape))
+        AddHatch(*hatch, placed, piece);
+}
+
+void DxfPieceBuilder::AddHatch(const DxfHatch& hatch, const PlacedEntity& placed, Piece& piece)
+{
+    switch (AppendHatch(hatch, placed.place, tolerance_, hatch_work_, piece)) {
+    case HatchResult::Drawn:
+        break;
+    case HatchResult::FilledInstead:
+        model_.LeaveOut("HATCH pattern (too dense, filled instead)");
+        break;
+    case HatchResult::TooComplex:
+        model_.LeaveOut("HATCH (boundary too complex)");
+        break;
+    case HatchResult::Empty:
+        model_.LeaveOut("HATCH without area");
+        break;
+    }
+}
+
+void DxfPieceBuilder::Count(std::size_t added)
+{
+    segments_ += added;
+    if (segments_ > max_segments_)
+        throw FileError(path_, "its lines come to more than " + std::to_string(max_segments_) +
+                                   " segments; a larger deflection makes fewer");
 }
 
 void DxfPieceBuilder::AddSegments(const PlacedEntity& placed, Piece& piece)
 {
-    const std::size_t before = piece.lines.size();
     if (const auto* line = std::get_if<Segment>(&placed.entity.shape))
         AppendSegment(placed.place.Apply(line->from), placed.place.Apply(line->to), piece.lines);
     else if (const auto* arc = std::get_if<EllipticArc>(&placed.entity.shape))
         CutArc(Transformed(*arc, placed.place), tolerance_, piece.lines);
     else if (const auto* spline = std::get_if<Spline>(&placed.entity.shape))
         CutSpline(Transformed(*spline, placed.place), tolerance_, piece.lines);
-    segments_ += piece.lines.size() - before;
-    if (segments_ > max_segments_)
-        throw FileError(path_, "its lines come to more than " + std::to_string(max_segments_) +
-                                   " segments; a larger deflection makes fewer");
+    else if (const auto* point = std::get_if<DxfPoint>(&placed.entity.shape))
+        AppendPoint(*point, placed.place, drawing_.point_style.mode, mark_size_, dot_length_, tolerance_,
+                    piece.lines);
+    else if (const auto* infinite = std::get_if<DxfInfiniteLine>(&placed.entity.shape))
+        if (const auto part = ClippedTo(extents_, *infinite, placed.place))
+            AppendSegment(part->from, part->to, piece.lines);
 }
 
 Model DxfPieceBuilder::Finish()

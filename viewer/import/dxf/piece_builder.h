@@ -20,7 +20,7 @@ inline constexpr std::size_t kMaxSegments = 20'000'000;
 inline constexpr double kMaxCoordinate = 1e70;
 
 /// The smallest box around a placed entity; for a spline, around its control points. Infinite if a coordinate
-/// exceeds `kMaxCoordinate` or is not finite. Empty for an insert.
+/// exceeds `kMaxCoordinate` or is not finite. Of an infinite line, its base. Empty for an insert.
 [[nodiscard]] Box BoxOfEntity(const PlacedEntity& placed);
 
 class DxfPieceBuilder
@@ -30,6 +30,9 @@ class DxfPieceBuilder
     DxfPieceBuilder(std::string path, const DxfDrawing& drawing, const DxfPlacedEntities& placement,
                     double tolerance, std::size_t max_segments = kMaxSegments);
 
+    /// The box of the drawing, which ends infinite lines and gives the marks of points their size. Without it
+    /// they are not drawn.
+    void SetExtents(const Box& box);
     /// Throws FileError if the lines exceed `max_segments` segments.
     void Add(const PlacedEntity& placed);
     /// Returns the model: all pieces with faces or lines, their faces oriented and equal edges merged, and
@@ -40,6 +43,9 @@ class DxfPieceBuilder
     Piece& PieceOf(const PlacedEntity& placed);
     Piece& NewPiece(const PlacedEntity& placed);
     void AddSegments(const PlacedEntity& placed, Piece& piece);
+    void AddFaces(const PlacedEntity& placed, Piece& piece);
+    void AddHatch(const DxfHatch& hatch, const PlacedEntity& placed, Piece& piece);
+    void Count(std::size_t added);
 
     std::string path_;
     const DxfDrawing& drawing_;
@@ -47,8 +53,12 @@ class DxfPieceBuilder
     double tolerance_;
     std::size_t max_segments_;
     Model model_;
-    std::map<std::tuple<std::size_t, std::size_t, unsigned char>, std::size_t> numbers_;
-    std::size_t segments_ = 0;
+    std::map<std::tuple<std::size_t, std::size_t, unsigned char, float>, std::size_t> numbers_;
+    std::size_t segments_ = 0; ///< and faces
+    std::size_t hatch_work_ = kMaxHatchWork;
+    Box extents_; ///< with a margin; empty if not known
+    double mark_size_ = 0.0;
+    double dot_length_ = 0.0;
 };
 
 } // namespace viewer

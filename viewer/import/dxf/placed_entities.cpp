@@ -110,13 +110,20 @@ void DxfPlacedEntities::Place(const std::vector<DxfEntity>& entities, const Cont
             color = layer.color;
         else if (color == kColorByBlock)
             color = context.color;
+        float opacity = layer.opacity;
+        if (entity.opacity.source == DxfOpacity::Source::Own)
+            opacity = entity.opacity.value;
+        else if (entity.opacity.source == DxfOpacity::Source::Block)
+            opacity = context.opacity;
         if (layer.is_frozen)
             continue;
         if (const auto* insert = std::get_if<DxfInsert>(&entity.shape))
-            PlaceInsert(*insert, {context.place, layer_number, color, PathTo(context.path, insert->block)},
+            PlaceInsert(*insert,
+                        {context.place, layer_number, color, opacity, PathTo(context.path, insert->block)},
                         context, take);
         else if (!layer.is_off)
-            take({entity, context.place, layer_number, static_cast<unsigned char>(color), context.path});
+            take({entity, context.place, layer_number, static_cast<unsigned char>(color), opacity,
+                  context.path});
     }
 }
 

@@ -25,6 +25,7 @@ struct PlacedEntity {
     const Affine& place;
     std::size_t layer;
     unsigned char color;
+    float opacity;
     std::size_t path; ///< the number of its path of blocks, for `NamesOf`; 0 outside of blocks
 };
 
@@ -60,6 +61,7 @@ class DxfPlacedEntities
         Affine place;
         std::size_t layer = 0;
         int color = 7;
+        float opacity = 1.0F;
         std::size_t path = 0;
     };
 

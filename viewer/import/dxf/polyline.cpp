@@ -1,5 +1,6 @@
 #include "viewer/import/dxf/polyline.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
@@ -21,20 +22,51 @@ Point CornerOf(const DxfPolyline& polyline, std::size_t index)
     return corner;
 }
 
+bool HasWidth(const DxfPolyline& polyline)
+{
+    return polyline.IsFlat() &&
+           std::any_of(polyline.vertices.begin(), polyline.vertices.end(), [](const auto& vertex) {
+               return vertex.start_width != 0.0 || vertex.end_width != 0.0;
+           });
+}
+
+DxfBand BandOf(const DxfPolyline& polyline, bool is_closed)
+{
+    DxfBand band;
+    band.frame = polyline.frame;
+    band.is_closed = is_closed;
+    band.thickness = polyline.thickness;
+    for (std::size_t i = 0; i < polyline.vertices.size(); ++i) {
+        const DxfPolyline::Vertex& vertex = polyline.vertices[i];
+        band.vertices.push_back({CornerOf(polyline, i), vertex.bulge, vertex.start_width, vertex.end_width});
+    }
+    return band;
+}
+
+/// A polyline with a width keeps its center line, which stays visible where the width is below a pixel.
 std::vector<Shape> CurveShapes(const DxfPolyline& polyline)
 {
     std::vector<Shape> shapes;
     const std::size_t count = polyline.vertices.size();
+    const bool has_width = HasWidth(polyline);
+    const Point by = polyline.frame.z * (has_width ? 0.0 : polyline.thickness);
+    const auto add = [&](std::variant<Segment, EllipticArc> curve) {
+        if (by != Point{} && polyline.IsFlat())
+            shapes.emplace_back(DxfWall{curve, by});
+        std::visit([&](const auto& part) { shapes.emplace_back(part); }, curve);
+    };
     const bool is_closed = (polyline.flags & DxfPolyline::kClosed) != 0 && count > 1;
     for (std::size_t i = 0; i + (is_closed ? 0 : 1) < count; ++i) {
         const Point from = CornerOf(polyline, i);
         const Point to = CornerOf(polyline, (i + 1) % count);
         const double bulge = polyline.IsFlat() ? polyline.vertices[i].bulge : 0.0;
         if (const auto arc = ArcOfBulge(from, to, bulge))
-            shapes.emplace_back(Transformed(*arc, polyline.frame));
+            add(Transformed(*arc, polyline.frame));
         else
-            shapes.emplace_back(Segment{polyline.frame.Apply(from), polyline.frame.Apply(to)});
+            add(Segment{polyline.frame.Apply(from), polyline.frame.Apply(to)});
     }
+    if (has_width)
+        shapes.emplace_back(BandOf(polyline, is_closed));
     return shapes;
 }
 

@@ -26,6 +26,8 @@ struct DxfPolyline {
     struct Vertex {
         Point point;
         double bulge = 0.0;
+        double start_width = 0.0; ///< of the part that begins here
+        double end_width = 0.0;
     };
     /// Numbers of vertices, counted from 1; 0 for none, negative if the edge that begins there is hidden.
     using FaceRecord = std::array<int, 4>;
@@ -35,6 +37,7 @@ struct DxfPolyline {
     int columns = 0; ///< of a polygon mesh
     Affine frame;    ///< of a flat polyline: the frame of its vertices
     double elevation = 0.0;
+    double thickness = 0.0; ///< of a flat polyline, along z of its frame
     std::vector<Vertex> vertices;
     std::vector<FaceRecord> face_records;
 
