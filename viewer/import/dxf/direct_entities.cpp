@@ -25,15 +25,15 @@ DirectShapes PointShapes(const DxfEntityNumbers& numbers, const Affine& frame)
     point.frame = frame * RotationAboutZ(-numbers.FirstOr(50, 0.0));
     point.frame.origin = numbers.PointOf(10);
     point.by = frame.z * numbers.FirstOr(39, 0.0);
-    return {{point}, {}};
+    return {{point}, {}, {}};
 }
 
 DirectShapes InfiniteShapes(const DxfEntityNumbers& numbers, bool is_ray)
 {
     const DxfInfiniteLine line{numbers.PointOf(10), numbers.PointOf(11), is_ray};
     if (line.direction == Point{})
-        return {{}, std::string(is_ray ? "RAY" : "XLINE") + " without direction"};
-    return {{line}, {}};
+        return {{}, {}, std::string(is_ray ? "RAY" : "XLINE") + " without direction"};
+    return {{line}, {}, {}};
 }
 
 /// The helix around an axis whose radius changes evenly.
@@ -82,11 +82,12 @@ DirectShapes HelixShapes(const DxfEntityNumbers& numbers)
     spline.weights = curve.AllOf(41);
     if (spline.weights.size() != spline.points.size())
         spline.weights.clear();
+    CompleteKnots(spline, false);
     if (FaultOf(spline) == nullptr)
-        return {{std::move(spline)}, {}};
+        return {{std::move(spline)}, {}, {}};
     if (auto made = HelixOfParameters(parameters))
-        return {{std::move(*made)}, {}};
-    return {{}, "HELIX without a curve"};
+        return {{std::move(*made)}, {}, {}};
+    return {{}, {}, "HELIX without a curve"};
 }
 
 /// Two axes of the plane in which the corners lie.
@@ -149,7 +150,7 @@ class MeshReader
         };
         vertices_ = numbers_.PointsOf(10);
         if (!find(92) || !find(93))
-            return {{}, "MESH without faces"};
+            return {{}, {}, "MESH without faces"};
         std::vector<std::size_t> face;
         std::size_t left = 0;
         for (++next; next < numbers_.all.size() && numbers_.all[next].code == 90; ++next) {
@@ -161,11 +162,11 @@ class MeshReader
             }
             face.push_back(value >= 0.0 ? static_cast<std::size_t>(value) : vertices_.size());
             if (--left == 0 && !Add(face))
-                return {{}, "MESH with a face of missing vertices"};
+                return {{}, {}, "MESH with a face of missing vertices"};
         }
         if (mesh_.empty())
-            return {{}, "MESH without faces"};
-        return {{std::move(mesh_)}, {}};
+            return {{}, {}, "MESH without faces"};
+        return {{std::move(mesh_)}, {}, {}};
     }
 
   private:
@@ -197,10 +198,13 @@ DirectShapes HatchShapes(const DxfEntityNumbers& numbers, const Affine& frame)
 {
     DxfHatch hatch = HatchOf(numbers, frame);
     if (hatch.paths.empty())
-        return {{}, "HATCH without boundary"};
+        return {{}, {}, "HATCH without boundary"};
     if (!hatch.is_solid && hatch.pattern.empty())
-        return {{}, "HATCH without pattern"};
-    return {{std::move(hatch)}, {}};
+        return {{}, {}, "HATCH without pattern"};
+    // A gradient gets its first colour.
+    const bool is_gradient = numbers.IntegerOr(450, 0) != 0;
+    const int color24 = numbers.IntegerOr(421, -1);
+    return {{std::move(hatch)}, is_gradient && color24 >= 0 ? std::optional(color24) : std::nullopt, {}};
 }
 
 /// The frame of an image, by its size in pixels and the vectors of one pixel. The image itself is left out.
@@ -211,6 +215,7 @@ DirectShapes ImageShapes(const DxfEntityNumbers& numbers)
     const Point up = numbers.PointOf(12) * numbers.FirstOr(23, 0.0);
     return {{Segment{corner, corner + right}, Segment{corner + right, corner + right + up},
              Segment{corner + right + up, corner + up}, Segment{corner + up, corner}},
+            {},
             "IMAGE (only its frame is drawn)"};
 }
 

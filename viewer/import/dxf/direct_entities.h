@@ -4,6 +4,7 @@
 #include "viewer/import/dxf/drawing.h"
 #include "viewer/import/dxf/entity_numbers.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,7 +17,8 @@ namespace viewer
 
 struct DirectShapes {
     std::vector<decltype(DxfEntity::shape)> shapes;
-    std::string left_out; ///< what is not drawn of the entity, for `Model::LeaveOut`; may be empty
+    std::optional<int> color24; ///< its colour as 0xRRGGBB, if it is not that of the entity
+    std::string left_out;       ///< what is not drawn of the entity, for `Model::LeaveOut`; may be empty
 };
 
 /// The shapes of an entity of such a kind. `frame` is that of its extrusion.

@@ -13,7 +13,6 @@
 
 #include <array>
 #include <cstddef>
-#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -62,14 +61,20 @@ struct DxfInsert {
     Point row_step;
 };
 
+/// Entities of a kind that is not drawn.
+struct DxfLeftOut {
+    std::string kind;
+    std::size_t count = 1;
+};
+
 struct DxfEntity {
     std::variant<Segment, EllipticArc, Spline, DxfFace, DxfMesh, DxfInsert, DxfPoint, DxfInfiniteLine,
-                 DxfHatch, DxfWall, DxfBand>
+                 DxfHatch, DxfWall, DxfBand, DxfLeftOut>
         shape;
     std::size_t layer = 0;
     int color = kColorByLayer;
     std::size_t line = 0; ///< the line of the file where it begins
-    DxfOpacity opacity;
+    DxfOpacity opacity{};
 };
 
 struct DxfBlock {
@@ -98,7 +103,6 @@ class DxfDrawing
     std::vector<DxfBlock> blocks;
     std::vector<DxfEntity> entities; ///< those outside of blocks
     DxfPointStyle point_style;
-    std::map<std::string, std::size_t> left_out; ///< what is not drawn, by kind
 
     /// The index of the layer or block with this name. It is added if there is none.
     std::size_t LayerNumber(std::string_view name);

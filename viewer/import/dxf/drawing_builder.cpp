@@ -148,17 +148,11 @@ Affine DxfDrawingBuilder::Frame()
     return FrameOfExtrusion({direction[0], direction[1], direction[2]});
 }
 
-void DxfDrawingBuilder::Add(decltype(DxfEntity::shape) shape)
+void DxfDrawingBuilder::Add(decltype(DxfEntity::shape) shape, std::optional<int> color)
 {
     std::vector<DxfEntity>& entities = block_ ? drawing_.blocks[*block_].entities : drawing_.entities;
-    entities.push_back({std::move(shape), drawing_.LayerNumber(getAttributes().getLayer()), EntityColor(),
-                        finished_.line, EntityOpacity()});
-}
-
-void DxfDrawingBuilder::AddAll(std::vector<decltype(DxfEntity::shape)> shapes)
-{
-    for (auto& shape : shapes)
-        Add(std::move(shape));
+    entities.push_back({std::move(shape), drawing_.LayerNumber(getAttributes().getLayer()),
+                        color.value_or(EntityColor()), finished_.line, EntityOpacity()});
 }
 
 /// Adds what the thickness of a curve makes of it, if it has one.
@@ -174,8 +168,11 @@ void DxfDrawingBuilder::addPoint(const DL_PointData& /*data*/)
 {
     DirectShapes made = ShapesOfEntity(finished_.kind, finished_.numbers, Frame());
     if (!made.left_out.empty())
-        ++drawing_.left_out[made.left_out];
-    AddAll(std::move(made.shapes));
+        Add(DxfLeftOut{made.left_out});
+    const std::optional<int> color =
+        made.color24 ? std::optional(NearestIndexOf(*made.color24)) : std::nullopt;
+    for (auto& shape : made.shapes)
+        Add(std::move(shape), color);
 }
 
 void DxfDrawingBuilder::addLayer(const DL_LayerData& data)
@@ -362,9 +359,8 @@ void DxfDrawingBuilder::FinishSpline()
     if (spline.points.empty())
         spline =
             SplineThrough(std::move(open.fit_points), open.start_tangent, open.end_tangent, open.is_closed);
-    else if (spline.knots.empty() && spline.degree >= 1 && spline.degree <= kMaxSplineDegree &&
-             spline.points.size() > static_cast<std::size_t>(spline.degree))
-        spline.knots = EvenKnots(spline.degree, spline.points.size());
+    else
+        CompleteKnots(spline, open.is_closed);
     if (spline.points.empty())
         return;
     if (const char* fault = FaultOf(spline))

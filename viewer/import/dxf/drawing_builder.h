@@ -70,8 +70,8 @@ class DxfDrawingBuilder final : public DL_CreationAdapter
   private:
     [[noreturn]] void Fail(std::size_t line, const std::string& reason) const;
     void TakeFaceRecord();
-    void Add(decltype(DxfEntity::shape) shape);
-    void AddAll(std::vector<decltype(DxfEntity::shape)> shapes);
+    /// Adds a shape with the attributes of the entity, but with this colour if there is one.
+    void Add(decltype(DxfEntity::shape) shape, std::optional<int> color = {});
     void AddWall(std::variant<Segment, EllipticArc> curve);
     [[nodiscard]] DxfOpacity EntityOpacity() const;
     [[nodiscard]] DxfFace FaceOf(const DL_TraceData& data, const Affine& frame) const;

@@ -91,14 +91,21 @@ std::string ReasonForNothing(const DrawingFile& file)
 {
     constexpr std::size_t kMaxKinds = 5;
     constexpr std::size_t kMaxKindLength = 30;
-    if (!file.drawing.entities.empty())
-        return "shows nothing: its " + std::to_string(file.drawing.entities.size()) +
+    std::map<std::string, std::size_t> skipped = file.skipped;
+    std::size_t drawn = 0;
+    for (const DxfEntity& entity : file.drawing.entities)
+        if (const auto* left_out = std::get_if<DxfLeftOut>(&entity.shape))
+            skipped[left_out->kind] += left_out->count;
+        else
+            ++drawn;
+    if (drawn > 0)
+        return "shows nothing: its " + std::to_string(drawn) +
                " entities are on layers that are off or frozen, or have no extent";
-    if (file.skipped.empty())
+    if (skipped.empty())
         return "holds no entities";
     std::string kinds;
     std::size_t named = 0;
-    for (const auto& [kind, count] : file.skipped) {
+    for (const auto& [kind, count] : skipped) {
         kinds += named == 0 ? "" : ", ";
         if (++named > kMaxKinds) {
             kinds += "...";
@@ -156,8 +163,6 @@ Model Read(const std::string& path, const ImportOptions& options, const Progress
     pieces.SetExtents(box);
     placement.ForEach([&](const PlacedEntity& placed) { pieces.Add(placed); });
     Model model = pieces.Finish();
-    for (const auto& [kind, count] : file.drawing.left_out)
-        model.LeaveOut(kind, count);
     for (const auto& [kind, count] : ExternalBlocks(file.drawing))
         model.LeaveOut(kind, count);
     if (model.pieces.empty())

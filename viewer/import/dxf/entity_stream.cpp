@@ -78,7 +78,7 @@ bool IsDirectReal(int code)
 bool IsDirectInteger(int code)
 {
     return IsInteger(code) || (code >= 76 && code <= 79) || (code >= 90 && code <= 99) || code == 290 ||
-           code == 450;
+           code == 421 || code == 450;
 }
 
 /// The groups that the library reads of an entity that is read directly.

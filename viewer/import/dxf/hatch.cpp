@@ -171,6 +171,7 @@ class HatchReader
                 fit_points.push_back(At(point));
             spline = SplineThrough(std::move(fit_points), {}, {}, false);
         }
+        CompleteKnots(spline, edge_.IntegerOr(74, 0) != 0);
         if (FaultOf(spline) == nullptr)
             path_.emplace_back(std::move(spline));
     }

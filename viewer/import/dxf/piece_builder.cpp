@@ -115,7 +115,9 @@ Piece& DxfPieceBuilder::PieceOf(const PlacedEntity& placed)
 
 void DxfPieceBuilder::Add(const PlacedEntity& placed)
 {
-    if (const auto* mesh = std::get_if<DxfMesh>(&placed.entity.shape)) {
+    if (const auto* left_out = std::get_if<DxfLeftOut>(&placed.entity.shape)) {
+        model_.LeaveOut(left_out->kind, left_out->count);
+    } else if (const auto* mesh = std::get_if<DxfMesh>(&placed.entity.shape)) {
         Piece& piece = NewPiece(placed);
         for (const DxfFace& face : *mesh)
             AppendDxfFace(face, placed.place, piece);
@@ -151,7 +153,7 @@ void DxfPieceBuilder::AddFaces(const PlacedEntity& placed, Piece& piece)
     if (const auto* wall = std::get_if<DxfWall>(&placed.entity.shape))
         AppendWall(*wall, placed.place, tolerance_, piece);
     else if (const auto* band = std::get_if<DxfBand>(&placed.entity.shape))
-        AppendBand(*band, placed.place, tolerance_, piece);
+        AppendBand(*band, placed.place, tolerance_, dot_length_, piece);
     else if (const auto* hatch = std::get_if<DxfHatch>(&placed.entity.shape))
         AddHatch(*hatch, placed, piece);
 }

@@ -43,19 +43,21 @@ DxfBand BandOf(const DxfPolyline& polyline, bool is_closed)
     return band;
 }
 
-/// A polyline with a width keeps its center line, which stays visible where the width is below a pixel.
 std::vector<Shape> CurveShapes(const DxfPolyline& polyline)
 {
     std::vector<Shape> shapes;
     const std::size_t count = polyline.vertices.size();
-    const bool has_width = HasWidth(polyline);
-    const Point by = polyline.frame.z * (has_width ? 0.0 : polyline.thickness);
+    const bool is_closed = (polyline.flags & DxfPolyline::kClosed) != 0 && count > 1;
+    if (HasWidth(polyline)) {
+        shapes.emplace_back(BandOf(polyline, is_closed));
+        return shapes;
+    }
+    const Point by = polyline.frame.z * polyline.thickness;
     const auto add = [&](std::variant<Segment, EllipticArc> curve) {
         if (by != Point{} && polyline.IsFlat())
             shapes.emplace_back(DxfWall{curve, by});
         std::visit([&](const auto& part) { shapes.emplace_back(part); }, curve);
     };
-    const bool is_closed = (polyline.flags & DxfPolyline::kClosed) != 0 && count > 1;
     for (std::size_t i = 0; i + (is_closed ? 0 : 1) < count; ++i) {
         const Point from = CornerOf(polyline, i);
         const Point to = CornerOf(polyline, (i + 1) % count);
@@ -65,8 +67,6 @@ std::vector<Shape> CurveShapes(const DxfPolyline& polyline)
         else
             add(Segment{polyline.frame.Apply(from), polyline.frame.Apply(to)});
     }
-    if (has_width)
-        shapes.emplace_back(BandOf(polyline, is_closed));
     return shapes;
 }
 

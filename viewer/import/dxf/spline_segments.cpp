@@ -283,6 +283,29 @@ std::vector<double> EvenKnots(int degree, std::size_t points)
     return knots;
 }
 
+void CompleteKnots(Spline& spline, bool is_closed)
+{
+    if (spline.degree < 1 || spline.degree > kMaxSplineDegree)
+        return;
+    const auto degree = static_cast<std::size_t>(spline.degree);
+    if (spline.points.size() <= degree)
+        return;
+    if (spline.knots.size() > 1 && spline.knots.size() == spline.points.size() + degree - 1) {
+        spline.knots.insert(spline.knots.begin(), spline.knots.front());
+        spline.knots.push_back(spline.knots.back());
+    } else if (spline.knots.empty() && is_closed && spline.points.front() != spline.points.back()) {
+        for (std::size_t i = 0; i < degree; ++i) {
+            spline.points.push_back(Point(spline.points[i]));
+            if (!spline.weights.empty())
+                spline.weights.push_back(double(spline.weights[i]));
+        }
+        for (std::size_t i = 0; i < spline.points.size() + degree + 1; ++i)
+            spline.knots.push_back(static_cast<double>(i));
+    } else if (spline.knots.empty()) {
+        spline.knots = EvenKnots(spline.degree, spline.points.size());
+    }
+}
+
 Spline SplineThrough(std::vector<Point> points, const Point& start_tangent, const Point& end_tangent,
                      bool is_closed)
 {

@@ -27,6 +27,11 @@ struct Spline {
 /// Uniform knots with which a spline begins in its first point and ends in its last.
 [[nodiscard]] std::vector<double> EvenKnots(int degree, std::size_t points);
 
+/// Adds the knots that a file left out: all of them, or the first and the last, which do not change the curve.
+/// Without knots a closed spline whose last point is not its first is made periodic, by repeating its first
+/// points. A spline that remains not valid is unchanged.
+void CompleteKnots(Spline& spline, bool is_closed);
+
 /// The cubic spline that interpolates the points, with continuous curvature over chord lengths. The tangents
 /// give the directions at its start and end; at an end with a zero tangent the curvature is 0. A closed
 /// spline returns to its first point and is as smooth there as elsewhere. Repeated points are merged. For

@@ -141,6 +141,22 @@ class BandFaces
     Piece& piece_;
 };
 
+void AppendCenterLine(const Part& part, const Affine& place, double tolerance, Piece& piece)
+{
+    if (part.arc)
+        CutArc(Transformed(*part.arc, place), tolerance, piece.lines);
+    else
+        AppendSegment(place.Apply(part.from), place.Apply(part.to), piece.lines);
+}
+
+DxfWall CenterWall(const Part& part, const DxfBand& band)
+{
+    const Point by = band.frame.z * band.thickness;
+    if (part.arc)
+        return {Transformed(*part.arc, band.frame), by};
+    return {Segment{band.frame.Apply(part.from), band.frame.Apply(part.to)}, by};
+}
+
 } // namespace
 
 std::vector<Point> DxfWall::Extremes() const
@@ -192,7 +208,7 @@ void AppendWall(const DxfWall& wall, const Affine& place, double tolerance, Piec
     }
 }
 
-void AppendBand(const DxfBand& band, const Affine& place, double tolerance, Piece& piece)
+void AppendBand(const DxfBand& band, const Affine& place, double tolerance, double line_width, Piece& piece)
 {
     std::vector<Part> parts = PartsOf(band);
     for (std::size_t i = 0; i + 1 < parts.size(); ++i)
@@ -203,7 +219,12 @@ void AppendBand(const DxfBand& band, const Affine& place, double tolerance, Piec
     const double stretch = std::hypot(Length(place.x), Length(place.y), Length(place.z));
     BandFaces faces(band, place, piece);
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (parts[i].start == 0.0 && parts[i].end == 0.0)
+        const double width = 2.0 * std::max(parts[i].start, parts[i].end);
+        if (width == 0.0 || width * stretch < line_width)
+            AppendCenterLine(parts[i], place * band.frame, tolerance, piece);
+        if (width == 0.0 && band.thickness != 0.0)
+            AppendWall(CenterWall(parts[i], band), place, tolerance, piece);
+        if (width == 0.0)
             continue;
         const std::vector<Station> stations =
             StationsOf(parts[i], stretch > 0.0 ? tolerance / stretch : tolerance);

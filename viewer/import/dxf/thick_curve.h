@@ -21,7 +21,7 @@ struct DxfWall {
     [[nodiscard]] std::vector<Point> Extremes() const;
 };
 
-/// A flat polyline with widths. Its center line is an entity of its own.
+/// A flat polyline with widths.
 struct DxfBand {
     struct Vertex {
         Point point;
@@ -43,7 +43,8 @@ struct DxfBand {
 void AppendWall(const DxfWall& wall, const Affine& place, double tolerance, Piece& piece);
 
 /// Appends the faces of the parts that have a width. Straight parts of equal width meet in a miter. A band
-/// without thickness has no edges.
-void AppendBand(const DxfBand& band, const Affine& place, double tolerance, Piece& piece);
+/// without thickness has no edges. Parts narrower than `line_width` get their center line, because they can be
+/// narrower than a pixel, and parts without width are only that line.
+void AppendBand(const DxfBand& band, const Affine& place, double tolerance, double line_width, Piece& piece);
 
 } // namespace viewer
