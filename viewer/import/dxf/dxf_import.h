@@ -1,4 +1,5 @@
-// Reads DXF text files by the dxflib library: lines, curves as segments, and faces, with layers and blocks.
+// Reads DXF files, of text and binary, by the dxflib library: lines, curves as segments, faces, hatches and
+// points, with layers and blocks.
 // Coordinates stay in the drawing's unit, z is up. The model states the unit if the drawing does.
 #pragma once
 
@@ -18,12 +19,21 @@ namespace viewer
 /// of its layer; its parents are the names of the blocks. Edges are those that the file does not mark as
 /// hidden.
 ///
-/// Dropped: entities on layers that are off or frozen, invisible entities, paper space, points, texts,
-/// dimensions, hatches, and all other kinds of entities.
+/// Hatches are filled, or covered by the lines of their pattern; one with too many lines is filled. Points are
+/// drawn as the marks that the header chooses. Construction lines and rays end at the box of the drawing, with a
+/// margin. Widths and thicknesses become faces. Line types are ignored: all lines are continuous. Of a
+/// subdivision mesh the cage is drawn, of an image its frame.
+///
+/// Dropped: entities on layers that are off or frozen, invisible entities, paper space, texts, dimensions, and
+/// all other kinds of entities. A file may end without its end marker if its entities are complete.
+///
+/// Left out and counted in the model: references to other drawings ("XREF name"), images, hatches without
+/// boundary, pattern or area, or with a boundary that crosses itself too often, damaged meshes and helices, and
+/// construction lines without direction.
 ///
 /// The title is the file's name without folders.
 ///
-/// Throws FileError, with the line if known, if the file cannot be read, is binary, is no DXF file, is
+/// Throws FileError, with the line if known, if the file cannot be read, is no DXF file, is
 /// truncated or damaged, inserts a block into itself, exceeds the limits of `DxfPlacedEntities` or
 /// `DxfPieceBuilder`, or shows nothing.
 [[nodiscard]] Model ImportDxf(const std::string& path, const ImportOptions& options,
