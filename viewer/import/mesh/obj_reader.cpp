@@ -29,7 +29,7 @@ struct Corner {
     std::uint32_t texture = kNone;
 };
 
-enum class PartKind : unsigned char { kFace, kLine, kPoint };
+enum class PartKind : unsigned char { Face, Line, Point };
 
 /// A statement with corners.
 struct Part {
@@ -129,11 +129,11 @@ class ObjReader
         else if (keyword == "vt")
             ReadTexturePoint(scanner);
         else if (keyword == "f" || keyword == "fo")
-            ReadPart(scanner, PartKind::kFace);
+            ReadPart(scanner, PartKind::Face);
         else if (keyword == "l")
-            ReadPart(scanner, PartKind::kLine);
+            ReadPart(scanner, PartKind::Line);
         else if (keyword == "p")
-            ReadPart(scanner, PartKind::kPoint);
+            ReadPart(scanner, PartKind::Point);
         else
             ReadState(scanner, keyword);
     }
@@ -297,7 +297,7 @@ class ObjReader
         ObjMesh& mesh = CurrentMesh();
         for (std::size_t i = 0; i < vertices_.size(); ++i) {
             mesh.corners.push_back({static_cast<std::uint32_t>(i), kNone});
-            mesh.parts.push_back({PartKind::kPoint, 1});
+            mesh.parts.push_back({PartKind::Point, 1});
         }
     }
 
@@ -383,10 +383,10 @@ class ObjReader
     void AddPart(PartKind kind, std::span<const Corner> corners, const FileColor& color)
     {
         const auto at = [&](const Corner& corner) { return vertices_[corner.vertex]; };
-        if (kind == PartKind::kPoint || corners.size() == 1) {
+        if (kind == PartKind::Point || corners.size() == 1) {
             for (const Corner& corner : corners)
                 builder_.AddPoint(at(corner), color);
-        } else if (kind == PartKind::kLine || corners.size() == 2) {
+        } else if (kind == PartKind::Line || corners.size() == 2) {
             for (std::size_t i = 0; i + 1 < corners.size(); ++i)
                 builder_.AddLine(at(corners[i]), at(corners[i + 1]), color);
         } else {

@@ -26,27 +26,27 @@ namespace viewer
 namespace
 {
 
-enum class Scalar : unsigned char { kInt8, kUint8, kInt16, kUint16, kInt32, kUint32, kFloat, kDouble };
+enum class Scalar : unsigned char { Int8, Uint8, Int16, Uint16, Int32, Uint32, Float, Double };
 
 std::optional<Scalar> ScalarOf(std::string_view name)
 {
     constexpr std::array<std::pair<std::string_view, Scalar>, 16> kNames = {{
-        {"char", Scalar::kInt8},
-        {"int8", Scalar::kInt8},
-        {"uchar", Scalar::kUint8},
-        {"uint8", Scalar::kUint8},
-        {"short", Scalar::kInt16},
-        {"int16", Scalar::kInt16},
-        {"ushort", Scalar::kUint16},
-        {"uint16", Scalar::kUint16},
-        {"int", Scalar::kInt32},
-        {"int32", Scalar::kInt32},
-        {"uint", Scalar::kUint32},
-        {"uint32", Scalar::kUint32},
-        {"float", Scalar::kFloat},
-        {"float32", Scalar::kFloat},
-        {"double", Scalar::kDouble},
-        {"float64", Scalar::kDouble},
+        {"char", Scalar::Int8},
+        {"int8", Scalar::Int8},
+        {"uchar", Scalar::Uint8},
+        {"uint8", Scalar::Uint8},
+        {"short", Scalar::Int16},
+        {"int16", Scalar::Int16},
+        {"ushort", Scalar::Uint16},
+        {"uint16", Scalar::Uint16},
+        {"int", Scalar::Int32},
+        {"int32", Scalar::Int32},
+        {"uint", Scalar::Uint32},
+        {"uint32", Scalar::Uint32},
+        {"float", Scalar::Float},
+        {"float32", Scalar::Float},
+        {"double", Scalar::Double},
+        {"float64", Scalar::Double},
     }};
     const auto* const found = std::ranges::find(kNames, name, &std::pair<std::string_view, Scalar>::first);
     return found == kNames.end() ? std::nullopt : std::optional(found->second);
@@ -54,87 +54,87 @@ std::optional<Scalar> ScalarOf(std::string_view name)
 
 /// What a property of an element is used for.
 enum class Use : unsigned char {
-    kNone,
-    kX,
-    kY,
-    kZ,
-    kRed,
-    kGreen,
-    kBlue,
-    kAlpha,
-    kU,
-    kV,
-    kVertex1,
-    kVertex2,
-    kCount, ///< of the above
-    kIndices,
-    kTexturePoints
+    None,
+    X,
+    Y,
+    Z,
+    Red,
+    Green,
+    Blue,
+    Alpha,
+    U,
+    V,
+    Vertex1,
+    Vertex2,
+    Count, ///< of the above
+    Indices,
+    TexturePoints
 };
 
-constexpr auto kUseCount = static_cast<std::size_t>(Use::kCount);
+constexpr auto kUseCount = static_cast<std::size_t>(Use::Count);
 
 Use UseOf(std::string_view name, bool is_list)
 {
     constexpr std::array<std::pair<std::string_view, Use>, 24> kScalars = {{
-        {"x", Use::kX},
-        {"y", Use::kY},
-        {"z", Use::kZ},
-        {"red", Use::kRed},
-        {"green", Use::kGreen},
-        {"blue", Use::kBlue},
-        {"alpha", Use::kAlpha},
-        {"r", Use::kRed},
-        {"g", Use::kGreen},
-        {"b", Use::kBlue},
-        {"a", Use::kAlpha},
-        {"diffuse_red", Use::kRed},
-        {"diffuse_green", Use::kGreen},
-        {"diffuse_blue", Use::kBlue},
-        {"u", Use::kU},
-        {"v", Use::kV},
-        {"s", Use::kU},
-        {"t", Use::kV},
-        {"texture_u", Use::kU},
-        {"texture_v", Use::kV},
-        {"texture_s", Use::kU},
-        {"texture_t", Use::kV},
-        {"vertex1", Use::kVertex1},
-        {"vertex2", Use::kVertex2},
+        {"x", Use::X},
+        {"y", Use::Y},
+        {"z", Use::Z},
+        {"red", Use::Red},
+        {"green", Use::Green},
+        {"blue", Use::Blue},
+        {"alpha", Use::Alpha},
+        {"r", Use::Red},
+        {"g", Use::Green},
+        {"b", Use::Blue},
+        {"a", Use::Alpha},
+        {"diffuse_red", Use::Red},
+        {"diffuse_green", Use::Green},
+        {"diffuse_blue", Use::Blue},
+        {"u", Use::U},
+        {"v", Use::V},
+        {"s", Use::U},
+        {"t", Use::V},
+        {"texture_u", Use::U},
+        {"texture_v", Use::V},
+        {"texture_s", Use::U},
+        {"texture_t", Use::V},
+        {"vertex1", Use::Vertex1},
+        {"vertex2", Use::Vertex2},
     }};
     if (is_list) {
         const bool has_indices = name == "vertex_indices" || name == "vertex_index";
-        return has_indices ? Use::kIndices : name == "texcoord" ? Use::kTexturePoints : Use::kNone;
+        return has_indices ? Use::Indices : name == "texcoord" ? Use::TexturePoints : Use::None;
     }
     const auto* const found = std::ranges::find(kScalars, name, &std::pair<std::string_view, Use>::first);
-    return found == kScalars.end() ? Use::kNone : found->second;
+    return found == kScalars.end() ? Use::None : found->second;
 }
 
 struct Property {
-    Use use = Use::kNone;
-    Scalar type = Scalar::kFloat;
+    Use use = Use::None;
+    Scalar type = Scalar::Float;
     std::optional<Scalar> count_type; ///< of a list
 };
 
-enum class ElementKind : unsigned char { kOther, kVertex, kFace, kStrip, kEdge };
+enum class ElementKind : unsigned char { Other, Vertex, Face, Strip, Edge };
 
 ElementKind ElementKindOf(std::string_view name)
 {
     if (name == "vertex")
-        return ElementKind::kVertex;
+        return ElementKind::Vertex;
     if (name == "face")
-        return ElementKind::kFace;
+        return ElementKind::Face;
     if (name == "tristrips")
-        return ElementKind::kStrip;
-    return name == "edge" ? ElementKind::kEdge : ElementKind::kOther;
+        return ElementKind::Strip;
+    return name == "edge" ? ElementKind::Edge : ElementKind::Other;
 }
 
 struct Element {
-    ElementKind kind = ElementKind::kOther;
+    ElementKind kind = ElementKind::Other;
     std::size_t count = 0;
     std::vector<Property> properties;
 };
 
-enum class Format : unsigned char { kAscii, kLittleEndian, kBigEndian };
+enum class Format : unsigned char { Ascii, LittleEndian, BigEndian };
 
 /// The values of one element; those that it does not have are not numbers.
 struct Values {
@@ -224,7 +224,7 @@ class PlyReader
         }
         if (!has_format)
             ThrowDamaged("no format");
-        if (format_ == Format::kAscii)
+        if (format_ == Format::Ascii)
             scanner_ = TextScanner(std::string_view(text_).substr(position_));
     }
 
@@ -242,11 +242,11 @@ class PlyReader
     void ReadFormat(std::string_view name)
     {
         if (name == "ascii")
-            format_ = Format::kAscii;
+            format_ = Format::Ascii;
         else if (name == "binary_little_endian")
-            format_ = Format::kLittleEndian;
+            format_ = Format::LittleEndian;
         else if (name == "binary_big_endian")
-            format_ = Format::kBigEndian;
+            format_ = Format::BigEndian;
         else
             ThrowDamaged("unknown format");
     }
@@ -282,24 +282,24 @@ class PlyReader
     double ReadNumber(Scalar type)
     {
         // A line of text that is too short lacks its last values.
-        if (format_ == Format::kAscii)
+        if (format_ == Format::Ascii)
             return ToNumber(scanner_.Word()).value_or(std::numeric_limits<double>::quiet_NaN());
         switch (type) {
-        case Scalar::kInt8:
+        case Scalar::Int8:
             return static_cast<double>(ReadBinary<std::int8_t, std::uint8_t>());
-        case Scalar::kUint8:
+        case Scalar::Uint8:
             return static_cast<double>(ReadBinary<std::uint8_t, std::uint8_t>());
-        case Scalar::kInt16:
+        case Scalar::Int16:
             return static_cast<double>(ReadBinary<std::int16_t, std::uint16_t>());
-        case Scalar::kUint16:
+        case Scalar::Uint16:
             return static_cast<double>(ReadBinary<std::uint16_t, std::uint16_t>());
-        case Scalar::kInt32:
+        case Scalar::Int32:
             return static_cast<double>(ReadBinary<std::int32_t, std::uint32_t>());
-        case Scalar::kUint32:
+        case Scalar::Uint32:
             return static_cast<double>(ReadBinary<std::uint32_t, std::uint32_t>());
-        case Scalar::kFloat:
+        case Scalar::Float:
             return static_cast<double>(ReadBinary<float, std::uint32_t>());
-        case Scalar::kDouble:
+        case Scalar::Double:
             return ReadBinary<double, std::uint64_t>();
         }
         return 0.0;
@@ -312,7 +312,7 @@ class PlyReader
             ThrowTruncated();
         Bits bits = 0;
         for (std::size_t i = 0; i < sizeof(Bits); ++i) {
-            const std::size_t shift = format_ == Format::kLittleEndian ? i : sizeof(Bits) - 1 - i;
+            const std::size_t shift = format_ == Format::LittleEndian ? i : sizeof(Bits) - 1 - i;
             const auto byte = static_cast<Bits>(static_cast<unsigned char>(text_[position_ + i]));
             bits = static_cast<Bits>(bits | static_cast<Bits>(byte << (8 * shift)));
         }
@@ -325,39 +325,39 @@ class PlyReader
         values_.scalars.fill(std::numeric_limits<double>::quiet_NaN());
         values_.indices.clear();
         values_.texture_points.clear();
-        if (format_ == Format::kAscii && !scanner_.NextLine())
+        if (format_ == Format::Ascii && !scanner_.NextLine())
             ThrowTruncated();
         for (const Property& property : element.properties) {
             if (property.count_type) {
-                ReadList(property);
+                ReadList(property, *property.count_type);
                 continue;
             }
             double value = ReadNumber(property.type);
-            if (property.use == Use::kNone)
+            if (property.use == Use::None)
                 continue;
-            const bool is_color = property.use >= Use::kRed && property.use <= Use::kAlpha;
-            if (is_color && property.type != Scalar::kFloat && property.type != Scalar::kDouble)
-                value /= property.type == Scalar::kUint16 ? 65535.0 : 255.0;
+            const bool is_color = property.use >= Use::Red && property.use <= Use::Alpha;
+            if (is_color && property.type != Scalar::Float && property.type != Scalar::Double)
+                value /= property.type == Scalar::Uint16 ? 65535.0 : 255.0;
             values_.scalars.at(static_cast<std::size_t>(property.use)) = value;
         }
     }
 
-    void ReadList(const Property& property)
+    void ReadList(const Property& property, Scalar count_type)
     {
-        const double count = ReadNumber(*property.count_type);
-        if (format_ == Format::kAscii && std::isnan(count))
+        const double count = ReadNumber(count_type);
+        if (format_ == Format::Ascii && std::isnan(count))
             return;
         if (!(count >= 0.0) || count > static_cast<double>(text_.size()))
             ThrowDamaged("a list without a valid length");
         for (auto i = static_cast<std::size_t>(count); i > 0; --i) {
-            if (format_ == Format::kAscii && !scanner_.HasWord())
+            if (format_ == Format::Ascii && !scanner_.HasWord())
                 ThrowTruncated();
             const double value = ReadNumber(property.type);
             constexpr double kMaxIndex = 4294967295.0;
-            if (property.use == Use::kIndices)
+            if (property.use == Use::Indices)
                 values_.indices.push_back(value >= -1.0 && value <= kMaxIndex ? static_cast<long long>(value)
                                                                               : kNoVertex);
-            else if (property.use == Use::kTexturePoints)
+            else if (property.use == Use::TexturePoints)
                 values_.texture_points.push_back(value);
         }
     }
@@ -365,7 +365,7 @@ class PlyReader
     std::optional<FileColor> ColorOfValues() const
     {
         const auto channel = [&](Use use) { return static_cast<float>(values_.At(use)); };
-        FileColor color{channel(Use::kRed), channel(Use::kGreen), channel(Use::kBlue), channel(Use::kAlpha)};
+        FileColor color{channel(Use::Red), channel(Use::Green), channel(Use::Blue), channel(Use::Alpha)};
         if (std::isnan(color.alpha))
             color.alpha = 1.0F;
         return color.IsFinite() ? std::optional(color) : std::nullopt;
@@ -373,13 +373,13 @@ class PlyReader
 
     void Take(ElementKind kind)
     {
-        if (kind == ElementKind::kVertex)
+        if (kind == ElementKind::Vertex)
             TakeVertex();
-        if (kind == ElementKind::kFace)
+        if (kind == ElementKind::Face)
             AddPart(values_.indices);
-        if (kind == ElementKind::kEdge)
-            AddPart(std::array{ToIndex(values_.At(Use::kVertex1)), ToIndex(values_.At(Use::kVertex2))});
-        if (kind == ElementKind::kStrip)
+        if (kind == ElementKind::Edge)
+            AddPart(std::array{ToIndex(values_.At(Use::Vertex1)), ToIndex(values_.At(Use::Vertex2))});
+        if (kind == ElementKind::Strip)
             TakeStrips();
     }
 
@@ -393,9 +393,9 @@ class PlyReader
     {
         const auto color = ColorOfValues();
         has_vertex_colors_ = has_vertex_colors_ || color;
-        vertices_.push_back({{values_.At(Use::kX), values_.At(Use::kY), values_.At(Use::kZ)},
+        vertices_.push_back({{values_.At(Use::X), values_.At(Use::Y), values_.At(Use::Z)},
                              color.value_or(FileColor{}),
-                             {values_.At(Use::kU), values_.At(Use::kV)}});
+                             {values_.At(Use::U), values_.At(Use::V)}});
     }
 
     void AddPart(std::span<const long long> indices)
@@ -434,7 +434,7 @@ class PlyReader
         constexpr std::size_t kElementsPerReport = 4096;
         if (!progress_ || ++elements_read_ % kElementsPerReport != 0)
             return;
-        progress_(kParsing * (format_ == Format::kAscii
+        progress_(kParsing * (format_ == Format::Ascii
                                   ? scanner_.Fraction()
                                   : static_cast<double>(position_) / static_cast<double>(text_.size())));
     }
@@ -518,7 +518,7 @@ class PlyReader
     std::string text_;
     std::size_t position_ = 0; ///< in a binary file, and of the end of the header
     TextScanner scanner_;      ///< of the body of a file of text
-    Format format_ = Format::kAscii;
+    Format format_ = Format::Ascii;
     std::vector<Element> elements_;
     std::string texture_name_;
     Values values_; ///< of the current element

@@ -15,16 +15,16 @@ namespace viewer
 namespace
 {
 
-enum class Kind : unsigned char { kWord, kBlank, kLineEnd, kBackslash };
+enum class Kind : unsigned char { Word, Blank, LineEnd, Backslash };
 
 constexpr std::array<Kind, 256> MakeKinds()
 {
     std::array<Kind, 256> kinds{};
     for (const char c : {' ', '\t', '\v', '\f', '\0'})
-        kinds.at(static_cast<unsigned char>(c)) = Kind::kBlank;
-    kinds.at(static_cast<unsigned char>('\n')) = Kind::kLineEnd;
-    kinds.at(static_cast<unsigned char>('\r')) = Kind::kLineEnd;
-    kinds.at(static_cast<unsigned char>('\\')) = Kind::kBackslash;
+        kinds.at(static_cast<unsigned char>(c)) = Kind::Blank;
+    kinds.at(static_cast<unsigned char>('\n')) = Kind::LineEnd;
+    kinds.at(static_cast<unsigned char>('\r')) = Kind::LineEnd;
+    kinds.at(static_cast<unsigned char>('\\')) = Kind::Backslash;
     return kinds;
 }
 
@@ -36,7 +36,7 @@ Kind KindOf(char c)
 
 bool IsLineEnd(char c)
 {
-    return KindOf(c) == Kind::kLineEnd;
+    return KindOf(c) == Kind::LineEnd;
 }
 
 std::string_view WithoutPlus(std::string_view word)
@@ -146,8 +146,8 @@ void TextScanner::SkipBlanks()
 {
     while (position_ < text_.size()) {
         const Kind kind = KindOf(text_[position_]);
-        const std::size_t blanks = kind == Kind::kBackslash ? ContinuationLength() : 1;
-        if (kind == Kind::kWord || kind == Kind::kLineEnd || blanks == 0)
+        const std::size_t blanks = kind == Kind::Backslash ? ContinuationLength() : 1;
+        if (kind == Kind::Word || kind == Kind::LineEnd || blanks == 0)
             return;
         position_ += blanks;
     }
@@ -178,9 +178,9 @@ std::string_view TextScanner::Word()
     const std::size_t begin = position_;
     for (; position_ < text_.size(); ++position_) {
         const Kind kind = KindOf(text_[position_]);
-        if (kind == Kind::kBlank || kind == Kind::kLineEnd || IsAtComment())
+        if (kind == Kind::Blank || kind == Kind::LineEnd || IsAtComment())
             break;
-        if (kind == Kind::kBackslash && ContinuationLength() != 0)
+        if (kind == Kind::Backslash && ContinuationLength() != 0)
             break;
     }
     return text_.substr(begin, position_ - begin);
