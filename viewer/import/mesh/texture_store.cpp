@@ -56,11 +56,12 @@ std::optional<std::string> FindBeside(const std::string& model, std::string name
 const TextureImage* TextureStore::At(const std::string& name, const Loader& load)
 {
     const auto [found, is_new] = textures_.try_emplace(name);
+    std::optional<TextureImage>& texture = found->second;
     if (is_new && textures_.size() <= kMaxTextures)
-        found->second = load();
-    if (is_new && !found->second)
+        texture = load();
+    if (is_new && !texture)
         ++missing_;
-    return found->second ? &*found->second : nullptr;
+    return texture ? &*texture : nullptr;
 }
 
 std::optional<TextureImage> TextureStore::LoadFile(const std::string& model, const std::string& name)
