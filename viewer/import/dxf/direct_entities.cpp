@@ -106,11 +106,15 @@ void AppendPolygon(const std::vector<Point>& corners, std::size_t& work, DxfMesh
     const auto [x, y] = PlaneOf(corners);
     std::map<FlatPoint, std::size_t> numbers;
     FlatLoop loop;
-    for (std::size_t i = 0; i < corners.size(); ++i) {
+    for (std::size_t i = 0; i < corners.size(); ++i)
         loop.push_back({Dot(corners[i] - corners[0], x), Dot(corners[i] - corners[0], y)});
-        numbers.emplace(loop.back(), i);
-    }
-    const auto triangles = FillLoops({loop}, work);
+    // Coordinates near the largest double overflow here; they are refused later.
+    const bool is_finite = std::all_of(loop.begin(), loop.end(), [](const FlatPoint& point) {
+        return std::isfinite(point.x) && std::isfinite(point.y);
+    });
+    for (std::size_t i = 0; is_finite && i < loop.size(); ++i)
+        numbers.emplace(loop[i], i);
+    const auto triangles = is_finite ? FillLoops({loop}, work) : std::optional<std::vector<FlatTriangle>>();
     const bool is_known =
         triangles && std::all_of(triangles->begin(), triangles->end(), [&](const auto& triangle) {
             return std::all_of(triangle.begin(), triangle.end(),

@@ -1,5 +1,6 @@
 #include "viewer/import/dxf/point_mark.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -8,8 +9,9 @@ namespace viewer
 
 double MarkSize(const DxfPointStyle& style, const Box& box)
 {
+    constexpr double kMaxSize = 1e70; // its fourth power is finite
     if (style.size > 0.0)
-        return style.size;
+        return std::min(style.size, kMaxSize);
     constexpr double kDefaultPercent = 5.0;
     const double percent = style.size < 0.0 ? -style.size : kDefaultPercent;
     double height = box.IsEmpty() ? 0.0 : box.max.y - box.min.y;

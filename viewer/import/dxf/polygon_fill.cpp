@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -146,8 +147,9 @@ void Tessellate(const std::vector<FlatLoop>& loops, Filling& filling)
 std::optional<std::vector<FlatTriangle>> FillLoops(const std::vector<FlatLoop>& loops, std::size_t& work)
 {
     std::vector<Edge> edges;
-    FlatPoint low{INFINITY, INFINITY};
-    FlatPoint high{-INFINITY, -INFINITY};
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    FlatPoint low{kInfinity, kInfinity};
+    FlatPoint high{-kInfinity, -kInfinity};
     for (const FlatLoop& loop : loops)
         for (std::size_t i = 0; i < loop.size(); ++i) {
             edges.push_back({loop[i], loop[(i + 1) % loop.size()]});
@@ -157,6 +159,8 @@ std::optional<std::vector<FlatTriangle>> FillLoops(const std::vector<FlatLoop>& 
     std::erase_if(edges, [](const Edge& edge) { return edge.from == edge.to; });
     if (edges.empty())
         return std::vector<FlatTriangle>();
+    if (!std::isfinite(high.x - low.x) || !std::isfinite(high.y - low.y))
+        return std::nullopt;
     if (!AreSimpleEnough(std::move(edges), work))
         return std::nullopt;
     Filling filling;

@@ -23,7 +23,7 @@ using FlatTriangle = std::array<FlatPoint, 3>;
 /// Triangles of all points that lie inside an odd number of loops, counter-clockwise. Corners are points of the
 /// loops, except where edges of loops intersect. Coordinates must be finite.
 ///
-/// No value if the loops intersect so often, or are so many, that filling would take more than `work` steps;
+/// No value if the box of the loops is too large for a double, or if the loops intersect so often, or are so many, that filling would take more than `work` steps;
 /// the steps that were taken are subtracted from it.
 [[nodiscard]] std::optional<std::vector<FlatTriangle>> FillLoops(const std::vector<FlatLoop>& loops,
                                                                  std::size_t& work);

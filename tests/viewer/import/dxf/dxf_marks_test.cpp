@@ -172,6 +172,14 @@ TEST_F(DxfMarks, MeshWithoutItsVerticesIsCounted)
                 ElementsAre(Field(&LeftOut::kind, "MESH without faces")));
 }
 
+TEST_F(DxfMarks, PolygonsBeyondTheLimitOfCoordinatesAreRefused)
+{
+    EXPECT_THAT(
+        ErrorOf(Drawing("0 MESH 92 5 10 1e308 20 0 30 0 10 0 20 1e308 30 0 10 -1e308 20 0 30 0 10 0 20 "
+                        "-1e308 30 0 10 0 20 0 30 1e308 93 6 90 5 90 0 90 1 90 2 90 3 90 4")),
+        testing::HasSubstr("beyond 1e70"));
+}
+
 TEST_F(DxfMarks, ImageIsItsFrameAndCounted)
 {
     const Model model = Import("0 IMAGE 10 1 20 2 30 0 11 0.5 21 0 31 0 12 0 22 0.25 32 0 13 8 23 4");
