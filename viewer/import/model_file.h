@@ -11,7 +11,7 @@ namespace viewer
 {
 
 /// Reads a file. Its extension, in either case, selects the importer: STEP (.step .stp), IGES (.iges .igs)
-/// and BREP (.brep .brp) are read by `ImportBrep`, DXF (.dxf) by `ImportDxf`, all others by `ImportMesh`.
+/// and BREP (.brep .brp .bbrep) are read by `ImportBrep`, DXF (.dxf) by `ImportDxf`, all others by `ImportMesh`.
 ///
 /// Faces are convex and of at most `kMaxPartCorners` corners (`FillFaces`), and it is known from which sides
 /// they are visible (`SettleSides`).

@@ -1,36 +1,33 @@
 #include "viewer/import/brep/bodies.h"
 
 #include "platform/host/cm/color.h"
-#include "viewer/text/file_error.h"
+#include "viewer/import/brep/brep_document.h"
+#include "viewer/import/brep/sewing.h"
 #include "viewer/text/text.h"
 
 #include <BRepBndLib.hxx>
-#include <BRepTools.hxx>
 #include <BRep_Builder.hxx>
 #include <Bnd_Box.hxx>
-#include <IGESCAFControl_Reader.hxx>
-#include <IGESControl_Controller.hxx>
-#include <Interface_Static.hxx>
-#include <Message_ProgressScope.hxx>
 #include <Quantity_ColorRGBA.hxx>
-#include <STEPCAFControl_Controller.hxx>
-#include <STEPCAFControl_Reader.hxx>
 #include <TDF_LabelSequence.hxx>
 #include <TDF_Tool.hxx>
 #include <TDataStd_Name.hxx>
 #include <TDocStd_Document.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopoDS_Compound.hxx>
-#include <XCAFApp_Application.hxx>
+#include <TopoDS_Iterator.hxx>
 #include <XCAFDoc_ColorTool.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 #include <XCAFDoc_GraphNode.hxx>
+#include <XCAFDoc_LayerTool.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace viewer
@@ -38,72 +35,6 @@ namespace viewer
 
 namespace
 {
-
-/// A document of the library. The library's application holds it until it is closed.
-class Document
-{
-  public:
-    Document() : application_(XCAFApp_Application::GetApplication())
-    {
-        application_->NewDocument("BinXCAF", document_);
-    }
-    Document(const Document&) = delete;
-    Document& operator=(const Document&) = delete;
-    ~Document() { application_->Close(document_); }
-
-    Handle(TDocStd_Document) & Get() { return document_; }
-
-  private:
-    Handle(XCAFApp_Application) application_;
-    Handle(TDocStd_Document) document_;
-};
-
-void ReadStep(const std::string& path, Handle(TDocStd_Document) & document,
-              const Message_ProgressRange& progress)
-{
-    STEPCAFControl_Controller::Init();
-    Interface_Static::SetCVal("xstep.cascade.unit", "MM");
-    Interface_Static::SetIVal("read.stepcaf.subshapes.name", 1);
-    STEPCAFControl_Reader reader;
-    reader.SetColorMode(Standard_True);
-    reader.SetNameMode(Standard_True);
-    reader.SetSHUOMode(Standard_True);
-    reader.SetLayerMode(Standard_False);
-    reader.SetPropsMode(Standard_False);
-    reader.SetGDTMode(Standard_False);
-    reader.SetMatMode(Standard_False);
-    reader.SetViewMode(Standard_False);
-    if (reader.ReadFile(path.c_str()) != IFSelect_RetDone)
-        throw FileError(path, "damaged: is not a STEP file that can be parsed");
-    if (!reader.Transfer(document, progress))
-        throw FileError(path, "holds no geometry");
-}
-
-void ReadIges(const std::string& path, Handle(TDocStd_Document) & document,
-              const Message_ProgressRange& progress)
-{
-    IGESControl_Controller::Init();
-    Interface_Static::SetCVal("xstep.cascade.unit", "MM");
-    IGESCAFControl_Reader reader;
-    reader.SetColorMode(Standard_True);
-    reader.SetNameMode(Standard_True);
-    reader.SetLayerMode(Standard_False);
-    if (reader.ReadFile(path.c_str()) != IFSelect_RetDone)
-        throw FileError(path, "damaged: is not an IGES file that can be parsed");
-    if (!reader.Transfer(document, progress))
-        throw FileError(path, "holds no geometry");
-}
-
-void ReadShape(const std::string& path, const Handle(TDocStd_Document) & document,
-               const Message_ProgressRange& progress)
-{
-    TopoDS_Shape shape;
-    if (!BRepTools::Read(shape, path.c_str(), BRep_Builder(), progress))
-        throw FileError(path, "damaged: is not a BREP file that can be parsed");
-    if (shape.IsNull())
-        throw FileError(path, "holds no geometry");
-    XCAFDoc_DocumentTool::ShapeTool(document->Main())->AddShape(shape, Standard_False);
-}
 
 /// The label's name in UTF-8, in one line.
 std::string NameOf(const TDF_Label& label)
@@ -142,13 +73,182 @@ struct Inherited {
     std::string name;       ///< of the instance; empty if it has none
 };
 
+/// Finds the bodies of one part.
+class PartBodies
+{
+  public:
+    struct Style {
+        std::optional<BrepColor> color; ///< of faces
+        std::optional<BrepColor> curve_color;
+        bool is_hidden = false;
+    };
+
+    struct Found {
+        TopoDS_Shape shape;
+        std::string name; ///< its own, or that of a shape in the part that holds it
+        std::optional<BrepColor> color;
+    };
+
+    /// If `ignores_colors`, the colours of shapes in the part are not used.
+    PartBodies(bool ignores_colors, const ShapeNames& names, LeftOutCounts& left_out)
+        : ignores_colors_(ignores_colors), names_(names), left_out_(left_out)
+    {
+    }
+
+    void SetStyle(const TopoDS_Shape& shape, const Style& style) { styles_.Bind(shape, style); }
+
+    /// The solids first, then the shells, the loose faces, edges and points. Loose shapes of one colour and name
+    /// are one body.
+    std::vector<Found> Find(const TopoDS_Shape& part, const std::optional<BrepColor>& color)
+    {
+        if (!part.IsNull())
+            Visit(part, {}, color, color);
+        std::vector<Found> found;
+        for (std::vector<Found>& kind : found_)
+            std::move(kind.begin(), kind.end(), std::back_inserter(found));
+        return found;
+    }
+
+    [[nodiscard]] const std::shared_ptr<BrepLabels>& Labels() const { return labels_; }
+    [[nodiscard]] bool HasLeftOut() const { return has_left_out_; }
+
+  private:
+    using OptionalColor = std::optional<BrepColor>;
+
+    void LeaveOut(const char* kind)
+    {
+        ++left_out_[kind];
+        has_left_out_ = true;
+    }
+
+    /// `color` and `curve_color` are those of the shape that holds this one.
+    void Visit(const TopoDS_Shape& shape, std::string name, OptionalColor color, OptionalColor curve_color)
+    {
+        if (const Style* style = styles_.Seek(shape)) {
+            if (style->is_hidden)
+                return LeaveOut(HiddenKindOf(shape));
+            if (style->color && !ignores_colors_)
+                color = style->color;
+            if (style->curve_color && !ignores_colors_)
+                curve_color = style->curve_color;
+        }
+        if (const std::string* own = names_.Seek(shape.Located(TopLoc_Location())))
+            name = *own;
+        switch (shape.ShapeType()) {
+        case TopAbs_SOLID:
+        case TopAbs_SHELL:
+            return AddBody(shape, name, color);
+        case TopAbs_FACE:
+            return AddFace(shape, name, color);
+        case TopAbs_EDGE:
+            return AddLoose(kEdges, shape, "unbounded curve", name, curve_color);
+        case TopAbs_VERTEX:
+            return AddLoose(kPoints, shape, "unbounded point", name, curve_color);
+        default:
+            for (TopoDS_Iterator it(shape); it.More(); it.Next())
+                Visit(it.Value(), name, color, curve_color);
+        }
+    }
+
+    static const char* HiddenKindOf(const TopoDS_Shape& shape)
+    {
+        switch (shape.ShapeType()) {
+        case TopAbs_FACE:
+            return "hidden face";
+        case TopAbs_WIRE:
+        case TopAbs_EDGE:
+            return "hidden curve";
+        case TopAbs_VERTEX:
+            return "hidden point";
+        default:
+            return "hidden body";
+        }
+    }
+
+    void AddBody(const TopoDS_Shape& shape, const std::string& name, const OptionalColor& color)
+    {
+        if (!TopExp_Explorer(shape, TopAbs_FACE).More())
+            return LeaveOut("empty body");
+        if (!IsBounded(shape))
+            return LeaveOut("unbounded body");
+        for (TopoDS_Iterator it(shape); it.More(); it.Next())
+            StyleFaces(it.Value(), {});
+        found_.at(shape.ShapeType() == TopAbs_SOLID ? kSolids : kShells).push_back({shape, name, color});
+    }
+
+    /// Sets the colours of the faces in a body: their own, or that of the shell.
+    void StyleFaces(const TopoDS_Shape& shape, OptionalColor color)
+    {
+        if (const Style* style = styles_.Seek(shape)) {
+            if (style->is_hidden)
+                for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next())
+                    if (labels_->hidden.Add(it.Current()))
+                        LeaveOut("hidden face");
+            if (style->color)
+                color = style->color;
+        }
+        if (shape.ShapeType() == TopAbs_SHELL)
+            for (TopoDS_Iterator it(shape); it.More(); it.Next())
+                StyleFaces(it.Value(), color);
+        else if (shape.ShapeType() == TopAbs_FACE && color)
+            labels_->colors.Bind(shape, *color);
+    }
+
+    void AddFace(const TopoDS_Shape& face, const std::string& name, const OptionalColor& color)
+    {
+        // Colours of loose faces are those of their body.
+        AddLoose(kFaces, face, "unbounded face", name, color);
+    }
+
+    void AddLoose(std::size_t kind, const TopoDS_Shape& shape, const char* unbounded, const std::string& name,
+                  const OptionalColor& color)
+    {
+        if (!IsBounded(shape))
+            return LeaveOut(unbounded);
+        std::vector<Found>& known = found_.at(kind);
+        auto same = std::find_if(known.begin(), known.end(), [&](const Found& found) {
+            return found.color == color && found.name == name;
+        });
+        if (same == known.end()) {
+            TopoDS_Compound compound;
+            BRep_Builder().MakeCompound(compound);
+            same = known.insert(known.end(), {compound, name, color});
+        }
+        BRep_Builder().Add(same->shape, shape);
+    }
+
+    static bool IsBounded(const TopoDS_Shape& shape)
+    {
+        Bnd_Box box;
+        BRepBndLib::Add(shape, box);
+        return !box.IsVoid() && !box.IsOpen();
+    }
+
+    static constexpr std::size_t kSolids = 0;
+    static constexpr std::size_t kShells = 1;
+    static constexpr std::size_t kFaces = 2;
+    static constexpr std::size_t kEdges = 3;
+    static constexpr std::size_t kPoints = 4;
+
+    bool ignores_colors_;
+    const ShapeNames& names_;
+    LeftOutCounts& left_out_;
+    bool has_left_out_ = false;
+    NCollection_DataMap<TopoDS_Shape, Style, TopTools_ShapeMapHasher> styles_;
+    std::shared_ptr<BrepLabels> labels_ = std::make_shared<BrepLabels>();
+    std::array<std::vector<Found>, 5> found_;
+};
+
 class AssemblyWalk
 {
   public:
-    explicit AssemblyWalk(const Handle(TDocStd_Document) & document)
-        : shapes_(XCAFDoc_DocumentTool::ShapeTool(document->Main())),
-          colors_(XCAFDoc_DocumentTool::ColorTool(document->Main()))
+    AssemblyWalk(const BrepDocument& document, std::vector<Tessellation> tessellations)
+        : document_(document), shapes_(XCAFDoc_DocumentTool::ShapeTool(document.Get()->Main())),
+          colors_(XCAFDoc_DocumentTool::ColorTool(document.Get()->Main())),
+          layers_(XCAFDoc_DocumentTool::LayerTool(document.Get()->Main()))
     {
+        for (Tessellation& tessellation : tessellations)
+            tessellations_.push_back(std::make_shared<const Tessellation>(std::move(tessellation)));
     }
 
     BrepContent Walk()
@@ -158,10 +258,14 @@ class AssemblyWalk
         FindGroups(roots);
         for (const TDF_Label& root : roots)
             Visit(root, {}, 0);
+        AddOtherTessellations();
+        AddAnnotations(document_.Annotations());
         return std::move(content_);
     }
 
   private:
+    static constexpr const char* kAnnotations = "annotations";
+
     /// The product of a component; a label that is not a component is returned unchanged.
     static TDF_Label ProductOf(const TDF_Label& label)
     {
@@ -194,13 +298,32 @@ class AssemblyWalk
         }
     }
 
+    /// The colour of faces. A colour of curves applies to them if there is no other one.
     std::optional<BrepColor> ColorOf(const TDF_Label& label) const
     {
+        return FirstColorOf(label, {XCAFDoc_ColorSurf, XCAFDoc_ColorGen, XCAFDoc_ColorCurv});
+    }
+
+    std::optional<BrepColor> FirstColorOf(const TDF_Label& label,
+                                          const std::array<XCAFDoc_ColorType, 3>& types) const
+    {
         Quantity_ColorRGBA color;
-        for (const XCAFDoc_ColorType type : {XCAFDoc_ColorSurf, XCAFDoc_ColorGen, XCAFDoc_ColorCurv})
+        for (const XCAFDoc_ColorType type : types)
             if (colors_->GetColor(label, type, color))
                 return ColorFrom(color);
         return std::nullopt;
+    }
+
+    /// Whether the shape is hidden itself, or all layers that it lies on are.
+    bool IsHidden(const TDF_Label& label) const
+    {
+        if (!colors_->IsVisible(label))
+            return true;
+        TDF_LabelSequence layers;
+        if (!layers_->GetLayers(label, layers) || layers.IsEmpty())
+            return false;
+        return std::none_of(layers.begin(), layers.end(),
+                            [&](const TDF_Label& layer) { return layers_->IsVisible(layer); });
     }
 
     /// The colour that an assembly assigns to an instance on any level below it.
@@ -219,8 +342,10 @@ class AssemblyWalk
 
     void Visit(const TDF_Label& label, Inherited inherited, std::size_t group)
     {
-        if (!colors_->IsVisible(label))
+        if (IsHidden(label)) {
+            ++content_.left_out["hidden part"];
             return;
+        }
         if (const auto known = groups_.find(KeyOf(ProductOf(label))); known != groups_.end() && !is_in_group_)
             return VisitGroup(label, inherited, known->second);
         if (XCAFDoc_ShapeTool::IsReference(label)) {
@@ -260,76 +385,107 @@ class AssemblyWalk
     void AddPart(const TDF_Label& label, const Inherited& inherited, std::size_t group)
     {
         const TopoDS_Shape part = XCAFDoc_ShapeTool::GetShape(label);
-        if (part.IsNull())
-            return;
-        const auto labels = std::make_shared<BrepLabels>();
-        NCollection_DataMap<TopoDS_Shape, std::string, TopTools_ShapeMapHasher> names;
+        PartBodies inside(inherited.overrides_colors, document_.Names(), content_.left_out);
         TDF_LabelSequence inner;
         XCAFDoc_ShapeTool::GetSubShapes(label, inner);
         for (const TDF_Label& sub_label : inner) {
-            const TopoDS_Shape shape = XCAFDoc_ShapeTool::GetShape(sub_label);
-            if (const auto color = ColorOf(sub_label))
-                labels->colors.Bind(shape, *color);
-            names.Bind(shape, NameOf(sub_label));
+            PartBodies::Style style;
+            style.color = ColorOf(sub_label);
+            style.curve_color =
+                FirstColorOf(sub_label, {XCAFDoc_ColorCurv, XCAFDoc_ColorGen, XCAFDoc_ColorSurf});
+            style.is_hidden = IsHidden(sub_label);
+            inside.SetStyle(XCAFDoc_ShapeTool::GetShape(sub_label), style);
         }
-        for (const TopoDS_Shape& shape : BodiesOf(part, *labels)) {
-            BrepBody body{shape,           inherited.placement,        inherited.name, inherited.parents,
-                          inherited.color, inherited.overrides_colors, labels,         group};
-            if (const std::string* name = names.Seek(shape);
-                name != nullptr && !name->empty() && !shape.IsSame(part)) {
-                body.parents.push_back(std::exchange(body.name, *name));
-            }
-            if (const BrepColor* color = labels->colors.Seek(shape);
-                color != nullptr && !body.overrides_colors)
-                body.color = *color;
+        const std::size_t before = content_.bodies.size();
+        for (const PartBodies::Found& found : inside.Find(part, inherited.color)) {
+            BrepBody body{found.shape, inherited.placement,        inherited.name,  inherited.parents,
+                          found.color, inherited.overrides_colors, inside.Labels(), group,
+                          nullptr};
+            if (!found.name.empty() && found.name != body.name && !found.shape.IsSame(part))
+                body.parents.push_back(std::exchange(body.name, found.name));
             content_.bodies.push_back(std::move(body));
         }
+        AddTessellations(NameOf(label), inherited, group);
+        if (content_.bodies.size() == before && !inside.HasLeftOut())
+            ++content_.left_out["empty part"];
     }
 
-    static std::vector<TopoDS_Shape> BodiesOf(const TopoDS_Shape& part, const BrepLabels& labels)
+    void AddTessellations(const std::string& product, const Inherited& inherited, std::size_t group)
     {
-        std::vector<TopoDS_Shape> bodies;
-        const auto add_each = [&](TopAbs_ShapeEnum kind, TopAbs_ShapeEnum outside) {
-            for (TopExp_Explorer it(part, kind, outside); it.More(); it.Next())
-                if (IsBounded(it.Current()))
-                    bodies.push_back(it.Current());
-        };
-        add_each(TopAbs_SOLID, TopAbs_SHAPE);
-        add_each(TopAbs_SHELL, TopAbs_SOLID);
-        std::vector<std::pair<std::optional<BrepColor>, TopoDS_Compound>> loose;
-        const auto add_loose = [&](const TopoDS_Shape& shape, const std::optional<BrepColor>& color) {
-            if (!IsBounded(shape))
-                return;
-            auto known = std::find_if(loose.begin(), loose.end(),
-                                      [&](const auto& entry) { return entry.first == color; });
-            if (known == loose.end()) {
-                known = loose.insert(loose.end(), {color, TopoDS_Compound()});
-                BRep_Builder().MakeCompound(known->second);
-            }
-            BRep_Builder().Add(known->second, shape);
-        };
-        for (const auto& [kind, outside] :
-             {std::pair{TopAbs_FACE, TopAbs_SHELL}, std::pair{TopAbs_EDGE, TopAbs_FACE}}) {
-            for (TopExp_Explorer it(part, kind, outside); it.More(); it.Next()) {
-                const BrepColor* color = labels.colors.Seek(it.Current());
-                add_loose(it.Current(), color != nullptr ? std::optional(*color) : std::nullopt);
-            }
-            for (const auto& [color, compound] : loose)
-                bodies.push_back(compound);
-            loose.clear();
+        for (const auto& tessellation : tessellations_) {
+            if (tessellation->is_annotation || tessellation->product.empty() ||
+                tessellation->product != product)
+                continue;
+            placed_.insert(tessellation.get());
+            AddTessellation(tessellation, inherited, group);
         }
-        return bodies;
     }
 
-    static bool IsBounded(const TopoDS_Shape& shape)
+    void AddTessellation(const std::shared_ptr<const Tessellation>& tessellation, const Inherited& inherited,
+                         std::size_t group)
     {
-        Bnd_Box box;
-        BRepBndLib::Add(shape, box);
-        return !box.IsVoid() && !box.IsOpen();
+        BrepBody body;
+        body.placement = inherited.placement;
+        body.name = inherited.name;
+        body.parents = inherited.parents;
+        body.color = inherited.color;
+        body.overrides_colors = inherited.overrides_colors;
+        if (tessellation->color && !body.overrides_colors) {
+            const auto& [red, green, blue] = *tessellation->color;
+            body.color = BrepColor{NearestColorIndex(red, green, blue), 1.0F};
+        }
+        if (!tessellation->name.empty() && tessellation->name != body.name)
+            body.parents.push_back(std::exchange(body.name, tessellation->name));
+        std::erase(body.parents, std::string());
+        body.labels = std::make_shared<BrepLabels>();
+        body.group = group;
+        body.tessellation = tessellation;
+        content_.bodies.push_back(std::move(body));
     }
 
+    /// Those of products that the library gives no part for.
+    void AddOtherTessellations()
+    {
+        for (const auto& tessellation : tessellations_) {
+            if (placed_.contains(tessellation.get()))
+                continue;
+            Inherited inherited;
+            inherited.name = tessellation->is_annotation ? kAnnotations : tessellation->product;
+            AddTessellation(tessellation, inherited, GroupOf(inherited.name));
+        }
+    }
+
+    void AddAnnotations(const TopoDS_Shape& shape)
+    {
+        if (shape.IsNull())
+            return;
+        BrepBody body;
+        body.shape = shape;
+        body.name = kAnnotations;
+        body.labels = std::make_shared<BrepLabels>();
+        body.group = GroupOf(body.name);
+        content_.bodies.push_back(std::move(body));
+    }
+
+    /// The group of a body that stands outside of the assembly; a new one if the file has groups.
+    std::size_t GroupOf(const std::string& name)
+    {
+        std::vector<std::string>& names = content_.group_names;
+        if (names.size() < 2)
+            return 0;
+        const auto known = std::find(names.begin(), names.end(), name);
+        if (known != names.end())
+            return static_cast<std::size_t>(known - names.begin());
+        names.push_back(name);
+        return names.size() - 1;
+    }
+
+    const BrepDocument& document_;
     Handle(XCAFDoc_ShapeTool) shapes_;
     Handle(XCAFDoc_ColorTool) colors_;
+    Handle(XCAFDoc_LayerTool) layers_;
+    std::vector<std::shared_ptr<const Tessellation>> tessellations_;
+    std::set<const Tessellation*> placed_;
     std::map<std::string, std::size_t> groups_;
     bool is_in_group_ = false;
     BrepContent content_;
@@ -337,21 +493,21 @@ class AssemblyWalk
 
 } // namespace
 
-BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const Message_ProgressRange& progress)
+BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const ImportOptions& options,
+                            const Message_ProgressRange& progress)
 {
-    Document document;
-    switch (kind) {
-    case BrepKind::Step:
-        ReadStep(path, document.Get(), progress);
-        break;
-    case BrepKind::Iges:
-        ReadIges(path, document.Get(), progress);
-        break;
-    case BrepKind::Brep:
-        ReadShape(path, document.Get(), progress);
-        break;
-    }
-    return AssemblyWalk(document.Get()).Walk();
+    BrepDocument document;
+    document.Read(path, kind, options, progress);
+    LeftOutCounts left_out = document.LeftOut();
+    std::vector<Tessellation> tessellations;
+    if (kind == BrepKind::Step)
+        tessellations = ReadTessellations(path, left_out);
+    BrepContent content = AssemblyWalk(document, std::move(tessellations)).Walk();
+    for (const auto& [left_out_kind, count] : left_out)
+        content.left_out[left_out_kind] += count;
+    if (const std::optional<double> tolerance = document.SewingTolerance())
+        SewLooseFaces(content.bodies, *tolerance);
+    return content;
 }
 
 } // namespace viewer

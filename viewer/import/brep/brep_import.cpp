@@ -135,8 +135,43 @@ bool HasFaces(const TopoDS_Shape& shape)
     return TopExp_Explorer(shape, TopAbs_FACE).More();
 }
 
+Point Placed(const Point& point, const gp_Trsf& placement)
+{
+    const gp_Pnt placed = gp_Pnt(point.x, point.y, point.z).Transformed(placement);
+    return {placed.X(), placed.Y(), placed.Z()};
+}
+
+/// In the coordinates of the model.
+std::vector<ModelFace> PlacedFaces(const BrepBody& body)
+{
+    std::vector<ModelFace> faces;
+    faces.reserve(body.tessellation->faces.size());
+    for (const ModelFace& face : body.tessellation->faces) {
+        std::vector<Point> corners;
+        for (const Point& corner : face.corners)
+            corners.push_back(Placed(corner, body.placement));
+        // MakeFace takes corners in the opposite order. A mirror reverses them.
+        if (!body.placement.IsNegative())
+            std::reverse(corners.begin(), corners.end());
+        if (auto placed = MakeFace(std::move(corners)))
+            faces.push_back(std::move(*placed));
+    }
+    return faces;
+}
+
 Box BoxOf(const BrepBody& body)
 {
+    if (body.tessellation) {
+        Box box;
+        for (const ModelFace& face : body.tessellation->faces)
+            for (const Point& corner : face.corners)
+                box.Add(Placed(corner, body.placement));
+        for (const Segment& line : body.tessellation->lines) {
+            box.Add(Placed(line.from, body.placement));
+            box.Add(Placed(line.to, body.placement));
+        }
+        return box;
+    }
     Bnd_Box bounds;
     BRepBndLib::Add(body.shape, bounds);
     bounds = bounds.Transformed(body.placement);
@@ -167,6 +202,8 @@ class BrepConverter
                                      static_cast<double>(content_.bodies.size()));
         for (const BrepBody& body : content_.bodies)
             AddBody(body, adding.Next());
+        for (const auto& [kind, count] : content_.left_out)
+            model_.LeaveOut(kind, count);
         if (model_.pieces.empty())
             throw FileError(path_, "holds no faces and no curves");
         NumberCategories();
@@ -194,11 +231,12 @@ class BrepConverter
         Box box;
         for (const BrepBody& body : content_.bodies)
             box.Unite(BoxOf(body));
-        const double diagonal = box.IsEmpty() ? 0.0 : box.Diagonal();
-        if (!std::isfinite(diagonal))
+        diagonal_ = box.IsEmpty() ? 0.0 : box.Diagonal();
+        if (!std::isfinite(diagonal_))
             throw FileError(path_, "holds coordinates that are not finite");
         // The library's mesher takes no deflection below the distance at which it merges points.
-        default_deflection_ = std::max(options.RelativeDeflection() * diagonal, Precision::Confusion());
+        default_deflection_ =
+            std::max(options.RelativeDeflection() * diagonal_, Precision::Confusion());
         tolerance_.deflection =
             std::max(options.deflection.value_or(default_deflection_), Precision::Confusion());
         tolerance_.angle = kFacetAngle * std::numbers::pi / 180.0;
@@ -242,69 +280,98 @@ class BrepConverter
 
     struct Faceted {
         std::unique_ptr<FacetedBody> surface;
-        /// Of the faces with a colour of their own, by colour.
-        std::vector<std::pair<BrepColor, double>> areas;
-        double plain_area = 0.0;
+        std::vector<std::optional<BrepColor>> colors; ///< of the pieces
+        std::vector<TopoDS_Face> faces;               ///< those that are not hidden
+        bool hides_faces = false;
     };
 
+    /// Collects the facets. There is a piece for each colour.
     Faceted Facet(const BrepBody& body) const
     {
         Faceted faceted;
         faceted.surface = std::make_unique<FacetedBody>(body.placement, tolerance_);
         for (TopExp_Explorer it(body.shape, TopAbs_FACE); it.More(); it.Next()) {
-            const double area = faceted.surface->AddFace(TopoDS::Face(it.Current()));
-            const BrepColor* color = body.labels->colors.Seek(it.Current());
-            if (color == nullptr) {
-                faceted.plain_area += area;
+            if (body.labels->hidden.Contains(it.Current())) {
+                faceted.hides_faces = true;
                 continue;
             }
-            const auto known = std::find_if(faceted.areas.begin(), faceted.areas.end(),
-                                            [&](const auto& entry) { return entry.first == *color; });
-            if (known == faceted.areas.end())
-                faceted.areas.emplace_back(*color, area);
-            else
-                known->second += area;
+            const BrepColor* own = body.overrides_colors ? nullptr : body.labels->colors.Seek(it.Current());
+            const std::optional<BrepColor> color = own != nullptr ? std::optional(*own) : body.color;
+            auto piece = std::find(faceted.colors.begin(), faceted.colors.end(), color);
+            if (piece == faceted.colors.end())
+                piece = faceted.colors.insert(piece, color);
+            faceted.surface->AddFace(TopoDS::Face(it.Current()),
+                                     static_cast<std::size_t>(piece - faceted.colors.begin()));
+            faceted.faces.push_back(TopoDS::Face(it.Current()));
         }
         return faceted;
     }
 
-    static std::optional<BrepColor> ColorOf(const BrepBody& body, const Faceted& faceted)
+    /// Facets have no edges of their own.
+    void AddTessellation(const BrepBody& body)
     {
-        if (body.overrides_colors)
-            return body.color;
-        std::optional<BrepColor> color = body.color;
-        double most = faceted.plain_area;
-        for (const auto& [face_color, area] : faceted.areas) {
-            const bool is_plain = body.color == face_color;
-            const double whole = is_plain ? area + faceted.plain_area : area;
-            if (whole <= most)
-                continue;
-            color = face_color;
-            most = whole;
-        }
-        return color;
+        std::vector<Piece> pieces(1);
+        pieces.front().faces = PlacedFaces(body);
+        for (const Segment& line : body.tessellation->lines)
+            pieces.front().lines.push_back(
+                {Placed(line.from, body.placement), Placed(line.to, body.placement)});
+        AddPieces(body, std::move(pieces), {body.color});
     }
 
     void AddBody(const BrepBody& body, const Message_ProgressRange& progress)
     {
-        Piece piece;
-        piece.name = body.name;
-        piece.parents = body.parents;
-        std::optional<BrepColor> color = body.color;
-        if (HasFaces(body.shape)) {
-            Faceted faceted = FacetClosed(body, progress);
-            color = ColorOf(body, faceted);
-            faceted.surface->MoveTo(piece);
+        if (body.tessellation)
+            return AddTessellation(body);
+        if (!HasFaces(body.shape)) {
+            std::vector<Piece> pieces(1);
+            AddLooseEdges(body, pieces.front());
+            AddLoosePoints(body, pieces.front());
+            return AddPieces(body, std::move(pieces), {body.color});
         }
-        AddLooseEdges(body, piece);
-        CheckCorners(piece);
-        if (piece.faces.empty() && piece.lines.empty() && (!piece.edges || piece.edges->empty()))
-            return;
-        const BrepColor shown = color.value_or(BrepColor{kUncolored, 1.0F});
-        piece.color = shown.index;
-        piece.alpha = shown.alpha;
-        groups_.push_back(body.group);
-        model_.pieces.push_back(std::move(piece));
+        const Faceted faceted = FacetClosed(body, progress);
+        model_.LeaveOut("face that could not be meshed", faceted.surface->FacesWithoutMesh());
+        std::vector<Piece> pieces(faceted.colors.size());
+        const bool closes = faceted.surface->Closes();
+        faceted.surface->MoveTo(pieces);
+        for (Piece& piece : pieces)
+            piece.closes_with_others = closes && pieces.size() > 1;
+        if (!pieces.empty())
+            AddLooseEdges(body, pieces.front());
+        AddPieces(body, std::move(pieces), faceted.colors);
+    }
+
+    void AddPieces(const BrepBody& body, std::vector<Piece> pieces,
+                   const std::vector<std::optional<BrepColor>>& colors)
+    {
+        for (std::size_t i = 0; i < pieces.size(); ++i) {
+            Piece& piece = pieces[i];
+            CheckCorners(piece);
+            if (piece.faces.empty() && piece.lines.empty() && (!piece.edges || piece.edges->empty()))
+                continue;
+            piece.name = body.name;
+            piece.parents = body.parents;
+            const BrepColor shown = colors[i].value_or(BrepColor{kUncolored, 1.0F});
+            piece.color = shown.index;
+            piece.alpha = shown.alpha;
+            groups_.push_back(body.group);
+            model_.pieces.push_back(std::move(piece));
+        }
+    }
+
+    /// Points are shown as small crosses along the axes.
+    void AddLoosePoints(const BrepBody& body, Piece& piece) const
+    {
+        constexpr double kShareOfDiagonal = 0.005;
+        const double half = diagonal_ > 0.0 ? 0.5 * kShareOfDiagonal * diagonal_ : 0.5;
+        TopTools_MapOfShape seen;
+        for (TopExp_Explorer it(body.shape, TopAbs_VERTEX, TopAbs_EDGE); it.More(); it.Next()) {
+            if (!seen.Add(it.Current()))
+                continue;
+            const gp_Pnt at = BRep_Tool::Pnt(TopoDS::Vertex(it.Current())).Transformed(body.placement);
+            const Point center{at.X(), at.Y(), at.Z()};
+            for (const Point& arm : {Point{half, 0.0, 0.0}, Point{0.0, half, 0.0}, Point{0.0, 0.0, half}})
+                piece.lines.push_back({center - arm, center + arm});
+        }
     }
 
     /// The facets of a meshed body. If the body is closed but its facets are not, meshes the faces where they
@@ -315,7 +382,7 @@ class BrepConverter
         constexpr int kMaxRepairs = 2;
         Message_ProgressScope scope(progress, nullptr, kMaxRepairs);
         Faceted faceted = Facet(body);
-        if (!HasClosedShells(body.shape))
+        if (faceted.hides_faces || !HasClosedShells(body.shape))
             return faceted;
         BrepTolerance finer = tolerance_;
         finer.deflection = std::min(finer.deflection, default_deflection_);
@@ -324,7 +391,10 @@ class BrepConverter
             constexpr double kFinerAngle = 1.0 / 3.0;
             finer.angle *= kFinerAngle;
             finer.deflection = std::max(finer.deflection * kFinerAngle * kFinerAngle, Precision::Confusion());
-            MeshAgain(body.shape, faceted.surface->OpenFaces(), finer, scope.Next());
+            TopTools_IndexedMapOfShape open;
+            for (const std::size_t number : faceted.surface->OpenFaces())
+                open.Add(faceted.faces[number]);
+            MeshAgain(body.shape, open, finer, scope.Next());
             faceted = Facet(body);
         }
         return faceted;
@@ -332,14 +402,9 @@ class BrepConverter
 
     /// Meshes some faces of a body again. The other faces keep their meshes, and with them the chords of the
     /// edges that they share with those faces.
-    void MeshAgain(const TopoDS_Shape& shape, const std::vector<std::size_t>& numbers,
+    void MeshAgain(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& again,
                    const BrepTolerance& tolerance, const Message_ProgressRange& progress) const
     {
-        TopTools_IndexedMapOfShape again;
-        std::size_t number = 0;
-        for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next(), ++number)
-            if (std::ranges::binary_search(numbers, number))
-                again.Add(it.Current());
         TopTools_IndexedDataMapOfShapeListOfShape faces_of_edges;
         TopExp::MapShapesAndAncestors(shape, TopAbs_EDGE, TopAbs_FACE, faces_of_edges);
         TopTools_IndexedMapOfShape concerned = again;
@@ -426,9 +491,24 @@ class BrepConverter
     const bool has_threads_ = StartMesherThreads();
     BrepTolerance tolerance_;
     double default_deflection_ = 0.0;
+    double diagonal_ = 0.0;           ///< of the model
     std::vector<std::size_t> groups_; ///< for each piece of the model
     Model model_;
 };
+
+/// What a file without bodies holds instead.
+std::string ReasonWithoutBodies(const std::string& path, BrepKind kind, const LeftOutCounts& left_out)
+{
+    constexpr std::size_t kMaxKinds = 5;
+    std::string found;
+    std::size_t named = 0;
+    for (const auto& [left_out_kind, count] : left_out)
+        if (left_out_kind != "empty part" && named++ < kMaxKinds)
+            found += (found.empty() ? "" : ", ") + std::to_string(count) + " " + left_out_kind;
+    if (found.empty())
+        found = EntityCounts(path, kind);
+    return found.empty() ? "holds no geometry" : "holds no geometry that can be shown, but " + found;
+}
 
 Model Read(const std::string& path, BrepKind kind, const ImportOptions& options,
            const ProgressFunction& report)
@@ -436,9 +516,9 @@ Model Read(const std::string& path, BrepKind kind, const ImportOptions& options,
     const QuietLibrary quiet;
     const Handle(Message_ProgressIndicator) indicator = new LibraryProgress(report);
     Message_ProgressScope scope(indicator->Start(), nullptr, 1.0);
-    BrepContent content = ReadBrepContent(path, kind, scope.Next(0.5));
+    BrepContent content = ReadBrepContent(path, kind, options, scope.Next(0.5));
     if (content.bodies.empty())
-        throw FileError(path, "holds no geometry that is finite");
+        throw FileError(path, ReasonWithoutBodies(path, kind, content.left_out));
     return BrepConverter(path, std::move(content)).Convert(options, scope.Next(0.5));
 }
 

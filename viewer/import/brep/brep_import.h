@@ -14,9 +14,14 @@ namespace viewer
 /// Reads a file; its extension gives its kind (`BrepKindOf`).
 ///
 /// Pieces: each solid of each instance in an assembly becomes one piece, and so does each shell outside of
-/// solids. The loose faces of a part become one piece for each colour, and its loose edges become pieces of
-/// lines in the same way. Loose points and hidden parts are dropped. If a solid is closed, the faces of its
-/// piece are closed too.
+/// solids. If its faces have several colours, there is a piece for each. The loose faces of a part become one
+/// piece for each colour, and its loose edges become pieces of lines in the same way. Loose points become
+/// crosses of three lines, half a percent of the model's diagonal long, or one unit if the model is one point.
+/// If a solid is closed, the faces of its pieces are closed too. Loose faces of IGES files are sewn first.
+/// Tessellated geometry and curves of annotations in STEP files become pieces of their own.
+///
+/// Hidden and unbounded parts, parts without geometry, missing files and faces without a mesh are counted in
+/// `Model::left_out`.
 ///
 /// Unit: STEP and IGES files are converted to millimetres. BREP files have no unit. The axes are not changed.
 ///
@@ -26,9 +31,8 @@ namespace viewer
 /// segments differ in direction by at most `kFacetAngle`. `Piece::edges` are the edges of the file, without
 /// edges of length 0 and without smooth seams, where a closed surface meets itself.
 ///
-/// Colour of a piece: that of its instance. Without one, the colour that covers the largest area of its
-/// faces. A face has its own colour, or that of the body, the part or an assembly, the innermost one first.
-/// Grey if there is none. Name: that of the instance, or else of the part. If a body has a name of its own,
+/// Colour of a face: that of its instance. Without one, its own, or that of the body, the part or an assembly,
+/// the innermost one first. Grey if there is none. An edge belongs to the piece of its first face. Name: that of the instance, or else of the part. If a body has a name of its own,
 /// the part's name is one of its parents.
 ///
 /// Categories: the products on the first level of the assembly that has several of them, with their names. In

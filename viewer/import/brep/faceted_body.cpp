@@ -144,7 +144,7 @@ FacetedBody::EdgeCorners& FacetedBody::EdgeOf(const TopoDS_Edge& edge)
 {
     if (EdgeCorners* known = edges_.ChangeSeek(edge))
         return *known;
-    return edges_.ChangeFromIndex(edges_.Add(edge, {}));
+    return edges_.ChangeFromIndex(edges_.Add(edge, {.corners = {}, .is_shown = true, .piece = piece_}));
 }
 
 void FacetedBody::SetEnds(const TopoDS_Edge& edge, std::vector<int>& corners)
@@ -223,32 +223,32 @@ FacetedBody::Triangles FacetedBody::TrianglesOf(const Poly_Triangulation& mesh,
     return triangles;
 }
 
-double FacetedBody::AddFace(const TopoDS_Face& face)
+void FacetedBody::AddFace(const TopoDS_Face& face, std::size_t piece)
 {
     ++face_count_;
     open_faces_.reset();
+    piece_ = piece;
     TopLoc_Location location;
     const auto& mesh = BRep_Tool::Triangulation(face, location);
     const gp_Trsf placement = placement_ * location.Transformation();
     std::vector<int> corner_of_node(mesh.IsNull() ? 0 : static_cast<std::size_t>(mesh->NbNodes()) + 1, -1);
     NoteEdges(face, mesh.get(), placement, corner_of_node);
-    if (mesh.IsNull())
-        return 0.0;
+    if (mesh.IsNull()) {
+        ++faces_without_mesh_;
+        return;
+    }
     for (std::size_t node = 1; node < corner_of_node.size(); ++node)
         if (corner_of_node[node] < 0)
             corner_of_node[node] = NumberOf(mesh->Node(static_cast<int>(node)), placement);
     const bool turn = (face.Orientation() == TopAbs_REVERSED) != placement.IsNegative();
     const Triangles triangles = TrianglesOf(*mesh, corner_of_node, turn);
 
-    double size = 0.0;
     Point sum;
     for (const auto& [a, b, c] : triangles) {
         const Point area = Cross(corners_.At(b) - corners_.At(a), corners_.At(c) - corners_.At(a));
-        size += 0.5 * Length(area);
         sum = sum + area;
     }
     AddFacets(face, triangles, sum);
-    return size;
 }
 
 void FacetedBody::AddFacets(const TopoDS_Face& face, const Triangles& triangles, const Point& area)
@@ -260,11 +260,11 @@ void FacetedBody::AddFacets(const TopoDS_Face& face, const Triangles& triangles,
         const auto point_of = [this](int corner) { return corners_.At(corner); };
         const auto must_stay = [&](int a, int b) { return shown.contains(std::minmax(a, b)); };
         for (FacetCorners& corners : JoinIntoConvexPolygons(triangles, point_of, normal, must_stay))
-            facets_.push_back({std::move(corners), normal, face_count_ - 1});
+            facets_.push_back({std::move(corners), normal, face_count_ - 1, piece_});
         return;
     }
     for (const auto& triangle : triangles)
-        facets_.push_back({{triangle.begin(), triangle.end()}, normal, face_count_ - 1});
+        facets_.push_back({{triangle.begin(), triangle.end()}, normal, face_count_ - 1, piece_});
 }
 
 std::set<std::pair<int, int>> FacetedBody::ShownSegmentsOf(const TopoDS_Face& face)
@@ -328,7 +328,7 @@ double FacetedBody::SignedVolume() const
     return sixfold / 6.0;
 }
 
-void FacetedBody::MoveTo(Piece& piece)
+void FacetedBody::MoveTo(std::span<Piece> pieces)
 {
     const bool closes = Closes();
     const bool is_inside_out = closes && SignedVolume() < 0.0;
@@ -341,6 +341,7 @@ void FacetedBody::MoveTo(Piece& piece)
         corners.reserve(facet.corners.size());
         for (const int corner : facet.corners)
             corners.push_back(corners_.At(corner));
+        Piece& piece = pieces[facet.piece];
         if (auto face = MakeFace(corners)) {
             piece.faces.push_back(std::move(*face));
         } else if (closes) {
@@ -348,8 +349,9 @@ void FacetedBody::MoveTo(Piece& piece)
             piece.faces.push_back({std::move(corners), facet.normal});
         }
     }
-    if (!piece.edges)
-        piece.edges.emplace();
+    for (Piece& piece : pieces)
+        if (!piece.edges)
+            piece.edges.emplace();
     for (int i = 1; i <= edges_.Extent(); ++i) {
         EdgeCorners& edge = edges_.ChangeFromIndex(i);
         if (!edge.is_shown)
@@ -358,7 +360,8 @@ void FacetedBody::MoveTo(Piece& piece)
             edge.corners = CutEdge(TopoDS::Edge(edges_.FindKey(i)));
         for (std::size_t k = 1; k < edge.corners.size(); ++k)
             if (edge.corners[k - 1] != edge.corners[k])
-                piece.edges->push_back({corners_.At(edge.corners[k - 1]), corners_.At(edge.corners[k])});
+                pieces[edge.piece].edges->push_back(
+                    {corners_.At(edge.corners[k - 1]), corners_.At(edge.corners[k])});
     }
     facets_.clear();
     edges_.Clear();

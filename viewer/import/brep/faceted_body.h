@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <optional>
 #include <set>
+#include <span>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -59,27 +60,31 @@ class FacetedBody
     FacetedBody(const FacetedBody&) = delete;
     FacetedBody& operator=(const FacetedBody&) = delete;
 
-    /// Adds the facets and edges of a face; only edges if it has no mesh. Returns the area of its mesh.
-    double AddFace(const TopoDS_Face& face);
+    /// Adds the facets and edges of a face; only edges if it has no mesh. `piece` is the number of the piece that
+    /// gets them; an edge of several faces belongs to the piece of the first one.
+    void AddFace(const TopoDS_Face& face, std::size_t piece = 0);
+    [[nodiscard]] std::size_t FacesWithoutMesh() const { return faces_without_mesh_; }
     /// Whether each side of a facet has exactly one facet on its other side, running in the opposite
     /// direction; false without facets.
     [[nodiscard]] bool Closes() const { return !facets_.empty() && OpenFaces().empty(); }
     /// The faces that keep the body from closing: those of facets with a side that has no facet, or too many,
     /// on its other side, and those without facets. In order of `AddFace`, from 0; none if the body closes.
     [[nodiscard]] const std::vector<std::size_t>& OpenFaces() const;
-    /// Moves the faces and edges into the piece. If the facets are closed they are turned outwards, and
-    /// facets without area are kept; otherwise those are dropped.
-    void MoveTo(Piece& piece);
+    /// Moves the faces and edges into the pieces, by their numbers. If the facets are closed they are turned
+    /// outwards, and facets without area are kept; otherwise those are dropped.
+    void MoveTo(std::span<Piece> pieces);
 
   private:
     struct EdgeCorners {
         std::vector<int> corners; ///< along the edge
         bool is_shown = true;
+        std::size_t piece = 0;
     };
     struct Facet {
         FacetCorners corners; ///< counter-clockwise
         Point normal;         ///< of the face, for facets without area
         std::size_t face = 0; ///< in order of `AddFace`
+        std::size_t piece = 0;
     };
     using Triangles = std::vector<std::array<int, 3>>;
 
@@ -104,6 +109,8 @@ class FacetedBody
     std::vector<Facet> facets_;
     std::size_t face_count_ = 0;
     mutable std::optional<std::vector<std::size_t>> open_faces_; ///< once they were asked for
+    std::size_t piece_ = 0; ///< of the face that is added
+    std::size_t faces_without_mesh_ = 0;
 };
 
 /// Appends the segments of an edge that belongs to no face; none for an unbounded edge.

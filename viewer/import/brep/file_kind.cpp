@@ -111,10 +111,17 @@ bool IsShapeReference(std::string_view line)
     return is_number(shape) && is_number(location);
 }
 
+bool IsBinary(const Ends& ends)
+{
+    return ends.head.find("Open CASCADE Topology V") != std::string::npos;
+}
+
 /// The list of shapes ends with a star. The next line refers to the shape that the file stores. Old programs
-/// write a line "0" after it.
+/// write a line "0" after it. Binary files have no such lines.
 bool IsWholeBrep(const Ends& ends)
 {
+    if (IsBinary(ends))
+        return true;
     auto lines = LinesOf(ends.tail);
     if (!lines.empty() && Trimmed(lines.back()) == "0")
         lines.pop_back();
@@ -122,21 +129,46 @@ bool IsWholeBrep(const Ends& ends)
            Trimmed(lines[lines.size() - 2]).ends_with('*');
 }
 
+/// Whether the end of the shapes stands anywhere in the file. No other shape reference has a line of its own
+/// behind a star.
+bool HasEndOfShapes(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    bool is_behind_star = false;
+    for (std::string line; std::getline(file, line);) {
+        const std::string_view text = Trimmed(line);
+        if (text.empty())
+            continue;
+        if (is_behind_star && IsShapeReference(text))
+            return true;
+        is_behind_star = text.ends_with('*');
+    }
+    return false;
+}
+
 } // namespace
 
 std::optional<BrepKind> BrepKindOf(const std::string& path)
 {
     const std::string ending = LowerCaseExtension(path);
-    constexpr std::array<std::pair<std::string_view, BrepKind>, 6> kEndings{{{".step", BrepKind::Step},
+    constexpr std::array<std::pair<std::string_view, BrepKind>, 7> kEndings{{{".step", BrepKind::Step},
                                                                              {".stp", BrepKind::Step},
                                                                              {".iges", BrepKind::Iges},
                                                                              {".igs", BrepKind::Iges},
                                                                              {".brep", BrepKind::Brep},
-                                                                             {".brp", BrepKind::Brep}}};
+                                                                             {".brp", BrepKind::Brep},
+                                                                             {".bbrep", BrepKind::Brep}}};
     for (const auto& [known, kind] : kEndings)
         if (ending == known)
             return kind;
     return std::nullopt;
+}
+
+bool IsBinaryBrep(const std::string& path)
+{
+    std::string head(kEndBytes, '\0');
+    std::ifstream(path, std::ios::binary).read(head.data(), static_cast<std::streamsize>(head.size()));
+    return IsBinary({.head = head, .tail = {}});
 }
 
 void CheckBrepFile(const std::string& path, BrepKind kind)
@@ -153,7 +185,7 @@ void CheckBrepFile(const std::string& path, BrepKind kind)
     const Ends ends = ReadEnds(path);
     if (!check.is_of_kind(ends))
         throw FileError(path, "does not begin as " + std::string(check.name) + " file does");
-    if (!check.is_whole(ends))
+    if (!check.is_whole(ends) && !(kind == BrepKind::Brep && HasEndOfShapes(path)))
         throw FileError(path, "truncated: does not end as " + std::string(check.name) + " file does");
 }
 

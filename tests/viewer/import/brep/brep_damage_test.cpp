@@ -136,12 +136,16 @@ TEST_F(BrepDamage, StepWithGarbageInsideIsRefused)
     EXPECT_EQ(ErrorOf(path), "read without an error");
 }
 
-TEST_F(BrepDamage, LonePointsAreRefused)
+TEST_F(BrepDamage, LonePointIsACrossOfOneUnit)
 {
     TopoDS_Compound points;
     BRep_Builder().MakeCompound(points);
     BRep_Builder().Add(points, BRepBuilderAPI_MakeVertex(gp_Pnt(1, 2, 3)).Shape());
-    EXPECT_THAT(ErrorOf(WriteBrep(points)), HasSubstr("holds no geometry"));
+    const Model model = ImportBrep(WriteBrep(points), {});
+    ASSERT_EQ(model.pieces.size(), 1U);
+    ASSERT_EQ(model.pieces[0].lines.size(), 3U);
+    EXPECT_EQ(model.pieces[0].lines[0].from, (Point{0.5, 2, 3}));
+    EXPECT_EQ(model.pieces[0].lines[0].to, (Point{1.5, 2, 3}));
 }
 
 TEST_F(BrepDamage, CompoundOfNothingIsRefused)

@@ -160,20 +160,6 @@ TEST_F(BrepStructure, ColourOfAnInstanceGoesBeforeThatOfItsPart)
     EXPECT_EQ(model.pieces[1].color, kBlue);
 }
 
-TEST_F(BrepStructure, SolidHasTheColourOfMostOfItsArea)
-{
-    // Faces of a box come in pairs: at x, y, z. Those at z have 100 of 2 * (10 + 10 + 100) square units each.
-    const TopoDS_Shape box = BlockShape(10, 10, 1);
-    const TDF_Label part = document_.AddPart(box, "part");
-    document_.SetColor(part, 1, 0, 0);
-    document_.SetColorOf(part, FaceOf(box, 4), 0, 0, 1);
-    document_.SetColorOf(part, FaceOf(box, 5), 0, 0, 1);
-    const Model model = Read();
-    ASSERT_EQ(model.pieces.size(), 1U);
-    EXPECT_EQ(model.pieces[0].color, kBlue);
-    EXPECT_TRUE(ClosesToABody(model.pieces[0]));
-}
-
 TEST_F(BrepStructure, LooseFacesKeepTheirColours)
 {
     const TopoDS_Shape box = BlockShape(1, 1, 1);
@@ -211,15 +197,6 @@ TEST_F(BrepStructure, ColourForOneUseDeepInAnAssemblyReachesThatOneOnly)
     EXPECT_EQ(model.pieces[0].color, kRed);
     EXPECT_EQ(model.pieces[1].color, kBlue);
     EXPECT_EQ(BoxOfFaces(model.pieces[1]).min.x, 10.0);
-}
-
-TEST_F(BrepStructure, SmallColouredFaceLeavesTheSolidAsItIs)
-{
-    const TopoDS_Shape box = BlockShape(10, 10, 1);
-    const TDF_Label part = document_.AddPart(box, "part");
-    document_.SetColor(part, 1, 0, 0);
-    document_.SetColorOf(part, FaceOf(box, 0), 0, 0, 1);
-    EXPECT_EQ(Read().pieces.at(0).color, kRed);
 }
 
 TEST_F(BrepStructure, OpacityIsThatOfTheColour)
