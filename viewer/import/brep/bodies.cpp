@@ -28,6 +28,7 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <tuple>
 #include <utility>
 
 namespace viewer
@@ -288,7 +289,11 @@ class AssemblyWalk
             level.Clear();
             XCAFDoc_ShapeTool::GetComponents(assembly, level);
         }
-        if (level.Size() < 2)
+        // Each entity of an IGES file is a product at the root, down to single curves.
+        const bool has_lone_shapes = std::any_of(level.begin(), level.end(), [](const TDF_Label& label) {
+            return !XCAFDoc_ShapeTool::IsAssembly(ProductOf(label));
+        });
+        if (level.Size() < 2 || (document_.SewingTolerance() && has_lone_shapes))
             return;
         for (const TDF_Label& label : level) {
             const TDF_Label product = ProductOf(label);
@@ -493,6 +498,35 @@ class AssemblyWalk
 
 } // namespace
 
+namespace
+{
+
+/// Joins curves and points at the root of an IGES file to one body for each name and colour.
+void JoinLooseCurves(std::vector<BrepBody>& bodies)
+{
+    using Key = std::tuple<std::string, int, float>;
+    std::map<Key, BrepBody> joined;
+    const auto is_joined = [&](const BrepBody& body) {
+        if (!body.parents.empty() || body.placement.Form() != gp_Identity || body.tessellation ||
+            TopExp_Explorer(body.shape, TopAbs_FACE).More())
+            return false;
+        const Key key{body.name, body.color ? body.color->index : -1, body.color ? body.color->alpha : 1.0F};
+        const auto [known, is_new] = joined.emplace(key, body);
+        if (is_new) {
+            TopoDS_Compound compound;
+            BRep_Builder().MakeCompound(compound);
+            known->second.shape = compound;
+        }
+        BRep_Builder().Add(known->second.shape, body.shape);
+        return true;
+    };
+    std::erase_if(bodies, is_joined);
+    for (auto& [key, body] : joined)
+        bodies.push_back(std::move(body));
+}
+
+} // namespace
+
 BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const ImportOptions& options,
                             const Message_ProgressRange& progress)
 {
@@ -505,8 +539,10 @@ BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const Import
     BrepContent content = AssemblyWalk(document, std::move(tessellations)).Walk();
     for (const auto& [left_out_kind, count] : left_out)
         content.left_out[left_out_kind] += count;
-    if (const std::optional<double> tolerance = document.SewingTolerance())
+    if (const std::optional<double> tolerance = document.SewingTolerance()) {
         SewLooseFaces(content.bodies, *tolerance);
+        JoinLooseCurves(content.bodies);
+    }
     return content;
 }
 

@@ -3,11 +3,14 @@
 #include <BRepBndLib.hxx>
 #include <BRepBuilderAPI_Sewing.hxx>
 #include <BRep_Builder.hxx>
+#include <BRep_Tool.hxx>
 #include <Bnd_Box.hxx>
 #include <Message_ProgressIndicator.hxx>
 #include <Precision.hxx>
 #include <Standard_Failure.hxx>
 #include <TopExp_Explorer.hxx>
+#include <TopTools_MapOfShape.hxx>
+#include <TopoDS.hxx>
 #include <TopoDS_Compound.hxx>
 
 #include <algorithm>
@@ -83,16 +86,20 @@ class Sewer
     }
 
   private:
+    /// The numbers of the bodies that sewn faces come from.
+    using Sources = NCollection_DataMap<TopoDS_Shape, std::size_t, TopTools_ShapeMapHasher>;
+
     [[nodiscard]] double LimitedTolerance(double tolerance) const
     {
+        constexpr double kMinShare = 1e-5;
         constexpr double kMaxShare = 1e-4;
         Bnd_Box box;
         for (const BrepBody& body : bodies_)
             BRepBndLib::Add(body.shape, box);
         const double diagonal = box.IsVoid() ? 0.0 : std::sqrt(box.SquareExtent());
+        const double smallest = std::max(kMinShare * diagonal, Precision::Confusion());
         const double largest = std::max(kMaxShare * diagonal, Precision::Confusion());
-        return std::isfinite(tolerance) ? std::clamp(tolerance, Precision::Confusion(), largest)
-                                        : Precision::Confusion();
+        return std::isfinite(tolerance) ? std::clamp(tolerance, smallest, largest) : smallest;
     }
 
     /// The library drops faces that it finds too small, and can cut others.
@@ -107,7 +114,7 @@ class Sewer
     std::vector<BrepBody> Divide(const BRepBuilderAPI_Sewing& sewing)
     {
         const auto labels = std::make_shared<BrepLabels>();
-        NCollection_DataMap<TopoDS_Shape, std::size_t, TopTools_ShapeMapHasher> sources;
+        Sources sources;
         for (std::size_t i = 0; i < bodies_.size(); ++i)
             for (TopExp_Explorer it(bodies_[i].shape, TopAbs_FACE); it.More(); it.Next()) {
                 const TopoDS_Shape& face = it.Current();
@@ -119,20 +126,15 @@ class Sewer
                     labels->colors.Bind(sewn, *bodies_[i].color);
             }
         std::vector<BrepBody> divided;
-        for (TopExp_Explorer it(sewing.SewedShape(), TopAbs_SHELL); it.More(); it.Next()) {
-            BrepBody body = NamedLikeFirstFace(it.Current(), sources);
-            body.color.reset();
-            body.labels = labels;
-            divided.push_back(std::move(body));
-        }
+        for (TopExp_Explorer it(sewing.SewedShape(), TopAbs_SHELL); it.More(); it.Next())
+            divided.push_back(BodyOf(it.Current(), sources, labels));
         AddAlone(sewing.SewedShape(), sources, labels, divided);
         return divided;
     }
 
-    /// The body that the shape's faces come from, with the shape; without a name if the faces come from several.
-    BrepBody NamedLikeFirstFace(
-        const TopoDS_Shape& shape,
-        const NCollection_DataMap<TopoDS_Shape, std::size_t, TopTools_ShapeMapHasher>& sources) const
+    /// A body of sewn faces; without a name if they come from bodies with several names.
+    BrepBody BodyOf(const TopoDS_Shape& shape, const Sources& sources,
+                    const std::shared_ptr<BrepLabels>& labels) const
     {
         const BrepBody* found = nullptr;
         bool is_one_name = true;
@@ -148,17 +150,33 @@ class Sewer
         if (!is_one_name)
             body.name.clear();
         body.shape = shape;
+        body.color.reset();
+        body.labels = labels;
         return body;
     }
 
-    /// Adds the faces that meet no other one, by the body that they come from.
-    void AddAlone(const TopoDS_Shape& shape,
-                  const NCollection_DataMap<TopoDS_Shape, std::size_t, TopTools_ShapeMapHasher>& sources,
+    /// Whether the face closes on itself, as a whole sphere does: each edge occurs twice or has no length.
+    static bool Closes(const TopoDS_Shape& face)
+    {
+        TopTools_MapOfShape once;
+        for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next())
+            if (!BRep_Tool::Degenerated(TopoDS::Edge(it.Current())) && !once.Add(it.Current()))
+                once.Remove(it.Current());
+        return once.IsEmpty();
+    }
+
+    /// Adds the faces that meet no other one: those that close on themselves one by one, as they can be inside out,
+    /// the others by the body that they come from.
+    void AddAlone(const TopoDS_Shape& shape, const Sources& sources,
                   const std::shared_ptr<BrepLabels>& labels, std::vector<BrepBody>& divided) const
     {
         std::vector<TopoDS_Compound> alone(bodies_.size());
         for (TopExp_Explorer it(shape, TopAbs_FACE, TopAbs_SHELL); it.More(); it.Next()) {
             const std::size_t* index = sources.Seek(it.Current());
+            if (Closes(it.Current())) {
+                divided.push_back(BodyOf(it.Current(), sources, labels));
+                continue;
+            }
             TopoDS_Compound& faces = alone[index != nullptr ? *index : 0];
             if (faces.IsNull())
                 BRep_Builder().MakeCompound(faces);

@@ -66,19 +66,20 @@ class BrepContents : public BrepTest
     /// A STEP file of the AP242 schema with these entities.
     std::string WriteStepText(const std::string& entities, const std::string& name = "text.stp") const
     {
-        return Write(name, "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\n"
-                           "FILE_NAME('','',(''),(''),'','','');\n"
-                           "FILE_SCHEMA(('AP242_MANAGED_MODEL_BASED_3D_ENGINEERING_MIM_LF'));\nENDSEC;\nDATA;\n" +
-                               entities + "ENDSEC;\nEND-ISO-10303-21;\n");
+        return Write(name,
+                     "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\n"
+                     "FILE_NAME('','',(''),(''),'','','');\n"
+                     "FILE_SCHEMA(('AP242_MANAGED_MODEL_BASED_3D_ENGINEERING_MIM_LF'));\nENDSEC;\nDATA;\n" +
+                         entities + "ENDSEC;\nEND-ISO-10303-21;\n");
     }
 
-    /// Writes each part of the document to a file of its own, and the assembly to `name`.
-    std::string WriteStepFiles(BrepTestDocument& document, const std::string& name) const
+    /// Writes each part to a file of its own, and the assembly to `name`.
+    std::string WriteStepFiles(BrepTestDocument& assembly, const std::string& name) const
     {
         const std::string path = PathOf(name);
         const std::filesystem::path before = std::filesystem::current_path();
         STEPCAFControl_Writer writer;
-        EXPECT_TRUE(writer.Transfer(document.Get(), STEPControl_AsIs, "part_"));
+        EXPECT_TRUE(writer.Transfer(assembly.Get(), STEPControl_AsIs, "part_"));
         std::filesystem::current_path(std::filesystem::path(path).parent_path());
         EXPECT_EQ(writer.Write(name.c_str()), IFSelect_RetDone);
         std::filesystem::current_path(before);
@@ -252,9 +253,10 @@ TEST_F(BrepContents, SewnFacesOfAnIgesFileKeepTheirColours)
 
 TEST_F(BrepContents, FileWithoutShapesSaysWhatItHolds)
 {
-    EXPECT_THAT(ErrorOf(WriteStepText("#1=CARTESIAN_POINT('',(0.,0.,0.));\n#2=CARTESIAN_POINT('',(1.,0.,0.));\n"
-                                      "#3=DIRECTION('a ; #9=NOTHING(',(1.,0.,0.));\n")),
-                EndsWith("but 2 CARTESIAN_POINT, 1 DIRECTION"));
+    EXPECT_THAT(
+        ErrorOf(WriteStepText("#1=CARTESIAN_POINT('',(0.,0.,0.));\n#2=CARTESIAN_POINT('',(1.,0.,0.));\n"
+                              "#3=DIRECTION('a ; #9=NOTHING(',(1.,0.,0.));\n")),
+        EndsWith("but 2 CARTESIAN_POINT, 1 DIRECTION"));
 }
 
 TEST_F(BrepContents, IgesFileWithoutShapesSaysWhatItHolds)
@@ -272,8 +274,10 @@ TEST_F(BrepContents, IgesFileWithoutShapesSaysWhatItHolds)
 TEST_F(BrepContents, PartsInFilesBesideAreRead)
 {
     const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"), MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"), MovedBy(0, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                   MovedBy(10, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                   MovedBy(0, 0, 0));
     const std::string path = WriteStepFiles(document, "main.stp");
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 2U);
@@ -287,8 +291,10 @@ TEST_F(BrepContents, PartsInFilesBesideAreRead)
 TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
 {
     const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"), MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"), MovedBy(0, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                   MovedBy(10, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                   MovedBy(0, 0, 0));
     const std::string main = AllTextOf(WriteStepFiles(document, "main.stp"));
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("part_box.stp"), PathOf("inner/part_box.stp"));
@@ -306,8 +312,10 @@ TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
 TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
 {
     const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"), MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"), MovedBy(0, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                   MovedBy(10, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                   MovedBy(0, 0, 0));
     static_cast<void>(WriteStepFiles(document, "main.stp"));
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("main.stp"), PathOf("inner/main.stp"));
@@ -321,8 +329,10 @@ TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
 TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
 {
     const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"), MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"), MovedBy(0, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                   MovedBy(10, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                   MovedBy(0, 0, 0));
     const std::string path = WriteStepFiles(document, "main.stp");
     // The file of the rod is the assembly itself under another name.
     std::filesystem::remove(PathOf("part_rod.stp"));
@@ -330,6 +340,103 @@ TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(model.left_out.size(), 1U);
+}
+
+/// The number of the first entity of a type in the text of a STEP file, with '#'.
+std::string NumberOf(const std::string& text, const std::string& type)
+{
+    const auto at = text.find(type + "(");
+    EXPECT_NE(at, std::string::npos) << type;
+    const auto number = text.rfind('#', at);
+    return text.substr(number, text.find_first_not_of("0123456789", number + 1) - number);
+}
+
+/// The text of a STEP file with more entities.
+std::string WithEntities(const std::string& text, const std::string& entities)
+{
+    const auto end = text.rfind("ENDSEC;");
+    return text.substr(0, end) + entities + text.substr(end);
+}
+
+TEST_F(BrepContents, BodyOnAHiddenLayerIsCounted)
+{
+    static_cast<void>(WriteStep(BRepPrimAPI_MakeBox(1, 2, 3).Shape()));
+    const std::string text = Read("shape.step");
+    const std::string solid = NumberOf(text, "MANIFOLD_SOLID_BREP");
+    const std::string path =
+        Write("layer.step", WithEntities(text, "#90001=PRESENTATION_LAYER_ASSIGNMENT('off','',(" + solid +
+                                                   "));\n#90002=INVISIBILITY((#90001));\n"));
+    EXPECT_THAT(ErrorOf(path), HasSubstr("1 hidden "));
+}
+
+TEST_F(BrepContents, FaceThatCannotBeReadIsCounted)
+{
+    static_cast<void>(WriteStep(BRepPrimAPI_MakeBox(1, 2, 3).Shape()));
+    std::string text = Read("shape.step");
+    // The face's surface becomes a direction.
+    const std::string plane = NumberOf(text, "PLANE");
+    const std::string direction = NumberOf(text, "DIRECTION");
+    const auto face = text.find("ADVANCED_FACE(");
+    const auto at = text.find(plane + ",", face);
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, plane.size(), direction);
+    const Model model = ImportBrep(Write("bad.step", text), {});
+    ASSERT_EQ(model.pieces.size(), 1U);
+    EXPECT_EQ(model.pieces[0].faces.size(), 5U);
+    EXPECT_EQ(LeftOutOf(model, "face that cannot be read"), 1U);
+}
+
+TEST_F(BrepContents, ColoursOfAllKindsOfStylesReachTheirFaces)
+{
+    static_cast<void>(WriteStep(BRepPrimAPI_MakeBox(1, 2, 3).Shape()));
+    const std::string text = Read("shape.step");
+    const std::string solid = NumberOf(text, "MANIFOLD_SOLID_BREP");
+    const std::string face = NumberOf(text, "ADVANCED_FACE");
+    const std::string styles =
+        "#90001=SURFACE_STYLE_USAGE(.BOTH.,#90002);\n#90002=SURFACE_SIDE_STYLE('',(#90003));\n"
+        "#90003=SURFACE_STYLE_FILL_AREA(#90004);\n#90004=FILL_AREA_STYLE('',(#90005));\n"
+        "#90005=FILL_AREA_STYLE_COLOUR('',#90006);\n#90006=DRAUGHTING_PRE_DEFINED_COLOUR('red');\n"
+        "#90007=PRESENTATION_STYLE_ASSIGNMENT((#90001));\n#90008=STYLED_ITEM('',(#90007)," +
+        solid +
+        ");\n"
+        "#90011=SURFACE_STYLE_USAGE(.BOTH.,#90012);\n#90012=SURFACE_SIDE_STYLE('',(#90013));\n"
+        "#90013=SURFACE_STYLE_RENDERING_WITH_PROPERTIES(.NORMAL_SHADING.,#90014,(#90015));\n"
+        "#90014=COLOUR_RGB('',0.,0.,1.);\n#90015=SURFACE_STYLE_TRANSPARENT(0.75);\n"
+        "#90016=PRESENTATION_STYLE_ASSIGNMENT((#90011));\n#90017=OVER_RIDING_STYLED_ITEM('',(#90016)," +
+        face +
+        ",#90008);\n"
+        "#90020=MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION('',(#90008,#90017)," +
+        NumberOf(text, "GEOMETRIC_REPRESENTATION_CONTEXT") + ");\n";
+    const Model model = ImportBrep(Write("styles.step", WithEntities(text, styles)), {});
+    ASSERT_EQ(model.pieces.size(), 2U);
+    for (const Piece& piece : model.pieces) {
+        const bool is_face = piece.faces.size() == 1;
+        EXPECT_EQ(piece.color, is_face ? kBlueIndex : kRedIndex);
+        EXPECT_NEAR(piece.alpha, is_face ? 0.25F : 1.0F, 1e-3F);
+    }
+}
+
+TEST_F(BrepContents, CurvesOfAnnotationsAreDrawn)
+{
+    static_cast<void>(WriteStep(BRepPrimAPI_MakeBox(1, 2, 3).Shape()));
+    const std::string text = Read("shape.step");
+    const std::string path = Write(
+        "note.step",
+        WithEntities(text, "#90001=CARTESIAN_POINT('',(0.,0.,4.));\n#90002=CARTESIAN_POINT('',(7.,0.,4.));\n"
+                           "#90003=POLYLINE('',(#90001,#90002));\n#90004=GEOMETRIC_CURVE_SET('',(#90003));\n"
+                           "#90005=ANNOTATION_CURVE_OCCURRENCE('',(),#90004);\n"
+                           "#90006=ANNOTATION_TEXT_OCCURRENCE('',(),$);\n"));
+    const Model model = ImportBrep(path, {});
+    ASSERT_EQ(model.pieces.size(), 2U);
+    EXPECT_EQ(model.pieces[1].name, "annotations");
+    Box box;
+    for (const Segment& line : model.pieces[1].lines) {
+        box.Add(line.from);
+        box.Add(line.to);
+    }
+    EXPECT_NEAR(Length(box.min - Point{0, 0, 4}), 0.0, 1e-9);
+    EXPECT_NEAR(Length(box.max - Point{7, 0, 4}), 0.0, 1e-9);
+    EXPECT_EQ(LeftOutOf(model, "annotation"), 1U);
 }
 
 const char* const kTessellatedUnit =
@@ -367,11 +474,11 @@ TEST_F(BrepContents, TessellatedSolidIsDrawnInItsUnitAndColour)
 
 TEST_F(BrepContents, TessellatedAnnotationIsDrawn)
 {
-    const std::string path = WriteStepText(
-        std::string(kTessellatedUnit) + "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
-                                        "#11=TESSELLATED_CURVE_SET('',#10,((1,2,3),(1,9)));\n"
-                                        "#12=TESSELLATED_GEOMETRIC_SET('',(#11));\n"
-                                        "#13=TESSELLATED_ANNOTATION_OCCURRENCE('',(),#12);\n");
+    const std::string path = WriteStepText(std::string(kTessellatedUnit) +
+                                           "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
+                                           "#11=TESSELLATED_CURVE_SET('',#10,((1,2,3),(1,9)));\n"
+                                           "#12=TESSELLATED_GEOMETRIC_SET('',(#11));\n"
+                                           "#13=TESSELLATED_ANNOTATION_OCCURRENCE('',(),#12);\n");
     const Model model = ImportBrep(path, {});
     ASSERT_EQ(model.pieces.size(), 1U);
     ASSERT_EQ(model.pieces[0].lines.size(), 2U);
@@ -381,11 +488,11 @@ TEST_F(BrepContents, TessellatedAnnotationIsDrawn)
 
 TEST_F(BrepContents, TessellatedItemsThatReferToThemselvesAreReadOnce)
 {
-    const std::string path = WriteStepText(
-        std::string(kTessellatedUnit) + "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
-                                        "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)));\n"
-                                        "#12=TESSELLATED_GEOMETRIC_SET('',(#12,#11,#12,#11,#12));\n"
-                                        "#14=TESSELLATED_SHAPE_REPRESENTATION('',(#12,#12,#11),#4);\n");
+    const std::string path = WriteStepText(std::string(kTessellatedUnit) +
+                                           "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
+                                           "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)));\n"
+                                           "#12=TESSELLATED_GEOMETRIC_SET('',(#12,#11,#12,#11,#12));\n"
+                                           "#14=TESSELLATED_SHAPE_REPRESENTATION('',(#12,#12,#11),#4);\n");
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.FaceCount(), 1U);
 }
