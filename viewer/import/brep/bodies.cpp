@@ -140,7 +140,7 @@ class PartBodies
         case TopAbs_SHELL:
             return AddBody(shape, name, color);
         case TopAbs_FACE:
-            return AddFace(shape, name, color);
+            return AddLoose(kFaces, shape, "unbounded face", name, color);
         case TopAbs_EDGE:
             return AddLoose(kEdges, shape, "unbounded curve", name, curve_color);
         case TopAbs_VERTEX:
@@ -195,12 +195,6 @@ class PartBodies
             labels_->colors.Bind(shape, *color);
     }
 
-    void AddFace(const TopoDS_Shape& face, const std::string& name, const OptionalColor& color)
-    {
-        // Colours of loose faces are those of their body.
-        AddLoose(kFaces, face, "unbounded face", name, color);
-    }
-
     void AddLoose(std::size_t kind, const TopoDS_Shape& shape, const char* unbounded, const std::string& name,
                   const OptionalColor& color)
     {
@@ -240,6 +234,7 @@ class PartBodies
     std::array<std::vector<Found>, 5> found_;
 };
 
+/// Visits the parts of all assemblies.
 class AssemblyWalk
 {
   public:
@@ -411,7 +406,9 @@ class AssemblyWalk
             content_.bodies.push_back(std::move(body));
         }
         AddTessellations(NameOf(label), inherited, group);
-        if (content_.bodies.size() == before && !inside.HasLeftOut())
+        // A missing file is counted as such.
+        if (content_.bodies.size() == before && !inside.HasLeftOut() &&
+            !XCAFDoc_ShapeTool::IsExternRef(label))
             ++content_.left_out["empty part"];
     }
 

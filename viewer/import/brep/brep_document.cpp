@@ -29,6 +29,7 @@
 #include <StepShape_ShellBasedSurfaceModel.hxx>
 #include <StepShape_SolidModel.hxx>
 #include <StepVisual_AnnotationOccurrence.hxx>
+#include <StepVisual_AnnotationPlane.hxx>
 #include <TransferBRep.hxx>
 #include <Transfer_ActorOfTransientProcess.hxx>
 #include <Transfer_Binder.hxx>
@@ -125,6 +126,9 @@ class AnnotationCurves
         LeftOutCounts rules;
         for (int i = 1; i <= model_->NbEntities(); ++i) {
             const Handle(Standard_Transient) entity = model_->Value(i);
+            // The plane of an annotation has no look of its own.
+            if (entity->IsKind(STANDARD_TYPE(StepVisual_AnnotationPlane)))
+                continue;
             if (const auto note = Handle(StepVisual_AnnotationOccurrence)::DownCast(entity); !note.IsNull()) {
                 const TopoDS_Shape shape = draws ? ShapeOf(note->Item()) : TopoDS_Shape();
                 if (shape.IsNull()) {

@@ -362,7 +362,9 @@ class BrepConverter
     void AddLoosePoints(const BrepBody& body, Piece& piece) const
     {
         constexpr double kShareOfDiagonal = 0.005;
-        const double half = diagonal_ > 0.0 ? 0.5 * kShareOfDiagonal * diagonal_ : 0.5;
+        // The library's box of a point is not quite empty.
+        constexpr double kMinDiagonal = 1e-5;
+        const double half = diagonal_ > kMinDiagonal ? 0.5 * kShareOfDiagonal * diagonal_ : 0.5;
         TopTools_MapOfShape seen;
         for (TopExp_Explorer it(body.shape, TopAbs_VERTEX, TopAbs_EDGE); it.More(); it.Next()) {
             if (!seen.Add(it.Current()))

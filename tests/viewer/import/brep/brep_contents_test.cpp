@@ -271,6 +271,19 @@ TEST_F(BrepContents, IgesFileWithoutShapesSaysWhatItHolds)
     EXPECT_THAT(ErrorOf(Write("note.igs", text)), HasSubstr("of type 212"));
 }
 
+TEST_F(BrepContents, HiddenEntityOfAnIgesFileIsCounted)
+{
+    static_cast<void>(WriteIges(BRepBuilderAPI_MakeEdge(gp_Pnt(0, 0, 0), gp_Pnt(1, 0, 0)).Shape(), false));
+    std::string text = Read("shape.igs");
+    // The status is in the columns 65 to 72 of an entity's first line; its first two digits hide the entity.
+    constexpr std::size_t kStatus = 64;
+    const auto line = text.find("\n     110") + 1;
+    ASSERT_EQ(text.substr(line + kStatus, 2), "00");
+    EXPECT_EQ(ImportBrep(Write("seen.igs", text), {}).pieces.size(), 1U);
+    text.replace(line + kStatus, 2, "01");
+    EXPECT_THAT(ErrorOf(Write("hidden.igs", text)), HasSubstr("1 hidden entity"));
+}
+
 TEST_F(BrepContents, PartsInFilesBesideAreRead)
 {
     const TDF_Label assembly = document.AddAssembly("assembly");
@@ -286,6 +299,7 @@ TEST_F(BrepContents, PartsInFilesBesideAreRead)
     const Model rest = ImportBrep(path, {});
     EXPECT_EQ(rest.pieces.size(), 1U);
     EXPECT_EQ(LeftOutOf(rest, "missing file \"part_rod.stp\""), 1U);
+    EXPECT_EQ(rest.left_out.size(), 1U);
 }
 
 TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
@@ -323,7 +337,23 @@ TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
     std::filesystem::create_symlink(PathOf("part_rod.stp"), PathOf("inner/part_rod.stp"));
     const Model model = ImportBrep(PathOf("inner/main.stp"), {});
     EXPECT_EQ(model.pieces.size(), 1U);
+    EXPECT_EQ(LeftOutOf(model, "file \"part_rod.stp\", which refers to itself or out of its folder"), 1U);
     EXPECT_EQ(model.left_out.size(), 1U);
+}
+
+TEST_F(BrepContents, FileThatRefersToItselfByAnotherNameIsNotReadForever)
+{
+    const TDF_Label assembly = document.AddAssembly("assembly");
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                   MovedBy(10, 0, 0));
+    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                   MovedBy(0, 0, 0));
+    std::string text = AllTextOf(WriteStepFiles(document, "main.stp"));
+    for (auto at = text.find("'part_rod.stp'"); at != std::string::npos; at = text.find("'part_rod.stp'", at))
+        text.replace(at, 14, "'./main.stp'");
+    const Model model = ImportBrep(Write("main.stp", text), {});
+    EXPECT_EQ(model.pieces.size(), 1U);
+    EXPECT_EQ(LeftOutOf(model, "file \"./main.stp\", which refers to itself or out of its folder"), 1U);
 }
 
 TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
@@ -339,6 +369,7 @@ TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
     std::filesystem::copy_file(path, PathOf("part_rod.stp"));
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 1U);
+    EXPECT_EQ(LeftOutOf(model, "file \"part_rod.stp\", which refers to itself or out of its folder"), 1U);
     EXPECT_EQ(model.left_out.size(), 1U);
 }
 
