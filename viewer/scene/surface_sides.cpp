@@ -331,7 +331,7 @@ Piece TakeOpen(Piece& piece, Surfaces& surfaces)
 /// Settles the sides of a piece and appends it, in one part or two.
 void Settle(Piece piece, std::vector<Piece>& settled)
 {
-    if (piece.two_sided || piece.faces.empty()) {
+    if (piece.two_sided || piece.closes_with_others || piece.faces.empty()) {
         settled.push_back(std::move(piece));
         return;
     }

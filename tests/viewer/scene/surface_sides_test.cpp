@@ -233,5 +233,27 @@ TEST(SurfaceSides, PieceThatIsTwoSidedStaysSo)
     EXPECT_TRUE(model.pieces.at(0).two_sided);
 }
 
+TEST(SurfaceSides, PiecesThatCloseTogetherAreSingleAndAsTheyAre)
+{
+    // A body with a cavity, in three colours: a side, the rest of the outer surface, and the cavity.
+    const auto outer = BoxFaces({0, 0, 0}, {4, 4, 4});
+    const std::vector<ModelFace> side(outer.begin(), outer.begin() + 1);
+    const std::vector<ModelFace> rest(outer.begin() + 1, outer.end());
+    const auto cavity = Turned(BoxFaces({1, 1, 1}, {2, 2, 2}));
+    Model model;
+    for (const auto& faces : {side, rest, cavity}) {
+        model.pieces.push_back(MakePiece("part", faces));
+        model.pieces.back().closes_with_others = true;
+    }
+    SettleSides(model);
+    ASSERT_THAT(model.pieces, SizeIs(3));
+    std::size_t i = 0;
+    for (const auto& faces : {side, rest, cavity}) {
+        EXPECT_FALSE(model.pieces[i].two_sided) << i;
+        EXPECT_TRUE(IsSame(model.pieces[i].faces, faces)) << i;
+        ++i;
+    }
+}
+
 } // namespace
 } // namespace viewer

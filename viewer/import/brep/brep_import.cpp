@@ -205,7 +205,9 @@ class BrepConverter
         for (const auto& [kind, count] : content_.left_out)
             model_.LeaveOut(kind, count);
         if (model_.pieces.empty())
-            throw FileError(path_, "holds no faces and no curves");
+            throw FileError(
+                path_, "holds no faces and no curves" +
+                           (model_.left_out.empty() ? std::string() : ", only " + ListOf(model_.left_out)));
         NumberCategories();
         return std::move(model_);
     }
@@ -235,8 +237,7 @@ class BrepConverter
         if (!std::isfinite(diagonal_))
             throw FileError(path_, "holds coordinates that are not finite");
         // The library's mesher takes no deflection below the distance at which it merges points.
-        default_deflection_ =
-            std::max(options.RelativeDeflection() * diagonal_, Precision::Confusion());
+        default_deflection_ = std::max(options.RelativeDeflection() * diagonal_, Precision::Confusion());
         tolerance_.deflection =
             std::max(options.deflection.value_or(default_deflection_), Precision::Confusion());
         tolerance_.angle = kFacetAngle * std::numbers::pi / 180.0;

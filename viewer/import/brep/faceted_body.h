@@ -109,7 +109,7 @@ class FacetedBody
     std::vector<Facet> facets_;
     std::size_t face_count_ = 0;
     mutable std::optional<std::vector<std::size_t>> open_faces_; ///< once they were asked for
-    std::size_t piece_ = 0; ///< of the face that is added
+    std::size_t piece_ = 0;                                      ///< of the face that is added
     std::size_t faces_without_mesh_ = 0;
 };
 

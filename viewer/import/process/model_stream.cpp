@@ -281,6 +281,7 @@ class ModelReader
         if (!piece.faces.empty() && piece.faces.front().continues)
             throw StreamError("it holds a face that continues none");
         piece.two_sided = ReadFlag();
+        piece.closes_with_others = ReadFlag();
         if (ReadFlag())
             piece.edges = ReadItems(&ModelReader::ReadSegment);
         piece.lines = ReadItems(&ModelReader::ReadSegment);
@@ -436,6 +437,7 @@ void ModelStreamWriter::PutPiece(const Piece& piece)
         PutText(parent);
     PutFaces(piece.faces);
     PutNumber(static_cast<unsigned char>(piece.two_sided ? 1 : 0));
+    PutNumber(static_cast<unsigned char>(piece.closes_with_others ? 1 : 0));
     PutNumber(static_cast<unsigned char>(piece.edges ? 1 : 0));
     if (piece.edges)
         PutSegments(*piece.edges);

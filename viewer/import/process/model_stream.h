@@ -28,7 +28,7 @@ namespace viewer
 /// The first bytes of a stream.
 inline constexpr std::string_view kStreamMagic = "KARVMODL";
 /// The version of the format. A reader and a client of different versions refuse each other's streams.
-inline constexpr std::uint32_t kStreamVersion = 2;
+inline constexpr std::uint32_t kStreamVersion = 3;
 
 /// The maximum length of a text in bytes. Longer texts are cut when they are written.
 inline constexpr std::size_t kMaxStreamText = 65536;

@@ -2,6 +2,8 @@
 // tessellated geometry, and parts in other files.
 #include "platform/host/cm/color.h"
 #include "tests/viewer/import/brep/brep_fixture.h"
+#include "viewer/import/model_file.h"
+#include "viewer/scene/feature_edges.h"
 
 #include <BRepBuilderAPI_MakeEdge.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
@@ -92,16 +94,16 @@ class BrepContents : public BrepTest
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    BrepTestDocument document;
+    BrepTestDocument document_;
 };
 
 TEST_F(BrepContents, FacesOfASolidKeepTheirColours)
 {
     const TopoDS_Shape box = BRepPrimAPI_MakeBox(10, 20, 30).Shape();
-    const TDF_Label part = document.AddPart(box, "part");
-    document.SetColor(part, 1, 0, 0);
-    document.SetColorOf(part, FaceNumber(box, 0), 0, 0, 1);
-    const Model model = ImportBrep(WriteStep(document), {});
+    const TDF_Label part = document_.AddPart(box, "part");
+    document_.SetColor(part, 1, 0, 0);
+    document_.SetColorOf(part, FaceNumber(box, 0), 0, 0, 1);
+    const Model model = ImportBrep(WriteStep(document_), {});
     ASSERT_EQ(model.pieces.size(), 2U);
     const auto& [blue, red] = std::pair(std::min(model.pieces[0].faces.size(), model.pieces[1].faces.size()),
                                         std::max(model.pieces[0].faces.size(), model.pieces[1].faces.size()));
@@ -121,23 +123,45 @@ TEST_F(BrepContents, FacesOfASolidKeepTheirColours)
 TEST_F(BrepContents, FacesOfAPartlyColouredSolidPointOutwards)
 {
     const TopoDS_Shape box = BRepPrimAPI_MakeBox(10, 20, 30).Shape();
-    const TDF_Label part = document.AddPart(box, "part");
-    document.SetColorOf(part, FaceNumber(box, 2), 0, 0, 1);
-    const Model model = ImportBrep(WriteStep(document), {});
+    const TDF_Label part = document_.AddPart(box, "part");
+    document_.SetColorOf(part, FaceNumber(box, 2), 0, 0, 1);
+    const Model model = ImportBrep(WriteStep(document_), {});
     const Point center{5, 10, 15};
     for (const Piece& piece : model.pieces)
         for (const ModelFace& face : piece.faces)
             EXPECT_GT(Dot(face.normal, face.corners.at(0) - center), 0.0);
 }
 
+TEST_F(BrepContents, SolidOfTwoColoursIsSingleSidedAndShowsEachEdgeOnce)
+{
+    const TopoDS_Shape box = BRepPrimAPI_MakeBox(10, 20, 30).Shape();
+    const TDF_Label part = document_.AddPart(box, "part");
+    document_.SetColorOf(part, FaceNumber(box, 0), 0, 0, 1);
+    const Model model = ReadModelFile(WriteStep(document_), {}, {});
+    ASSERT_EQ(model.pieces.size(), 2U);
+    std::vector<std::pair<Point, Point>> shown;
+    for (const Piece& piece : model.pieces) {
+        EXPECT_FALSE(piece.two_sided);
+        for (const auto& [from, to] : FeatureEdges(piece)) {
+            const Point along = to - from;
+            // A diagonal of a face has two coordinates that change.
+            EXPECT_EQ((along.x != 0.0) + (along.y != 0.0) + (along.z != 0.0), 1);
+            for (const auto& other : shown)
+                EXPECT_FALSE(other == std::pair(from, to) || other == std::pair(to, from));
+            shown.emplace_back(from, to);
+        }
+    }
+    EXPECT_EQ(shown.size(), 12U);
+}
+
 TEST_F(BrepContents, ColourOfAnInstanceCoversTheColoursOfFaces)
 {
     const TopoDS_Shape box = BRepPrimAPI_MakeBox(10, 20, 30).Shape();
-    const TDF_Label part = document.AddPart(box, "part");
-    document.SetColorOf(part, FaceNumber(box, 0), 0, 0, 1);
-    const TDF_Label assembly = document.AddAssembly("assembly");
-    document.SetColor(document.Place(assembly, part, MovedBy(1, 0, 0)), 1, 0, 0);
-    const Model model = ImportBrep(WriteStep(document), {});
+    const TDF_Label part = document_.AddPart(box, "part");
+    document_.SetColorOf(part, FaceNumber(box, 0), 0, 0, 1);
+    const TDF_Label assembly = document_.AddAssembly("assembly");
+    document_.SetColor(document_.Place(assembly, part, MovedBy(1, 0, 0)), 1, 0, 0);
+    const Model model = ImportBrep(WriteStep(document_), {});
     ASSERT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(model.pieces[0].color, kRedIndex);
     EXPECT_FALSE(model.pieces[0].closes_with_others);
@@ -145,17 +169,17 @@ TEST_F(BrepContents, ColourOfAnInstanceCoversTheColoursOfFaces)
 
 TEST_F(BrepContents, HiddenPartsAreCounted)
 {
-    document.AddPart(BRepPrimAPI_MakeBox(1, 1, 1).Shape(), "seen");
-    document.Hide(document.AddPart(BRepPrimAPI_MakeBox(2, 2, 2).Shape(), "hidden"));
-    const Model model = ImportBrep(WriteStep(document), {});
+    document_.AddPart(BRepPrimAPI_MakeBox(1, 1, 1).Shape(), "seen");
+    document_.Hide(document_.AddPart(BRepPrimAPI_MakeBox(2, 2, 2).Shape(), "hidden"));
+    const Model model = ImportBrep(WriteStep(document_), {});
     EXPECT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(LeftOutOf(model, "hidden part") + LeftOutOf(model, "hidden body"), 1U);
 }
 
 TEST_F(BrepContents, FileOfHiddenPartsSaysSo)
 {
-    document.Hide(document.AddPart(BRepPrimAPI_MakeBox(2, 2, 2).Shape(), "hidden"));
-    EXPECT_THAT(ErrorOf(WriteStep(document)), HasSubstr("1 hidden "));
+    document_.Hide(document_.AddPart(BRepPrimAPI_MakeBox(2, 2, 2).Shape(), "hidden"));
+    EXPECT_THAT(ErrorOf(WriteStep(document_)), HasSubstr("1 hidden "));
 }
 
 TEST_F(BrepContents, UnboundedFacesAreCounted)
@@ -237,10 +261,10 @@ TEST_F(BrepContents, SewnFacesOfAnIgesFileKeepTheirColours)
     std::vector<TopoDS_Shape> faces;
     for (int i = 0; i < 6; ++i)
         faces.push_back(FaceNumber(box, i));
-    const TDF_Label part = document.AddPart(CompoundOf(faces), "faces");
-    document.SetColorOf(part, faces[0], 1, 0, 0);
-    document.SetColorOf(part, faces[1], 0, 0, 1);
-    const Model model = ImportBrep(WriteIges(document), {});
+    const TDF_Label part = document_.AddPart(CompoundOf(faces), "faces");
+    document_.SetColorOf(part, faces[0], 1, 0, 0);
+    document_.SetColorOf(part, faces[1], 0, 0, 1);
+    const Model model = ImportBrep(WriteIges(document_), {});
     ASSERT_EQ(model.pieces.size(), 3U);
     std::size_t faces_found = 0;
     for (const Piece& piece : model.pieces) {
@@ -286,11 +310,11 @@ TEST_F(BrepContents, HiddenEntityOfAnIgesFileIsCounted)
 
 TEST_F(BrepContents, PartsInFilesBesideAreRead)
 {
-    const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                   MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                   MovedBy(0, 0, 0));
+    const TDF_Label assembly = document_.AddAssembly("assembly");
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                    MovedBy(10, 0, 0));
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                    MovedBy(0, 0, 0));
     const std::string path = WriteStepFiles(document, "main.stp");
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 2U);
@@ -304,11 +328,11 @@ TEST_F(BrepContents, PartsInFilesBesideAreRead)
 
 TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
 {
-    const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                   MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                   MovedBy(0, 0, 0));
+    const TDF_Label assembly = document_.AddAssembly("assembly");
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                    MovedBy(10, 0, 0));
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                    MovedBy(0, 0, 0));
     const std::string main = AllTextOf(WriteStepFiles(document, "main.stp"));
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("part_box.stp"), PathOf("inner/part_box.stp"));
@@ -325,11 +349,11 @@ TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
 
 TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
 {
-    const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                   MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                   MovedBy(0, 0, 0));
+    const TDF_Label assembly = document_.AddAssembly("assembly");
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                    MovedBy(10, 0, 0));
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                    MovedBy(0, 0, 0));
     static_cast<void>(WriteStepFiles(document, "main.stp"));
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("main.stp"), PathOf("inner/main.stp"));
@@ -343,11 +367,11 @@ TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
 
 TEST_F(BrepContents, FileThatRefersToItselfByAnotherNameIsNotReadForever)
 {
-    const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                   MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                   MovedBy(0, 0, 0));
+    const TDF_Label assembly = document_.AddAssembly("assembly");
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                    MovedBy(10, 0, 0));
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                    MovedBy(0, 0, 0));
     std::string text = AllTextOf(WriteStepFiles(document, "main.stp"));
     for (auto at = text.find("'part_rod.stp'"); at != std::string::npos; at = text.find("'part_rod.stp'", at))
         text.replace(at, 14, "'./main.stp'");
@@ -358,11 +382,11 @@ TEST_F(BrepContents, FileThatRefersToItselfByAnotherNameIsNotReadForever)
 
 TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
 {
-    const TDF_Label assembly = document.AddAssembly("assembly");
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                   MovedBy(10, 0, 0));
-    document.Place(assembly, document.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                   MovedBy(0, 0, 0));
+    const TDF_Label assembly = document_.AddAssembly("assembly");
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                    MovedBy(10, 0, 0));
+    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                    MovedBy(0, 0, 0));
     const std::string path = WriteStepFiles(document, "main.stp");
     // The file of the rod is the assembly itself under another name.
     std::filesystem::remove(PathOf("part_rod.stp"));

@@ -59,6 +59,7 @@ TEST(ModelStream, EveryPartOfAModelArrives)
         EXPECT_EQ(plate.name, "plate");
         EXPECT_THAT(plate.parents, ElementsAre("machine", "frame"));
         EXPECT_TRUE(plate.two_sided);
+        EXPECT_FALSE(plate.closes_with_others);
         ASSERT_THAT(plate.faces, SizeIs(2));
         EXPECT_FALSE(plate.faces[0].continues);
         EXPECT_TRUE(plate.faces[1].continues);
@@ -75,6 +76,7 @@ TEST(ModelStream, EveryPartOfAModelArrives)
         EXPECT_EQ(plate.alpha, 0.5F);
         const Piece& wires = model.pieces[1];
         EXPECT_FALSE(wires.two_sided);
+        EXPECT_TRUE(wires.closes_with_others);
         EXPECT_FALSE(wires.edges) << "none is not the same as an empty list";
         ASSERT_THAT(wires.lines, SizeIs(2));
         EXPECT_EQ(wires.lines[0].from, (Point{-1, -2, -3}));

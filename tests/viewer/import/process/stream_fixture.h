@@ -31,6 +31,7 @@ inline Model SampleModel()
     plate.edges = std::vector<Segment>{{{0, 0, 0}, {1e9, 0, 0}}};
     model.pieces.push_back(std::move(plate));
     Piece wires;
+    wires.closes_with_others = true;
     wires.lines = {{{-1, -2, -3}, {4, 5, 6}}, {{4, 5, 6}, {1e-300, 0, 0}}};
     model.pieces.push_back(std::move(wires));
     model.LeaveOut("TEXT", 3);
