@@ -3,6 +3,7 @@
 #pragma once
 
 #include "viewer/import/dxf/curve_segments.h"
+#include "viewer/import/dxf/glyph_outlines.h"
 #include "viewer/import/dxf/hatch.h"
 #include "viewer/import/dxf/infinite_line.h"
 #include "viewer/import/dxf/point_mark.h"
@@ -13,6 +14,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -59,6 +61,27 @@ struct DxfInsert {
     int rows = 1;
     Point column_step; ///< from one column to the next, in the coordinates around the insert
     Point row_step;
+    /// The block was made for this reference only, as that of a dimension: it has no name for users.
+    bool is_anonymous = false;
+};
+
+/// Characters in one plane, and the straight lines between them.
+struct DxfText {
+    /// Places the outline by `x + width * (x' + slant * y')` and `y + height * y'`.
+    struct Character {
+        std::shared_ptr<const Glyph> glyph;
+        double x = 0.0;
+        double y = 0.0;
+        double width = 1.0;
+        double height = 1.0;
+        double slant = 0.0; ///< in units of `width`
+    };
+
+    Affine frame; ///< maps the plane of the text to the drawing
+    std::vector<Character> characters;
+    std::vector<Segment> lines;
+    Box box;                       ///< of all outlines and lines, in the plane
+    std::size_t segment_count = 0; ///< of all outlines and lines
 };
 
 /// Entities of a kind that is not drawn.
@@ -69,7 +92,7 @@ struct DxfLeftOut {
 
 struct DxfEntity {
     std::variant<Segment, EllipticArc, Spline, DxfFace, DxfMesh, DxfInsert, DxfPoint, DxfInfiniteLine,
-                 DxfHatch, DxfWall, DxfBand, DxfLeftOut>
+                 DxfHatch, DxfWall, DxfBand, DxfText, DxfLeftOut>
         shape;
     std::size_t layer = 0;
     int color = kColorByLayer;

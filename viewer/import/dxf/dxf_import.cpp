@@ -1,5 +1,6 @@
 #include "viewer/import/dxf/dxf_import.h"
 
+#include "viewer/import/dxf/annotations.h"
 #include "viewer/import/dxf/drawing_builder.h"
 #include "viewer/import/dxf/entity_stream.h"
 #include "viewer/import/dxf/piece_builder.h"
@@ -9,6 +10,7 @@
 
 #include <dxflib/dl_dxf.h>
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <functional>
@@ -76,10 +78,15 @@ DrawingFile ReadDrawing(const std::string& path, const ProgressFunction& progres
     const std::function<void(const DxfEntityHead&)> begin = [&](const DxfEntityHead& head) {
         builder.Begin(head);
     };
-    DxfEntityStream text(path, report, begin);
+    DxfAnnotations annotations(file.drawing);
+    const std::function<void(const DxfRawEntity&)> take = [&](const DxfRawEntity& entity) {
+        annotations.Take(entity);
+    };
+    DxfEntityStream text(path, report, begin, take);
     std::istream stream(&text);
     DL_Dxf().in(stream, &builder);
     text.RethrowFault();
+    annotations.Finish();
     file.skipped = text.SkippedEntities();
     file.drawing.point_style = text.PointStyle();
     file.meters_per_unit = MetersPerUnit(text.UnitNumber());
@@ -92,12 +99,15 @@ std::string ReasonForNothing(const DrawingFile& file)
     constexpr std::size_t kMaxKinds = 5;
     constexpr std::size_t kMaxKindLength = 30;
     std::map<std::string, std::size_t> skipped = file.skipped;
+    std::map<std::string, std::size_t> left_out;
     std::size_t drawn = 0;
     for (const DxfEntity& entity : file.drawing.entities)
-        if (const auto* left_out = std::get_if<DxfLeftOut>(&entity.shape))
-            skipped[left_out->kind] += left_out->count;
+        if (const auto* parts = std::get_if<DxfLeftOut>(&entity.shape))
+            left_out[parts->kind] += parts->count;
         else
             ++drawn;
+    // Kinds that are counted already stay as they are.
+    skipped.merge(left_out);
     if (drawn > 0)
         return "shows nothing: its " + std::to_string(drawn) +
                " entities are on layers that are off or frozen, or have no extent";

@@ -1,5 +1,6 @@
 #include "viewer/import/dxf/entity_stream.h"
 
+#include "viewer/import/dxf/annotations.h"
 #include "viewer/import/dxf/direct_entities.h"
 #include "viewer/text/file_error.h"
 
@@ -153,8 +154,9 @@ bool IsCount(std::string_view kind, int code)
 } // namespace
 
 DxfEntityStream::DxfEntityStream(const std::string& path, const ProgressFunction& progress,
-                                 const std::function<void(const DxfEntityHead&)>& on_entity)
-    : path_(path), on_entity_(on_entity), groups_(path, progress)
+                                 const std::function<void(const DxfEntityHead&)>& on_entity,
+                                 const std::function<void(const DxfRawEntity&)>& on_other)
+    : path_(path), on_entity_(on_entity), on_other_(on_other), groups_(path, progress)
 {
 }
 
@@ -227,12 +229,22 @@ void DxfEntityStream::EnterSection()
         section_ = Section::Drawn;
     else
         section_ = Section::Other;
+    // Headers have a few hundred variables.
+    constexpr std::size_t kMaxHeaderGroups = 10'000;
+    const bool is_header = name == "HEADER";
+    DxfRawEntity header;
+    header.kind = "HEADER";
     std::string variable;
-    for (ReadNext(); next_.code != 0; ReadNext())
+    for (ReadNext(); next_.code != 0; ReadNext()) {
         if (next_.code == kVariable)
-            variable = UpperCase(next_.value);
+            variable = next_.value = UpperCase(next_.value);
         else
             TakeVariable(variable, next_);
+        if (is_header && header.groups.All().size() < kMaxHeaderGroups)
+            header.groups.Add(next_);
+    }
+    if (is_header)
+        on_other_(header);
 }
 
 void DxfEntityStream::LeaveSection()
@@ -265,18 +277,36 @@ void DxfEntityStream::ReadEntity(const std::string& name, std::size_t line)
     entity_ = {};
     entity_.head.kind = name;
     entity_.head.line = line;
+    const bool has_all_groups = section_ == Section::Tables
+                                    ? IsAnnotationTable(name)
+                                    : section_ == Section::Drawn && IsAnnotation(name);
+    const bool begins_block = name == "BLOCK" && section_ == Section::Drawn;
+    if (begins_block)
+        block_.emplace();
     for (ReadNext(); next_.code != 0; ReadNext()) {
         entity_.has_ended = entity_.has_ended || next_.code == kEmbeddedObject;
         if (is_wanted && !entity_.has_ended && !IsCount(name, next_.code))
             Append(next_);
+        if (!is_wanted)
+            AppendRaw(next_, has_all_groups);
+        if (begins_block && next_.code == 2)
+            block_ = next_.value;
         if (section_ == Section::Tables)
             TakeLayerOpacity(next_);
     }
+    if (name == "ENDBLK" || name == "ENDSEC")
+        block_.reset();
     const bool is_shown = !entity_.is_hidden || IsPartOfOther(name);
     if (is_wanted && is_shown)
         Keep(name);
     else if (section_ == Section::Drawn && !IsPartOfOther(name))
         CountSkipped(name);
+    if (!IsPartOfOther(name))
+        is_owner_hidden_ = entity_.is_hidden;
+    const bool is_drawn_part = name == "ATTRIB" && !is_owner_hidden_;
+    const bool is_other = is_drawn_part || !IsPartOfOther(name);
+    if (!is_wanted && !entity_.is_hidden && is_other)
+        ServeOther(name);
     if (!IsPartOfOther(name) && !(is_wanted && is_shown))
         CloseOpenSequences(name);
 }
@@ -370,6 +400,32 @@ void DxfEntityStream::TakeLayerOpacity(const DxfGroup& group)
         entity_.in_opacity = group.value == "AcCmTransparency";
     if (group.code == kExtendedInteger && entity_.in_opacity)
         entity_.head.numbers.all.push_back({kOpacity, NumberOf(group.value).value_or(0.0)});
+}
+
+/// Keeps the layer and the visibility of an entity that is not passed on, and its groups if wanted.
+void DxfEntityStream::AppendRaw(const DxfGroup& group, bool has_all_groups)
+{
+    constexpr int kLayer = 8;
+    constexpr int kFirstExtendedData = 1000;
+    const bool is_nonzero = ParseWholeNumber(group.value).value_or(0) != 0;
+    if (!entity_.has_ended && (group.code == kInvisible || group.code == kPaperSpace) && is_nonzero)
+        entity_.is_hidden = true;
+    if (!entity_.has_ended && group.code == kLayer)
+        entity_.raw.layer = group.value;
+    if (has_all_groups && group.code < kFirstExtendedData)
+        (entity_.has_ended ? entity_.raw.embedded : entity_.raw.groups).Add(group);
+}
+
+void DxfEntityStream::ServeOther(const std::string& name)
+{
+    const bool is_known_section =
+        section_ == Section::Drawn || (section_ == Section::Tables && IsAnnotationTable(name));
+    if (!is_known_section)
+        return;
+    entity_.raw.kind = name;
+    entity_.raw.line = entity_.head.line;
+    entity_.raw.block = block_;
+    on_other_(entity_.raw);
 }
 
 void DxfEntityStream::CountSkipped(const std::string& name)

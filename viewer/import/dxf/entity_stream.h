@@ -7,6 +7,7 @@
 #include "viewer/import/dxf/entity_numbers.h"
 #include "viewer/import/dxf/group_reader.h"
 #include "viewer/import/dxf/point_mark.h"
+#include "viewer/import/dxf/raw_entity.h"
 #include "viewer/import/progress.h"
 
 #include <array>
@@ -14,6 +15,7 @@
 #include <exception>
 #include <functional>
 #include <map>
+#include <optional>
 #include <streambuf>
 #include <string>
 #include <string_view>
@@ -42,9 +44,12 @@ class DxfEntityStream final : public std::streambuf
   public:
     /// Throws FileError if the file cannot be opened. `progress` gets the fraction of the bytes that are
     /// read. `on_entity` gets the head of each entity before the library reads it; the library has not yet
-    /// added the previous entity then. Both must outlive the object.
+    /// added the previous entity then. `on_other` gets the header, entries of tables, and the visible
+    /// entities of the model that are not passed on, with all groups of annotations. All must outlive the
+    /// object.
     DxfEntityStream(const std::string& path, const ProgressFunction& progress,
-                    const std::function<void(const DxfEntityHead&)>& on_entity);
+                    const std::function<void(const DxfEntityHead&)>& on_entity,
+                    const std::function<void(const DxfRawEntity&)>& on_other);
 
     /// The number of entities that were not passed on, by kind.
     [[nodiscard]] const std::map<std::string, std::size_t>& SkippedEntities() const { return skipped_; }
@@ -68,6 +73,8 @@ class DxfEntityStream final : public std::streambuf
     void ReadEntity(const std::string& name, std::size_t line);
     void Append(const DxfGroup& group);
     void TakeLayerOpacity(const DxfGroup& group);
+    void AppendRaw(const DxfGroup& group, bool has_all_groups);
+    void ServeOther(const std::string& name);
     void CloseOpenSequences(std::string_view next);
     [[nodiscard]] bool IsWanted(std::string_view name) const;
     void Keep(const std::string& name);
@@ -78,6 +85,7 @@ class DxfEntityStream final : public std::streambuf
         DxfEntityHead head;
         std::string body;
         std::map<int, std::size_t> counts; ///< number of groups, by code
+        DxfRawEntity raw;                  ///< of an entity that is not passed on
         bool is_hidden = false;
         bool has_ended = false;  ///< the groups that follow belong to an embedded object
         bool in_opacity = false; ///< the next extended data are the opacity of a layer
@@ -86,6 +94,7 @@ class DxfEntityStream final : public std::streambuf
 
     std::string path_;
     const std::function<void(const DxfEntityHead&)>& on_entity_;
+    const std::function<void(const DxfRawEntity&)>& on_other_;
     DxfGroupReader groups_;
 
     Section section_ = Section::None;
@@ -95,6 +104,8 @@ class DxfEntityStream final : public std::streambuf
     bool in_block_ = false;
     bool in_entities_ = false;
     bool has_entities_ = false; ///< the section of entities is complete
+    std::optional<std::string> block_; ///< the name of the block that the entities are in
+    bool is_owner_hidden_ = false;     ///< the entity that the next attributes belong to is hidden
     Entity entity_;
     std::string served_;
     std::map<std::string, std::size_t> skipped_;

@@ -30,6 +30,17 @@ std::string TextOf(Number value)
     return {text.data(), end};
 }
 
+/// Whether the value is a text, whose blanks count.
+bool IsText(int code)
+{
+    return code == 1 || code == 3 || code == 302 || code == 304;
+}
+
+std::size_t MaxLength(int code)
+{
+    return IsText(code) ? kMaxDxfText : kMaxDxfLine;
+}
+
 } // namespace
 
 std::string QuotedForMessage(std::string_view text)
@@ -72,9 +83,8 @@ int DxfGroupReader::ReadByte()
     return static_cast<unsigned char>(block_[block_next_++]);
 }
 
-/// Returns false at the end of the file. Of a line longer than `kMaxDxfLine`, one byte more than that is
-/// kept.
-bool DxfGroupReader::ReadLine(std::string& text)
+/// Returns false at the end of the file. Of a line longer than `max_length`, one byte more than that is kept.
+bool DxfGroupReader::ReadLine(std::string& text, std::size_t max_length)
 {
     text.clear();
     ++line_;
@@ -84,7 +94,7 @@ bool DxfGroupReader::ReadLine(std::string& text)
         if (byte == 0)
             throw FileError(path_, line_ == 1 ? "is not a DXF file: it begins with zero bytes"
                                               : "line " + std::to_string(line_) + ": holds zero bytes");
-        if (text.size() <= kMaxDxfLine)
+        if (text.size() <= max_length)
             text += static_cast<char>(byte);
     }
     if (byte != '\r')
@@ -114,19 +124,20 @@ bool DxfGroupReader::ReadText(DxfGroup& group, bool may_end)
 {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     std::string text;
-    bool has_code = ReadLine(text);
+    bool has_code = ReadLine(text, kMaxDxfLine);
     while (may_end && has_code && Trimmed(text).empty())
-        has_code = ReadLine(text);
+        has_code = ReadLine(text, kMaxDxfLine);
     if (!has_code)
         return false;
     if (line_ == 1 && text.starts_with(kByteOrderMark))
         text.erase(0, kByteOrderMark.size());
     group.line = line_;
     group.code = ParseCode(text);
-    if (!ReadLine(text))
+    const bool is_text = IsText(group.code);
+    if (!ReadLine(text, MaxLength(group.code)))
         return false;
-    group.value = Trimmed(text);
-    if (text.size() > kMaxDxfLine)
+    group.value = is_text ? text : Trimmed(text);
+    if (!is_text && text.size() > kMaxDxfLine)
         group.value.resize(kMaxDxfLine + 1);
     return true;
 }
@@ -175,13 +186,13 @@ std::optional<std::uint64_t> DxfGroupReader::ReadUnsigned(std::size_t bytes)
     return value;
 }
 
-/// Of a longer text, `kMaxDxfLine` + 1 bytes are kept.
-bool DxfGroupReader::ReadZeroEndedText(std::string& text)
+/// Of a text longer than `max_length`, one byte more than that is kept.
+bool DxfGroupReader::ReadZeroEndedText(std::string& text, std::size_t max_length)
 {
     text.clear();
     int byte = ReadByte();
     for (; byte > 0; byte = ReadByte())
-        if (text.size() <= kMaxDxfLine)
+        if (text.size() <= max_length)
             text += static_cast<char>(byte);
     return byte == 0;
 }
@@ -210,7 +221,7 @@ bool DxfGroupReader::ReadBinaryValue(DxfGroup& group)
     };
     switch (*type) {
     case DxfValueType::Text:
-        return ReadZeroEndedText(group.value);
+        return ReadZeroEndedText(group.value, MaxLength(group.code));
     case DxfValueType::Real:
         return number(8, [](std::uint64_t bits) { return std::bit_cast<double>(bits); });
     case DxfValueType::Byte:
@@ -238,7 +249,8 @@ bool DxfGroupReader::ReadBinary(DxfGroup& group)
     group.code = *code;
     if (!ReadBinaryValue(group))
         return false;
-    group.value = Trimmed(std::string(group.value));
+    if (!IsText(group.code))
+        group.value = Trimmed(std::string(group.value));
     return true;
 }
 

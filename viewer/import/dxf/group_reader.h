@@ -19,9 +19,14 @@ namespace viewer
 /// The maximum length of a line, in bytes.
 inline constexpr std::size_t kMaxDxfLine = 1000;
 
+/// The maximum length of a line of text, in bytes; the rest is dropped.
+inline constexpr std::size_t kMaxDxfText = 65536;
+
 struct DxfGroup {
     int code = 0;
-    std::string value; ///< trimmed; of a line longer than `kMaxDxfLine`, the first `kMaxDxfLine` + 1 bytes
+    /// Trimmed; of a line longer than `kMaxDxfLine`, the first `kMaxDxfLine` + 1 bytes. Texts, codes 1, 3, 302
+    /// and 304, are not trimmed.
+    std::string value;
     /// The line of the code, counted from 1. In a binary file it is the line that the code would have in a text
     /// file.
     std::size_t line = 0;
@@ -47,14 +52,14 @@ class DxfGroupReader
 
   private:
     int ReadByte();
-    bool ReadLine(std::string& text);
+    bool ReadLine(std::string& text, std::size_t max_length);
     [[nodiscard]] int ParseCode(std::string_view text) const;
     bool ReadText(DxfGroup& group, bool may_end);
     bool ReadBinary(DxfGroup& group);
     void DetectBinary();
     bool ReadBytes(std::size_t count, std::string& bytes);
     std::optional<std::uint64_t> ReadUnsigned(std::size_t bytes);
-    bool ReadZeroEndedText(std::string& text);
+    bool ReadZeroEndedText(std::string& text, std::size_t max_length);
     std::optional<int> ReadBinaryCode();
     bool ReadBinaryValue(DxfGroup& group);
     [[nodiscard]] std::string EndPlace() const;

@@ -44,6 +44,29 @@ void AddPoints(const std::vector<Point>& points, const Affine& place, Box& box)
         AddPoint(place.Apply(point), box);
 }
 
+void AddCorners(const DxfText& text, const Affine& place, Box& box)
+{
+    const Affine map = place * text.frame;
+    for (const double x : {text.box.min.x, text.box.max.x})
+        for (const double y : {text.box.min.y, text.box.max.y})
+            AddPoint(map.Apply({x, y, 0.0}), box);
+}
+
+void AppendText(const DxfText& text, const Affine& place, std::vector<Segment>& segments)
+{
+    const Affine map = place * text.frame;
+    for (const DxfText::Character& character : text.characters) {
+        const auto at = [&](const Point& point) {
+            return map.Apply({character.x + character.width * (point.x + character.slant * point.y),
+                              character.y + character.height * point.y, 0.0});
+        };
+        for (const Segment& segment : character.glyph->outline)
+            AppendSegment(at(segment.from), at(segment.to), segments);
+    }
+    for (const Segment& line : text.lines)
+        AppendSegment(map.Apply(line.from), map.Apply(line.to), segments);
+}
+
 void AddArc(const EllipticArc& arc, Box& box)
 {
     AddPoint(arc.center, box);
@@ -83,6 +106,8 @@ Box BoxOfEntity(const PlacedEntity& placed)
         AddPoints(wall->Extremes(), placed.place, box);
     } else if (const auto* band = std::get_if<DxfBand>(&shape)) {
         AddPoints(band->Extremes(), placed.place * band->frame, box);
+    } else if (const auto* text = std::get_if<DxfText>(&shape)) {
+        AddCorners(*text, placed.place, box);
     }
     return box;
 }
@@ -117,6 +142,8 @@ void DxfPieceBuilder::Add(const PlacedEntity& placed)
 {
     if (const auto* left_out = std::get_if<DxfLeftOut>(&placed.entity.shape)) {
         model_.LeaveOut(left_out->kind, left_out->count);
+    } else if (const auto* text = std::get_if<DxfText>(&placed.entity.shape)) {
+        AddText(*text, placed);
     } else if (const auto* mesh = std::get_if<DxfMesh>(&placed.entity.shape)) {
         Piece& piece = NewPiece(placed);
         for (const DxfFace& face : *mesh)
@@ -178,9 +205,20 @@ void DxfPieceBuilder::AddHatch(const DxfHatch& hatch, const PlacedEntity& placed
 void DxfPieceBuilder::Count(std::size_t added)
 {
     segments_ += added;
-    if (segments_ > max_segments_)
+    if (segments_ + text_segments_ > max_segments_)
         throw FileError(path_, "its lines come to more than " + std::to_string(max_segments_) +
                                    " segments; a larger deflection makes fewer");
+}
+
+/// Texts share half of the segments, so that they leave room for the rest of a drawing.
+void DxfPieceBuilder::AddText(const DxfText& text, const PlacedEntity& placed)
+{
+    if (text.segment_count > max_segments_ / 2 - text_segments_) {
+        model_.LeaveOut("TEXT beyond the limit of segments");
+        return;
+    }
+    text_segments_ += text.segment_count;
+    AppendText(text, placed.place, PieceOf(placed).lines);
 }
 
 void DxfPieceBuilder::AddSegments(const PlacedEntity& placed, Piece& piece)

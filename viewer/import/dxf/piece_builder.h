@@ -20,7 +20,8 @@ inline constexpr std::size_t kMaxSegments = 20'000'000;
 inline constexpr double kMaxCoordinate = 1e70;
 
 /// The smallest box around a placed entity; for a spline, around its control points. Infinite if a coordinate
-/// exceeds `kMaxCoordinate` or is not finite. Of an infinite line, its base. Empty for an insert.
+/// exceeds `kMaxCoordinate` or is not finite. Of an infinite line, its base. For a text, around the cells of its
+/// characters. Empty for inserts and for entities that are not drawn.
 [[nodiscard]] Box BoxOfEntity(const PlacedEntity& placed);
 
 class DxfPieceBuilder
@@ -33,7 +34,8 @@ class DxfPieceBuilder
     /// The box of the drawing, which ends infinite lines and gives the marks of points their size. Without it
     /// they are not drawn.
     void SetExtents(const Box& box);
-    /// Throws FileError if the lines exceed `max_segments` segments.
+    /// Throws FileError if the lines exceed `max_segments` segments. Texts that exceed half of that are left
+    /// out and counted; so are entities of kinds that are not drawn.
     void Add(const PlacedEntity& placed);
     /// Returns the model: all pieces with faces or lines, their faces oriented and equal edges merged, and
     /// the names of the layers as categories.
@@ -46,6 +48,7 @@ class DxfPieceBuilder
     void AddFaces(const PlacedEntity& placed, Piece& piece);
     void AddHatch(const DxfHatch& hatch, const PlacedEntity& placed, Piece& piece);
     void Count(std::size_t added);
+    void AddText(const DxfText& text, const PlacedEntity& placed);
 
     std::string path_;
     const DxfDrawing& drawing_;
@@ -54,7 +57,8 @@ class DxfPieceBuilder
     std::size_t max_segments_;
     Model model_;
     std::map<std::tuple<std::size_t, std::size_t, unsigned char, float>, std::size_t> numbers_;
-    std::size_t segments_ = 0; ///< and faces
+    std::size_t segments_ = 0; ///< and faces, without those of texts
+    std::size_t text_segments_ = 0;
     std::size_t hatch_work_ = kMaxHatchWork;
     Box extents_; ///< with a margin; empty if not known
     double mark_size_ = 0.0;

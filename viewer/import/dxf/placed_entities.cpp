@@ -119,7 +119,8 @@ void DxfPlacedEntities::Place(const std::vector<DxfEntity>& entities, const Cont
             continue;
         if (const auto* insert = std::get_if<DxfInsert>(&entity.shape))
             PlaceInsert(*insert,
-                        {context.place, layer_number, color, opacity, PathTo(context.path, insert->block)},
+                        {context.place, layer_number, color, opacity,
+                         insert->is_anonymous ? context.path : PathTo(context.path, insert->block)},
                         context, take);
         else if (!layer.is_off)
             take({entity, context.place, layer_number, static_cast<unsigned char>(color), opacity,

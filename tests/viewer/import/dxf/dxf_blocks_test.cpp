@@ -120,10 +120,10 @@ TEST_F(DxfBlocks, ExtrusionOfAnInsertTurnsWhatItHolds)
               {-11, 1, -2}, {-10, 2, -2});
 }
 
-TEST_F(DxfBlocks, AttributesOfAnInsertAreLeftOut)
+TEST_F(DxfBlocks, AttributesOfAnInsertEndWithTheirSequence)
 {
     const Model model =
-        Import("0 INSERT 2 dash 66 1 0 ATTRIB 10 1 1 text 0 ATTRIB 10 2 0 SEQEND 0 LINE 11 1", kDash);
+        Import("0 INSERT 2 dash 66 1 0 ATTRIB 10 1 70 1 1 text 0 ATTRIB 10 2 0 SEQEND 0 LINE 11 1", kDash);
     ASSERT_EQ(model.pieces.size(), 2U);
     EXPECT_EQ(model.pieces[0].lines.size(), 1U);
     ExpectLine(model.pieces[1].lines.at(0), {0, 0, 0}, {1, 0, 0});

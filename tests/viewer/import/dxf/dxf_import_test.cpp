@@ -339,9 +339,9 @@ TEST_F(DxfImport, InvisibleAndPaperSpaceEntitiesAreNotShown)
 
 TEST_F(DxfImport, OtherKindsAreLeftOutAndTheirVerticesToo)
 {
-    EXPECT_EQ(LinesOf("0 LIGHT 10 1 0 TEXT 10 1 1 hello 0 HATCH 10 0 91 1 92 1 93 4 72 9 0 LEADER 76 99 0 "
+    EXPECT_EQ(LinesOf("0 LIGHT 10 1 0 SHAPE 10 1 2 hello 0 HATCH 10 0 91 1 92 1 93 4 72 9 0 LEADER 76 99 0 "
                       "VERTEX 10 5 20 "
-                      "5 0 SEQEND 0 LINE 11 1 0 DIMENSION 2 *D1 10 1 0 MTEXT 1 x 0 IMAGE 10 1")
+                      "5 0 SEQEND 0 LINE 11 1 0 DIMENSION 2 *D1 10 1 0 OLEFRAME 1 x 0 IMAGE 10 1")
                   .size(),
               1U);
 }

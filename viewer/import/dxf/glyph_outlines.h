@@ -1,0 +1,61 @@
+// The outlines of characters, from the fonts of the system. Each outline is made once.
+#pragma once
+
+#include "viewer/scene/model.h"
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace viewer
+{
+
+/// The maximum number of different outlines.
+inline constexpr std::size_t kMaxGlyphs = 100'000;
+
+/// The design of a font. A drawing names any font; one of these is taken for it. The font of tolerances has
+/// signs for some letters, and others are as in `Sans`.
+enum class FontFamily { Sans, Serif, Mono, Tolerance };
+
+struct FontFace {
+    FontFamily family = FontFamily::Sans;
+    bool is_bold = false;
+    bool is_italic = false;
+
+    auto operator<=>(const FontFace&) const = default;
+};
+
+/// A character on a baseline along x, in units of the height of capital letters.
+struct Glyph {
+    std::vector<Segment> outline; ///< in the plane z = 0; empty for a blank
+    double advance = 0.0;         ///< from its origin to that of the next character
+};
+
+class GlyphOutlines
+{
+  public:
+    GlyphOutlines();
+    ~GlyphOutlines();
+    GlyphOutlines(const GlyphOutlines&) = delete;
+    GlyphOutlines& operator=(const GlyphOutlines&) = delete;
+
+    /// The character in the face, or in another font of the system if the face does not have it. It is a box
+    /// if no font has it, and empty if the system has no font at all. Curves are cut within 1/100 of the
+    /// height. Null for a surrogate, for numbers beyond Unicode, and where there are `kMaxGlyphs` others.
+    [[nodiscard]] std::shared_ptr<const Glyph> Of(const FontFace& face, char32_t character);
+
+    /// Whether the system has a font.
+    [[nodiscard]] bool HasFont();
+
+  private:
+    class LoadedFace;
+    LoadedFace& FaceOf(const FontFace& face);
+    [[nodiscard]] Glyph Make(const FontFace& face, char32_t character);
+
+    std::map<FontFace, std::unique_ptr<LoadedFace>> faces_;
+    std::map<std::pair<FontFace, char32_t>, std::shared_ptr<const Glyph>> glyphs_;
+};
+
+} // namespace viewer
