@@ -162,12 +162,11 @@ void DxfAnnotations::CountLeftOut(const DxfRawEntity& entity)
     // A damaged file can have any number of kinds, of any length.
     constexpr std::size_t kMaxKinds = 200;
     constexpr std::size_t kMaxKindLength = 40;
-    std::string kind = OneLine(entity.kind, kMaxKindLength);
-    if (kinds_.size() < kMaxKinds)
-        kinds_.insert(kind);
-    else if (!kinds_.contains(kind))
-        kind = "other kinds";
-    ++left_out_[{BlockOf(entity), drawing_.LayerNumber(entity.layer), kind}];
+    auto kind = kinds_.find(entity.kind);
+    if (kind == kinds_.end() && kinds_.size() < kMaxKinds)
+        kind = kinds_.emplace(entity.kind, OneLine(entity.kind, kMaxKindLength)).first;
+    ++left_out_[{BlockOf(entity), drawing_.LayerNumber(entity.layer),
+                 kind != kinds_.end() ? kind->second : "other kinds"}];
 }
 
 bool DxfAnnotations::ShowsAnything(std::size_t block) const

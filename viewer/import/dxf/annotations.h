@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -58,7 +57,7 @@ class DxfAnnotations
     std::vector<Pending> pending_;
     std::map<std::string, DxfGroups> definitions_; ///< of the attributes of blocks, by handle
     std::vector<DxfRawEntity> references_;         ///< dimensions and tables, which refer to blocks
-    std::set<std::string> kinds_;                  ///< that are left out
+    std::map<std::string, std::string> kinds_; ///< what is left out, as it is in the file and as it is named
     std::map<std::tuple<Block, std::size_t, std::string>, std::size_t>
         left_out_; ///< by block, layer and kind
 };

@@ -23,12 +23,12 @@ constexpr double kSize = 1000.0;
 constexpr double kSansWidth = 0.9;
 constexpr double kTolerance = 0.01 * 0.73 * kSize;
 
-template <auto kDelete>
+template <auto Delete>
 struct Deleter {
     template <typename T>
     void operator()(T* object) const
     {
-        kDelete(object);
+        Delete(object);
     }
 };
 

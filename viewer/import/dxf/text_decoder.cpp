@@ -86,7 +86,6 @@ class DxfTextDecoder::CodePage
 
     [[nodiscard]] bool IsOpen() const
     {
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open returns
         return converter_ != reinterpret_cast<iconv_t>(-1);
     }
 

@@ -92,16 +92,16 @@ TEST_F(DxfTexts, CapitalsStandOnTheBaselineAndAreAsHighAsTheText)
 TEST_F(DxfTexts, AlignmentIsAtTheSecondPoint)
 {
     const auto box = [&](const std::string& groups) {
-        return Import("0 TEXT 10 500 20 500 11 0 21 0 40 10 1 HHH " + groups).Extents();
+        return Import("0 TEXT 10 500 20 500 11 0 21 0 40 10 1 HHH" + groups).Extents();
     };
-    EXPECT_NEAR(box("72 1").min.x + box("72 1").max.x, 0, 1e-3) << "center";
-    EXPECT_LT(box("72 2").max.x, 0) << "right";
-    EXPECT_GT(box("72 2").max.x, -3);
-    EXPECT_NEAR(box("73 3").max.y, 0, 1e-3) << "top";
-    EXPECT_NEAR(box("73 2").max.y, 5, 1e-3) << "middle";
-    EXPECT_GT(box("73 1").min.y, 1) << "bottom, below letters that reach under the baseline";
-    EXPECT_NEAR(box("72 4").max.y, 5, 1e-3) << "the middle both ways";
-    EXPECT_NEAR(box("72 4").min.x + box("72 4").max.x, 0, 1e-3);
+    EXPECT_NEAR(box(" 72 1").min.x + box(" 72 1").max.x, 0, 1e-3) << "center";
+    EXPECT_LT(box(" 72 2").max.x, 0) << "right";
+    EXPECT_GT(box(" 72 2").max.x, -3);
+    EXPECT_NEAR(box(" 73 3").max.y, 0, 1e-3) << "top";
+    EXPECT_NEAR(box(" 73 2").max.y, 5, 1e-3) << "middle";
+    EXPECT_GT(box(" 73 1").min.y, 1) << "bottom, below letters that reach under the baseline";
+    EXPECT_NEAR(box(" 72 4").max.y, 5, 1e-3) << "the middle both ways";
+    EXPECT_NEAR(box(" 72 4").min.x + box(" 72 4").max.x, 0, 1e-3);
     EXPECT_GT(box("").min.x, 500) << "left at the baseline: the first point";
 }
 
