@@ -26,7 +26,7 @@ DxfGroups PlacingGroups(const DxfGroups& groups)
         const int code = group.code;
         const bool is_point = code >= 10 && code < 40 && code % 10 <= 6;
         const bool is_other = code == 42 || code == 50 || code == 62 || code == 70 || code == 210 ||
-                              code == 220 || code == 230 || code == 420;
+                              code == 220 || code == 230 || code == 420 || code == 440;
         const bool is_text = code >= 1 && code <= kMaxTypeCode && placing.Find(code) == nullptr;
         if (is_point || is_other || is_text)
             placing.Add(group);
@@ -141,9 +141,10 @@ void DxfAnnotations::Add(const DxfRawEntity& entity, DxfShapes shapes)
     const Block block = BlockOf(entity);
     const std::size_t layer = drawing_.LayerNumber(entity.layer);
     const int color = entity.Color();
+    const DxfOpacity opacity = OpacityOf(entity.groups.Real(440));
     for (DxfColoredShape& shape : shapes)
         pending_.push_back(
-            {block, {std::move(shape.shape), layer, shape.color.value_or(color), entity.line}});
+            {block, {std::move(shape.shape), layer, shape.color.value_or(color), entity.line, opacity}});
 }
 
 void DxfAnnotations::AddInsert(const DxfRawEntity& entity, std::size_t block, const Affine& placement)

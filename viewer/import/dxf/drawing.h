@@ -15,6 +15,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -34,6 +35,16 @@ struct DxfOpacity {
     Source source = Source::Layer;
     float value = 1.0F; ///< 0 to 1, for an own one
 };
+
+/// The opacity that group 440 of an entity states; 0 for none.
+[[nodiscard]] DxfOpacity OpacityOf(double stated);
+
+/// The nearest palette index to a colour 0xRRGGBB.
+[[nodiscard]] int NearestIndexOf(int color24);
+
+/// The palette index of an entity's 24-bit colour, negative for none, beside its palette index. No value if it
+/// has none, or if it is only another way to state the foreground.
+[[nodiscard]] std::optional<int> TrueColorOf(int color, int color24);
 
 struct DxfLayer {
     std::string name;

@@ -1,6 +1,5 @@
 #include "viewer/import/dxf/drawing_builder.h"
 
-#include "platform/host/cm/color.h"
 #include "viewer/import/dxf/direct_entities.h"
 #include "viewer/import/dxf/extrusion_frame.h"
 #include "viewer/text/file_error.h"
@@ -20,23 +19,10 @@ namespace
 
 constexpr int kForeground = 7;
 
-/// The nearest palette index to a 24-bit colour.
-int NearestIndexOf(int color24)
-{
-    const auto channel = [&](unsigned int shift) {
-        return static_cast<unsigned char>(static_cast<unsigned int>(color24) >> shift & 0xFFU);
-    };
-    return NearestColorIndex(channel(16), channel(8), channel(0));
-}
-
 /// The palette index of an entity's 24-bit colour, if it has one.
 std::optional<int> TrueColorOf(const DL_Attributes& attributes)
 {
-    // NOTE: Programs with a white background write the foreground, index 7, together with black.
-    const bool is_foreground = attributes.getColor() == kForeground && attributes.getColor24() == 0;
-    if (attributes.getColor24() < 0 || is_foreground)
-        return std::nullopt;
-    return NearestIndexOf(attributes.getColor24());
+    return TrueColorOf(attributes.getColor(), attributes.getColor24());
 }
 
 int ColorOf(const DL_Attributes& attributes)
@@ -121,20 +107,9 @@ void DxfDrawingBuilder::TakeFaceRecord()
             {a, b, c, d});
 }
 
-/// The opacity that group 440 states, in its lowest byte; the highest byte tells whose it is.
 DxfOpacity DxfDrawingBuilder::EntityOpacity() const
 {
-    const auto stated = static_cast<std::int64_t>(finished_.numbers.FirstOr(440, 0.0));
-    constexpr std::int64_t kMaxByte = 255;
-    switch (stated >> 24) {
-    case 1:
-        return {DxfOpacity::Source::Block};
-    case 2:
-        return {DxfOpacity::Source::Own,
-                static_cast<float>(stated & kMaxByte) / static_cast<float>(kMaxByte)};
-    default:
-        return {};
-    }
+    return OpacityOf(finished_.numbers.FirstOr(440, 0.0));
 }
 
 int DxfDrawingBuilder::EntityColor()

@@ -103,7 +103,7 @@ class DxfEntityStream final : public std::streambuf
     bool in_polyline_ = false;
     bool in_block_ = false;
     bool in_entities_ = false;
-    bool has_entities_ = false; ///< the section of entities is complete
+    bool has_entities_ = false;        ///< the section of entities is complete
     std::optional<std::string> block_; ///< the name of the block that the entities are in
     bool is_owner_hidden_ = false;     ///< the entity that the next attributes belong to is hidden
     Entity entity_;

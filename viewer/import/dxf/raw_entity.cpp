@@ -1,6 +1,5 @@
 #include "viewer/import/dxf/raw_entity.h"
 
-#include "platform/host/cm/color.h"
 #include "viewer/import/dxf/drawing.h"
 #include "viewer/import/dxf/extrusion_frame.h"
 #include "viewer/text/text.h"
@@ -8,6 +7,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <system_error>
 
@@ -96,16 +96,15 @@ Affine DxfGroups::Frame() const
 
 int DxfRawEntity::Color() const
 {
-    constexpr int kForeground = 7;
     const int color = groups.Integer(62, kColorByLayer);
-    const int true_color = groups.Integer(420, -1);
-    // NOTE: Programs with a white background write the foreground, index 7, together with black.
-    if (true_color >= 0 && !(color == kForeground && true_color == 0)) {
-        const auto channel = [&](unsigned int shift) {
-            return static_cast<unsigned char>(static_cast<unsigned int>(true_color) >> shift & 0xFFU);
-        };
-        return NearestColorIndex(channel(16), channel(8), channel(0));
-    }
+    const double stated = groups.Real(420, -1.0);
+    // Some programs set bits above those of the colour.
+    constexpr double kMaxStated = 4294967295.0;
+    const int color24 = stated >= 0.0 && stated <= kMaxStated
+                            ? static_cast<int>(static_cast<std::int64_t>(stated) & 0xFFFFFF)
+                            : -1;
+    if (const std::optional<int> true_color = TrueColorOf(color, color24))
+        return *true_color;
     return color >= 0 && color < kColorByLayer ? color : kColorByLayer;
 }
 
