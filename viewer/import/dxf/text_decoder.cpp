@@ -84,10 +84,7 @@ class DxfTextDecoder::CodePage
     CodePage(const CodePage&) = delete;
     CodePage& operator=(const CodePage&) = delete;
 
-    [[nodiscard]] bool IsOpen() const
-    {
-        return converter_ != reinterpret_cast<iconv_t>(-1);
-    }
+    [[nodiscard]] bool IsOpen() const { return converter_ != reinterpret_cast<iconv_t>(-1); }
 
     /// The text, with a replacement for each byte that is not valid. `is_valid` tells if there was none.
     std::u32string Convert(std::string_view bytes, bool& is_valid)
