@@ -11,13 +11,14 @@ namespace viewer
 {
 
 /// Reads a file. Its extension, in either case, selects the importer: STEP (.step .stp), IGES (.iges .igs)
-/// and BREP (.brep .brp .bbrep) are read by `ImportBrep`, DXF (.dxf) by `ImportDxf`, all others by `ImportMesh`.
+/// and BREP (.brep .brp .bbrep) are read by `ImportBrep`, DXF (.dxf) by `ImportDxf`, all others by
+/// `ImportMesh`.
 ///
 /// Faces are convex and of at most `kMaxPartCorners` corners (`FillFaces`), and it is known from which sides
 /// they are visible (`SettleSides`).
 ///
-/// Throws FileError as the importers do, and if the model is empty, with what was left out of it, or its diagonal is not finite. Other
-/// exceptions of the parsing libraries pass through.
+/// Throws FileError as the importers do, and if the model is empty, with what was left out of it, or its
+/// diagonal is not finite. Other exceptions of the parsing libraries pass through.
 [[nodiscard]] Model ReadModelFile(const std::string& path, const ImportOptions& options,
                                   const ProgressFunction& progress = {});
 

@@ -81,8 +81,8 @@ struct Piece {
     std::vector<Segment> lines; ///< wires and curves that are not edges of faces, cut into segments
     /// The faces do not close, so each one is visible from both sides.
     bool two_sided = false;
-    /// The faces are part of a closed surface that several pieces form, and whose faces point outwards. The piece
-    /// is never made two-sided or turned by itself.
+    /// The faces are part of a closed surface that several pieces form, and whose faces point outwards. The
+    /// piece is never made two-sided or turned by itself.
     bool closes_with_others = false;
     int category = 0;
     unsigned char color = 7; ///< palette index

@@ -17,9 +17,9 @@ namespace viewer
 ///   cavity, which lies within another closed surface of the piece, stays as it is. A piece with too many
 ///   surfaces to tell which of them are cavities becomes two-sided.
 ///
-/// A piece that is two-sided before stays so. One that closes with others is neither made two-sided nor turned:
-/// its importer has oriented the whole surface. The time for a piece is n log n of its corners, in addition to
-/// a second at most for its cavities.
+/// A piece that is two-sided before stays so. One that closes with others is neither made two-sided nor
+/// turned: its importer has oriented the whole surface. The time for a piece is n log n of its corners, in
+/// addition to a second at most for its cavities.
 void SettleSides(Model& model);
 
 } // namespace viewer

@@ -98,8 +98,8 @@ class PartBodies
 
     void SetStyle(const TopoDS_Shape& shape, const Style& style) { styles_.Bind(shape, style); }
 
-    /// The solids first, then the shells, the loose faces, edges and points. Loose shapes of one colour and name
-    /// are one body.
+    /// The solids first, then the shells, the loose faces, edges and points. Loose shapes of one colour and
+    /// name are one body.
     std::vector<Found> Find(const TopoDS_Shape& part, const std::optional<BrepColor>& color)
     {
         if (!part.IsNull())

@@ -57,9 +57,9 @@ struct BrepContent {
     LeftOutCounts left_out;
 };
 
-/// Reads a file. Lengths of STEP and IGES files are millimetres; BREP files have no unit. Faces of an IGES file
-/// that meet are sewn to shells. Hidden parts, unbounded bodies and empty parts are counted as left out. Throws
-/// FileError, and passes the library's exceptions on.
+/// Reads a file. Lengths of STEP and IGES files are millimetres; BREP files have no unit. Faces of an IGES
+/// file that meet are sewn to shells. Hidden parts, unbounded bodies and empty parts are counted as left out.
+/// Throws FileError, and passes the library's exceptions on.
 [[nodiscard]] BrepContent ReadBrepContent(const std::string& path, BrepKind kind,
                                           const ImportOptions& options,
                                           const Message_ProgressRange& progress);

@@ -22,8 +22,8 @@ namespace viewer
 /// Names of shapes inside parts. The keys have no location.
 using ShapeNames = NCollection_DataMap<TopoDS_Shape, std::string, TopTools_ShapeMapHasher>;
 
-/// A document of the library, and what a document has no place for. The library's application holds the document
-/// until it is closed.
+/// A document of the library, and what a document has no place for. The library's application holds the
+/// document until it is closed.
 class BrepDocument
 {
   public:
@@ -32,9 +32,9 @@ class BrepDocument
     BrepDocument& operator=(const BrepDocument&) = delete;
     ~BrepDocument();
 
-    /// Reads a file. Lengths of STEP and IGES files are converted to millimetres. STEP files that it refers to are
-    /// read too, as `CheckExternalFiles` allows. Throws FileError if the file cannot be parsed, and passes the
-    /// library's exceptions on.
+    /// Reads a file. Lengths of STEP and IGES files are converted to millimetres. STEP files that it refers
+    /// to are read too, as `CheckExternalFiles` allows. Throws FileError if the file cannot be parsed, and
+    /// passes the library's exceptions on.
     void Read(const std::string& path, BrepKind kind, const ImportOptions& options,
               const Message_ProgressRange& progress);
 

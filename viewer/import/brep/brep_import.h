@@ -16,9 +16,10 @@ namespace viewer
 /// Pieces: each solid of each instance in an assembly becomes one piece, and so does each shell outside of
 /// solids. If its faces have several colours, there is a piece for each. The loose faces of a part become one
 /// piece for each colour, and its loose edges become pieces of lines in the same way. Loose points become
-/// crosses of three lines, half a percent of the model's diagonal long, or one unit if the model is one point.
-/// If a solid is closed, the faces of its pieces are closed too. Loose faces of IGES files are sewn first.
-/// Tessellated geometry and curves of annotations in STEP files become pieces of their own.
+/// crosses of three lines, half a percent of the model's diagonal long, or one unit if the model is one
+/// point. If a solid is closed, the faces of its pieces close together (`Piece::closes_with_others`). Loose
+/// faces of IGES files are sewn first. Tessellated geometry and curves of annotations in STEP files become
+/// pieces of their own.
 ///
 /// Hidden and unbounded parts, parts without geometry, missing files and faces without a mesh are counted in
 /// `Model::left_out`.
@@ -31,9 +32,10 @@ namespace viewer
 /// segments differ in direction by at most `kFacetAngle`. `Piece::edges` are the edges of the file, without
 /// edges of length 0 and without smooth seams, where a closed surface meets itself.
 ///
-/// Colour of a face: that of its instance. Without one, its own, or that of the body, the part or an assembly,
-/// the innermost one first. Grey if there is none. An edge belongs to the piece of its first face. Name: that of the instance, or else of the part. If a body has a name of its own,
-/// the part's name is one of its parents.
+/// Colour of a face: that of its instance. Without one, its own, or that of the body, the part or an
+/// assembly, the innermost one first. Grey if there is none. An edge belongs to the piece of its first face.
+/// Name: that of the instance, or else of the part. If a body has a name of its own, the part's name is one
+/// of its parents.
 ///
 /// Categories: the products on the first level of the assembly that has several of them, with their names. In
 /// a file without such a level, one category for each colour.
@@ -43,8 +45,8 @@ namespace viewer
 [[nodiscard]] Model ImportBrep(const std::string& path, const ImportOptions& options,
                                const ProgressFunction& progress = {});
 
-/// The maximum angle between consecutive segments, in degrees: a full circle has at least 12 segments. It only
-/// keeps small shapes recognisable; large ones are cut by the deflection.
+/// The maximum angle between consecutive segments, in degrees: a full circle has at least 12 segments. It
+/// only keeps small shapes recognisable; large ones are cut by the deflection.
 inline constexpr double kFacetAngle = 30.0;
 
 } // namespace viewer

@@ -108,8 +108,8 @@ std::string LastPart(const std::string& text)
     return text.substr(text.find_last_of("/\\:") + 1);
 }
 
-/// Whether the file's text has a word that each reference to another file needs. Such files are rare, and this is
-/// faster than parsing.
+/// Whether the file's text has a word that each reference to another file needs. Such files are rare, and
+/// this is faster than parsing.
 bool MayReferToFiles(const fs::path& path)
 {
     return FileHasOneOf(path.string(), std::array<std::string_view, 2>{"EXTERNAL_IDENTIFICATION_ASSIGNMENT",
@@ -170,7 +170,8 @@ class ExternalFileCheck
         }
     }
 
-    /// The name of the file in the folder that differs in the case of letters only, if the file does not exist.
+    /// The name of the file in the folder that differs in the case of letters only, if the file does not
+    /// exist.
     [[nodiscard]] std::string InItsCase(const std::string& text) const
     {
         std::error_code error;

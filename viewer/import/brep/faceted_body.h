@@ -60,8 +60,8 @@ class FacetedBody
     FacetedBody(const FacetedBody&) = delete;
     FacetedBody& operator=(const FacetedBody&) = delete;
 
-    /// Adds the facets and edges of a face; only edges if it has no mesh. `piece` is the number of the piece that
-    /// gets them; an edge of several faces belongs to the piece of the first one.
+    /// Adds the facets and edges of a face; only edges if it has no mesh. `piece` is the number of the piece
+    /// that gets them; an edge of several faces belongs to the piece of the first one.
     void AddFace(const TopoDS_Face& face, std::size_t piece = 0);
     [[nodiscard]] std::size_t FacesWithoutMesh() const { return faces_without_mesh_; }
     /// Whether each side of a facet has exactly one facet on its other side, running in the opposite

@@ -165,8 +165,8 @@ class Sewer
         return once.IsEmpty();
     }
 
-    /// Adds the faces that meet no other one: those that close on themselves one by one, as they can be inside out,
-    /// the others by the body that they come from.
+    /// Adds the faces that meet no other one: those that close on themselves one by one, as they can be
+    /// inside out, the others by the body that they come from.
     void AddAlone(const TopoDS_Shape& shape, const Sources& sources,
                   const std::shared_ptr<BrepLabels>& labels, std::vector<BrepBody>& divided) const
     {

@@ -1,4 +1,5 @@
-// Tessellated geometry of a STEP file: triangles and lines that are stored as such. The library does not know it.
+// Tessellated geometry of a STEP file: triangles and lines that are stored as such. The library does not know
+// it.
 #pragma once
 
 #include "viewer/import/brep/part_counts.h"

@@ -55,7 +55,8 @@ class StepText
 /// The characters between the quotes, not decoded; empty for other values.
 [[nodiscard]] std::string StepString(std::string_view value);
 
-/// Whether the file has one of these words, of at most 64 characters. Reads the file in blocks, up to the word.
+/// Whether the file has one of these words, of at most 64 characters. Reads the file in blocks, up to the
+/// word.
 [[nodiscard]] bool FileHasOneOf(const std::string& path, std::span<const std::string_view> words);
 
 } // namespace viewer
