@@ -315,7 +315,7 @@ TEST_F(BrepContents, PartsInFilesBesideAreRead)
                     MovedBy(10, 0, 0));
     document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
                     MovedBy(0, 0, 0));
-    const std::string path = WriteStepFiles(document, "main.stp");
+    const std::string path = WriteStepFiles(document_, "main.stp");
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 2U);
     EXPECT_TRUE(model.left_out.empty());
@@ -333,7 +333,7 @@ TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
                     MovedBy(10, 0, 0));
     document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
                     MovedBy(0, 0, 0));
-    const std::string main = AllTextOf(WriteStepFiles(document, "main.stp"));
+    const std::string main = AllTextOf(WriteStepFiles(document_, "main.stp"));
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("part_box.stp"), PathOf("inner/part_box.stp"));
     for (const std::string& other : {std::string("../part_rod.stp"), PathOf("part_rod.stp")}) {
@@ -354,7 +354,7 @@ TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
                     MovedBy(10, 0, 0));
     document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
                     MovedBy(0, 0, 0));
-    static_cast<void>(WriteStepFiles(document, "main.stp"));
+    static_cast<void>(WriteStepFiles(document_, "main.stp"));
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("main.stp"), PathOf("inner/main.stp"));
     std::filesystem::copy_file(PathOf("part_box.stp"), PathOf("inner/part_box.stp"));
@@ -372,7 +372,7 @@ TEST_F(BrepContents, FileThatRefersToItselfByAnotherNameIsNotReadForever)
                     MovedBy(10, 0, 0));
     document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
                     MovedBy(0, 0, 0));
-    std::string text = AllTextOf(WriteStepFiles(document, "main.stp"));
+    std::string text = AllTextOf(WriteStepFiles(document_, "main.stp"));
     for (auto at = text.find("'part_rod.stp'"); at != std::string::npos; at = text.find("'part_rod.stp'", at))
         text.replace(at, 14, "'./main.stp'");
     const Model model = ImportBrep(Write("main.stp", text), {});
@@ -387,7 +387,7 @@ TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
                     MovedBy(10, 0, 0));
     document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
                     MovedBy(0, 0, 0));
-    const std::string path = WriteStepFiles(document, "main.stp");
+    const std::string path = WriteStepFiles(document_, "main.stp");
     // The file of the rod is a copy of the assembly, whose rod is the assembly.
     std::string text = AllTextOf(path);
     for (auto at = text.find("'part_rod.stp'"); at != std::string::npos; at = text.find("'part_rod.stp'", at))
