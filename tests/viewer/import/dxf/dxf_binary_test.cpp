@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <sstream>
@@ -89,6 +90,33 @@ TEST_F(DxfBinary, BinaryDrawingIsThatOfItsText)
                 EXPECT_EQ(model.pieces[i].lines[k].from, expected.pieces[i].lines[k].from);
                 EXPECT_EQ(model.pieces[i].lines[k].to, expected.pieces[i].lines[k].to);
             }
+        }
+    }
+}
+
+TEST_F(DxfBinary, TextsOfABinaryDrawingAreShownWithAllTheirCharacters)
+{
+    // Words of `Binary` hold no blanks.
+    const std::string drawing = Drawing("0 TEXT 40 10 1 $ 0 MTEXT 20 50 40 10 1 $");
+    const auto with_value = [](std::string bytes, const std::string& place, const std::string& text) {
+        for (std::size_t at = bytes.find(place); at != std::string::npos; at = bytes.find(place))
+            bytes.replace(at + 1, 1, text);
+        return bytes;
+    };
+    for (const std::string& value : {std::string("  H  H"), std::string(1500, 'H')}) {
+        const auto letters = static_cast<std::size_t>(std::count(value.begin(), value.end(), 'H'));
+        const Model expected = ImportText(with_value(drawing, "\n$\n", value));
+        ASSERT_EQ(expected.pieces.size(), 1U);
+        for (const std::size_t code_bytes : {std::size_t{2}, std::size_t{1}}) {
+            const std::string bytes = Binary(drawing, code_bytes);
+            const std::string place = code_bytes == 2 ? std::string("\0$\0", 3) : std::string("\1$\0", 3);
+            const Model model = ImportText(with_value(bytes, place, value));
+            ASSERT_EQ(model.pieces.size(), 1U);
+            EXPECT_EQ(model.Extents().min, expected.Extents().min);
+            EXPECT_EQ(model.Extents().max, expected.Extents().max);
+            EXPECT_THAT(model.pieces[0].lines, SizeIs(expected.pieces[0].lines.size()));
+            EXPECT_THAT(model.pieces[0].lines, SizeIs(24 * letters))
+                << "an H has twelve corners, and both texts are shown";
         }
     }
 }

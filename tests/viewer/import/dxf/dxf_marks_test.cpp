@@ -210,6 +210,10 @@ TEST_F(DxfMarks, OpacityIsTheEntitysOrTheLayersOrTheInserts)
     EXPECT_FLOAT_EQ(alpha("0 LINE 440 33554483 11 1"), 0.2F);
     EXPECT_FLOAT_EQ(alpha("0 LINE 8 a 11 1"), 0.2F);
     EXPECT_FLOAT_EQ(alpha("0 LINE 8 a 440 33554687 11 1"), 1.0F);
+    EXPECT_FLOAT_EQ(alpha("0 TEXT 440 33554483 40 1 1 H"), 0.2F);
+    EXPECT_FLOAT_EQ(alpha("0 TEXT 8 a 40 1 1 H"), 0.2F);
+    EXPECT_FLOAT_EQ(
+        alpha("0 DIMENSION 2 *D 440 33554483 10 1", "0 BLOCK 2 *D 0 LINE 440 16777216 11 1 0 ENDBLK"), 0.2F);
     EXPECT_FLOAT_EQ(alpha("0 INSERT 2 b 440 33554483", "0 BLOCK 2 b 0 LINE 440 16777216 11 1 0 ENDBLK"),
                     0.2F);
 }
