@@ -2,6 +2,7 @@
 
 #include "viewer/import/dxf/face_conversion.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -221,6 +222,12 @@ void DxfPieceBuilder::AddText(const DxfText& text, const PlacedEntity& placed)
     AppendText(text, placed.place, PieceOf(placed).lines);
 }
 
+/// NOTE: The points that define dimensions are on a layer of their own, and are always dots.
+int DxfPieceBuilder::ModeOfPoints(std::size_t layer) const
+{
+    return LowerCase(drawing_.layers[layer].name) == "defpoints" ? 0 : drawing_.point_style.mode;
+}
+
 void DxfPieceBuilder::AddSegments(const PlacedEntity& placed, Piece& piece)
 {
     if (const auto* line = std::get_if<Segment>(&placed.entity.shape))
@@ -230,7 +237,7 @@ void DxfPieceBuilder::AddSegments(const PlacedEntity& placed, Piece& piece)
     else if (const auto* spline = std::get_if<Spline>(&placed.entity.shape))
         CutSpline(Transformed(*spline, placed.place), tolerance_, piece.lines);
     else if (const auto* point = std::get_if<DxfPoint>(&placed.entity.shape))
-        AppendPoint(*point, placed.place, drawing_.point_style.mode, mark_size_, dot_length_, tolerance_,
+        AppendPoint(*point, placed.place, ModeOfPoints(placed.layer), mark_size_, dot_length_, tolerance_,
                     piece.lines);
     else if (const auto* infinite = std::get_if<DxfInfiniteLine>(&placed.entity.shape))
         if (const auto part = ClippedTo(extents_, *infinite, placed.place))

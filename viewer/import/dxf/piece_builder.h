@@ -48,6 +48,7 @@ class DxfPieceBuilder
     void AddFaces(const PlacedEntity& placed, Piece& piece);
     void AddHatch(const DxfHatch& hatch, const PlacedEntity& placed, Piece& piece);
     void Count(std::size_t added);
+    [[nodiscard]] int ModeOfPoints(std::size_t layer) const;
     void AddText(const DxfText& text, const PlacedEntity& placed);
 
     std::string path_;

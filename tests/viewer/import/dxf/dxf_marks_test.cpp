@@ -80,6 +80,16 @@ TEST_F(DxfMarks, CircleAndSquareSurroundTheMark)
     EXPECT_EQ(MarkOf(98).size(), MarkOf(33).size() + 4 + 2);
 }
 
+TEST_F(DxfMarks, PointsThatDefineDimensionsAreDotsInEveryMode)
+{
+    for (const char* layer : {"Defpoints", "DEFPOINTS"}) {
+        const Model model =
+            ImportMarked(98, "2", std::string("0 POINT 10 5 20 5 8 ") + layer + " 0 LINE 11 10");
+        EXPECT_THAT(model.pieces.at(0).lines, SizeIs(3)) << layer;
+        EXPECT_LT(model.pieces.at(0).lines.at(0).to.x - model.pieces.at(0).lines.at(0).from.x, 0.1);
+    }
+}
+
 TEST_F(DxfMarks, ModeOneShowsNothing)
 {
     EXPECT_EQ(ImportMarked(1, "2", "0 POINT 10 5 20 5 0 LINE 11 10").pieces.at(0).lines.size(), 1U);
