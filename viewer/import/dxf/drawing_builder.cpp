@@ -22,7 +22,7 @@ constexpr int kForeground = 7;
 /// The palette index of an entity's 24-bit colour, if it has one.
 std::optional<int> TrueColorOf(const DL_Attributes& attributes)
 {
-    return TrueColorOf(attributes.getColor(), attributes.getColor24());
+    return viewer::TrueColorOf(attributes.getColor(), attributes.getColor24());
 }
 
 int ColorOf(const DL_Attributes& attributes)
