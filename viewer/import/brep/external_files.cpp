@@ -165,7 +165,8 @@ class ExternalFileCheck
             return;
         std::vector<fs::path> chain{main_};
         if (!MayBeRead(file, chain)) {
-            ++left_out_["file \"" + OneLine(text) + "\", which refers to itself or out of its folder"];
+            // A file stands in a reference several times.
+            left_out_["file \"" + OneLine(text) + "\", which refers to itself or out of its folder"] = 1;
             SetText(name, kNoFile);
         }
     }
