@@ -131,11 +131,11 @@ void DxfDrawingBuilder::Add(decltype(DxfEntity::shape) shape, std::optional<int>
 }
 
 /// Adds what the thickness of a curve makes of it, if it has one.
-void DxfDrawingBuilder::AddWall(std::variant<Segment, EllipticArc> curve)
+void DxfDrawingBuilder::AddWall(const std::variant<Segment, EllipticArc>& curve)
 {
     const double thickness = finished_.numbers.FirstOr(39, 0.0);
     if (thickness != 0.0)
-        Add(DxfWall{std::move(curve), Frame().z * thickness});
+        Add(DxfWall{curve, Frame().z * thickness});
 }
 
 /// Points, and all entities that are not read by the library: it gets a point for each of them.

@@ -72,7 +72,7 @@ class DxfDrawingBuilder final : public DL_CreationAdapter
     void TakeFaceRecord();
     /// Adds a shape with the attributes of the entity, but with this colour if there is one.
     void Add(decltype(DxfEntity::shape) shape, std::optional<int> color = {});
-    void AddWall(std::variant<Segment, EllipticArc> curve);
+    void AddWall(const std::variant<Segment, EllipticArc>& curve);
     [[nodiscard]] DxfOpacity EntityOpacity() const;
     [[nodiscard]] DxfFace FaceOf(const DL_TraceData& data, const Affine& frame) const;
     void AddBand(const DL_TraceData& data);

@@ -14,10 +14,8 @@ namespace
 {
 
 using testing::AllOf;
-using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 class DxfMarks : public DxfTest
