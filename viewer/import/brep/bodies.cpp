@@ -37,6 +37,8 @@ namespace viewer
 namespace
 {
 
+constexpr const char* kEmptyPart = "empty part";
+
 /// The label's name in UTF-8, in one line.
 std::string NameOf(const TDF_Label& label)
 {
@@ -409,7 +411,7 @@ class AssemblyWalk
         // A missing file is counted as such.
         if (content_.bodies.size() == before && !inside.HasLeftOut() &&
             !XCAFDoc_ShapeTool::IsExternRef(label))
-            ++content_.left_out["empty part"];
+            ++content_.left_out[kEmptyPart];
     }
 
     void AddTessellations(const std::string& product, const Inherited& inherited, std::size_t group)
@@ -493,11 +495,6 @@ class AssemblyWalk
     BrepContent content_;
 };
 
-} // namespace
-
-namespace
-{
-
 /// Joins curves and points at the root of an IGES file to one body for each name and colour.
 void JoinLooseCurves(std::vector<BrepBody>& bodies)
 {
@@ -522,6 +519,22 @@ void JoinLooseCurves(std::vector<BrepBody>& bodies)
         bodies.push_back(std::move(body));
 }
 
+/// The part of a file that was not read is empty. It is counted once, as the file.
+void ForgetPartsOfFiles(LeftOutCounts& left_out)
+{
+    const auto empty = left_out.find(kEmptyPart);
+    if (empty == left_out.end())
+        return;
+    std::size_t files = 0;
+    for (const auto& [kind, count] : left_out)
+        if (kind.starts_with("missing file ") || kind.starts_with("file "))
+            files += count;
+    if (files >= empty->second)
+        left_out.erase(empty);
+    else
+        empty->second -= files;
+}
+
 } // namespace
 
 BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const ImportOptions& options,
@@ -536,6 +549,7 @@ BrepContent ReadBrepContent(const std::string& path, BrepKind kind, const Import
     BrepContent content = AssemblyWalk(document, std::move(tessellations)).Walk();
     for (const auto& [left_out_kind, count] : left_out)
         content.left_out[left_out_kind] += count;
+    ForgetPartsOfFiles(content.left_out);
     if (const std::optional<double> tolerance = document.SewingTolerance()) {
         SewLooseFaces(content.bodies, *tolerance);
         JoinLooseCurves(content.bodies);

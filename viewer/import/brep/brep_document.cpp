@@ -42,6 +42,8 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace viewer
@@ -254,7 +256,10 @@ void BrepDocument::ReadStep(const std::string& path, const ImportOptions& option
     reader.SetGDTMode(Standard_False);
     reader.SetMatMode(Standard_False);
     reader.SetViewMode(Standard_False);
-    if (reader.ReadFile(path.c_str()) != IFSelect_RetDone)
+    // NOTE: The library finds no files beside one that is given by a relative path.
+    std::error_code error;
+    const std::filesystem::path whole = std::filesystem::canonical(path, error);
+    if (reader.ReadFile(error ? path.c_str() : whole.c_str()) != IFSelect_RetDone)
         throw FileError(path, "damaged: is not a STEP file that can be parsed");
     CheckExternalFiles(path, reader.Reader().WS(), left_out_);
     const bool has_shapes = reader.Transfer(document_, progress);

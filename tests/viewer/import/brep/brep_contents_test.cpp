@@ -319,10 +319,13 @@ TEST_F(BrepContents, PartsInFilesBesideAreRead)
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 2U);
     EXPECT_TRUE(model.left_out.empty());
+    const std::string relative = std::filesystem::relative(path).string();
+    EXPECT_EQ(ImportBrep(relative, {}).pieces.size(), 2U) << relative;
     ASSERT_TRUE(std::filesystem::remove(PathOf("part_rod.stp")));
     const Model rest = ImportBrep(path, {});
     EXPECT_EQ(rest.pieces.size(), 1U);
     EXPECT_EQ(LeftOutOf(rest, "missing file \"part_rod.stp\""), 1U);
+    EXPECT_EQ(rest.left_out.size(), 1U);
 }
 
 TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
@@ -361,6 +364,7 @@ TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
     const Model model = ImportBrep(PathOf("inner/main.stp"), {});
     EXPECT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(LeftOutOf(model, "file \"part_rod.stp\", which refers to itself or out of its folder"), 1U);
+    EXPECT_EQ(model.left_out.size(), 1U);
 }
 
 TEST_F(BrepContents, FileThatRefersToItselfByAnotherNameIsNotReadForever)
@@ -394,6 +398,7 @@ TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 1U);
     EXPECT_EQ(LeftOutOf(model, "file \"part_rod.stp\", which refers to itself or out of its folder"), 1U);
+    EXPECT_EQ(model.left_out.size(), 1U);
 }
 
 /// The number of the first entity of a type in the text of a STEP file, with '#'.

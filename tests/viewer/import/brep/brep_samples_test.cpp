@@ -128,14 +128,20 @@ TEST(BrepSamples, ClosedShellIsABody)
     EXPECT_TRUE(ClosesToABody(model.pieces[0]));
 }
 
-TEST(BrepSamples, WiresAreLines)
+TEST(BrepSamples, WiresAreLinesAndPointsAreCrosses)
 {
     const Model model = ImportBrep(PathOfSample("occ/asahi.brep"), {});
+    const TopoDS_Shape shape = ShapeOf(PathOfSample("occ/asahi.brep"));
     TopTools_IndexedMapOfShape edges;
-    TopExp::MapShapes(ShapeOf(PathOfSample("occ/asahi.brep")), TopAbs_EDGE, edges);
-    ASSERT_EQ(model.pieces.size(), 1U);
+    TopExp::MapShapes(shape, TopAbs_EDGE, edges);
+    TopTools_IndexedMapOfShape points;
+    for (TopExp_Explorer it(shape, TopAbs_VERTEX, TopAbs_EDGE); it.More(); it.Next())
+        points.Add(it.Current());
+    ASSERT_GT(points.Extent(), 1000);
+    ASSERT_EQ(model.pieces.size(), 2U);
     EXPECT_EQ(model.FaceCount(), 0U);
     EXPECT_GE(model.pieces[0].lines.size(), static_cast<std::size_t>(edges.Extent()));
+    EXPECT_EQ(model.pieces[1].lines.size(), 3 * static_cast<std::size_t>(points.Extent()));
 }
 
 TEST(BrepSamples, IgesSurfacesCoverTheSolidOfTheSameName)
