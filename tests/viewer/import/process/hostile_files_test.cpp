@@ -134,9 +134,11 @@ TEST_P(HostileKind, CutAtTwentyPlacesIsRefused)
     const std::string sample = Sample(GetParam());
     const Outcome whole = Import(Write("whole." + GetParam(), sample));
     ASSERT_TRUE(whole.model);
+    // A drawing whose entities are complete is shown, with an end marker or without.
+    const std::size_t needed = GetParam() == "dxf" ? sample.rfind("ENDSEC") : sample.size();
     constexpr std::size_t kCuts = 20;
     for (std::size_t i = 0; i < kCuts; ++i) {
-        const std::size_t size = sample.size() * i / kCuts;
+        const std::size_t size = needed * i / kCuts;
         const Outcome cut = Import(Write(Name(), sample.substr(0, size)));
         const std::string where = "cut at " + std::to_string(size) + " of " + std::to_string(sample.size());
         if (TellsItsEnd())
