@@ -31,7 +31,7 @@ const Piece& PieceNamed(const Model& model, const std::string& name)
 }
 
 /// The volume inside faces whose corners run clockwise seen from outside.
-double VolumeOf(const Piece& piece)
+double EnclosedVolume(const Piece& piece)
 {
     double six_volumes = 0.0;
     for (const ModelFace& face : piece.faces)
@@ -88,7 +88,7 @@ TEST(BundledModel, EveryFaceIsFlatAndItsNormalIsOfUnitLength)
 TEST(BundledModel, CornersRunClockwiseSeenFromOutside)
 {
     for (const Piece& piece : MakeBundledModel().pieces) {
-        EXPECT_GT(VolumeOf(piece), 0.0) << piece.name;
+        EXPECT_GT(EnclosedVolume(piece), 0.0) << piece.name;
         for (const ModelFace& face : piece.faces) {
             Point area;
             for (std::size_t i = 1; i + 1 < face.corners.size(); ++i)
@@ -102,17 +102,17 @@ TEST(BundledModel, VolumesAreThoseOfTheShapes)
 {
     const Model model = MakeBundledModel();
     // A ring of 48 corners between the radii 18 and 23, 56 long.
-    EXPECT_NEAR(VolumeOf(PieceNamed(model, "bush")), UnitArea(48) * (23.0 * 23.0 - 18.0 * 18.0) * 56.0, 1e-6);
+    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "bush")), UnitArea(48) * (23.0 * 23.0 - 18.0 * 18.0) * 56.0, 1e-6);
     // Two rings of 32 corners between 6 and 13, 3 high.
-    EXPECT_NEAR(VolumeOf(PieceNamed(model, "washers")), 2.0 * UnitArea(32) * (169.0 - 36.0) * 3.0, 1e-6);
+    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "washers")), 2.0 * UnitArea(32) * (169.0 - 36.0) * 3.0, 1e-6);
     // The foot: 160 x 72 x 14, less four corners rounded by 24-gons of radius 10 and two holes of 32 corners
     // and radius 7.
     const double foot = 160.0 * 72.0 - (4.0 - UnitArea(24)) * 100.0 - 2.0 * UnitArea(32) * 49.0;
-    EXPECT_NEAR(VolumeOf(PieceNamed(model, "foot")), foot * 14.0, 1e-6);
+    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "foot")), foot * 14.0, 1e-6);
     // Two shanks of 32 corners and radius 6, 17 below the head and 2 above it, and two hexagons of radius 11,
     // 9 high.
     const double bolts = 2.0 * (UnitArea(32) * 36.0 * (17.0 + 2.0) + UnitArea(6) * 121.0 * 9.0);
-    EXPECT_NEAR(VolumeOf(PieceNamed(model, "bolts")), bolts, 1e-6);
+    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "bolts")), bolts, 1e-6);
 }
 
 TEST(BundledModel, StandsOnTheFloorAboveTheOrigin)
