@@ -7,12 +7,18 @@
 #include "viewer/import/library_message.h"
 #include "viewer/text/file_error.h"
 
+#include <BRepAdaptor_Surface.hxx>
 #include <BRepBndLib.hxx>
+#include <BRepMesh_Context.hxx>
+#include <BRepMesh_DelabellaMeshAlgoFactory.hxx>
+#include <BRepMesh_FaceDiscret.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
 #include <BRepTools.hxx>
 #include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
 #include <Bnd_Box.hxx>
+#include <IMeshData_Face.hxx>
+#include <IMeshTools_MeshAlgo.hxx>
 #include <Message.hxx>
 #include <Message_Messenger.hxx>
 #include <Message_ProgressIndicator.hxx>
@@ -96,6 +102,58 @@ class LibraryProgress final : public Message_ProgressIndicator
 
   private:
     const ProgressFunction& report_;
+};
+
+/// Meshes a face with a deflection of its own, by another algorithm.
+class OwnDeflectionAlgo final : public IMeshTools_MeshAlgo
+{
+  public:
+    OwnDeflectionAlgo(Handle(IMeshTools_MeshAlgo) algo, double deflection)
+        : algo_(std::move(algo)), deflection_(deflection)
+    {
+    }
+    void Perform(const IMeshData::IFaceHandle& face, const IMeshTools_Parameters& parameters,
+                 const Message_ProgressRange& progress) override
+    {
+        face->SetDeflection(deflection_);
+        algo_->Perform(face, parameters, progress);
+    }
+
+  private:
+    Handle(IMeshTools_MeshAlgo) algo_;
+    double deflection_;
+};
+
+bool IsFreeform(GeomAbs_SurfaceType surface)
+{
+    return surface >= GeomAbs_BezierSurface;
+}
+
+bool HasFreeformFaces(const TopoDS_Shape& shape)
+{
+    for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next())
+        if (IsFreeform(BRepAdaptor_Surface(TopoDS::Face(it.Current()), Standard_False).GetType()))
+            return true;
+    return false;
+}
+
+/// Gives faces another deflection than their edges. The library takes that of the edges.
+class FaceAlgoFactory final : public BRepMesh_DelabellaMeshAlgoFactory
+{
+  public:
+    explicit FaceAlgoFactory(double deflection) : deflection_(deflection) {}
+    [[nodiscard]] Handle(IMeshTools_MeshAlgo)
+        GetAlgo(GeomAbs_SurfaceType surface, const IMeshTools_Parameters& parameters) const override
+    {
+        const Handle(IMeshTools_MeshAlgo) algo =
+            BRepMesh_DelabellaMeshAlgoFactory::GetAlgo(surface, parameters);
+        if (algo.IsNull())
+            return algo;
+        return new OwnDeflectionAlgo(algo, IsFreeform(surface) ? deflection_ : parameters.DeflectionInterior);
+    }
+
+  private:
+    double deflection_;
 };
 
 /// Starts the threads that the library's mesher uses, unless they run. Returns whether there are several.
@@ -246,27 +304,50 @@ class BrepConverter
     /// Meshes the faces of all bodies, each shape once, wherever its instances are.
     void MeshAll(const Message_ProgressRange& progress) const
     {
-        TopTools_IndexedMapOfShape shapes;
+        TopTools_IndexedMapOfShape freeform;
+        TopTools_IndexedMapOfShape others;
         for (const BrepBody& body : content_.bodies)
             if (HasFaces(body.shape))
-                shapes.Add(body.shape);
-        const TopoDS_Compound all = CompoundOf(shapes);
-        // Meshes that are stored in the file have another tolerance.
-        BRepTools::Clean(all);
-        BRepMesh_IncrementalMesh(all, MeshParameters(tolerance_), progress);
+                (HasFreeformFaces(body.shape) ? freeform : others).Add(body.shape);
+        Message_ProgressScope scope(progress, nullptr, freeform.Extent() + others.Extent());
+        for (const TopTools_IndexedMapOfShape* shapes : {&freeform, &others}) {
+            if (shapes->IsEmpty())
+                continue;
+            const TopoDS_Compound all = CompoundOf(*shapes);
+            // Meshes that are stored in the file have another tolerance.
+            BRepTools::Clean(all);
+            Mesh(all, tolerance_, shapes == &freeform, scope.Next(shapes->Extent()));
+        }
     }
 
-    [[nodiscard]] IMeshTools_Parameters MeshParameters(const BrepTolerance& tolerance) const
+    void Mesh(const TopoDS_Shape& shape, const BrepTolerance& tolerance, bool has_fine_edges,
+              const Message_ProgressRange& progress) const
+    {
+        // NOTE: The library's default algorithm (in 7.6) leaves notches in narrow rounded faces along long
+        // arcs.
+        const Handle(IMeshTools_Context) context = new BRepMesh_Context(IMeshTools_MeshAlgoType_Delabella);
+        context->SetFaceDiscret(new BRepMesh_FaceDiscret(new FaceAlgoFactory(tolerance.deflection)));
+        BRepMesh_IncrementalMesh mesher;
+        mesher.SetShape(shape);
+        mesher.ChangeParameters() = MeshParameters(tolerance, has_fine_edges);
+        mesher.Perform(context, progress);
+    }
+
+    [[nodiscard]] IMeshTools_Parameters MeshParameters(const BrepTolerance& tolerance,
+                                                       bool has_fine_edges) const
     {
         IMeshTools_Parameters parameters;
         parameters.InParallel = has_threads_;
-        // NOTE: The library's default algorithm (in 7.6) leaves notches in narrow rounded faces along long
-        // arcs.
-        parameters.MeshAlgo = IMeshTools_MeshAlgoType_Delabella;
+        // NOTE: The library divides facets of freeform faces while they lie further from the surface than the
+        // deflection, but not their sides along edges. These edges have to be finer than the faces: a facet
+        // along an edge with a chord at the deflection can lie a little further off, and is divided again and
+        // again in vain.
+        constexpr double kAlongEdges = 0.5;
         // NOTE: The library applies the deflection to each direction of a surface separately, and not
         // strictly. The deflections add up in a facet of a surface that is curved in both directions.
         constexpr double kAlongOneDirection = 0.45;
-        parameters.Deflection = tolerance.deflection;
+        parameters.Deflection =
+            std::max((has_fine_edges ? kAlongEdges : 1.0) * tolerance.deflection, Precision::Confusion());
         parameters.DeflectionInterior = kAlongOneDirection * tolerance.deflection;
         parameters.Angle = tolerance.angle;
         parameters.AngleInterior = tolerance.angle;
@@ -418,24 +499,25 @@ class BrepConverter
                     concerned.Add(neighbour);
         }
         for (int i = again.Extent() + 1; i <= concerned.Extent(); ++i)
-            KeepMesh(TopoDS::Face(concerned(i)), tolerance);
-        BRepMesh_IncrementalMesh(CompoundOf(concerned), MeshParameters(tolerance), progress);
+            KeepMesh(TopoDS::Face(concerned(i)));
+        Mesh(CompoundOf(concerned), tolerance, true, progress);
     }
 
     /// Makes the mesher keep the mesh of the face: it replaces those of another tolerance.
-    static void KeepMesh(const TopoDS_Face& face, const BrepTolerance& tolerance)
+    static void KeepMesh(const TopoDS_Face& face)
     {
         TopLoc_Location location;
         const Handle(Poly_Triangulation) mesh = BRep_Tool::Triangulation(face, location);
         if (mesh.IsNull())
             return;
-        mesh->Deflection(tolerance.deflection);
+        // Finer than any that the mesher is asked for.
+        mesh->Deflection(Precision::Confusion());
         mesh->Parameters(Handle(Poly_TriangulationParameters)());
         for (TopExp_Explorer it(face, TopAbs_EDGE); it.More(); it.Next())
             if (const auto polygon =
                     BRep_Tool::PolygonOnTriangulation(TopoDS::Edge(it.Current()), mesh, location);
                 !polygon.IsNull())
-                polygon->Deflection(tolerance.deflection);
+                polygon->Deflection(Precision::Confusion());
     }
 
     static bool HasClosedShells(const TopoDS_Shape& shape)
