@@ -484,21 +484,27 @@ class BrepConverter
         return faceted;
     }
 
-    /// Meshes some faces of a body again. The other faces keep their meshes, and with them the chords of the
-    /// edges that they share with those faces.
+    /// Meshes some faces of a body and their neighbours again. The other faces keep their meshes, and with them
+    /// the chords of the edges that they share with those faces.
     void MeshAgain(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& again,
                    const BrepTolerance& tolerance, const Message_ProgressRange& progress) const
     {
         TopTools_IndexedDataMapOfShapeListOfShape faces_of_edges;
         TopExp::MapShapesAndAncestors(shape, TopAbs_EDGE, TopAbs_FACE, faces_of_edges);
-        TopTools_IndexedMapOfShape concerned = again;
-        for (int i = 1; i <= again.Extent(); ++i) {
-            BRepTools::Clean(again(i));
-            for (TopExp_Explorer it(again(i), TopAbs_EDGE); it.More(); it.Next())
-                for (const TopoDS_Shape& neighbour : faces_of_edges.FindFromKey(it.Current()))
-                    concerned.Add(neighbour);
-        }
-        for (int i = again.Extent() + 1; i <= concerned.Extent(); ++i)
+        const auto with_neighbours = [&](const TopTools_IndexedMapOfShape& faces) {
+            TopTools_IndexedMapOfShape all = faces;
+            for (int i = 1; i <= faces.Extent(); ++i)
+                for (TopExp_Explorer it(faces(i), TopAbs_EDGE); it.More(); it.Next())
+                    for (const TopoDS_Shape& neighbour : faces_of_edges.FindFromKey(it.Current()))
+                        all.Add(neighbour);
+            return all;
+        };
+        // The edges of these faces get finer in their neighbours too.
+        const TopTools_IndexedMapOfShape finer = with_neighbours(again);
+        for (int i = 1; i <= finer.Extent(); ++i)
+            BRepTools::Clean(finer(i));
+        const TopTools_IndexedMapOfShape concerned = with_neighbours(finer);
+        for (int i = finer.Extent() + 1; i <= concerned.Extent(); ++i)
             KeepMesh(TopoDS::Face(concerned(i)));
         Mesh(CompoundOf(concerned), tolerance, true, progress);
     }
