@@ -458,9 +458,9 @@ class BrepConverter
         }
     }
 
-    /// The facets of a meshed body. If the body is closed but its facets are not, meshes the faces where they
-    /// are open again, finer: chords of edges that run close to each other can cross, for example in a thin
-    /// pipe. Facets that stay open are returned as they are.
+    /// The facets of a meshed body. If the body is closed but its facets are not, meshes the open faces and
+    /// their neighbours again, finer: chords of edges that run close to each other can cross, for example in a
+    /// thin pipe. Facets that stay open are returned as they are.
     Faceted FacetClosed(const BrepBody& body, const Message_ProgressRange& progress) const
     {
         constexpr int kMaxRepairs = 2;
