@@ -102,9 +102,11 @@ TEST(BundledModel, VolumesAreThoseOfTheShapes)
 {
     const Model model = MakeBundledModel();
     // A ring of 48 corners between the radii 18 and 23, 56 long.
-    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "bush")), UnitArea(48) * (23.0 * 23.0 - 18.0 * 18.0) * 56.0, 1e-6);
+    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "bush")), UnitArea(48) * (23.0 * 23.0 - 18.0 * 18.0) * 56.0,
+                1e-6);
     // Two rings of 32 corners between 6 and 13, 3 high.
-    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "washers")), 2.0 * UnitArea(32) * (169.0 - 36.0) * 3.0, 1e-6);
+    EXPECT_NEAR(EnclosedVolume(PieceNamed(model, "washers")), 2.0 * UnitArea(32) * (169.0 - 36.0) * 3.0,
+                1e-6);
     // The foot: 160 x 72 x 14, less four corners rounded by 24-gons of radius 10 and two holes of 32 corners
     // and radius 7.
     const double foot = 160.0 * 72.0 - (4.0 - UnitArea(24)) * 100.0 - 2.0 * UnitArea(32) * 49.0;

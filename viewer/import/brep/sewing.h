@@ -1,7 +1,7 @@
 // Joins faces that meet to shells. Files of surfaces store each face alone.
 #pragma once
 
-#include "viewer/import/brep/bodies.h"
+#include "viewer/import/brep/brep_body.h"
 
 #include <vector>
 

@@ -3,7 +3,8 @@
 #pragma once
 
 #include "viewer/import/dxf/curve_segments.h"
-#include "viewer/import/dxf/glyph_outlines.h"
+#include "viewer/import/dxf/dxf_face.h"
+#include "viewer/import/dxf/glyph.h"
 #include "viewer/import/dxf/hatch.h"
 #include "viewer/import/dxf/infinite_line.h"
 #include "viewer/import/dxf/point_mark.h"
@@ -12,7 +13,6 @@
 #include "viewer/scene/affine.h"
 #include "viewer/scene/model.h"
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -53,16 +53,6 @@ struct DxfLayer {
     bool is_off = false;
     bool is_frozen = false;
 };
-
-/// Three or four corners. Edge i runs from corner i to the next one, the last edge to the first corner.
-struct DxfFace {
-    std::array<Point, 4> corners;
-    std::size_t count = 4;
-    std::array<bool, 4> hidden_edges{};
-};
-
-/// The faces of one polygon or polyface mesh.
-using DxfMesh = std::vector<DxfFace>;
 
 /// A reference that inserts a block once, or in columns and rows.
 struct DxfInsert {

@@ -2,7 +2,8 @@
 // concave faces are split, and the faces of a surface get the same orientation.
 #pragma once
 
-#include "viewer/import/dxf/drawing.h"
+#include "viewer/import/dxf/dxf_face.h"
+#include "viewer/scene/affine.h"
 #include "viewer/scene/model.h"
 
 #include <vector>

@@ -1,13 +1,12 @@
 // The outlines of characters, from the fonts of the system. Each outline is made once.
 #pragma once
 
-#include "viewer/scene/model.h"
+#include "viewer/import/dxf/glyph.h"
 
 #include <cstddef>
 #include <map>
 #include <memory>
 #include <utility>
-#include <vector>
 
 namespace viewer
 {
@@ -25,12 +24,6 @@ struct FontFace {
     bool is_italic = false;
 
     auto operator<=>(const FontFace&) const = default;
-};
-
-/// A character on a baseline along x, in units of the height of capital letters.
-struct Glyph {
-    std::vector<Segment> outline; ///< in the plane z = 0; empty for a blank
-    double advance = 0.0;         ///< from its origin to that of the next character
 };
 
 class GlyphOutlines

@@ -1,6 +1,5 @@
 #include "viewer/import/dxf/thick_curve.h"
 
-#include "viewer/import/dxf/drawing.h"
 #include "viewer/import/dxf/face_conversion.h"
 
 #include <algorithm>

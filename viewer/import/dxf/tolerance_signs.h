@@ -1,7 +1,7 @@
 // The signs of geometric tolerances. Drawings write them as letters in a font of their own.
 #pragma once
 
-#include "viewer/import/dxf/glyph_outlines.h"
+#include "viewer/import/dxf/glyph.h"
 
 #include <optional>
 
