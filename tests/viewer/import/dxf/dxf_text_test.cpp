@@ -143,7 +143,7 @@ TEST_F(DxfTexts, SignsAndNumbersOfCharactersAreCharacters)
     ExpectSameOutline("TEXT", "45%%d", "45\u00B0");
     ExpectSameOutline("TEXT", "%%p%%%", "\u00B1%");
     ExpectSameOutline("TEXT", "%%C5", "\u00D85");
-    ExpectSameOutline("MTEXT", "%%d\\~\\\\\\{\\}\\U+0041", "\u00B0\u00A0\\\\\\{\\}A");
+    ExpectSameOutline("MTEXT", R"(%%d\~\\\{\}\U+0041)", "\u00B0\u00A0\\\\\\{\\}A");
     ExpectSameOutline("TEXT", "a^ b", "a\\U+005Eb");
 }
 

@@ -47,7 +47,7 @@ class MeshFileColors : public ViewerTest
     }
 
     /// An image of two pixels, red on the left and blue on the right.
-    static std::string RedAndBlue() { return std::string("P6\n2 1\n255\n\xFF\0\0\0\0\xFF", 17); }
+    static std::string RedAndBlue() { return {"P6\n2 1\n255\n\xFF\0\0\0\0\xFF", 17}; }
 };
 
 constexpr std::uint32_t kRed = 0xFF0000U;
