@@ -30,14 +30,14 @@ class ChromeTrace : public testing::Test
     /// The events of the finished file. Throws where the file is not one JSON object of the format.
     [[nodiscard]] std::vector<json> Events()
     {
-        sink.Close();
-        std::ifstream stream(path);
+        sink_.Close();
+        std::ifstream stream(path_);
         return json::parse(stream).at("traceEvents").get<std::vector<json>>();
     }
 
-    TemporaryFolder folder;
-    std::string path = folder.File("trace.json");
-    ChromeTraceSink sink{path};
+    TemporaryFolder folder_;
+    std::string path_ = folder_.File("trace.json");
+    ChromeTraceSink sink_{path_};
 };
 
 /// The error of opening `path`; "opened" where there is none.
@@ -71,17 +71,17 @@ TEST_F(ChromeTrace, TraceWithoutEventsIsAnEmptyList)
 
 TEST_F(ChromeTrace, CallBeginsAndEndsWithItsName)
 {
-    sink.EnterCall(L"outer");
-    sink.EnterCall(L"inner");
-    sink.LeaveCall(L"inner");
-    sink.LeaveCall(L"outer");
+    sink_.EnterCall(L"outer");
+    sink_.EnterCall(L"inner");
+    sink_.LeaveCall(L"inner");
+    sink_.LeaveCall(L"outer");
     EXPECT_THAT(Phases(Events()), testing::ElementsAre("B outer", "B inner", "E inner", "E outer"));
 }
 
 TEST_F(ChromeTrace, EventCarriesProcessThreadAndTime)
 {
-    sink.EnterCall(L"call");
-    sink.LeaveCall(L"call");
+    sink_.EnterCall(L"call");
+    sink_.LeaveCall(L"call");
     const std::vector<json> events = Events();
     ASSERT_EQ(events.size(), 2U);
     EXPECT_TRUE(events[0].at("pid").is_number_integer());
@@ -102,12 +102,12 @@ TEST_F(ChromeTrace, TimesAreMicroseconds)
     using Microseconds = std::chrono::duration<double, std::micro>;
     constexpr double kRounding = 1e-3;
     const Clock::time_point before = Clock::now();
-    sink.EnterCall(L"call");
+    sink_.EnterCall(L"call");
     const Clock::time_point begun = Clock::now();
     Clock::time_point ending = Clock::now();
     while (ending - begun < std::chrono::milliseconds(1))
         ending = Clock::now();
-    sink.LeaveCall(L"call");
+    sink_.LeaveCall(L"call");
     const Clock::time_point after = Clock::now();
     const std::vector<json> events = Events();
     ASSERT_EQ(events.size(), 2U);
@@ -118,7 +118,7 @@ TEST_F(ChromeTrace, TimesAreMicroseconds)
 
 TEST_F(ChromeTrace, FaultIsAnInstantOfItsThreadThatNamesFileAndLine)
 {
-    sink.ReportFault(L".\\KARVGLCamera", 42);
+    sink_.ReportFault(L".\\KARVGLCamera", 42);
     const std::vector<json> events = Events();
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].at("ph"), "i");
@@ -129,8 +129,8 @@ TEST_F(ChromeTrace, FaultIsAnInstantOfItsThreadThatNamesFileAndLine)
 
 TEST_F(ChromeTrace, SpecialCharactersOfNamesSurvive)
 {
-    sink.EnterCall(L"quote\" back\\slash \n\t\x01 \u00E4\u20AC\U0001F600");
-    sink.ReportFault(L"</file>\"", -1);
+    sink_.EnterCall(L"quote\" back\\slash \n\t\x01 \u00E4\u20AC\U0001F600");
+    sink_.ReportFault(L"</file>\"", -1);
     const std::vector<json> events = Events();
     ASSERT_EQ(events.size(), 3U);
     EXPECT_EQ(events[0].at("name"), "quote\" back\\slash \n\t\x01 \xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
@@ -140,9 +140,9 @@ TEST_F(ChromeTrace, SpecialCharactersOfNamesSurvive)
 
 TEST_F(ChromeTrace, NameThatIsNoTextIsReplacedAndDoesNotBreakTheFile)
 {
-    static const wchar_t kLoneSurrogate[] = {static_cast<wchar_t>(0xD800), 0};
-    sink.EnterCall(kLoneSurrogate);
-    sink.EnterCall(nullptr);
+    static const wchar_t lone_surrogate[] = {static_cast<wchar_t>(0xD800), 0};
+    sink_.EnterCall(lone_surrogate);
+    sink_.EnterCall(nullptr);
     const std::vector<json> events = Events();
     ASSERT_EQ(events.size(), 4U);
     EXPECT_EQ(events[0].at("name"), "\xEF\xBF\xBD");
@@ -151,17 +151,17 @@ TEST_F(ChromeTrace, NameThatIsNoTextIsReplacedAndDoesNotBreakTheFile)
 
 TEST_F(ChromeTrace, CallsThatNeverEndAreEndedInnermostFirst)
 {
-    sink.EnterCall(L"outer");
-    sink.EnterCall(L"inner");
+    sink_.EnterCall(L"outer");
+    sink_.EnterCall(L"inner");
     EXPECT_THAT(Phases(Events()), testing::ElementsAre("B outer", "B inner", "E inner", "E outer"));
 }
 
 TEST_F(ChromeTrace, EndWithoutBeginningIsDropped)
 {
-    sink.LeaveCall(L"never begun");
-    sink.EnterCall(L"call");
-    sink.LeaveCall(L"call");
-    sink.LeaveCall(L"call");
+    sink_.LeaveCall(L"never begun");
+    sink_.EnterCall(L"call");
+    sink_.LeaveCall(L"call");
+    sink_.LeaveCall(L"call");
     EXPECT_THAT(Phases(Events()), testing::ElementsAre("B call", "E call"));
 }
 
@@ -172,12 +172,12 @@ TEST_F(ChromeTrace, ThreadsAreToldApartAndBalanced)
     std::vector<std::thread> threads;
     for (std::size_t thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([this] {
-            sink.EnterCall(L"never ends");
+            sink_.EnterCall(L"never ends");
             for (int call = 0; call < kCalls; ++call) {
-                sink.EnterCall(L"outer");
-                sink.EnterCall(L"inner");
-                sink.LeaveCall(L"inner");
-                sink.LeaveCall(L"outer");
+                sink_.EnterCall(L"outer");
+                sink_.EnterCall(L"inner");
+                sink_.LeaveCall(L"inner");
+                sink_.LeaveCall(L"outer");
             }
         });
     }
@@ -211,7 +211,7 @@ TEST_F(ChromeTrace, ThreadsAreToldApartAndBalanced)
 TEST_F(ChromeTrace, ThreadsOneAfterAnotherAreToldApart)
 {
     for (int thread = 0; thread < 10; ++thread)
-        std::thread([this] { sink.ReportFault(L"file", 1); }).join();
+        std::thread([this] { sink_.ReportFault(L"file", 1); }).join();
     std::set<int> numbers;
     for (const json& event : Events())
         numbers.insert(event.at("tid").get<int>());
@@ -220,30 +220,30 @@ TEST_F(ChromeTrace, ThreadsOneAfterAnotherAreToldApart)
 
 TEST_F(ChromeTrace, RecordsAfterClosingAreDropped)
 {
-    sink.EnterCall(L"before");
-    sink.Close();
-    sink.LeaveCall(L"before");
-    sink.EnterCall(L"after");
-    sink.ReportFault(L"after", 1);
+    sink_.EnterCall(L"before");
+    sink_.Close();
+    sink_.LeaveCall(L"before");
+    sink_.EnterCall(L"after");
+    sink_.ReportFault(L"after", 1);
     EXPECT_THAT(Phases(Events()), testing::ElementsAre("B before", "E before"));
 }
 
 TEST_F(ChromeTrace, ClosingTwiceKeepsTheFile)
 {
-    sink.Close();
-    sink.Close();
-    EXPECT_TRUE(std::filesystem::exists(path));
-    EXPECT_EQ(folder.Count(), 1);
+    sink_.Close();
+    sink_.Close();
+    EXPECT_TRUE(std::filesystem::exists(path_));
+    EXPECT_EQ(folder_.Count(), 1);
 }
 
 TEST_F(ChromeTrace, FileAppearsOnlyWhenItIsComplete)
 {
-    sink.EnterCall(L"call");
-    EXPECT_FALSE(std::filesystem::exists(path));
-    EXPECT_EQ(folder.Count(), 1) << "the temporary file lies beside its target";
-    sink.Close();
-    EXPECT_TRUE(std::filesystem::exists(path));
-    EXPECT_EQ(folder.Count(), 1) << "and is gone afterwards";
+    sink_.EnterCall(L"call");
+    EXPECT_FALSE(std::filesystem::exists(path_));
+    EXPECT_EQ(folder_.Count(), 1) << "the temporary file lies beside its target";
+    sink_.Close();
+    EXPECT_TRUE(std::filesystem::exists(path_));
+    EXPECT_EQ(folder_.Count(), 1) << "and is gone afterwards";
 }
 
 TEST(ChromeTraceFile, DestructionCompletesTheFile)
