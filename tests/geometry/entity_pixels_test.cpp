@@ -21,7 +21,6 @@ using karv_test::kRedPixel;
 using karv_test::Lines;
 using karv_test::LShape;
 using karv_test::Picture;
-using karv_test::Pixel;
 using karv_test::Square;
 using karv_test::TraceRecording;
 using karv_test::Triangle;

@@ -28,7 +28,6 @@ using karv_test::kBlack;
 using karv_test::kRed;
 using karv_test::kRedPixel;
 using karv_test::LShape;
-using karv_test::Pixel;
 using karv_test::Square;
 using karv_test::ThrowAt;
 using karv_test::TraceRecording;

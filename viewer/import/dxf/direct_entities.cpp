@@ -56,11 +56,12 @@ std::optional<Spline> HelixOfParameters(const DxfEntityNumbers& numbers)
     const double start_radius = Length(spoke);
     const Point out = start_radius > 0.0 ? spoke * (1.0 / start_radius) : FrameOfExtrusion(axis).x;
     const Point side = Cross(axis, out) * (handedness == 0.0 ? -1.0 : 1.0);
-    const double steps = std::ceil(turns * kPointsPerTurn);
+    const auto steps = static_cast<int>(std::ceil(turns * kPointsPerTurn));
     std::vector<Point> points;
-    for (double step = 0.0; step <= steps; step += 1.0) {
-        const double turn = turns * step / steps;
-        const double reach = start_radius + (radius - start_radius) * step / steps;
+    for (int step = 0; step <= steps; ++step) {
+        const double share = static_cast<double>(step) / steps;
+        const double turn = turns * share;
+        const double reach = start_radius + (radius - start_radius) * share;
         points.push_back(base + axis * (height * turn) +
                          (out * std::cos(kFullTurn * turn) + side * std::sin(kFullTurn * turn)) * reach);
     }

@@ -87,16 +87,15 @@ class MultileaderReader
     bool ChangesLevel(const DxfGroup& group)
     {
         const std::string_view value = Trimmed(group.value);
-        if (level_ == Level::Entity && group.code == 300 && value == "CONTEXT_DATA{")
+        if ((level_ == Level::Entity && group.code == 300 && value == "CONTEXT_DATA{") ||
+            (level_ == Level::Leader && group.code == 303))
             level_ = Level::Context;
         else if (level_ == Level::Context && group.code == 301)
             level_ = Level::Entity;
         else if (level_ == Level::Context && group.code == 302 && value == "LEADER{") {
             level_ = Level::Leader;
             leaders_.emplace_back();
-        } else if (level_ == Level::Leader && group.code == 303)
-            level_ = Level::Context;
-        else if (level_ == Level::Leader && group.code == 304) {
+        } else if (level_ == Level::Leader && group.code == 304) {
             level_ = Level::Line;
             leaders_.back().lines.emplace_back();
         } else if (level_ == Level::Line && group.code == 305)

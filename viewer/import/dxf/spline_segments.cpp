@@ -295,9 +295,9 @@ void CompleteKnots(Spline& spline, bool is_closed)
         spline.knots.push_back(spline.knots.back());
     } else if (spline.knots.empty() && is_closed && spline.points.front() != spline.points.back()) {
         for (std::size_t i = 0; i < degree; ++i) {
-            spline.points.push_back(Point(spline.points[i]));
+            spline.points.push_back(spline.points[i]);
             if (!spline.weights.empty())
-                spline.weights.push_back(double(spline.weights[i]));
+                spline.weights.push_back(spline.weights[i]);
         }
         for (std::size_t i = 0; i < spline.points.size() + degree + 1; ++i)
             spline.knots.push_back(static_cast<double>(i));
