@@ -19,7 +19,6 @@ namespace viewer
 namespace
 {
 
-using testing::IsEmpty;
 using testing::SizeIs;
 
 Model FilledModel(const std::vector<ModelFace>& faces)

@@ -434,8 +434,8 @@ class AssemblyWalk
         body.parents = inherited.parents;
         body.color = inherited.color;
         body.overrides_colors = inherited.overrides_colors;
-        if (tessellation->color && !body.overrides_colors) {
-            const auto& [red, green, blue] = *tessellation->color;
+        if (const auto& color = tessellation->color; color && !body.overrides_colors) {
+            const auto& [red, green, blue] = *color;
             body.color = BrepColor{NearestColorIndex(red, green, blue), 1.0F};
         }
         if (!tessellation->name.empty() && tessellation->name != body.name)

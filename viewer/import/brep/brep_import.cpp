@@ -145,8 +145,7 @@ class FaceAlgoFactory final : public BRepMesh_DelabellaMeshAlgoFactory
     [[nodiscard]] Handle(IMeshTools_MeshAlgo)
         GetAlgo(GeomAbs_SurfaceType surface, const IMeshTools_Parameters& parameters) const override
     {
-        const Handle(IMeshTools_MeshAlgo) algo =
-            BRepMesh_DelabellaMeshAlgoFactory::GetAlgo(surface, parameters);
+        Handle(IMeshTools_MeshAlgo) algo = BRepMesh_DelabellaMeshAlgoFactory::GetAlgo(surface, parameters);
         if (algo.IsNull())
             return algo;
         return new OwnDeflectionAlgo(algo, IsFreeform(surface) ? deflection_ : parameters.DeflectionInterior);
@@ -166,6 +165,7 @@ bool StartMesherThreads()
         // NOTE: The library does not notice that a thread cannot be started, and waits for it forever.
         try {
             std::vector<std::jthread> trial;
+            trial.reserve(static_cast<std::size_t>(count));
             std::latch all(count);
             for (int i = 0; i < count; ++i)
                 trial.emplace_back([&] { all.arrive_and_wait(); });
@@ -206,6 +206,7 @@ std::vector<ModelFace> PlacedFaces(const BrepBody& body)
     faces.reserve(body.tessellation->faces.size());
     for (const ModelFace& face : body.tessellation->faces) {
         std::vector<Point> corners;
+        corners.reserve(face.corners.size());
         for (const Point& corner : face.corners)
             corners.push_back(Placed(corner, body.placement));
         // MakeFace takes corners in the opposite order. A mirror reverses them.

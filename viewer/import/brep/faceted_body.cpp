@@ -358,10 +358,10 @@ void FacetedBody::MoveTo(std::span<Piece> pieces)
             continue;
         if (edge.corners.empty())
             edge.corners = CutEdge(TopoDS::Edge(edges_.FindKey(i)));
-        for (std::size_t k = 1; k < edge.corners.size(); ++k)
+        std::optional<std::vector<Segment>>& shown = pieces[edge.piece].edges;
+        for (std::size_t k = 1; shown && k < edge.corners.size(); ++k)
             if (edge.corners[k - 1] != edge.corners[k])
-                pieces[edge.piece].edges->push_back(
-                    {corners_.At(edge.corners[k - 1]), corners_.At(edge.corners[k])});
+                shown->push_back({corners_.At(edge.corners[k - 1]), corners_.At(edge.corners[k])});
     }
     facets_.clear();
     edges_.Clear();

@@ -122,8 +122,8 @@ class Sewer
                 sources.Bind(sewn, i);
                 if (const BrepColor* color = bodies_[i].labels->colors.Seek(face))
                     labels->colors.Bind(sewn, *color);
-                else if (bodies_[i].color)
-                    labels->colors.Bind(sewn, *bodies_[i].color);
+                else if (const std::optional<BrepColor>& own = bodies_[i].color)
+                    labels->colors.Bind(sewn, *own);
             }
         std::vector<BrepBody> divided;
         for (TopExp_Explorer it(sewing.SewedShape(), TopAbs_SHELL); it.More(); it.Next())

@@ -352,10 +352,12 @@ class PatternClipper
         const double start = Along(from.x - line_.base.x, from.y - line_.base.y);
         const double end = Along(to.x - line_.base.x, to.y - line_.base.y);
         const double shift = Along(line_.offset.x, line_.offset.y);
-        for (double number = low; number < high; number += 1.0) {
+        double number = low;
+        while (number < high) {
             const double share = (number - first) / (last - first);
             crossings_.push_back(
                 {static_cast<std::int64_t>(number), start + (end - start) * share - shift * number});
+            number += 1.0;
         }
         return true;
     }
@@ -371,7 +373,8 @@ class PatternClipper
         if (!(repeats < static_cast<double>(max_lines_)))
             return false;
         double start = std::floor(from / period) * period;
-        for (double at = start; at < to; at = start)
+        while (start < to) {
+            const double at = start;
             for (const double dash : line_.dashes) {
                 const double end = start + std::abs(dash);
                 const double visible_end = dash == 0.0 ? start + dot_length_ : end;
@@ -383,6 +386,7 @@ class PatternClipper
                 if (start >= to || !(at + period > at))
                     return at + period > at;
             }
+        }
         return true;
     }
 

@@ -2,8 +2,8 @@
 
 #include "viewer/import/dxf/curve_segments.h"
 
-#include <initializer_list>
 #include <numbers>
+#include <vector>
 
 namespace viewer
 {
@@ -19,7 +19,7 @@ constexpr Point kCenter{0.5, 0.5, 0.0};
 class SignDrawing
 {
   public:
-    void Lines(std::initializer_list<Point> corners)
+    void Lines(const std::vector<Point>& corners)
     {
         const Point* last = nullptr;
         for (const Point& corner : corners) {
