@@ -131,7 +131,7 @@ class ThreeMfReader
     Model Read()
     {
         const std::string root = RootPart();
-        ModelPart& part = PartAt(root);
+        const ModelPart& part = PartAt(root);
         std::vector<Component> items = part.items;
         if (items.empty())
             for (const auto& [id, object] : part.objects)
