@@ -3,8 +3,16 @@
 
 #include "viewer/scene/model.h"
 
+#include <numbers>
+
 namespace viewer
 {
+
+/// An angle of this many degrees.
+[[nodiscard]] constexpr double Radians(double degrees)
+{
+    return degrees * std::numbers::pi / 180.0;
+}
 
 /// An affine map, stored as the images of the axes and of the origin.
 struct Affine {

@@ -107,6 +107,13 @@ Piece MakePiece(std::string name, std::vector<ModelFace> faces, int category, un
     return piece;
 }
 
+void AppendPointMark(const Point& point, double length, std::vector<Segment>& lines)
+{
+    const double half = 0.5 * length;
+    for (const Point& arm : {Point{half, 0.0, 0.0}, Point{0.0, half, 0.0}, Point{0.0, 0.0, half}})
+        lines.push_back({point - arm, point + arm});
+}
+
 std::size_t FaceCountOf(const Piece& piece)
 {
     return static_cast<std::size_t>(

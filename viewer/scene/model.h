@@ -67,6 +67,13 @@ struct Segment {
     Point to;
 };
 
+/// The length of the mark of a point, as a fraction of the diagonal of the model's box.
+inline constexpr double kPointMark = 0.005;
+
+/// Appends the mark of a point: a cross of three lines of this length along the axes. A line without length is
+/// not drawn.
+void AppendPointMark(const Point& point, double length, std::vector<Segment>& lines);
+
 /// The parts of a file that belong together: the faces of one solid or one material, or the lines of one
 /// drawing entity.
 struct Piece {

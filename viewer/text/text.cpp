@@ -3,7 +3,9 @@
 #include "platform/tools/utf8.h"
 
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
+#include <system_error>
 
 namespace viewer
 {
@@ -53,6 +55,29 @@ std::string LowerCase(std::string_view text)
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
     return lower;
+}
+
+std::string UpperCase(std::string_view text)
+{
+    std::string upper(text);
+    std::ranges::transform(upper, upper.begin(), [](char c) {
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
+    return upper;
+}
+
+std::optional<double> ParseReal(std::string_view text)
+{
+    // The conversion accepts no plus sign.
+    if (text.size() > 1 && text.front() == '+' && text[1] != '-')
+        text.remove_prefix(1);
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (end != text.data() + text.size())
+        return std::nullopt;
+    if (error == std::errc::result_out_of_range && text.find('-', 1) != std::string_view::npos)
+        return 0.0;
+    return error == std::errc() ? std::optional(value) : std::nullopt;
 }
 
 std::string LowerCaseExtension(const std::string& path)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,14 @@ namespace viewer
 
 /// The text with ASCII letters in lower case. Other bytes are unchanged.
 [[nodiscard]] std::string LowerCase(std::string_view text);
+
+/// The text with ASCII letters in upper case. Other bytes are unchanged.
+[[nodiscard]] std::string UpperCase(std::string_view text);
+
+/// The number that is the whole text, in decimal or scientific notation, with or without a plus sign. A number
+/// that is too small for a double becomes 0. Infinities and "nan" are returned as such. No value for other texts
+/// and for numbers that are too large.
+[[nodiscard]] std::optional<double> ParseReal(std::string_view text);
 
 /// The extension of the file name, with its dot, in lower case: ".step". Empty if there is none.
 [[nodiscard]] std::string LowerCaseExtension(const std::string& path);

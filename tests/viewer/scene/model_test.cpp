@@ -149,6 +149,17 @@ TEST(Model, AppendedLengthsStayWhereAUnitIsUnknown)
     }
 }
 
+TEST(PointMark, IsACrossOfThreeLinesAlongTheAxes)
+{
+    std::vector<viewer::Segment> lines;
+    viewer::AppendPointMark({1.0, 2.0, 3.0}, 0.5, lines);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0].from, (viewer::Point{0.75, 2.0, 3.0}));
+    EXPECT_EQ(lines[0].to, (viewer::Point{1.25, 2.0, 3.0}));
+    EXPECT_EQ(lines[1].to - lines[1].from, (viewer::Point{0.0, 0.5, 0.0}));
+    EXPECT_EQ(lines[2].to - lines[2].from, (viewer::Point{0.0, 0.0, 0.5}));
+}
+
 TEST(Model, CountsWhatIsLeftOutByKindAndSumsItUpWhenAppended)
 {
     viewer::Model model;

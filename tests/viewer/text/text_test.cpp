@@ -43,6 +43,28 @@ TEST(TrimmedText, KeepsControlCharactersThatAreNoWhiteSpace)
     EXPECT_EQ(Trimmed(" \0a\x1b "sv), "\0a\x1b"sv);
 }
 
+TEST(UpperCaseText, ChangesTheLettersOfAsciiAlone)
+{
+    EXPECT_EQ(UpperCase("Az09_\xC3\xA4"), "AZ09_\xC3\xA4");
+}
+
+TEST(ParsedReal, IsTheNumberThatIsTheWholeText)
+{
+    EXPECT_EQ(ParseReal("12.5"), 12.5);
+    EXPECT_EQ(ParseReal("-1e3"), -1000.0);
+    EXPECT_EQ(ParseReal("+.5"), 0.5);
+    for (const char* const text : {"", "+", "+-1", "++1", "1 ", " 1", "1x", "x", "0x10"})
+        EXPECT_FALSE(ParseReal(text)) << text;
+}
+
+TEST(ParsedReal, IsZeroBelowTheRangeAndNothingAboveIt)
+{
+    EXPECT_EQ(ParseReal("1e-999"), 0.0);
+    EXPECT_EQ(ParseReal("-1e-999"), 0.0);
+    EXPECT_FALSE(ParseReal("1e999"));
+    EXPECT_FALSE(ParseReal("-1e999"));
+}
+
 TEST(LowerCaseText, ChangesTheLettersOfAsciiAlone)
 {
     EXPECT_EQ(LowerCase("AZaz09"), "azaz09");

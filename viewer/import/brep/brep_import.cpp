@@ -444,18 +444,15 @@ class BrepConverter
     /// Points are shown as small crosses along the axes.
     void AddLoosePoints(const BrepBody& body, Piece& piece) const
     {
-        constexpr double kShareOfDiagonal = 0.005;
         // The library's box of a point is not quite empty.
         constexpr double kMinDiagonal = 1e-5;
-        const double half = diagonal_ > kMinDiagonal ? 0.5 * kShareOfDiagonal * diagonal_ : 0.5;
+        const double length = diagonal_ > kMinDiagonal ? kPointMark * diagonal_ : 1.0;
         TopTools_MapOfShape seen;
         for (TopExp_Explorer it(body.shape, TopAbs_VERTEX, TopAbs_EDGE); it.More(); it.Next()) {
             if (!seen.Add(it.Current()))
                 continue;
             const gp_Pnt at = BRep_Tool::Pnt(TopoDS::Vertex(it.Current())).Transformed(body.placement);
-            const Point center{at.X(), at.Y(), at.Z()};
-            for (const Point& arm : {Point{half, 0.0, 0.0}, Point{0.0, half, 0.0}, Point{0.0, 0.0, half}})
-                piece.lines.push_back({center - arm, center + arm});
+            AppendPointMark({at.X(), at.Y(), at.Z()}, length, piece.lines);
         }
     }
 

@@ -162,9 +162,7 @@ void ModelBuilder::DrawPoints()
         const double diagonal = box.Diagonal();
         // A single point has no size to compare with, but its mark must not vanish in the coordinates' digits.
         const double single = std::max(1.0, Length(point) * kPointMark);
-        const double half = (diagonal > 0.0 ? diagonal * kPointMark : single) * 0.5;
-        for (const Point& stroke : {Point{half, 0, 0}, Point{0, half, 0}, Point{0, 0, half}})
-            model_.pieces[index].lines.push_back({point - stroke, point + stroke});
+        AppendPointMark(point, diagonal > 0.0 ? diagonal * kPointMark : single, model_.pieces[index].lines);
     }
     points_.clear();
 }

@@ -41,8 +41,6 @@ class ColorMean
     float count_ = 0.0F;
 };
 
-/// The length of the three strokes of a point's mark, as a fraction of the diagonal of the model's box.
-inline constexpr double kPointMark = 0.005;
 /// The maximum number of points that are drawn; further ones are left out.
 inline constexpr std::size_t kMaxPoints = 1'000'000;
 
