@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <numbers>
 #include <stdexcept>
 #include <utility>
 
@@ -40,11 +39,6 @@ std::optional<int> ColorOf(const DxfEntityNumbers& numbers)
         return NearestIndexOf(static_cast<int>(static_cast<std::int64_t>(*color24) & 0xFFFFFF));
     const int color = numbers.IntegerOr(62, -1);
     return color >= 0 && color <= kColorByLayer ? std::optional(color) : std::nullopt;
-}
-
-double Radians(double degrees)
-{
-    return degrees * std::numbers::pi / 180.0;
 }
 
 /// The widths of the vertices of a light polyline, in their order.

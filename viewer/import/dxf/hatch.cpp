@@ -15,11 +15,6 @@ namespace viewer
 namespace
 {
 
-double Radians(double degrees)
-{
-    return degrees * std::numbers::pi / 180.0;
-}
-
 /// The parameter of an ellipse's point at this angle from the major axis.
 double ParameterOf(double angle, double ratio)
 {
