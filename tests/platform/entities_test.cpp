@@ -86,7 +86,7 @@ TEST(Entities, NewLineLiesAtTheOrigin)
     EXPECT_EQ(line.endPoint().distanceTo(AcGePoint3d::kOrigin), 0.0);
 }
 
-TEST(Entities, CircleKeepsCentreNormalAndRadius)
+TEST(Entities, CircleKeepsCenterNormalAndRadius)
 {
     const AcDbCircle circle({1.0, 2.0, 3.0}, AcGeVector3d::kXAxis, 4.5);
     EXPECT_EQ(circle.center().y, 2.0);
