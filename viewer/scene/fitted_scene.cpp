@@ -26,7 +26,7 @@ KARVGLVertex ToVertex(const Point& point)
     return {point.x, point.y, point.z};
 }
 
-/// The faces as triangles: each face of more corners would cost the control a display list.
+/// The faces as triangles. For each face of more corners, the control would compile a display list.
 std::vector<KARVGLFace> ToTriangles(const Piece& piece, const ScenePlacement& placement)
 {
     std::size_t count = 0;
@@ -85,8 +85,8 @@ FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const s
     : control_(control), placement_(model.Extents()), first_line_category_(model.CategoryCount()),
       hidden_(hidden.begin(), hidden.end())
 {
-    // A control for transparent drawing draws back faces, too: a face would be blended once for each side of
-    // it, and the far side of a body over the near one.
+    // A control for transparent drawing does not cull back faces. It would blend a two-sided face twice, and
+    // the far side of a body over the near one.
     glEnable(GL_CULL_FACE);
     control_.ComputeExtents(false);
     control_.AllocateMemory(EntityCount(model));

@@ -1,4 +1,5 @@
-// Feeds a model to a viewport control and shows the whole of it. Every window and picture of the viewer uses it; it knows nothing of windows and pictures.
+// Feeds a model to a viewport control and fits the view to it. All windows and pictures of the viewer use it;
+// it knows nothing of them.
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
@@ -12,20 +13,20 @@
 namespace viewer
 {
 
-/// A model in a control: fed once, then shown from any standard view. Pieces whose faces close are fed as
-/// bodies, which show their edges in line mode. Other pieces are fed as triangles, two-sided ones with a
-/// triangle for each side, with their feature edges as
-/// lines in a separate category, which is hidden while faces are drawn: the number of that category is the
-/// piece's category plus the category count of the model. The lines of a piece belong to the piece's category
-/// and are visible in both modes. The control's context must be current in every call.
+/// A model in a control: fed once, then shown from any standard view. The control's context must be current
+/// in every call.
+///
+/// Pieces whose faces close are fed as bodies, which show their edges in line mode. Other pieces are fed as
+/// triangles; two-sided ones get a triangle for each side. Their feature edges are fed as lines in a separate
+/// category, which is hidden while faces are drawn. Its number is the piece's category plus the category
+/// count of the model. The lines of a piece belong to the piece's category and are visible in both modes.
 class FittedScene
 {
   public:
     /// Feeds every piece, in order, to a control that was just created. Faces are drawn at first; the
     /// categories in `hidden` are shown in neither mode. The control must outlive this object; the model is
     /// only read here. The model's extents must not be empty, and its faces must be convex (`FillFaces`).
-    /// Back faces are culled from then on, also in a control for transparent drawing: bodies are closed, and
-    /// each side of another face that is visible is fed.
+    /// Back faces are culled from then on, also in a control for transparent drawing.
     FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {});
 
     /// Draws lines or faces from the next frame on.
