@@ -1,13 +1,13 @@
 #include "viewer/scene/feature_edges.h"
 
 #include "platform/modeler/body_builder.h"
+#include "viewer/scene/affine.h"
 #include "viewer/scene/shared_corners.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <functional>
-#include <numbers>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -36,7 +36,7 @@ void ForEachSide(AModeler::Body& body, const auto& visit)
     }
 }
 
-/// Makes all physical edges non-physical whose key `is_physical` refuses.
+/// Makes physical edges non-physical, except for those whose key `is_physical` accepts.
 void SetPhysicalEdges(AModeler::Body& body, const auto& is_physical)
 {
     // The body keeps its vertices in one array in the order in which they were added, and every vertex is a
@@ -77,7 +77,7 @@ std::unordered_set<std::uint64_t> InnerEdges(const Piece& piece, const SharedCor
     for (std::size_t face = 0; face < piece.faces.size(); ++face) {
         const bool is_part =
             piece.faces[face].continues || (face + 1 < piece.faces.size() && piece.faces[face + 1].continues);
-        // Not cleared: that takes time for the largest face that it has held.
+        // Swapped, because `clear` takes time in proportion to the largest face so far.
         if (!piece.faces[face].continues && !seen.empty())
             std::unordered_set<std::uint64_t>().swap(seen);
         if (is_part)
@@ -93,7 +93,7 @@ bool IsSmooth(const Point& a, const Point& b)
 {
     // atan2 is accurate for small angles and for normals whose length is not exactly 1.
     const double angle = std::atan2(Length(Cross(a, b)), Dot(a, b));
-    return angle < kSmoothAngle * std::numbers::pi / 180.0;
+    return angle < Radians(kSmoothAngle);
 }
 
 } // namespace

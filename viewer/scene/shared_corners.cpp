@@ -17,26 +17,30 @@ std::size_t PointHash::operator()(const Point& point) const
     return static_cast<std::size_t>(hash ^ (hash >> 32U));
 }
 
+int PointNumbers::NumberOf(const Point& point)
+{
+    const auto [entry, is_new] = numbers_.emplace(point, static_cast<int>(points_.size()));
+    if (is_new)
+        points_.push_back(point);
+    return entry->second;
+}
+
+int PointNumbers::Find(const Point& point) const
+{
+    const auto known = numbers_.find(point);
+    return known != numbers_.end() ? known->second : -1;
+}
+
 SharedCorners::SharedCorners(const Piece& piece)
 {
     ends_.reserve(piece.faces.size() + 1);
     ends_.push_back(0);
     corners_.reserve(3 * piece.faces.size());
     for (const ModelFace& face : piece.faces) {
-        for (const Point& corner : face.corners) {
-            const auto [entry, is_new] = numbers_.emplace(corner, static_cast<int>(points_.size()));
-            if (is_new)
-                points_.push_back(corner);
-            corners_.push_back(entry->second);
-        }
+        for (const Point& corner : face.corners)
+            corners_.push_back(numbers_.NumberOf(corner));
         ends_.push_back(corners_.size());
     }
-}
-
-int SharedCorners::Find(const Point& point) const
-{
-    const auto known = numbers_.find(point);
-    return known != numbers_.end() ? known->second : -1;
 }
 
 std::uint64_t EdgeKey(int a, int b)

@@ -12,35 +12,50 @@
 namespace viewer
 {
 
-/// Positive and negative zero are the same coordinate.
+/// Ignores the sign of zeros, because positive and negative zero are equal.
 struct PointHash {
     std::size_t operator()(const Point& point) const;
 };
 
-/// The numbers of a piece's points, in the order in which its faces reach them.
+/// Numbers points from 0, in order of their first use. Equal points get the same number.
+class PointNumbers
+{
+  public:
+    int NumberOf(const Point& point);
+    /// The number of a point that has one; -1 for other points.
+    [[nodiscard]] int Find(const Point& point) const;
+    [[nodiscard]] const Point& At(int number) const { return points_[static_cast<std::size_t>(number)]; }
+    [[nodiscard]] const std::vector<Point>& Points() const { return points_; }
+
+  private:
+    std::vector<Point> points_;
+    std::unordered_map<Point, int, PointHash> numbers_;
+};
+
+/// The corners of a piece's faces, by number.
 class SharedCorners
 {
   public:
     explicit SharedCorners(const Piece& piece);
 
-    [[nodiscard]] const std::vector<Point>& Points() const { return points_; }
+    [[nodiscard]] const std::vector<Point>& Points() const { return numbers_.Points(); }
     /// The corners of a face. Valid as long as this object.
     [[nodiscard]] std::span<const int> Of(std::size_t face) const
     {
         return std::span(corners_).subspan(ends_[face], ends_[face + 1] - ends_[face]);
     }
     [[nodiscard]] std::size_t FaceCount() const { return ends_.size() - 1; }
-    /// The number of the point with these coordinates; -1 if it is no corner.
-    [[nodiscard]] int Find(const Point& point) const;
+    /// The number of a corner; -1 for other points.
+    [[nodiscard]] int Find(const Point& point) const { return numbers_.Find(point); }
 
   private:
-    std::vector<Point> points_;
+    PointNumbers numbers_;
     std::vector<int> corners_;      ///< of all faces, one after the other
-    std::vector<std::size_t> ends_; ///< where the corners of each face end, after a 0
-    std::unordered_map<Point, int, PointHash> numbers_;
+    std::vector<std::size_t> ends_; ///< a 0, then the end of each face's corners
 };
 
-/// The same number for an edge between two points in both directions.
+/// The key of an edge, the same in both directions: the lower number in the upper 32 bits, the higher one
+/// below.
 [[nodiscard]] std::uint64_t EdgeKey(int a, int b);
 
 /// Calls `visit(from, to)` for each edge of the outline.

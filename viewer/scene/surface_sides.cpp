@@ -23,7 +23,7 @@ struct EdgeUse {
     bool is_upwards; ///< from the lower number to the higher one
 };
 
-/// Sets of faces, which can be joined.
+/// Disjoint sets of faces.
 class FaceSets
 {
   public:
@@ -51,7 +51,7 @@ class FaceSets
 struct Shell {
     std::vector<std::uint32_t> faces;
     Box box;
-    double volume = 0.0; ///< negative where the faces point inwards; 0 where it is none
+    double volume = 0.0; ///< negative if the faces point inwards; 0 if it is a rounding error
 };
 
 /// Six times the volume between the triangle and the origin; positive where the corners run clockwise as seen
@@ -116,12 +116,12 @@ class Surfaces
         return true;
     }
 
-    /// Whether the ends of an edge are those of an edge of a closed surface (`open` false) or of an open one.
-    [[nodiscard]] std::unordered_set<std::uint64_t> KeysOf(bool open)
+    /// The keys of the edges of all open surfaces, or of all closed ones.
+    [[nodiscard]] std::unordered_set<std::uint64_t> KeysOf(bool of_open)
     {
         std::unordered_set<std::uint64_t> keys;
         for (const EdgeUse& use : uses_)
-            if (IsOpen(use.face) == open)
+            if (IsOpen(use.face) == of_open)
                 keys.insert(use.key);
         return keys;
     }
@@ -163,6 +163,7 @@ class Surfaces
 
     void JoinOpenOnes()
     {
+        std::vector<std::pair<std::uint32_t, std::uint32_t>> joined;
         ForEachRun([&](std::span<EdgeUse> uses) {
             if (uses.size() <= 2)
                 return;
@@ -171,12 +172,12 @@ class Surfaces
                 if (!IsOpen(use.face))
                     continue;
                 if (before != nullptr)
-                    joined_.emplace_back(before->face, use.face);
+                    joined.emplace_back(before->face, use.face);
                 before = &use;
             }
         });
-        // Joined last: a set that is joined with an open one looks open.
-        for (const auto& [one, other] : joined_)
+        // Joined last, because a set that is joined with an open one counts as open.
+        for (const auto& [one, other] : joined)
             sets_.Join(one, other);
     }
 
@@ -232,12 +233,13 @@ class Surfaces
                 volume += part;
                 sum += std::abs(part);
             });
-        // What rounding leaves of none, as of a sheet with both its sides. NaN fails the comparison.
-        constexpr double kNone = 1e-9;
-        return std::abs(volume) > kNone * sum ? volume : 0.0;
+        // A smaller volume is a rounding error, as that of a sheet with both its sides. NaN fails the
+        // comparison.
+        constexpr double kMinShare = 1e-9;
+        return std::abs(volume) > kMinShare * sum ? volume : 0.0;
     }
 
-    /// The number of other shells that hold the shell; -1 if it would take too long to count them.
+    /// The number of other shells around the shell; -1 if it would take too long to count them.
     [[nodiscard]] int DepthOf(const Shell& shell, const std::vector<Shell>& shells)
     {
         int depth = 0;
@@ -251,7 +253,7 @@ class Surfaces
             angle_count_ += other.faces.size();
             if (angle_count_ > kMaxAngles + 10 * piece_.faces.size())
                 return -1;
-            if (Winds(other, piece_.faces[shell.faces.front()].corners.front()))
+            if (Encloses(other, piece_.faces[shell.faces.front()].corners.front()))
                 ++depth;
         }
         return depth;
@@ -263,15 +265,15 @@ class Surfaces
                outer.max.x > inner.max.x && outer.max.y > inner.max.y && outer.max.z > inner.max.z;
     }
 
-    /// Whether the shell goes around the point.
-    [[nodiscard]] bool Winds(const Shell& shell, const Point& point) const
+    [[nodiscard]] bool Encloses(const Shell& shell, const Point& point) const
     {
         double angle = 0.0;
         for (const std::uint32_t face : shell.faces)
             ForEachTriangle(piece_.faces[face], point, [&](const Point& a, const Point& b, const Point& c) {
                 angle += SolidAngleOf(a, b, c);
             });
-        // The whole sphere, 4 pi, in one direction or the other one.
+        // Seen from inside, a shell covers the whole sphere, 4 pi or -4 pi. From outside, the angles cancel
+        // out.
         return std::abs(angle) > 2.0 * std::numbers::pi;
     }
 
@@ -287,15 +289,13 @@ class Surfaces
     Piece& piece_;
     SharedCorners corners_{piece_};
     FaceSets sets_;
-    std::vector<EdgeUse> uses_; ///< sorted by edge
-    std::vector<bool> is_open_; ///< by the face that represents the set
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> joined_;
-    // What has been done to find cavities, which is limited.
-    mutable std::size_t box_count_ = 0;
-    mutable std::size_t angle_count_ = 0;
+    std::vector<EdgeUse> uses_;   ///< sorted by edge
+    std::vector<bool> is_open_;   ///< by the face that represents the set
+    std::size_t box_count_ = 0;   ///< of boxes compared to find cavities
+    std::size_t angle_count_ = 0; ///< of faces visited to find cavities
 };
 
-/// Moves the open surfaces of the piece to one of their own.
+/// Moves the open surfaces of the piece to a new piece.
 Piece TakeOpen(Piece& piece, Surfaces& surfaces)
 {
     Piece open = MakePiece(piece.name, {}, piece.category, piece.color, piece.alpha);
@@ -328,7 +328,7 @@ Piece TakeOpen(Piece& piece, Surfaces& surfaces)
     return open;
 }
 
-/// Settles the sides of a piece and appends it, in one part or two.
+/// Settles the sides of a piece and appends it, as one piece or two.
 void Settle(Piece piece, std::vector<Piece>& settled)
 {
     if (piece.two_sided || piece.closes_with_others || piece.faces.empty()) {

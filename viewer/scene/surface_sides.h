@@ -1,5 +1,5 @@
-// From which sides the faces of a model are visible. The viewport culls back faces: those of a closed surface
-// are never seen, but those of an open one are.
+// Decides from which sides the faces of a model are visible. The viewport culls back faces. The back of a
+// closed surface is never seen, but that of an open one is.
 #pragma once
 
 #include "viewer/scene/model.h"
@@ -13,13 +13,12 @@ namespace viewer
 /// - A piece of open surfaces becomes two-sided.
 /// - A piece of closed and open surfaces is split: its closed surfaces and its lines stay, and its open ones
 ///   follow in a two-sided piece of the same name.
-/// - A closed surface that encloses its volume from outside, because its faces point inwards, is turned. A
-///   cavity, which lies within another closed surface of the piece, stays as it is. A piece with too many
-///   surfaces to tell which of them are cavities becomes two-sided.
+/// - A closed surface whose faces point inwards is turned, except for a cavity, which is inside of another
+///   closed surface of the piece. A piece with too many surfaces to find its cavities becomes two-sided.
 ///
-/// A piece that is two-sided before stays so. One that closes with others is neither made two-sided nor
-/// turned: its importer has oriented the whole surface. The time for a piece is n log n of its corners, in
-/// addition to a second at most for its cavities.
+/// A piece that is two-sided already is not changed, nor is one that closes with others: its importer has
+/// oriented the whole surface. The time for a piece of n corners is proportional to n log n. Finding cavities
+/// takes another second at most.
 void SettleSides(Model& model);
 
 } // namespace viewer

@@ -1,5 +1,7 @@
 #include "viewer/import/brep/faceted_body.h"
 
+#include "viewer/scene/affine.h"
+
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepAdaptor_Surface.hxx>
 #include <BRepLProp_SLProps.hxx>
@@ -18,10 +20,8 @@
 #include <TopoDS.hxx>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
-#include <numbers>
 #include <optional>
 
 namespace viewer
@@ -75,7 +75,7 @@ TopTools_MapOfShape SeamsOf(const TopoDS_Face& face)
 /// Whether the face is smooth across its seam, as a cylinder is.
 bool IsSmoothSeam(const TopoDS_Edge& edge, const TopoDS_Face& face)
 {
-    constexpr double kSmooth = 1.0 * std::numbers::pi / 180.0;
+    constexpr double kSmooth = Radians(1.0);
     double first = 0.0;
     double last = 0.0;
     const auto side = [&](TopAbs_Orientation orientation) {
@@ -102,38 +102,12 @@ bool IsPlane(const TopoDS_Face& face)
 
 /// A side of a facet.
 struct Side {
-    std::uint64_t corners; ///< the lower number above the higher one
-    bool is_forward;       ///< runs from the lower number to the higher one
+    std::uint64_t edge; ///< `EdgeKey` of its corners
+    bool is_forward;    ///< runs from the lower number to the higher one
     std::size_t face;
 };
 
-Side MakeSide(int from, int to, std::size_t face)
-{
-    const auto low = static_cast<std::uint64_t>(std::min(from, to));
-    const auto high = static_cast<std::uint64_t>(std::max(from, to));
-    return {low << 32U | high, from < to, face};
-}
-
 } // namespace
-
-std::size_t CornerNumbers::Hash::operator()(const Point& point) const
-{
-    std::uint64_t hash = 0;
-    for (const double coordinate : {point.x, point.y, point.z}) {
-        // The sum is the same for both zeros, which are equal.
-        hash = (hash ^ std::bit_cast<std::uint64_t>(coordinate + 0.0)) * 0x9E3779B97F4A7C15U;
-        hash ^= hash >> 32U;
-    }
-    return hash;
-}
-
-int CornerNumbers::NumberOf(const Point& point)
-{
-    const auto [entry, is_new] = numbers_.emplace(point, static_cast<int>(points_.size()));
-    if (is_new)
-        points_.push_back(point);
-    return entry->second;
-}
 
 int FacetedBody::NumberOf(const gp_Pnt& point, const gp_Trsf& placement)
 {
@@ -193,7 +167,8 @@ void FacetedBody::NoteEdges(const TopoDS_Face& face, const Poly_Triangulation* m
             if (is_degenerate)
                 std::fill(known.corners.begin(), known.corners.end(), known.corners.front());
         }
-        // The library's mesher cuts a shared edge alike in all faces. Meshes from files can differ.
+        // The library's mesher cuts a shared edge at the same points in all faces. Meshes from files can
+        // differ.
         if (known.corners.size() != count)
             continue;
         for (std::size_t i = 0; i < count; ++i)
@@ -290,16 +265,16 @@ std::vector<std::size_t> FacetedBody::FindOpenFaces() const
     std::vector<Side> sides;
     sides.reserve(3 * facets_.size());
     for (const Facet& facet : facets_)
-        for (std::size_t i = 0; i < facet.corners.size(); ++i)
-            sides.push_back(
-                MakeSide(facet.corners[i], facet.corners[(i + 1) % facet.corners.size()], facet.face));
-    std::ranges::sort(sides, {}, &Side::corners);
+        ForEachEdge(facet.corners, [&](int from, int to) {
+            sides.push_back({EdgeKey(from, to), from < to, facet.face});
+        });
+    std::ranges::sort(sides, {}, &Side::edge);
     std::vector<bool> is_open(face_count_, false);
     std::vector<bool> has_facets(face_count_, false);
     bool closes = true;
     for (auto begin = sides.begin(); begin != sides.end();) {
-        const auto end = std::find_if(begin, sides.end(),
-                                      [&](const Side& side) { return side.corners != begin->corners; });
+        const auto end =
+            std::find_if(begin, sides.end(), [&](const Side& side) { return side.edge != begin->edge; });
         const bool is_paired = end - begin == 2 && begin[0].is_forward != begin[1].is_forward;
         for (; begin != end; ++begin) {
             has_facets[begin->face] = true;

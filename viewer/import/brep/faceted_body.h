@@ -4,6 +4,7 @@
 
 #include "viewer/import/brep/convex_facets.h"
 #include "viewer/scene/model.h"
+#include "viewer/scene/shared_corners.h"
 
 #include <NCollection_IndexedDataMap.hxx>
 #include <TopTools_ShapeMapHasher.hxx>
@@ -17,7 +18,6 @@
 #include <optional>
 #include <set>
 #include <span>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -25,21 +25,6 @@ class Poly_Triangulation;
 
 namespace viewer
 {
-
-/// Numbers points; equal coordinates get the same number.
-class CornerNumbers
-{
-  public:
-    int NumberOf(const Point& point);
-    [[nodiscard]] const Point& At(int number) const { return points_[static_cast<std::size_t>(number)]; }
-
-  private:
-    struct Hash {
-        std::size_t operator()(const Point& point) const;
-    };
-    std::unordered_map<Point, int, Hash> numbers_;
-    std::vector<Point> points_;
-};
 
 /// How closely segments follow curves.
 struct BrepTolerance {
@@ -67,8 +52,9 @@ class FacetedBody
     /// Whether each side of a facet has exactly one facet on its other side, running in the opposite
     /// direction; false without facets.
     [[nodiscard]] bool Closes() const { return !facets_.empty() && OpenFaces().empty(); }
-    /// The faces that keep the body from closing: those of facets with a side that has no facet, or too many,
-    /// on its other side, and those without facets. In order of `AddFace`, from 0; none if the body closes.
+    /// The faces that keep the body from closing: faces without facets, and faces with a facet that has not
+    /// exactly one neighbour at each side. Numbered from 0 in the order of `AddFace`. Empty if the body
+    /// closes.
     [[nodiscard]] const std::vector<std::size_t>& OpenFaces() const;
     /// Moves the faces and edges into the pieces, by their numbers. If the facets are closed they are turned
     /// outwards, and facets without area are kept; otherwise those are dropped.
@@ -104,11 +90,11 @@ class FacetedBody
 
     gp_Trsf placement_;
     BrepTolerance tolerance_;
-    CornerNumbers corners_;
+    PointNumbers corners_;
     NCollection_IndexedDataMap<TopoDS_Shape, EdgeCorners, TopTools_ShapeMapHasher> edges_;
     std::vector<Facet> facets_;
     std::size_t face_count_ = 0;
-    mutable std::optional<std::vector<std::size_t>> open_faces_; ///< once they were asked for
+    mutable std::optional<std::vector<std::size_t>> open_faces_; ///< computed on demand
     std::size_t piece_ = 0;                                      ///< of the face that is added
     std::size_t faces_without_mesh_ = 0;
 };

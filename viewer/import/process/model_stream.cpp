@@ -1,5 +1,7 @@
 #include "viewer/import/process/model_stream.h"
 
+#include "viewer/scene/shared_corners.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -21,30 +23,15 @@ enum class Tag : unsigned char { Progress = 'p', Model = 'm', Failure = 'f' };
 constexpr std::string_view kEnd = "END.";
 constexpr std::size_t kBlockSize = 65536;
 constexpr unsigned kMinCorners = 3;
-/// Set in the byte of a face's corner count if the face continues the one before it.
+/// Flag in the byte of a face's corner count: the face continues the one before it.
 constexpr unsigned kContinues = 0x80;
 
-/// The identity of a point in the table: all of its bits, so that every number arrives as it was.
-struct PointBits {
-    std::array<std::uint64_t, 3> bits;
-
-    explicit PointBits(const Point& point)
-        : bits{std::bit_cast<std::uint64_t>(point.x), std::bit_cast<std::uint64_t>(point.y),
-               std::bit_cast<std::uint64_t>(point.z)}
+/// Whether points are equal in all their bits, so that each number arrives unchanged, also a negative zero.
+struct HaveSameBits {
+    bool operator()(const Point& a, const Point& b) const
     {
-    }
-    bool operator==(const PointBits&) const = default;
-};
-
-struct PointBitsHash {
-    std::size_t operator()(const PointBits& point) const
-    {
-        std::uint64_t hash = 0;
-        for (const std::uint64_t bits : point.bits) {
-            constexpr std::uint64_t kGoldenRatio = 0x9E3779B97F4A7C15U;
-            hash = (std::rotl(hash, 23) ^ bits) * kGoldenRatio;
-        }
-        return static_cast<std::size_t>(hash ^ (hash >> 32U));
+        using Bits = std::array<std::uint64_t, 3>;
+        return std::bit_cast<Bits>(a) == std::bit_cast<Bits>(b);
     }
 };
 
@@ -408,7 +395,7 @@ void ModelStreamWriter::PutSegments(const std::vector<Segment>& segments)
 
 void ModelStreamWriter::PutFaces(const std::vector<ModelFace>& faces)
 {
-    std::unordered_map<PointBits, std::uint32_t, PointBitsHash> numbers;
+    std::unordered_map<Point, std::uint32_t, PointHash, HaveSameBits> numbers;
     std::vector<Point> points;
     for (const ModelFace& face : faces)
         for (const Point& corner : face.corners)
@@ -422,9 +409,9 @@ void ModelStreamWriter::PutFaces(const std::vector<ModelFace>& faces)
         const auto count = static_cast<unsigned>(std::min<std::size_t>(face.corners.size(), kContinues - 1));
         PutNumber(static_cast<unsigned char>(face.continues ? count | kContinues : count));
         for (const Point& corner : face.corners)
-            PutNumber(numbers.at(PointBits(corner)));
+            PutNumber(numbers.at(corner));
         for (const double coordinate : {face.normal.x, face.normal.y, face.normal.z})
-            // A larger one is refused all the same, but may exceed the range of float.
+            // A component above 1 is refused by the reading side, but may exceed the range of float.
             PutNumber(static_cast<float>(std::clamp(coordinate, -2.0, 2.0)));
     }
 }

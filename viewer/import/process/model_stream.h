@@ -79,7 +79,7 @@ class StreamError : public std::runtime_error
     explicit StreamError(const std::string& reason) : std::runtime_error(reason) {}
 };
 
-/// The stream holds a failure instead of a model. The text is its reason.
+/// The stream contains a failure instead of a model. The text is its reason.
 class ReportedFailure : public std::runtime_error
 {
   public:
@@ -103,7 +103,7 @@ using StreamSource = std::function<std::size_t(std::span<char> buffer)>;
 /// 4 bytes in the stream and 32 in memory, so the length of the stream limits nothing. Memory grows with the
 /// bytes that have arrived, not with the counts that the stream states.
 ///
-/// Throws ReportedFailure if the stream holds a failure, and ModelTooLarge before the limit is exceeded.
+/// Throws ReportedFailure if the stream contains a failure, and ModelTooLarge before the limit is exceeded.
 /// Throws StreamError for wrong magic bytes, another version, an unknown tag, a number that is out of range
 /// or not finite, a category that has neither a name nor a piece, a face of fewer than three or more than
 /// `kMaxStreamCorners` corners or with a normal that is not of unit length, a text that is too long, a stream
