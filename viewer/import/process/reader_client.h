@@ -14,30 +14,30 @@
 namespace viewer
 {
 
-/// How karv-reader is run.
+/// Settings for a run of karv-reader.
 struct ReaderSettings {
     /// The path of the program.
     std::string program = ReaderBesideThisCode();
     ReaderLimits limits;
-    /// Called once the reader works on the file, for work that can be done meanwhile; the time of it counts
-    /// for the limits. Its exceptions pass through.
+    /// Called each time after the reader was started, for work that can be done in parallel. Its time counts
+    /// towards the limits. Its exceptions pass through.
     std::function<void()> meanwhile = {};
 };
 
-/// Reads a file of any kind that `ReadModelFile` reads, in a process of its own. That process has ended when
-/// this returns or throws, and so have those that it started, unless they left its process group. Blocks
-/// until then; `progress` is called by the calling thread. The process inherits no open file but the standard
-/// error stream, and few variables of the environment (`ReaderEnvironment`).
+/// Reads a file of any kind that `ReadModelFile` reads, in a separate process. The call blocks until that
+/// process has ended, also if it throws. Processes that the reader started have ended then, too, unless they
+/// left its process group. `progress` is called by the calling thread. The reader inherits no open file
+/// except for the standard error stream, and few variables of the environment (`ReaderEnvironment`).
 ///
 /// A reader that crashes before its whole model has arrived is started once more, with `ImportOptions::safe`.
-/// Progress then starts over; the limit of elapsed time holds for both attempts together. A crash after the
+/// Progress then starts over; the limit of elapsed time applies to both attempts together. A crash after the
 /// whole model has arrived has no effect.
 ///
 /// Throws FileError, "FILE: reason" in one line, if `ReadModelFile` does, and if the reader cannot be
-/// started, crashes twice, exceeds a limit, sends a damaged stream, or is stopped by SIGINT, SIGTERM or SIGHUP to
-/// the calling process, which then do not end that process. The reason states the last progress that the
-/// reader reported. If the reader cannot be started, the reason names its path. Exceptions of `progress` pass
-/// through.
+/// started, crashes twice, exceeds a limit, or sends a damaged stream. SIGINT, SIGTERM or SIGHUP to the
+/// calling process stops the reader and throws FileError, too; the signal does not end the calling process.
+/// The reason states the last progress that the reader reported. If the reader cannot be started, the reason
+/// names its path. Exceptions of `progress` pass through.
 ///
 /// On Windows no importer is built, and every call throws FileError with that reason. Not thread-safe: one
 /// call at a time in a process.

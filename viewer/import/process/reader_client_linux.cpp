@@ -337,11 +337,6 @@ class ReaderSession
     bool has_ended_ = false;
 };
 
-} // namespace
-
-namespace
-{
-
 Model RunReader(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
                 const ReaderSettings& reader, ReaderSession::Clock::time_point end)
 {
