@@ -83,7 +83,12 @@ TEST_P(BrepSolidSamples, SolidsCloseAndHaveTheLibrarysFigures)
     ASSERT_EQ(model.pieces.size(), solids.size());
     // The importer's box of the model can be a little larger than that of the facets.
     const double deflection = 1.1 * ImportOptions{}.RelativeDeflection() * model.Extents().Diagonal();
-    // A sphere loses most: its chords, in both directions, are shorter than their arcs.
+    // A chord over the angle 2h is shorter than its arc by the factor sin(h) / h. The facets of a cylinder
+    // are smaller than its area by this factor, those of a ring (torus) by its square, which is the bound.
+    // Discs and balls can lose twice as much, 1 - sin(2h) / 2h = 2/3 h^2, but only at small radii: larger
+    // ones have shorter chords, because a chord over the angle a lies r a^2 / 8 from its arc, which is at
+    // most the deflection d. They lose a^2 / 6 = 4/3 d / r, which is within the bound of h^2 / 3 from r = 4 d
+    // / h^2 = 60 d on, 4 % of the model's diagonal. Smaller discs and balls are a small part of these solids.
     const double half_angle = 0.5 * kFacetAngle * std::numbers::pi / 180.0;
     const double area_lost = 1.0 - std::pow(std::sin(half_angle) / half_angle, 2.0);
     for (std::size_t i = 0; i < solids.size(); ++i) {
