@@ -4,6 +4,8 @@
 
 #include <chrono>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace viewer
 {
@@ -12,52 +14,33 @@ namespace
 
 using std::chrono::milliseconds;
 
-/// A clock that the test sets.
-struct ScriptedClock {
+/// The text that a line writes if these fractions are reported after this time.
+std::string TextOf(bool is_terminal, milliseconds elapsed, const std::vector<double>& fractions)
+{
+    std::ostringstream out;
     std::chrono::steady_clock::time_point now;
-
-    [[nodiscard]] ProgressLine::Clock Function()
     {
-        return [this] { return now; };
+        ProgressLine line(out, is_terminal, "load", [&] { return now; });
+        now += elapsed;
+        for (const double fraction : fractions)
+            line.Report(fraction);
     }
-};
+    return out.str();
+}
 
 TEST(ProgressLine, ShortTasksShowNothing)
 {
-    std::ostringstream out;
-    ScriptedClock clock;
-    {
-        ProgressLine line(out, true, "load", clock.Function());
-        clock.now += milliseconds(499);
-        line.Report(0.5);
-    }
-    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(TextOf(true, milliseconds(499), {0.5}), "");
 }
 
 TEST(ProgressLine, LongTasksShowEachPercentOnceAndClearTheLineAtTheEnd)
 {
-    std::ostringstream out;
-    ScriptedClock clock;
-    {
-        ProgressLine line(out, true, "load", clock.Function());
-        clock.now += milliseconds(500);
-        line.Report(0.5);
-        line.Report(0.505);
-        line.Report(1.5);
-    }
-    EXPECT_EQ(out.str(), "\rload: 50 %\rload: 100 %\r\x1b[K");
+    EXPECT_EQ(TextOf(true, milliseconds(500), {0.5, 0.505, 1.5}), "\rload: 50 %\rload: 100 %\r\x1b[K");
 }
 
 TEST(ProgressLine, WithoutATerminalNothingIsShown)
 {
-    std::ostringstream out;
-    ScriptedClock clock;
-    {
-        ProgressLine line(out, false, "load", clock.Function());
-        clock.now += milliseconds(5000);
-        line.Report(0.5);
-    }
-    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(TextOf(false, milliseconds(5000), {0.5}), "");
 }
 
 } // namespace

@@ -18,6 +18,12 @@ namespace viewer
 namespace
 {
 
+/// A square of side 1 in the plane z = 0, seen from +z.
+ModelFace UnitSquareAt(double x)
+{
+    return MakeFace({{x, 0, 0}, {x + 1, 0, 0}, {x + 1, 1, 0}, {x, 1, 0}}).value();
+}
+
 class FittedSceneView : public testing::TestWithParam<PictureSize>
 {
 };
@@ -164,8 +170,7 @@ std::array<std::uint32_t, 2> SidesOfASquare(bool two_sided, bool transparent, fl
     ViewportWindow view(L"test", PictureSize{100, 100}, transparent);
     view.Control().SetBgColor(200, 200, 200);
     Model model;
-    model.pieces.push_back(
-        MakePiece("square", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}, 0, 250, alpha));
+    model.pieces.push_back(MakePiece("square", {UnitSquareAt(0)}, 0, 250, alpha));
     model.pieces[0].two_sided = two_sided;
     FittedScene scene(view.Control(), model);
     std::array<std::uint32_t, 2> pixels{};
@@ -203,8 +208,7 @@ TEST(FittedScene, FacesOfManyCornersAreFedAsTriangles)
     UseHeadless();
     ViewportWindow view(L"test", PictureSize{100, 100}, false);
     Model model;
-    model.pieces.push_back(
-        MakePiece("square", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}));
+    model.pieces.push_back(MakePiece("square", {UnitSquareAt(0)}));
     const FittedScene scene(view.Control(), model);
     ASSERT_EQ(view.Control().entities.at(0).faces.size(), 2U);
     for (const KARVGLFace& face : view.Control().entities[0].faces)
@@ -218,49 +222,57 @@ int DrawnPixels(const Picture& picture)
         std::ranges::count_if(picture.pixels, [](std::uint32_t pixel) { return pixel != 0; }));
 }
 
-TEST(FittedSceneLines, SolidShowsItsEdgesInLineModeAndNoneAmongItsFaces)
+constexpr std::uint32_t kRed = 0xFF0000;
+constexpr std::uint32_t kGreen = 0x00FF00;
+
+/// Whether a pixel has a part of the colour.
+bool HasColor(const Picture& picture, std::uint32_t color)
 {
-    UseHeadless();
-    ViewportWindow view(L"test", PictureSize{100, 100}, false);
-    view.Control().SetBgColor(0, 0, 0);
-    FittedScene scene(view.Control(), BoxModel(BoxOf({0, 0, 0}, {1, 1, 1})));
+    return std::ranges::any_of(picture.pixels, [&](std::uint32_t pixel) { return (pixel & color) != 0; });
+}
+
+/// Tests with a black window.
+class FittedSceneLines : public testing::Test
+{
+  protected:
+    static void SetUpTestSuite() { UseHeadless(); }
+    FittedSceneLines() { view_.Control().SetBgColor(0, 0, 0); }
+
+    ViewportWindow view_{L"test", PictureSize{100, 100}, false};
+};
+
+TEST_F(FittedSceneLines, SolidShowsItsEdgesInLineModeAndNoneAmongItsFaces)
+{
+    FittedScene scene(view_.Control(), BoxModel(BoxOf({0, 0, 0}, {1, 1, 1})));
     scene.Show(StandardView::Front, Projection::Parallel, 1.0);
-    const Picture faces = view.TakePicture();
+    const Picture faces = view_.TakePicture();
     EXPECT_NE(PixelAt(faces, 50, 50), 0U);
     scene.DrawLines(true);
-    const Picture lines = view.TakePicture();
+    const Picture lines = view_.TakePicture();
     EXPECT_EQ(PixelAt(lines, 50, 50), 0U) << "nothing within the outline";
     EXPECT_GT(DrawnPixels(lines), 100);
     scene.DrawLines(false);
-    EXPECT_EQ(view.TakePicture().pixels, faces.pixels);
+    EXPECT_EQ(view_.TakePicture().pixels, faces.pixels);
 }
 
-TEST(FittedSceneLines, SurfaceShowsItsBorderInLineModeAlone)
+TEST_F(FittedSceneLines, SurfaceShowsItsBorderInLineModeAlone)
 {
-    UseHeadless();
-    ViewportWindow view(L"test", PictureSize{100, 100}, false);
-    view.Control().SetBgColor(0, 0, 0);
     // Two squares side by side, one of them in another category.
     Model model;
-    model.pieces.push_back(
-        MakePiece("a", {MakeFace({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}).value()}, 0, 1));
-    model.pieces.push_back(
-        MakePiece("b", {MakeFace({{2, 0, 0}, {3, 0, 0}, {3, 1, 0}, {2, 1, 0}}).value()}, 1, 3));
-    FittedScene scene(view.Control(), model);
+    model.pieces.push_back(MakePiece("a", {UnitSquareAt(0)}, 0, 1));
+    model.pieces.push_back(MakePiece("b", {UnitSquareAt(2)}, 1, 3));
+    FittedScene scene(view_.Control(), model);
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
-    const Picture faces = view.TakePicture();
-    view.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(0));
-    view.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(1));
-    EXPECT_EQ(DrawnPixels(view.TakePicture()), 0) << "no lines among faces";
+    const Picture faces = view_.TakePicture();
+    view_.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(0));
+    view_.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(1));
+    EXPECT_EQ(DrawnPixels(view_.TakePicture()), 0) << "no lines among faces";
     scene.DrawLines(true);
-    const Picture lines = view.TakePicture();
+    const Picture lines = view_.TakePicture();
     EXPECT_GT(DrawnPixels(lines), 40);
     EXPECT_LT(DrawnPixels(lines), DrawnPixels(faces));
-    const auto has = [&](std::uint32_t mask) {
-        return std::ranges::any_of(lines.pixels, [&](std::uint32_t pixel) { return (pixel & mask) != 0; });
-    };
-    EXPECT_TRUE(has(0xFF0000U)) << "in the colour of the piece";
-    EXPECT_TRUE(has(0x00FF00U));
+    EXPECT_TRUE(HasColor(lines, kRed)) << "in the colour of the piece";
+    EXPECT_TRUE(HasColor(lines, kGreen));
 }
 
 /// Lines in the plane z = 0 in red, of category 0, and a square beside it in green, of category 1.
@@ -278,55 +290,38 @@ Model LineAndSquare(const Point& at, double size)
     return model;
 }
 
-bool HasRed(const Picture& picture)
+TEST_F(FittedSceneLines, LinesOfThePieceAreSeenInBothModesAndHiddenWithTheirCategory)
 {
-    return std::ranges::any_of(picture.pixels, [](std::uint32_t p) { return (p & 0xFF0000U) != 0; });
-}
-
-TEST(FittedSceneLines, LinesOfThePieceAreSeenInBothModesAndHiddenWithTheirCategory)
-{
-    UseHeadless();
-    ViewportWindow view(L"test", PictureSize{100, 100}, false);
-    view.Control().SetBgColor(0, 0, 0);
-    FittedScene scene(view.Control(), LineAndSquare({0, 0, 0}, 1));
+    FittedScene scene(view_.Control(), LineAndSquare({0, 0, 0}, 1));
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
-    EXPECT_TRUE(HasRed(view.TakePicture())) << "among faces";
+    EXPECT_TRUE(HasColor(view_.TakePicture(), kRed)) << "among faces";
     scene.DrawLines(true);
-    EXPECT_TRUE(HasRed(view.TakePicture())) << "among lines";
-    view.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(0));
-    const Picture without = view.TakePicture();
-    EXPECT_FALSE(HasRed(without));
+    EXPECT_TRUE(HasColor(view_.TakePicture(), kRed)) << "among lines";
+    view_.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(0));
+    const Picture without = view_.TakePicture();
+    EXPECT_FALSE(HasColor(without, kRed));
     EXPECT_GT(DrawnPixels(without), 20) << "the square's border is left";
 }
 
-TEST(FittedSceneLines, HiddenCategoriesHideTheBordersOfTheirSurfacesToo)
+TEST_F(FittedSceneLines, HiddenCategoriesHideTheBordersOfTheirSurfacesToo)
 {
-    UseHeadless();
-    ViewportWindow view(L"test", PictureSize{100, 100}, false);
-    view.Control().SetBgColor(0, 0, 0);
-    FittedScene scene(view.Control(), LineAndSquare({0, 0, 0}, 1), {1});
+    FittedScene scene(view_.Control(), LineAndSquare({0, 0, 0}, 1), {1});
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
-    const auto has_green = [](const Picture& picture) {
-        return std::ranges::any_of(picture.pixels, [](std::uint32_t p) { return (p & 0x00FF00U) != 0; });
-    };
     for (const bool lines : {false, true, false, true}) {
         scene.DrawLines(lines);
-        const Picture picture = view.TakePicture();
-        EXPECT_FALSE(has_green(picture)) << lines;
-        EXPECT_TRUE(HasRed(picture)) << lines;
+        const Picture picture = view_.TakePicture();
+        EXPECT_FALSE(HasColor(picture, kGreen)) << lines;
+        EXPECT_TRUE(HasColor(picture, kRed)) << lines;
     }
 }
 
-TEST(FittedSceneLines, ModelOfLinesAloneFillsThePicture)
+TEST_F(FittedSceneLines, ModelOfLinesAloneFillsThePicture)
 {
-    UseHeadless();
-    ViewportWindow view(L"test", PictureSize{100, 100}, false);
-    view.Control().SetBgColor(0, 0, 0);
     Model model;
     model.pieces.emplace_back().lines = {{{0, 0, 0}, {1, 0, 0}}, {{1, 0, 0}, {1, 1, 0}}};
-    FittedScene scene(view.Control(), model);
+    FittedScene scene(view_.Control(), model);
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
-    const Picture picture = view.TakePicture();
+    const Picture picture = view_.TakePicture();
     // The box of 1 by 1 is grown by 1.05 x 1.22 and a picture is 1.2 of its diagonals wide: the lines are
     // 100 / (1.05 x 1.22 x 1.2 x sqrt 2) = 46 pixels long.
     EXPECT_GE(DrawnPixels(picture), 80);
@@ -342,15 +337,13 @@ TEST(FittedSceneLines, ModelOfLinesAloneFillsThePicture)
     EXPECT_NEAR(highest - lowest, 46, 2);
 }
 
-TEST(FittedSceneLines, LineOfNoLengthCanBeDrawn)
+TEST_F(FittedSceneLines, LineOfNoLengthCanBeDrawn)
 {
-    UseHeadless();
-    ViewportWindow view(L"test", PictureSize{50, 50}, false);
     Model model;
     model.pieces.emplace_back().lines = {{{5, 5, 5}, {5, 5, 5}}};
-    FittedScene scene(view.Control(), model);
+    FittedScene scene(view_.Control(), model);
     scene.Show(StandardView::SE, Projection::Perspective, 1.0);
-    EXPECT_EQ(view.TakePicture().pixels.size(), 2500U);
+    EXPECT_EQ(view_.TakePicture().pixels.size(), 10'000U);
 }
 
 // A thousand kilometres are about 2^30 mm. There, doubles are 2^-22 apart and floats 128. The same part at

@@ -2,6 +2,7 @@
 // limits. Each gives one line with a reason, in bounded time and memory.
 #include "tests/viewer/import/brep/brep_fixture.h"
 #include "tests/viewer/import/dxf/dxf_fixture.h"
+#include "tests/viewer/import/process/limits_fixture.h"
 #include "viewer/import/process/reader_client.h"
 #include "viewer/text/file_error.h"
 
@@ -44,19 +45,10 @@ class HostileFiles : public BrepTest
   protected:
     static constexpr std::size_t kMemory = std::size_t{2} << 30U;
 
-    static ReaderLimits Limits()
-    {
-        ReaderLimits limits;
-        limits.wall = std::chrono::minutes(2);
-        limits.processor = std::chrono::minutes(2);
-        limits.memory = kMemory;
-        return limits;
-    }
-
     static Outcome Import(const std::string& path)
     {
         try {
-            return {ImportModel(path, {}, {}, {.limits = Limits()}), {}};
+            return {ImportModel(path, {}, {}, {.limits = GenerousLimits(kMemory)}), {}};
         } catch (const FileError& error) {
             const std::string text = error.what();
             EXPECT_THAT(text, StartsWith(path + ": "));

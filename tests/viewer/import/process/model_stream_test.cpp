@@ -8,6 +8,10 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace viewer
 {
@@ -36,6 +40,20 @@ std::string Replaced(std::string bytes, const std::string& from, const std::stri
     EXPECT_NE(place, std::string::npos);
     EXPECT_EQ(bytes.find(from, place + 1), std::string::npos);
     return bytes.replace(place, from.size(), to);
+}
+
+/// A model with one piece, of these faces.
+Model ModelOf(std::vector<ModelFace> faces)
+{
+    Model model;
+    model.pieces.push_back(MakePiece("", std::move(faces)));
+    return model;
+}
+
+/// A triangle of three different corners.
+ModelFace Triangle()
+{
+    return MakeFace({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}}).value();
 }
 
 /// The stream of a model with one value that occurs once.
@@ -241,8 +259,7 @@ std::vector<Bulk> Bulks()
     names.category_names.resize(kManyItems);
     ModelFace polygon = triangle;
     polygon.corners.resize(kMaxStreamCorners);
-    Model corners;
-    corners.pieces = {MakePiece("", std::vector(kManyItems, polygon))};
+    const Model corners = ModelOf(std::vector(kManyItems, polygon));
     Model points;
     points.pieces.resize(1);
     for (std::size_t i = 0; i < kManyItems; ++i) {
@@ -329,8 +346,7 @@ TEST(ModelStream, TextLongerThanAllowedIsRefused)
 
 TEST(ModelStream, FaceOfTwoCornersIsRefused)
 {
-    Model model;
-    model.pieces.push_back(MakePiece("", {ModelFace{{{1, 0, 0}, {2, 0, 0}}, {0, 0, 1}}}));
+    const Model model = ModelOf({ModelFace{{{1, 0, 0}, {2, 0, 0}}, {0, 0, 1}}});
     EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a face of under three corners");
 }
 
@@ -338,8 +354,7 @@ TEST(ModelStream, FaceOfMoreCornersThanAllowedIsRefused)
 {
     for (const std::size_t count :
          {kMaxStreamCorners, kMaxStreamCorners + 1, std::size_t{200}, std::size_t{259}}) {
-        Model model;
-        model.pieces.push_back(MakePiece("", {ModelFace{std::vector<Point>(count), {0, 0, 1}}}));
+        const Model model = ModelOf({ModelFace{std::vector<Point>(count), {0, 0, 1}}});
         EXPECT_EQ(ReasonFor(StreamOf(model)),
                   count > kMaxStreamCorners ? "it holds a face of too many corners" : "")
             << count;
@@ -348,8 +363,7 @@ TEST(ModelStream, FaceOfMoreCornersThanAllowedIsRefused)
 
 TEST(ModelStream, CornerThatIsNoneOfThePointsIsRefused)
 {
-    Model model;
-    model.pieces.push_back(MakePiece("", {MakeFace({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}}).value()}));
+    const Model model = ModelOf({Triangle()});
     const auto corners = [](std::uint32_t last) {
         return BytesOf(std::uint32_t{0}) + BytesOf(std::uint32_t{1}) + BytesOf(last);
     };
@@ -360,8 +374,7 @@ TEST(ModelStream, CornerThatIsNoneOfThePointsIsRefused)
 
 TEST(ModelStream, FirstFaceThatContinuesAnotherIsRefused)
 {
-    Model model;
-    model.pieces.push_back(MakePiece("", {MakeFace({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}}).value()}));
+    Model model = ModelOf({Triangle()});
     model.pieces[0].faces[0].continues = true;
     EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a face that continues none");
 }
@@ -384,8 +397,7 @@ TEST(ModelStream, TriangleOfAClosedSurfaceTakesUnderFortyBytes)
 TEST(ModelStream, NormalThatIsNotOfUnitLengthIsRefused)
 {
     for (const Point& normal : {Point{0, 0, 0}, Point{0, 0, 2}, Point{1e200, 1e200, 0}}) {
-        Model model;
-        model.pieces.push_back(MakePiece("", {ModelFace{{{0, 0, 0}, {0, 1, 0}, {1, 0, 0}}, normal}}));
+        const Model model = ModelOf({ModelFace{{{0, 0, 0}, {0, 1, 0}, {1, 0, 0}}, normal}});
         EXPECT_EQ(ReasonFor(StreamOf(model)), "it holds a normal that is not of unit length");
     }
 }

@@ -1,6 +1,7 @@
 // The client with readers that fail in every way, and with karv-reader.
 #include "viewer/import/process/reader_client.h"
 
+#include "tests/viewer/import/process/limits_fixture.h"
 #include "tests/viewer/import/process/stream_fixture.h"
 #include "tests/viewer/test_support.h"
 #include "viewer/import/process/process_limits.h"
@@ -45,18 +46,24 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 
-ReaderLimits Generous()
+constexpr std::size_t kMebibyte = 1U << 20U;
+/// Messages state it as 1.5 s.
+constexpr std::chrono::milliseconds kShort(1500);
+
+ReaderLimits WithWall(std::chrono::milliseconds wall)
 {
-    ReaderLimits limits;
-    limits.wall = std::chrono::minutes(2);
-    limits.processor = std::chrono::minutes(2);
-    limits.memory = std::size_t{4} << 30U;
+    ReaderLimits limits = GenerousLimits();
+    limits.wall = wall;
     return limits;
 }
 
+/// Stops a call: `progress` and `meanwhile` may throw.
+struct Enough {
+};
+
 /// The reason that the client gives for a reader with this fault. The error must be one line that begins with
 /// the file.
-std::string ReasonOf(const std::string& fault, const ReaderLimits& limits = Generous(),
+std::string ReasonOf(const std::string& fault, const ReaderLimits& limits = GenerousLimits(),
                      const ProgressFunction& progress = {})
 {
     try {
@@ -79,7 +86,7 @@ void ExpectNoChild()
 
 TEST(ReaderProcess, ModelOfTheReaderArrives)
 {
-    const Model model = ImportModel("model", {}, {}, {KARV_FAKE_READER, Generous()});
+    const Model model = ImportModel("model", {}, {}, {KARV_FAKE_READER, GenerousLimits()});
     EXPECT_EQ(model.title, "sample.step");
     EXPECT_THAT(model.pieces, SizeIs(2));
     ExpectNoChild();
@@ -105,7 +112,7 @@ TEST(ReaderProcess, ModelOfAReaderThatCrashesAfterItCounts)
 TEST(ReaderProcess, ReaderThatCrashesIsStartedOnceMoreWithSafeOptions)
 {
     std::vector<double> seen;
-    EXPECT_EQ(ReasonOf("crash once", Generous(), [&](double fraction) { seen.push_back(fraction); }),
+    EXPECT_EQ(ReasonOf("crash once", GenerousLimits(), [&](double fraction) { seen.push_back(fraction); }),
               "a model");
     EXPECT_THAT(seen, ElementsAre(0.42));
     EXPECT_EQ(ReasonOf("crash, then refusal"), "holds no faces");
@@ -117,18 +124,18 @@ TEST(ReaderProcess, ReaderThatCrashesWithSafeOptionsIsNotStartedAgain)
     std::vector<double> seen;
     const auto count = [&](double fraction) { seen.push_back(fraction); };
     EXPECT_THROW(static_cast<void>(ImportModel("late crash", {.deflection = {}, .safe = true}, count,
-                                               {KARV_FAKE_READER, Generous()})),
+                                               {KARV_FAKE_READER, GenerousLimits()})),
                  FileError);
     EXPECT_THAT(seen, SizeIs(1));
-    EXPECT_EQ(ReasonOf("late crash", Generous(), count), "the reader crashed (Segmentation fault), at 42 %");
+    EXPECT_EQ(ReasonOf("late crash", GenerousLimits(), count),
+              "the reader crashed (Segmentation fault), at 42 %");
     EXPECT_THAT(seen, SizeIs(1 + 2));
 }
 
 TEST(ReaderProcess, ReaderThatExceedsALimitIsNotStartedAgain)
 {
-    ReaderLimits limits = Generous();
+    ReaderLimits limits = GenerousLimits(256 * kMebibyte);
     limits.processor = std::chrono::seconds(1);
-    limits.memory = std::size_t{256} << 20U;
     EXPECT_EQ(ReasonOf("no memory once", limits), "needs more than 256 MiB of memory to be read");
     EXPECT_EQ(ReasonOf("spin once", limits), "takes more than 1 s of processor time to be read");
     EXPECT_EQ(ReasonOf("kill once"), "the reader crashed (Killed)");
@@ -136,8 +143,7 @@ TEST(ReaderProcess, ReaderThatExceedsALimitIsNotStartedAgain)
 
 TEST(ReaderProcess, BothAttemptsShareTheLimitOfTime)
 {
-    ReaderLimits limits = Generous();
-    limits.wall = std::chrono::milliseconds(1500);
+    const ReaderLimits limits = WithWall(kShort);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(ReasonOf("crash, then hang", limits), "takes longer than 1.5 s to be read, at 42 %");
     EXPECT_GE(std::chrono::steady_clock::now() - start, limits.wall);
@@ -173,32 +179,28 @@ TEST(ReaderProcess, RefusalIsOneLineWhateverItHolds)
 
 TEST(ReaderProcess, ReaderThatTakesTooLongIsEnded)
 {
-    ReaderLimits limits = Generous();
-    limits.wall = std::chrono::milliseconds(1500);
-    EXPECT_EQ(ReasonOf("hang", limits), "takes longer than 1.5 s to be read, at 42 %");
+    EXPECT_EQ(ReasonOf("hang", WithWall(kShort)), "takes longer than 1.5 s to be read, at 42 %");
     ExpectNoChild();
 }
 
 TEST(ReaderProcess, ReaderThatComputesTooLongEndsItself)
 {
-    ReaderLimits limits = Generous();
+    ReaderLimits limits = GenerousLimits();
     limits.processor = std::chrono::seconds(1);
     EXPECT_EQ(ReasonOf("spin", limits), "takes more than 1 s of processor time to be read");
 }
 
 TEST(ReaderProcess, ReaderThatGrowsTooLargeIsEnded)
 {
-    ReaderLimits limits = Generous();
-    limits.memory = std::size_t{256} << 20U;
-    EXPECT_EQ(ReasonOf("grow", limits), "needs more than 256 MiB of memory to be read, at 42 %");
+    EXPECT_EQ(ReasonOf("grow", GenerousLimits(256 * kMebibyte)),
+              "needs more than 256 MiB of memory to be read, at 42 %");
     ExpectNoChild();
 }
 
 TEST(ReaderProcess, StreamWithoutAnEndIsEnded)
 {
-    ReaderLimits limits = Generous();
-    limits.memory = std::size_t{128} << 20U;
-    EXPECT_EQ(ReasonOf("flood", limits), "needs more than 128 MiB of memory to be read, at 42 %");
+    EXPECT_EQ(ReasonOf("flood", GenerousLimits(128 * kMebibyte)),
+              "needs more than 128 MiB of memory to be read, at 42 %");
 }
 
 /// Runs the function in a child process, which has limits and a peak of resident memory of its own. Returns
@@ -240,12 +242,10 @@ class ReaderWithABulkyModel : public testing::TestWithParam<std::string>
 TEST_P(ReaderWithABulkyModel, IsRefusedWithinTheLimitOfMemory)
 {
     // The stream and the reader stay below the limit; the model in memory does not.
-    constexpr std::size_t kLimit = std::size_t{64} << 20U;
+    constexpr std::size_t kLimit = 64 * kMebibyte;
     const std::string answer = InAChild([] {
-        ReaderLimits limits = Generous();
-        limits.memory = kLimit;
         const std::size_t before = PeakMemory();
-        const std::string reason = ReasonOf(GetParam(), limits);
+        const std::string reason = ReasonOf(GetParam(), GenerousLimits(kLimit));
         return std::to_string(PeakMemory() - before) + ' ' + reason;
     });
     const std::size_t blank = answer.find(' ');
@@ -254,7 +254,7 @@ TEST_P(ReaderWithABulkyModel, IsRefusedWithinTheLimitOfMemory)
     // The allocator keeps blocks that a growing list has left, which come to less than the largest one, and a
     // sanitizer adds an eighth for its shadow. 8 MiB are for code and buffers that are used for the first
     // time.
-    EXPECT_LE(std::stoull(answer), kLimit + kLimit / 2 + (8U << 20U));
+    EXPECT_LE(std::stoull(answer), kLimit + kLimit / 2 + 8 * kMebibyte);
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, ReaderWithABulkyModel, testing::Values("empty names", "empty pieces"),
@@ -342,9 +342,7 @@ bool HasEnded(pid_t id)
 TEST(ReaderProcess, ProcessThatTheReaderLeavesIsEnded)
 {
     // It holds the stream open for ten minutes.
-    ReaderLimits limits = Generous();
-    limits.wall = std::chrono::minutes(1);
-    const std::string child = ReasonOf("orphan", limits);
+    const std::string child = ReasonOf("orphan", WithWall(std::chrono::minutes(1)));
     ASSERT_EQ(child.find_first_not_of("0123456789"), std::string::npos) << child;
     EXPECT_TRUE(HasEnded(std::stoi(child)));
     ExpectNoChild();
@@ -352,14 +350,12 @@ TEST(ReaderProcess, ProcessThatTheReaderLeavesIsEnded)
 
 TEST(ReaderProcess, ProcessOfAReaderThatIsEndedIsEndedToo)
 {
-    struct Enough {
-    };
     pid_t child = 0;
     const auto stop = [&](double fraction) {
         child = static_cast<pid_t>(std::lround(fraction * kMaxProcesses));
         throw Enough();
     };
-    EXPECT_THROW(ReasonOf("hanging family", Generous(), stop), Enough);
+    EXPECT_THROW(ReasonOf("hanging family", GenerousLimits(), stop), Enough);
     ASSERT_GT(child, 0);
     EXPECT_TRUE(HasEnded(child));
 }
@@ -372,9 +368,7 @@ std::string ReasonUnderAddressSpace(rlim_t soft, std::optional<rlim_t> hard, std
         getrlimit(RLIMIT_AS, &limit);
         limit = {soft, hard.value_or(limit.rlim_max)};
         setrlimit(RLIMIT_AS, &limit);
-        ReaderLimits limits = Generous();
-        limits.memory = memory;
-        return ReasonOf("no memory", limits);
+        return ReasonOf("no memory", GenerousLimits(memory));
     });
 }
 
@@ -392,18 +386,14 @@ TEST(ReaderProcess, MessageNamesTheLimitOfAddressSpaceThatIsInForce)
 
 TEST(ReaderProcess, ProgressIsPassedOn)
 {
-    ReaderLimits limits = Generous();
-    limits.wall = std::chrono::milliseconds(1500);
     std::vector<double> seen;
-    ReasonOf("hang", limits, [&](double fraction) { seen.push_back(fraction); });
+    ReasonOf("hang", WithWall(kShort), [&](double fraction) { seen.push_back(fraction); });
     EXPECT_THAT(seen, ElementsAre(0.42));
 }
 
 TEST(ReaderProcess, WhatProgressThrowsPassesThroughAndEndsTheReader)
 {
-    struct Enough {
-    };
-    EXPECT_THROW(ReasonOf("hang", Generous(), [](double) { throw Enough(); }), Enough);
+    EXPECT_THROW(ReasonOf("hang", GenerousLimits(), [](double) { throw Enough(); }), Enough);
     ExpectNoChild();
 }
 
@@ -412,7 +402,7 @@ TEST(ReaderProcess, SignalsThatStopTheUserCancelTheReadingAlone)
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         // A test that runs in the background may have inherited signals that are ignored.
         const auto before = std::signal(signal, SIG_DFL);
-        EXPECT_EQ(ReasonOf("hang", Generous(), [&](double) { std::raise(signal); }),
+        EXPECT_EQ(ReasonOf("hang", GenerousLimits(), [&](double) { std::raise(signal); }),
                   "reading was cancelled, at 42 %");
         std::signal(signal, before);
         ExpectNoChild();
@@ -424,7 +414,7 @@ TEST(ReaderProcess, SignalsDoAfterwardsWhatTheyDidBefore)
 {
     static volatile std::sig_atomic_t heard = 0;
     const auto before = std::signal(SIGTERM, [](int) { heard = heard + 1; });
-    EXPECT_EQ(ReasonOf("hang", Generous(), [&](double) { std::raise(SIGTERM); }),
+    EXPECT_EQ(ReasonOf("hang", GenerousLimits(), [&](double) { std::raise(SIGTERM); }),
               "reading was cancelled, at 42 %");
     EXPECT_EQ(heard, 0);
     std::raise(SIGTERM);
@@ -434,10 +424,8 @@ TEST(ReaderProcess, SignalsDoAfterwardsWhatTheyDidBefore)
 
 TEST(ReaderProcess, IgnoredSignalsStayIgnored)
 {
-    ReaderLimits limits = Generous();
-    limits.wall = std::chrono::milliseconds(1500);
     const auto before = std::signal(SIGHUP, SIG_IGN);
-    EXPECT_EQ(ReasonOf("hang", limits, [&](double) { std::raise(SIGHUP); }),
+    EXPECT_EQ(ReasonOf("hang", WithWall(kShort), [&](double) { std::raise(SIGHUP); }),
               "takes longer than 1.5 s to be read, at 42 %");
     std::signal(SIGHUP, before);
 }
@@ -445,7 +433,7 @@ TEST(ReaderProcess, IgnoredSignalsStayIgnored)
 TEST(ReaderProcess, ProgramThatIsNotThereIsAReason)
 {
     try {
-        static_cast<void>(ImportModel("a.stl", {}, {}, {"/none/karv-reader", Generous()}));
+        static_cast<void>(ImportModel("a.stl", {}, {}, {"/none/karv-reader", GenerousLimits()}));
         FAIL() << "nothing can have been read";
     } catch (const FileError& error) {
         EXPECT_STREQ(error.what(),
@@ -456,10 +444,8 @@ TEST(ReaderProcess, ProgramThatIsNotThereIsAReason)
 
 TEST(ReaderProcess, WorkMeanwhileIsDoneWhileTheReaderRuns)
 {
-    struct Enough {
-    };
     bool runs = false;
-    ReaderSettings settings{KARV_FAKE_READER, Generous()};
+    ReaderSettings settings{KARV_FAKE_READER, GenerousLimits()};
     settings.meanwhile = [&] {
         siginfo_t state{};
         runs = waitid(P_ALL, 0, &state, WEXITED | WNOHANG | WNOWAIT) == 0;
@@ -515,7 +501,7 @@ TEST(ProcessLimits, LowerLimitOfAddressSpaceStays)
 
 std::vector<std::string> ArgumentsFor(const std::string& path, int parent)
 {
-    const ReaderLimits limits = Generous();
+    const ReaderLimits limits = GenerousLimits();
     return WriteReaderArguments({.parent = parent,
                                  .processor = limits.processor,
                                  .memory = limits.memory,
@@ -536,7 +522,7 @@ class ReaderBesideThisProgram : public ViewerTest
   protected:
     static Model Import(const std::string& path, const ImportOptions& options = {})
     {
-        return ImportModel(path, options, {}, {.limits = Generous()});
+        return ImportModel(path, options, {}, {.limits = GenerousLimits()});
     }
     static std::string ErrorOf(const std::string& path)
     {
@@ -584,7 +570,7 @@ TEST_F(ReaderBesideThisProgram, ProgressOfTheImporterArrivesInOrder)
     std::vector<double> seen;
     const Model model =
         ImportModel(Write("many.obj", grid), {}, [&](double fraction) { seen.push_back(fraction); },
-                    {.limits = Generous()});
+                    {.limits = GenerousLimits()});
     EXPECT_EQ(model.FaceCount(), 20'000U);
     ASSERT_FALSE(seen.empty());
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
