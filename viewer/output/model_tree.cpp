@@ -101,9 +101,8 @@ class TreePrinter
              << TextOf(whole_) << '\n';
         if (model_.meters_per_unit)
             out_ << "  unit: " << *model_.meters_per_unit << " m\n";
-        constexpr std::size_t kMaxListBytes = 500;
         if (!model_.left_out.empty())
-            out_ << "  left out: " << OneLine(ListOf(model_.left_out), kMaxListBytes) << '\n';
+            out_ << "  left out: " << ListOf(model_.left_out) << '\n';
         PrintCategories();
         std::vector<std::string> open;
         for (std::size_t i = 0; i < model_.pieces.size(); ++i) {

@@ -1,5 +1,7 @@
 #include "viewer/scene/model.h"
 
+#include "viewer/text/text.h"
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -179,10 +181,11 @@ bool Model::IsTranslucent() const
 
 std::string ListOf(const std::vector<LeftOut>& left_out)
 {
+    constexpr std::size_t kMaxBytes = 500;
     std::string list;
     for (const LeftOut& parts : left_out)
         list += (list.empty() ? "" : ", ") + std::to_string(parts.count) + ' ' + parts.kind;
-    return list;
+    return OneLine(list, kMaxBytes);
 }
 
 void Model::LeaveOut(std::string_view kind, std::size_t count)

@@ -46,13 +46,13 @@ struct Box {
     void Unite(const Box& box);
 };
 
-/// One flat polygon, as the viewport takes it: its corners run clockwise as seen from outside; its normal has
-/// unit length and points outwards.
+/// One flat polygon, as the viewport expects it: its corners run clockwise as seen from outside; its normal
+/// has unit length and points outwards.
 struct ModelFace {
     std::vector<Point> corners;
     Point normal;
-    /// It is a part of the same face of the file as the face before it. Edges between the parts of a face are
-    /// never shown.
+    /// This face and the one before it are parts of the same face of the file. Edges between the parts of a
+    /// face are never shown.
     bool continues = false;
 };
 
@@ -70,15 +70,15 @@ struct Segment {
 /// The length of the mark of a point, as a fraction of the diagonal of the model's box.
 inline constexpr double kPointMark = 0.005;
 
-/// Appends the mark of a point: a cross of three lines of this length along the axes. A line without length is
-/// not drawn.
+/// Appends the mark of a point: a cross of three lines of this length along the axes. The viewport draws no
+/// points and no lines of length 0.
 void AppendPointMark(const Point& point, double length, std::vector<Segment>& lines);
 
 /// The parts of a file that belong together: the faces of one solid or one material, or the lines of one
 /// drawing entity.
 struct Piece {
     std::string name;
-    std::vector<std::string> parents; ///< names of the assemblies that hold it, outermost first
+    std::vector<std::string> parents; ///< names of the assemblies around it, outermost first
     std::vector<ModelFace> faces;     ///< of a solid, where they close
     /// The edges between faces that the file itself defines, each once, in either direction; their ends have
     /// exactly the coordinates of corners of faces. The list is empty for a part without edges (a whole
@@ -88,8 +88,8 @@ struct Piece {
     std::vector<Segment> lines; ///< wires and curves that are not edges of faces, cut into segments
     /// The faces do not close, so each one is visible from both sides.
     bool two_sided = false;
-    /// The faces are part of a closed surface that several pieces form, and whose faces point outwards. The
-    /// piece is never made two-sided or turned by itself.
+    /// The faces are a part of a closed surface that several pieces form. They point outwards, so the piece
+    /// is never made two-sided or turned.
     bool closes_with_others = false;
     int category = 0;
     unsigned char color = 7; ///< palette index
@@ -105,16 +105,17 @@ struct Piece {
 
 /// Parts of a file of one kind that the model does not contain.
 struct LeftOut {
-    std::string kind; ///< what they are, as the file or its format names it, e.g. "3DSOLID"
+    std::string kind; ///< as named by the file or its format, e.g. "3DSOLID"; may contain any bytes
     std::size_t count = 0;
 };
 
-/// A list like "3 TEXT, 1 3DSOLID". Kinds are as the file names them.
+/// A list for messages, like "3 TEXT, 1 3DSOLID": in one line, cut after 500 bytes (`OneLine`). Empty if
+/// nothing is left out.
 [[nodiscard]] std::string ListOf(const std::vector<LeftOut>& left_out);
 
-/// The maximum number of kinds of parts that are counted each, because files can name any number of kinds.
+/// The maximum number of kinds that are counted separately. A file can name any number of kinds.
 inline constexpr std::size_t kMaxLeftOutKinds = 32;
-/// The kind of parts whose own kind is not counted.
+/// The kind under which parts of all further kinds are counted.
 inline constexpr std::string_view kOtherKinds = "other part";
 
 struct Model {

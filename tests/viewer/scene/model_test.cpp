@@ -213,6 +213,14 @@ TEST(Model, AnEmptyOneHasNoFacesNoCategoriesAndAnEmptyBox)
     EXPECT_TRUE(model.Extents().IsEmpty());
 }
 
+TEST(Model, ListOfLeftOutKindsIsOneLineOfLimitedLength)
+{
+    EXPECT_EQ(ListOf({}), "");
+    EXPECT_EQ(ListOf({{"TEXT", 3}, {"3D\nSOLID", 1}}), "3 TEXT, 1 3D SOLID");
+    EXPECT_EQ(ListOf({{std::string(498, 'x'), 7}}), "7 " + std::string(498, 'x'));
+    EXPECT_EQ(ListOf({{std::string(499, 'x'), 7}}), "7 " + std::string(498, 'x') + "...");
+}
+
 TEST(Model, KindsThatAFileNamesWithoutEndAreCountedTogether)
 {
     Model model;

@@ -35,8 +35,6 @@ namespace
 using SteadyTime = std::chrono::steady_clock::time_point;
 
 constexpr const char* kDefaultSheet = "karv-view-sheet.png";
-/// Of a message that lists kinds, which files name.
-constexpr std::size_t kMaxListBytes = 500;
 
 double SecondsSince(SteadyTime start)
 {
@@ -115,8 +113,7 @@ class Application
         for (const std::string& path : options_.models) {
             Model model = Read(path);
             if (!model.left_out.empty())
-                err_ << "karv-view: " << OneLine(path)
-                     << ": left out: " << OneLine(ListOf(model.left_out), kMaxListBytes) << '\n';
+                err_ << "karv-view: " << OneLine(path) << ": left out: " << ListOf(model.left_out) << '\n';
             take(std::move(model));
         }
         if (options_.models.empty())

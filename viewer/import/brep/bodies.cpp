@@ -37,8 +37,6 @@ namespace viewer
 namespace
 {
 
-constexpr const char* kEmptyPart = "empty part";
-
 /// The label's name in UTF-8, in one line.
 std::string NameOf(const TDF_Label& label)
 {

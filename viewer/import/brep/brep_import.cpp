@@ -5,6 +5,7 @@
 #include "viewer/import/brep/faceted_body.h"
 #include "viewer/import/brep/file_kind.h"
 #include "viewer/import/library_message.h"
+#include "viewer/scene/affine.h"
 #include "viewer/text/file_error.h"
 
 #include <BRepAdaptor_Surface.hxx>
@@ -49,7 +50,6 @@
 #include <map>
 #include <memory>
 #include <new>
-#include <numbers>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -299,7 +299,7 @@ class BrepConverter
         default_deflection_ = std::max(options.RelativeDeflection() * diagonal_, Precision::Confusion());
         tolerance_.deflection =
             std::max(options.deflection.value_or(default_deflection_), Precision::Confusion());
-        tolerance_.angle = kFacetAngle * std::numbers::pi / 180.0;
+        tolerance_.angle = Radians(kFacetAngle);
     }
 
     /// Meshes the faces of all bodies, each shape once, wherever its instances are.
@@ -457,8 +457,8 @@ class BrepConverter
     }
 
     /// The facets of a meshed body. If the body is closed but its facets are not, meshes the open faces and
-    /// their neighbours again, finer: chords of edges that run close to each other can cross, for example in a
-    /// thin pipe. Facets that stay open are returned as they are.
+    /// their neighbours again, finer: chords of edges that run close to each other can cross, for example in
+    /// a thin pipe. Facets that stay open are returned as they are.
     Faceted FacetClosed(const BrepBody& body, const Message_ProgressRange& progress) const
     {
         constexpr int kMaxRepairs = 2;
@@ -482,8 +482,8 @@ class BrepConverter
         return faceted;
     }
 
-    /// Meshes some faces of a body and their neighbours again. The other faces keep their meshes, and with them
-    /// the chords of the edges that they share with those faces.
+    /// Meshes some faces of a body and their neighbours again. The other faces keep their meshes, and with
+    /// them the chords of the edges that they share with those faces.
     void MeshAgain(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& again,
                    const BrepTolerance& tolerance, const Message_ProgressRange& progress) const
     {
@@ -585,15 +585,15 @@ class BrepConverter
     Model model_;
 };
 
-/// What a file without bodies holds instead.
+/// The reason of an error for a file without bodies.
 std::string ReasonWithoutBodies(const std::string& path, BrepKind kind, const LeftOutCounts& left_out)
 {
     constexpr std::size_t kMaxKinds = 5;
-    std::string found;
-    std::size_t named = 0;
+    std::vector<LeftOut> named;
     for (const auto& [left_out_kind, count] : left_out)
-        if (left_out_kind != "empty part" && named++ < kMaxKinds)
-            found += (found.empty() ? "" : ", ") + std::to_string(count) + " " + left_out_kind;
+        if (left_out_kind != kEmptyPart && named.size() < kMaxKinds)
+            named.push_back({left_out_kind, count});
+    std::string found = ListOf(named);
     if (found.empty())
         found = EntityCounts(path, kind);
     return found.empty() ? "holds no geometry" : "holds no geometry that can be shown, but " + found;
