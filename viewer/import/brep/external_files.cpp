@@ -1,6 +1,7 @@
 #include "viewer/import/brep/external_files.h"
 
 #include "viewer/import/brep/step_text.h"
+#include "viewer/import/companion_files.h"
 #include "viewer/text/text.h"
 
 #include <Interface_InterfaceModel.hxx>
@@ -94,20 +95,6 @@ void SetText(const Handle(TCollection_HAsciiString) & name, const std::string& t
     name->AssignCat(text.c_str());
 }
 
-/// Whether the path leads to a place in the folder that it is relative to, by its text alone.
-bool StaysInFolder(const std::string& text)
-{
-    if (text.find('\\') != std::string::npos || text.find(':') != std::string::npos || text.front() == '/')
-        return false;
-    const fs::path path(text);
-    return std::none_of(path.begin(), path.end(), [](const fs::path& part) { return part == ".."; });
-}
-
-std::string LastPart(const std::string& text)
-{
-    return text.substr(text.find_last_of("/\\:") + 1);
-}
-
 /// Whether the file's text has a word that each reference to another file needs. Such files are rare, and
 /// this is faster than parsing.
 bool MayReferToFiles(const fs::path& path)
@@ -149,9 +136,7 @@ class ExternalFileCheck
 
     void CheckName(const Handle(TCollection_HAsciiString) & name)
     {
-        std::string text = TextOf(name);
-        if (!StaysInFolder(text))
-            text = LastPart(text);
+        std::string text = CompanionName(TextOf(name));
         if (text.empty())
             return SetText(name, kNoFile);
         text = InItsCase(text);
@@ -171,24 +156,11 @@ class ExternalFileCheck
         }
     }
 
-    /// The name of the file in the folder that differs in the case of letters only, if the file does not
-    /// exist.
-    [[nodiscard]] std::string InItsCase(const std::string& text) const
+    /// The name with the letters of the file's name in their case, if there is such a file.
+    [[nodiscard]] std::string InItsCase(const fs::path& name) const
     {
-        std::error_code error;
-        if (fs::exists(folder_ / text, error))
-            return text;
-        const fs::path wanted(text);
-        std::size_t looked = 0;
-        for (fs::directory_iterator it((folder_ / wanted).parent_path(), error), end; !error && it != end;
-             it.increment(error)) {
-            if (++looked > kMaxFiles)
-                break;
-            const std::string found = it->path().filename().string();
-            if (LowerCase(found) == LowerCase(wanted.filename().string()))
-                return (wanted.parent_path() / found).string();
-        }
-        return text;
+        const auto found = FindInAnyCase(folder_ / name);
+        return (found ? name.parent_path() / found->filename() : name).string();
     }
 
     /// Whether the file and all files that it refers to lie in the folder, without a circle.
@@ -196,7 +168,7 @@ class ExternalFileCheck
     {
         std::error_code error;
         const fs::path real = fs::canonical(file, error);
-        if (error || !IsInFolder(real) || std::find(chain.begin(), chain.end(), real) != chain.end() ||
+        if (error || !IsBelow(folder_, real) || std::find(chain.begin(), chain.end(), real) != chain.end() ||
             chain.size() > kMaxDepth)
             return false;
         if (good_.contains(real))
@@ -225,15 +197,10 @@ class ExternalFileCheck
             const fs::path other = file.parent_path() / text;
             if (!fs::exists(other, error) || text == file.filename())
                 continue;
-            if (!StaysInFolder(text) || !MayBeRead(other, chain))
+            if (CompanionName(text) != text || !MayBeRead(other, chain))
                 return false;
         }
         return true;
-    }
-
-    [[nodiscard]] bool IsInFolder(const fs::path& real) const
-    {
-        return std::mismatch(folder_.begin(), folder_.end(), real.begin(), real.end()).first == folder_.end();
     }
 
     /// A name that no file has.

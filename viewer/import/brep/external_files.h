@@ -16,7 +16,7 @@ namespace viewer
 /// Changes the references of a file that is parsed but not transferred yet, so that the library opens only
 /// files in the file's folder and in folders below it: a name with another path loses that path, and letters
 /// that differ in case only are corrected. A file that refers to others outside of the folder, or to itself
-/// over others, is not read but counted. Links that lead out of the folder are not followed.
+/// through others, is not read but counted. Links that lead out of the folder are not followed.
 void CheckExternalFiles(const std::string& path, const Handle(XSControl_WorkSession) & session,
                         LeftOutCounts& left_out);
 

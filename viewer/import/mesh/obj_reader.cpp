@@ -1,5 +1,6 @@
 #include "viewer/import/mesh/obj_reader.h"
 
+#include "viewer/import/companion_files.h"
 #include "viewer/import/mesh/model_builder.h"
 #include "viewer/import/mesh/text_scanner.h"
 #include "viewer/import/mesh/texture_store.h"
@@ -235,13 +236,13 @@ class ObjReader
     /// The rest of a "mtllib" statement: one file whose name may have blanks, or several.
     void ReadLibraries(std::string_view names)
     {
-        if (const auto whole = FindBeside(path_, std::string(names))) {
+        if (const auto whole = FindCompanion(path_, std::string(names))) {
             ReadLibrary(*whole);
             return;
         }
         TextScanner words(names);
         for (std::string_view name = words.Word(); !name.empty(); name = words.Word())
-            if (const auto file = FindBeside(path_, std::string(name)))
+            if (const auto file = FindCompanion(path_, std::string(name)))
                 ReadLibrary(*file);
             else
                 builder_.LeaveOut("material library");
