@@ -1,5 +1,6 @@
 #include "viewer/import/file_checks.h"
 
+#include "viewer/import/damaged_file.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
@@ -22,11 +23,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-[[noreturn]] void ThrowTruncated(const std::string& path, const std::string& what)
-{
-    throw FileError(path, "truncated: " + what);
-}
 
 /// A 32-bit little-endian number; 0 past the end of the file.
 std::uint32_t ReadUint32(std::istream& stream, std::streamoff offset)

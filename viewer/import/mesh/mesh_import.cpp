@@ -34,26 +34,24 @@ namespace viewer
 namespace
 {
 
-/// Forwards the library's progress as the first `kShare` of the import's.
-class ImporterProgress final : public Assimp::ProgressHandler
+/// Forwards the library's progress as that of parsing.
+class LibraryProgress final : public Assimp::ProgressHandler
 {
   public:
-    explicit ImporterProgress(const ProgressFunction& report) : report_(report) {}
+    explicit LibraryProgress(ImportProgress& progress) : progress_(progress) {}
 
     bool Update(float fraction) override
     {
-        if (report_ && fraction >= 0.0F)
-            report_(kShare * static_cast<double>(fraction));
+        progress_.Parsed(static_cast<double>(fraction));
         return true;
     }
 
-    static constexpr double kShare = 0.7;
-
   private:
-    const ProgressFunction& report_;
+    ImportProgress& progress_;
 };
 
-/// Opens files for the library, and those of UTF-16 as UTF-8, which all its parsers understand.
+/// Opens files for the library. Files of UTF-16 are converted to UTF-8, because some of its parsers read no
+/// other encoding.
 class TextFileSystem final : public Assimp::DefaultIOSystem
 {
   public:
@@ -91,7 +89,7 @@ std::string ReasonOf(const Assimp::Importer& importer, const std::string& path)
 
 Model Read(const std::string& path, const ProgressFunction& progress)
 {
-    // The library loses colours, lines and digits of these kinds, and refuses files for one bad index.
+    // In these kinds the library loses colours, lines and digits, and refuses a file for one bad index.
     const std::string ending = LowerCaseExtension(path);
     if (ending == ".obj")
         return ReadObj(path, progress);
@@ -101,16 +99,17 @@ Model Read(const std::string& path, const ProgressFunction& progress)
         return ReadOff(path, progress);
     if (ending == ".3mf")
         return ReadThreeMf(path, progress);
+    ImportProgress stages(progress, 0.7);
     Assimp::Importer importer;
     // The library would add meshes for skeletons to a file without meshes.
     importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
-    importer.SetIOHandler(new TextFileSystem);                   // the importer owns it
-    importer.SetProgressHandler(new ImporterProgress(progress)); // the importer owns it
+    importer.SetIOHandler(new TextFileSystem);                // the importer owns it
+    importer.SetProgressHandler(new LibraryProgress(stages)); // the importer owns it
     // No post-processing: it would triangulate, merge or smooth.
     const aiScene* scene = importer.ReadFile(path, 0);
     if (scene == nullptr)
         throw FileError(path, ReasonOf(importer, path));
-    return ConvertScene(path, *scene, progress, ImporterProgress::kShare);
+    return ConvertScene(path, *scene, stages);
 }
 
 } // namespace

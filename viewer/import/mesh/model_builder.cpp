@@ -1,11 +1,12 @@
 #include "viewer/import/mesh/model_builder.h"
 
 #include "platform/host/cm/color.h"
+#include "viewer/import/damaged_file.h"
 #include "viewer/text/file_error.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <map>
 #include <utility>
 
 namespace viewer
@@ -42,6 +43,21 @@ bool LiesOnOneLine(const std::vector<Point>& corners)
     return std::ranges::all_of(corners, [&](const Point& corner) {
         return Length(Cross((corner - corners.front()) * (1.0 / reach), direction)) <= kSameLine;
     });
+}
+
+void NumberCategories(Model& model, std::span<const std::string> names)
+{
+    std::map<int, int> numbers;
+    for (const Piece& piece : model.pieces)
+        numbers[piece.category] = 0;
+    int next = 0;
+    for (auto& [category, number] : numbers) {
+        number = next++;
+        const auto index = static_cast<std::size_t>(category);
+        model.category_names.push_back(index < names.size() ? names[index] : "");
+    }
+    for (Piece& piece : model.pieces)
+        piece.category = numbers.at(piece.category);
 }
 
 } // namespace
@@ -112,6 +128,16 @@ void ModelBuilder::AddPoint(const Point& point, const FileColor& color)
         points_.push_back({IndexOf(color), point});
 }
 
+void ModelBuilder::AddPart(std::vector<Point> corners, const FileColor& color)
+{
+    if (corners.size() == 1)
+        AddPoint(corners[0], color);
+    else if (corners.size() == 2)
+        AddLine(corners[0], corners[1], color);
+    else if (!corners.empty())
+        AddFace(std::move(corners), color);
+}
+
 Piece& ModelBuilder::PieceOf(const FileColor& color)
 {
     return model_.pieces[IndexOf(color)];
@@ -160,26 +186,28 @@ void ModelBuilder::DrawPoints()
         box.Add(mark.point);
     for (const auto& [index, point] : points_) {
         const double diagonal = box.Diagonal();
-        // A single point has no size to compare with, but its mark must not vanish in the coordinates' digits.
+        // A single point has no size to compare with. Its mark must not be lost to rounding, far from the
+        // origin.
         const double single = std::max(1.0, Length(point) * kPointMark);
         AppendPointMark(point, diagonal > 0.0 ? diagonal * kPointMark : single, model_.pieces[index].lines);
     }
     points_.clear();
 }
 
-Model ModelBuilder::Finish(const std::string& path)
+Model ModelBuilder::Finish(const std::string& path, std::span<const std::string> category_names)
 {
     DrawPoints();
     if (model_.pieces.empty() && not_finite_ > 0)
         throw FileError(path, "holds coordinates that are not finite");
     if (model_.pieces.empty() && damaged_ > 0)
-        throw FileError(path, "damaged: its faces refer to vertices that are not there");
+        ThrowDamaged(path, "its faces refer to vertices that are not there");
     if (model_.pieces.empty())
         throw FileError(path, "holds no faces, lines or points");
     model_.LeaveOut("part that refers to a missing vertex", damaged_);
     model_.LeaveOut("part with coordinates that are not finite", not_finite_);
     model_.LeaveOut("face without area", without_area_);
     model_.LeaveOut("point", points_left_out_);
+    NumberCategories(model_, category_names);
     return std::move(model_);
 }
 

@@ -7,7 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -47,9 +49,9 @@ inline constexpr std::size_t kMaxPoints = 1'000'000;
 /// Makes the model of a mesh file. A mesh becomes one piece for each palette colour and opacity of its parts,
 /// in the order in which these first appear. Opacities are rounded to 1/16 where parts of a mesh differ.
 ///
-/// Faces and lines with a coordinate that is not finite are left out and counted. So are faces with corners
-/// that do not lie on one line but enclose no area, because the outline crosses itself. Faces whose corners
-/// lie on one line show nothing: they are dropped.
+/// Faces, lines and points with a coordinate that is not finite are left out and counted. So are faces that
+/// enclose no area because their outline crosses itself. Faces whose corners lie on one line are not visible
+/// and are dropped without a count.
 class ModelBuilder
 {
   public:
@@ -62,12 +64,16 @@ class ModelBuilder
     void AddLine(const Point& from, const Point& to, const FileColor& color);
     /// A point is drawn as three crossing strokes along the axes.
     void AddPoint(const Point& point, const FileColor& color);
-    /// Counts a part of the mesh that refers to a vertex that is not there.
+    /// Adds a point for one corner, a line for two, and a face for more. Nothing happens without corners.
+    void AddPart(std::vector<Point> corners, const FileColor& color);
+    /// Counts a part of the mesh that refers to a missing vertex.
     void LeaveOutDamaged() { ++damaged_; }
     void LeaveOut(std::string_view kind, std::size_t count = 1) { model_.LeaveOut(kind, count); }
 
-    /// The model. Throws FileError if it has no pieces, with the reason that left it empty.
-    [[nodiscard]] Model Finish(const std::string& path);
+    /// The model. Categories that have pieces are numbered again, from 0 without gaps, in the order of their
+    /// numbers. `category_names` has their names by the numbers of before; further categories have no name.
+    /// Throws FileError, with the reason, if the model has no pieces.
+    [[nodiscard]] Model Finish(const std::string& path, std::span<const std::string> category_names = {});
 
   private:
     struct PointMark {

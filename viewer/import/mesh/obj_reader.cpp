@@ -4,6 +4,7 @@
 #include "viewer/import/mesh/model_builder.h"
 #include "viewer/import/mesh/text_scanner.h"
 #include "viewer/import/mesh/texture_store.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +23,7 @@ namespace viewer
 namespace
 {
 
-/// No number of a vertex, and a number that is not valid.
+/// The index of a vertex or a texture point that is missing or not valid.
 constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
 
 struct Corner {
@@ -41,8 +42,9 @@ struct Part {
 struct ObjMaterial {
     std::string name;
     FileColor color;          ///< with the opacity as alpha
-    bool has_diffuse = false; ///< the colour is a diffuse one that is not black
+    bool has_diffuse = false; ///< the colour is diffuse and not black
     std::string texture;
+    int category = -1; ///< absent until `OrderMaterials`
 };
 
 /// The parts of one object, group and material.
@@ -58,7 +60,7 @@ std::optional<FileColor> ColorAt(TextScanner& scanner)
 {
     std::array<float, 3> channels{};
     for (float& channel : channels) {
-        const auto value = ToNumber(scanner.Word());
+        const auto value = ParseReal(scanner.Word());
         if (!value)
             return std::nullopt;
         channel = static_cast<float>(*value);
@@ -67,7 +69,7 @@ std::optional<FileColor> ColorAt(TextScanner& scanner)
     return color.IsFinite() ? std::optional(color) : std::nullopt;
 }
 
-/// The file of a "map_Kd" statement, which follows its options.
+/// The name of the file at the end of a "map_Kd" statement, after its options.
 std::string MapName(std::string_view rest)
 {
     std::string_view name = rest;
@@ -75,7 +77,7 @@ std::string MapName(std::string_view rest)
     TextScanner words(rest);
     bool has_options = false;
     for (std::string_view word = words.Word(); !word.empty(); word = words.Word()) {
-        const bool is_value = has_options && (ToNumber(word) || word == "on" || word == "off");
+        const bool is_value = has_options && (ParseReal(word) || word == "on" || word == "off");
         if (word.starts_with('-') || is_value) {
             has_options = true;
             continue;
@@ -90,7 +92,7 @@ class ObjReader
 {
   public:
     ObjReader(const std::string& path, const ProgressFunction& progress)
-        : path_(path), progress_(progress), text_(ReadWholeFile(path))
+        : path_(path), progress_(progress, 0.5), text_(ReadWholeFile(path))
     {
     }
 
@@ -102,23 +104,16 @@ class ObjReader
         ScaleColors();
         AddMeshes();
         builder_.LeaveOut("texture", textures_.Missing());
-        Model model = builder_.Finish(path_);
-        NumberCategories(model);
-        return model;
+        return builder_.Finish(path_, category_names_);
     }
 
   private:
-    /// Parsing and building each take about half of the time.
-    static constexpr double kParsing = 0.5;
-
     void ReadStatements()
     {
         TextScanner scanner(text_, '#');
-        for (std::size_t line = 0; scanner.NextLine(); ++line) {
-            constexpr std::size_t kLinesPerReport = 8192;
-            if (progress_ && line % kLinesPerReport == 0)
-                progress_(kParsing * scanner.Fraction());
+        while (scanner.NextLine()) {
             ReadStatement(scanner);
+            progress_.Parsed(scanner.Fraction());
         }
     }
 
@@ -167,7 +162,7 @@ class ObjReader
         std::size_t count = 0;
         for (std::string_view word = scanner.Word(); !word.empty() && count < kMaxNumbers;
              word = scanner.Word())
-            numbers.at(count++) = ToNumber(word).value_or(std::numeric_limits<double>::quiet_NaN());
+            numbers.at(count++) = ParseReal(word).value_or(std::numeric_limits<double>::quiet_NaN());
         constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
         vertices_.push_back(count < 3 ? Point{kMissing, kMissing, kMissing}
                                       : Point{numbers[0], numbers[1], numbers[2]});
@@ -183,14 +178,15 @@ class ObjReader
 
     void ReadTexturePoint(TextScanner& scanner)
     {
-        const double u = ToNumber(scanner.Word()).value_or(0.0);
-        texture_points_.push_back({u, ToNumber(scanner.Word()).value_or(0.0)});
+        const double u = ParseReal(scanner.Word()).value_or(0.0);
+        texture_points_.push_back({u, ParseReal(scanner.Word()).value_or(0.0)});
     }
 
-    /// The number of a vertex from 0, kNone if it is not valid. Negative numbers count back from the last one.
+    /// The index of a vertex, from 0; kNone for a number that is not valid. Negative numbers count back from
+    /// the last vertex.
     static std::uint32_t Resolve(std::string_view word, std::size_t count)
     {
-        const auto number = ToInteger(word);
+        const auto number = ParseInteger(word);
         if (!number || *number == 0)
             return kNone;
         const long long index = *number > 0 ? *number - 1 : static_cast<long long>(count) + *number;
@@ -229,11 +225,11 @@ class ObjReader
     {
         const auto [found, is_new] = material_numbers_.try_emplace(name, static_cast<int>(materials_.size()));
         if (is_new)
-            materials_.push_back({name, {}, false, {}});
+            materials_.emplace_back().name = name;
         return found->second;
     }
 
-    /// The rest of a "mtllib" statement: one file whose name may have blanks, or several.
+    /// Reads the files of a "mtllib" statement: one whose name may have blanks, or several.
     void ReadLibraries(std::string_view names)
     {
         if (const auto whole = FindCompanion(path_, std::string(names))) {
@@ -278,7 +274,7 @@ class ObjReader
         if (keyword == "Kd" || keyword == "Ke") {
             const auto color = ColorAt(scanner);
             const bool is_black = !color || color->red + color->green + color->blue <= 0.0F;
-            // The light that a material emits is its colour if it has no other one.
+            // The emitted light is the colour of a material without a diffuse one.
             if (color && (keyword == "Kd" || (!is_black && !material.has_diffuse)))
                 material.color = with_opacity(*color);
             material.has_diffuse = material.has_diffuse || (keyword == "Kd" && !is_black);
@@ -286,7 +282,7 @@ class ObjReader
             std::string_view word = scanner.Word();
             if (word == "-halo")
                 word = scanner.Word();
-            const auto value = static_cast<float>(ToNumber(word).value_or(keyword == "d" ? 1.0 : 0.0));
+            const auto value = static_cast<float>(ParseReal(word).value_or(keyword == "d" ? 1.0 : 0.0));
             material.color.alpha = std::clamp(keyword == "d" ? value : 1.0F - value, 0.0F, 1.0F);
         } else if (keyword == "map_Kd") {
             material.texture = MapName(scanner.Rest());
@@ -322,8 +318,23 @@ class ObjReader
             colors_.clear();
     }
 
+    /// Numbers the categories: the materials of the libraries first, then those that no library defines.
+    void OrderMaterials()
+    {
+        for (std::size_t i = 0; i < materials_.size(); ++i)
+            order_.push_back(static_cast<int>(i));
+        for (const int number : order_) {
+            ObjMaterial& material = materials_[static_cast<std::size_t>(number)];
+            if (material.category >= 0)
+                continue;
+            material.category = static_cast<int>(category_names_.size());
+            category_names_.push_back(material.name);
+        }
+    }
+
     void AddMeshes()
     {
+        OrderMaterials();
         for (const ObjMesh& mesh : meshes_)
             parts_total_ += mesh.parts.size();
         for (const ObjMesh& mesh : meshes_) {
@@ -331,8 +342,8 @@ class ObjReader
             pattern.name = mesh.group.empty() ? mesh.object : mesh.group;
             if (!mesh.group.empty() && !mesh.object.empty() && mesh.group != mesh.object)
                 pattern.parents = {mesh.object};
-            pattern.category = mesh.material;
             const ObjMaterial& material = materials_[static_cast<std::size_t>(mesh.material)];
+            pattern.category = material.category;
             pattern.alpha = material.color.alpha;
             builder_.BeginMesh(std::move(pattern), mesh.parts.size());
             AddParts(mesh, material);
@@ -351,9 +362,9 @@ class ObjReader
             first += part.corner_count;
             if (std::ranges::any_of(corners, [&](const Corner& c) { return c.vertex >= vertices_.size(); }))
                 builder_.LeaveOutDamaged();
-            else if (!corners.empty())
+            else
                 AddPart(part.kind, corners, ColorOf(corners, material, texture));
-            Report();
+            progress_.Built(++parts_done_, parts_total_);
         }
     }
 
@@ -369,7 +380,7 @@ class ObjReader
             points.reserve(corners.size());
             for (const Corner& corner : corners)
                 points.push_back(texture_points_[corner.texture]);
-            // A black factor would hide the texture: programs write it where they mean none.
+            // A black factor would hide the texture. Programs write it where no factor is meant.
             const FileColor factor = material.has_diffuse ? base : FileColor{1.0F, 1.0F, 1.0F, 1.0F};
             return factor * texture->MeanNear(points);
         }
@@ -383,61 +394,30 @@ class ObjReader
 
     void AddPart(PartKind kind, std::span<const Corner> corners, const FileColor& color)
     {
-        const auto at = [&](const Corner& corner) { return vertices_[corner.vertex]; };
-        if (kind == PartKind::Point || corners.size() == 1) {
-            for (const Corner& corner : corners)
-                builder_.AddPoint(at(corner), color);
-        } else if (kind == PartKind::Line || corners.size() == 2) {
-            for (std::size_t i = 0; i + 1 < corners.size(); ++i)
-                builder_.AddLine(at(corners[i]), at(corners[i + 1]), color);
-        } else {
-            std::vector<Point> polygon;
-            polygon.reserve(corners.size());
-            for (const Corner& corner : corners)
-                polygon.push_back(at(corner));
-            builder_.AddFace(std::move(polygon), color);
-        }
-    }
-
-    void Report()
-    {
-        constexpr std::size_t kPartsPerReport = 4096;
-        if (progress_ && ++parts_done_ % kPartsPerReport == 0)
-            progress_(kParsing + (1.0 - kParsing) * static_cast<double>(parts_done_) /
-                                     static_cast<double>(parts_total_));
-    }
-
-    void NumberCategories(Model& model) const
-    {
-        // The libraries' materials first, then those that no library has.
-        std::vector<int> order = order_;
-        for (std::size_t i = 0; i < materials_.size(); ++i)
-            order.push_back(static_cast<int>(i));
-        std::vector<int> categories(materials_.size(), -1);
-        std::vector<bool> used(materials_.size());
-        for (const Piece& piece : model.pieces)
-            used[static_cast<std::size_t>(piece.category)] = true;
-        int next = 0;
-        for (const int material : order) {
-            const auto number = static_cast<std::size_t>(material);
-            if (!used[number] || categories[number] >= 0)
-                continue;
-            categories[number] = next++;
-            model.category_names.push_back(materials_[number].name);
-        }
-        for (Piece& piece : model.pieces)
-            piece.category = categories[static_cast<std::size_t>(piece.category)];
+        std::vector<Point> points;
+        points.reserve(corners.size());
+        for (const Corner& corner : corners)
+            points.push_back(vertices_[corner.vertex]);
+        if (kind == PartKind::Point)
+            for (const Point& point : points)
+                builder_.AddPoint(point, color);
+        else if (kind == PartKind::Line && points.size() > 1)
+            for (std::size_t i = 0; i + 1 < points.size(); ++i)
+                builder_.AddLine(points[i], points[i + 1], color);
+        else
+            builder_.AddPart(std::move(points), color);
     }
 
     const std::string& path_;
-    const ProgressFunction& progress_;
+    ImportProgress progress_;
     std::string text_;
     std::vector<Point> vertices_;
     std::vector<FileColor> colors_; ///< of vertices, empty if the file has none
     std::vector<TexturePoint> texture_points_;
     std::vector<ObjMaterial> materials_{ObjMaterial{}}; ///< the first one is that of parts without a material
     std::map<std::string, int> material_numbers_{{"", 0}};
-    std::vector<int> order_; ///< of the materials of the libraries
+    std::vector<int> order_; ///< numbers of the materials in the order of the libraries, some repeated
+    std::vector<std::string> category_names_;
     std::vector<std::string> libraries_;
     std::vector<ObjMesh> meshes_;
     std::map<std::tuple<std::string, std::string, int>, std::size_t> mesh_numbers_;

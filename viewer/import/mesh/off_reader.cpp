@@ -1,5 +1,6 @@
 #include "viewer/import/mesh/off_reader.h"
 
+#include "viewer/import/damaged_file.h"
 #include "viewer/import/mesh/model_builder.h"
 #include "viewer/import/mesh/text_scanner.h"
 #include "viewer/text/file_error.h"
@@ -30,7 +31,7 @@ class OffReader
 {
   public:
     OffReader(const std::string& path, const ProgressFunction& progress)
-        : path_(path), progress_(progress), text_(ReadWholeFile(path)), scanner_(text_, '#')
+        : path_(path), progress_(progress, 0.7), text_(ReadWholeFile(path)), scanner_(text_, '#')
     {
     }
 
@@ -42,50 +43,38 @@ class OffReader
         for (std::size_t i = 0; i < face_count_; ++i)
             ReadFace();
         AddParts();
-        Model model = builder_.Finish(path_);
-        model.category_names = {""};
-        return model;
+        return builder_.Finish(path_);
     }
 
   private:
-    /// Parsing takes most of the time.
-    static constexpr double kParsing = 0.7;
-
-    [[noreturn]] void ThrowDamaged(const std::string& what) const
-    {
-        throw FileError(path_, "damaged: " + what);
-    }
-
     /// Goes to the line of the next vertex or face.
     void NextLine(const char* what)
     {
         if (!scanner_.NextLine())
-            throw FileError(path_, std::string("truncated: not all ") + what + " are there");
-        constexpr std::size_t kLinesPerReport = 4096;
-        if (progress_ && ++lines_ % kLinesPerReport == 0)
-            progress_(kParsing * scanner_.Fraction());
+            ThrowTruncated(path_, std::string("not all ") + what + " are there");
+        progress_.Parsed(scanner_.Fraction());
     }
 
     void ReadHeader()
     {
         if (!scanner_.NextLine())
-            ThrowDamaged("no counts");
+            ThrowDamaged(path_, "no counts");
         std::string_view word = scanner_.Word();
-        if (!ToInteger(word)) {
+        if (!ParseInteger(word)) {
             ReadKeyword(word);
             word = scanner_.WordOfText();
             if (LowerCase(word) == "binary")
                 throw FileError(path_, "is a binary OFF file, which is not supported");
         }
-        const auto vertices = ToInteger(word);
-        const auto faces = ToInteger(scanner_.WordOfText());
+        const auto vertices = ParseInteger(word);
+        const auto faces = ParseInteger(scanner_.WordOfText());
         if (!vertices || !faces || *vertices < 0 || *faces < 0)
-            ThrowDamaged("no counts");
+            ThrowDamaged(path_, "no counts");
         vertex_count_ = static_cast<std::size_t>(*vertices);
         face_count_ = static_cast<std::size_t>(*faces);
-        // Each one takes two bytes at least.
+        // The minimum size of each is two bytes.
         if (vertex_count_ > text_.size() / 2 || face_count_ > text_.size() / 2)
-            throw FileError(path_, "truncated: fewer vertices and faces than it states");
+            ThrowTruncated(path_, "fewer vertices and faces than it states");
         vertices_.reserve(vertex_count_);
         faces_.reserve(face_count_);
     }
@@ -93,18 +82,18 @@ class OffReader
     void ReadKeyword(std::string_view word)
     {
         if (!word.ends_with("OFF") && !word.ends_with("off"))
-            ThrowDamaged("no OFF header");
+            ThrowDamaged(path_, "no OFF header");
         std::string_view prefix = word.substr(0, word.size() - 3);
-        const auto takes = [&](std::string_view letters) {
+        const auto remove = [&](std::string_view letters) {
             if (!prefix.starts_with(letters))
                 return false;
             prefix.remove_prefix(letters.size());
             return true;
         };
-        takes("ST");
-        takes("C");
-        has_normals_ = takes("N");
-        has_weights_ = takes("4");
+        remove("ST");
+        remove("C");
+        has_normals_ = remove("N");
+        has_weights_ = remove("4");
         if (!prefix.empty())
             throw FileError(path_, "is an OFF file of other than three dimensions");
     }
@@ -113,7 +102,7 @@ class OffReader
     {
         NextLine("vertices");
         constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
-        const auto number = [&] { return ToNumber(scanner_.Word()).value_or(kMissing); };
+        const auto number = [&] { return ParseReal(scanner_.Word()).value_or(kMissing); };
         Point point;
         point.x = number();
         point.y = number();
@@ -134,16 +123,16 @@ class OffReader
     void ReadFace()
     {
         NextLine("faces");
-        const auto count = ToInteger(scanner_.Word());
+        const auto count = ParseInteger(scanner_.Word());
         if (!count || *count < 0 || static_cast<std::size_t>(*count) > text_.size())
-            ThrowDamaged("a face without a count of corners");
+            ThrowDamaged(path_, "a face without a count of corners");
         OffFace& face = faces_.emplace_back();
         face.corners.reserve(static_cast<std::size_t>(*count));
         for (long long i = 0; i < *count; ++i) {
             const std::string_view word = scanner_.Word();
             if (word.empty())
-                throw FileError(path_, "truncated: a face is not complete");
-            const auto index = ToInteger(word);
+                ThrowTruncated(path_, "a face is not complete");
+            const auto index = ParseInteger(word);
             constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
             face.corners.push_back(index && *index >= 0 && *index < kNone ? static_cast<std::uint32_t>(*index)
                                                                           : kNone);
@@ -151,15 +140,15 @@ class OffReader
         face.color = ReadColor(true);
     }
 
-    /// The three or four numbers at the end of the line. Fewer are no colour: a single one is an index into a
-    /// list of colours that is not part of the file, two are texture coordinates.
+    /// The colour of three or four numbers at the end of the line. No value for fewer numbers: a single one
+    /// is an index into a list of colours that is not part of the file, two are texture coordinates.
     std::optional<FileColor> ReadColor(bool of_face)
     {
         std::array<float, 4> channels{0.0F, 0.0F, 0.0F, -1.0F};
         std::size_t count = 0;
         for (std::string_view word = scanner_.Word(); !word.empty() && count < channels.size();
              word = scanner_.Word()) {
-            const auto value = ToNumber(word);
+            const auto value = ParseReal(word);
             if (!value)
                 return std::nullopt;
             channels.at(count++) = static_cast<float>(*value);
@@ -172,7 +161,7 @@ class OffReader
         return color;
     }
 
-    /// Colours above 1 are those of bytes.
+    /// The colour with channels from 0 to 1. They are bytes if `max`, the maximum of all colours, is above 1.
     static FileColor Scaled(FileColor color, float max)
     {
         constexpr float kByte = 1.0F / 255.0F;
@@ -206,10 +195,7 @@ class OffReader
         builder_.BeginMesh({}, faces_.size());
         for (std::size_t i = 0; i < faces_.size(); ++i) {
             AddPart(faces_[i]);
-            constexpr std::size_t kPartsPerReport = 4096;
-            if (progress_ && i % kPartsPerReport == 0)
-                progress_(kParsing +
-                          (1.0 - kParsing) * static_cast<double>(i) / static_cast<double>(faces_.size()));
+            progress_.Built(i + 1, faces_.size());
         }
     }
 
@@ -219,23 +205,15 @@ class OffReader
             builder_.LeaveOutDamaged();
             return;
         }
-        if (face.corners.empty())
-            return;
-        const FileColor color = ColorOf(face);
         std::vector<Point> corners;
         corners.reserve(face.corners.size());
         for (const std::uint32_t corner : face.corners)
             corners.push_back(vertices_[corner]);
-        if (corners.size() == 1)
-            builder_.AddPoint(corners[0], color);
-        else if (corners.size() == 2)
-            builder_.AddLine(corners[0], corners[1], color);
-        else
-            builder_.AddFace(std::move(corners), color);
+        builder_.AddPart(std::move(corners), ColorOf(face));
     }
 
     const std::string& path_;
-    const ProgressFunction& progress_;
+    ImportProgress progress_;
     std::string text_;
     TextScanner scanner_;
     bool has_normals_ = false;
@@ -247,7 +225,6 @@ class OffReader
     std::vector<OffFace> faces_;
     float max_of_vertices_ = 0.0F;
     float max_of_faces_ = 0.0F;
-    std::size_t lines_ = 0;
     ModelBuilder builder_;
 };
 

@@ -1,9 +1,9 @@
 #include "viewer/import/mesh/ply_reader.h"
 
+#include "viewer/import/damaged_file.h"
 #include "viewer/import/mesh/model_builder.h"
 #include "viewer/import/mesh/text_scanner.h"
 #include "viewer/import/mesh/texture_store.h"
-#include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
 #include <algorithm>
@@ -52,7 +52,7 @@ std::optional<Scalar> ScalarOf(std::string_view name)
     return found == kNames.end() ? std::nullopt : std::optional(found->second);
 }
 
-/// What a property of an element is used for.
+/// Use of a property of an element.
 enum class Use : unsigned char {
     None,
     X,
@@ -136,7 +136,7 @@ struct Element {
 
 enum class Format : unsigned char { Ascii, LittleEndian, BigEndian };
 
-/// The values of one element; those that it does not have are not numbers.
+/// The values of one element. A missing scalar is NaN.
 struct Values {
     std::array<double, kUseCount> scalars{};
     std::vector<long long> indices;
@@ -151,7 +151,7 @@ struct Vertex {
     TexturePoint texture_point;
 };
 
-/// A polygon, or a line if it has two corners.
+/// A polygon; a line if it has two corners, a point if it has one.
 struct Part {
     std::size_t first; ///< in the list of all corners
     std::size_t count;
@@ -162,7 +162,7 @@ class PlyReader
 {
   public:
     PlyReader(const std::string& path, const ProgressFunction& progress)
-        : path_(path), progress_(progress), text_(ReadWholeFile(path)), scanner_("")
+        : path_(path), progress_(progress, 0.7), text_(ReadWholeFile(path)), scanner_("")
     {
     }
 
@@ -170,40 +170,27 @@ class PlyReader
     {
         ReadHeader();
         for (const Element& element : elements_) {
-            // Each one takes a byte at least; those without properties take none and hold nothing.
+            // The minimum size of an element is a byte. Elements without properties have no data.
             if (element.count > text_.size())
-                ThrowTruncated();
+                ThrowTooFewElements();
             for (std::size_t i = 0; i < element.count && !element.properties.empty(); ++i) {
                 ReadElement(element);
                 Take(element.kind);
-                Report();
+                progress_.Parsed(FractionParsed());
             }
         }
         AddParts();
         builder_.LeaveOut("texture", textures_.Missing());
-        Model model = builder_.Finish(path_);
-        model.category_names = {""};
-        return model;
+        return builder_.Finish(path_);
     }
 
   private:
-    /// Parsing takes most of the time.
-    static constexpr double kParsing = 0.7;
-
-    [[noreturn]] void ThrowDamaged(const std::string& what) const
-    {
-        throw FileError(path_, "damaged: " + what);
-    }
-
-    [[noreturn]] void ThrowTruncated() const
-    {
-        throw FileError(path_, "truncated: fewer elements than it states");
-    }
+    [[noreturn]] void ThrowTooFewElements() const { ThrowTruncated(path_, "fewer elements than it states"); }
 
     void ReadHeader()
     {
         if (!text_.starts_with("ply"))
-            ThrowDamaged("no PLY header");
+            ThrowDamaged(path_, "no PLY header");
         bool has_format = false;
         for (;;) {
             const std::string_view line = HeaderLine();
@@ -223,7 +210,7 @@ class PlyReader
             }
         }
         if (!has_format)
-            ThrowDamaged("no format");
+            ThrowDamaged(path_, "no format");
         if (format_ == Format::Ascii)
             scanner_ = TextScanner(std::string_view(text_).substr(position_));
     }
@@ -233,7 +220,7 @@ class PlyReader
     {
         const std::size_t end = text_.find_first_of("\r\n", position_);
         if (end == std::string::npos)
-            ThrowDamaged("the header does not end");
+            ThrowDamaged(path_, "the header does not end");
         const std::string_view line = Trimmed(std::string_view(text_).substr(position_, end - position_));
         position_ = end + (text_.compare(end, 2, "\r\n") == 0 ? 2 : 1);
         return line;
@@ -248,22 +235,22 @@ class PlyReader
         else if (name == "binary_big_endian")
             format_ = Format::BigEndian;
         else
-            ThrowDamaged("unknown format");
+            ThrowDamaged(path_, "unknown format");
     }
 
     void AddElement(TextScanner& words)
     {
         const ElementKind kind = ElementKindOf(words.Word());
-        const auto count = ToInteger(words.Word());
+        const auto count = ParseInteger(words.Word());
         if (!count || *count < 0)
-            ThrowDamaged("an element without a count");
+            ThrowDamaged(path_, "an element without a count");
         elements_.push_back({kind, static_cast<std::size_t>(*count), {}});
     }
 
     void AddProperty(TextScanner& words)
     {
         if (elements_.empty())
-            ThrowDamaged("a property without an element");
+            ThrowDamaged(path_, "a property without an element");
         Property property;
         std::string_view word = words.Word();
         const bool is_list = word == "list";
@@ -273,7 +260,7 @@ class PlyReader
         }
         const auto type = ScalarOf(word);
         if (!type || (is_list && !property.count_type))
-            ThrowDamaged("a property of an unknown type");
+            ThrowDamaged(path_, "a property of an unknown type");
         property.type = *type;
         property.use = UseOf(words.Word(), is_list);
         elements_.back().properties.push_back(property);
@@ -283,7 +270,7 @@ class PlyReader
     {
         // A line of text that is too short lacks its last values.
         if (format_ == Format::Ascii)
-            return ToNumber(scanner_.Word()).value_or(std::numeric_limits<double>::quiet_NaN());
+            return ParseReal(scanner_.Word()).value_or(std::numeric_limits<double>::quiet_NaN());
         switch (type) {
         case Scalar::Int8:
             return static_cast<double>(ReadBinary<std::int8_t, std::uint8_t>());
@@ -309,7 +296,7 @@ class PlyReader
     Number ReadBinary()
     {
         if (text_.size() - position_ < sizeof(Bits))
-            ThrowTruncated();
+            ThrowTooFewElements();
         Bits bits = 0;
         for (std::size_t i = 0; i < sizeof(Bits); ++i) {
             const std::size_t shift = format_ == Format::LittleEndian ? i : sizeof(Bits) - 1 - i;
@@ -326,7 +313,7 @@ class PlyReader
         values_.indices.clear();
         values_.texture_points.clear();
         if (format_ == Format::Ascii && !scanner_.NextLine())
-            ThrowTruncated();
+            ThrowTooFewElements();
         for (const Property& property : element.properties) {
             if (property.count_type) {
                 ReadList(property, *property.count_type);
@@ -348,10 +335,10 @@ class PlyReader
         if (format_ == Format::Ascii && std::isnan(count))
             return;
         if (!(count >= 0.0) || count > static_cast<double>(text_.size()))
-            ThrowDamaged("a list without a valid length");
+            ThrowDamaged(path_, "a list without a valid length");
         for (auto i = static_cast<std::size_t>(count); i > 0; --i) {
             if (format_ == Format::Ascii && !scanner_.HasWord())
-                ThrowTruncated();
+                ThrowTooFewElements();
             const double value = ReadNumber(property.type);
             constexpr double kMaxIndex = 4294967295.0;
             if (property.use == Use::Indices)
@@ -429,14 +416,10 @@ class PlyReader
         }
     }
 
-    void Report()
+    double FractionParsed() const
     {
-        constexpr std::size_t kElementsPerReport = 4096;
-        if (!progress_ || ++elements_read_ % kElementsPerReport != 0)
-            return;
-        progress_(kParsing * (format_ == Format::Ascii
-                                  ? scanner_.Fraction()
-                                  : static_cast<double>(position_) / static_cast<double>(text_.size())));
+        return format_ == Format::Ascii ? scanner_.Fraction()
+                                        : static_cast<double>(position_) / static_cast<double>(text_.size());
     }
 
     void AddParts()
@@ -447,10 +430,7 @@ class PlyReader
         builder_.BeginMesh({}, parts_.size());
         for (std::size_t i = 0; i < parts_.size(); ++i) {
             AddPartToModel(parts_[i]);
-            constexpr std::size_t kPartsPerReport = 4096;
-            if (progress_ && i % kPartsPerReport == 0)
-                progress_(kParsing +
-                          (1.0 - kParsing) * static_cast<double>(i) / static_cast<double>(parts_.size()));
+            progress_.Built(i + 1, parts_.size());
         }
         if (parts_.empty())
             for (const Vertex& vertex : vertices_)
@@ -467,19 +447,11 @@ class PlyReader
             builder_.LeaveOutDamaged();
             return;
         }
-        if (corners.empty())
-            return;
-        const FileColor color = ColorOf(part, corners);
         std::vector<Point> polygon;
         polygon.reserve(corners.size());
         for (const long long corner : corners)
             polygon.push_back(VertexAt(corner).point);
-        if (polygon.size() == 1)
-            builder_.AddPoint(polygon[0], color);
-        else if (polygon.size() == 2)
-            builder_.AddLine(polygon[0], polygon[1], color);
-        else
-            builder_.AddFace(std::move(polygon), color);
+        builder_.AddPart(std::move(polygon), ColorOf(part, corners));
     }
 
     const Vertex& VertexAt(long long index) const { return vertices_[static_cast<std::size_t>(index)]; }
@@ -514,7 +486,7 @@ class PlyReader
     static constexpr long long kNoVertex = -2;
 
     const std::string& path_;
-    const ProgressFunction& progress_;
+    ImportProgress progress_;
     std::string text_;
     std::size_t position_ = 0; ///< in a binary file, and of the end of the header
     TextScanner scanner_;      ///< of the body of a file of text
@@ -529,7 +501,6 @@ class PlyReader
     std::vector<TexturePoint> corner_points_; ///< of the corners, where the file has them
     TextureStore textures_;
     const TextureImage* texture_ = nullptr;
-    std::size_t elements_read_ = 0;
     ModelBuilder builder_;
 };
 

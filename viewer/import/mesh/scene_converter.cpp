@@ -28,7 +28,6 @@ Point ToPoint(const aiVector3D& v)
     return {static_cast<double>(v.x), static_cast<double>(v.y), static_cast<double>(v.z)};
 }
 
-/// The transformation in double precision.
 Affine ToAffine(const aiMatrix4x4& m)
 {
     const auto column = [&](unsigned int i) {
@@ -38,7 +37,7 @@ Affine ToAffine(const aiMatrix4x4& m)
     return {column(0), column(1), column(2), column(3)};
 }
 
-/// A file's coordinate system: the map to the viewer's axes, with z up, and the length of its unit.
+/// The coordinate system of a file: the map to the viewer's axes, with z up, and the length of the unit.
 struct Convention {
     Affine root;
     std::optional<double> meters_per_unit;
@@ -73,9 +72,9 @@ Convention FbxConvention(const aiScene& scene)
     return convention;
 }
 
-/// NOTE: The library rotates Collada, 3DS, ASE, IFC and the game formats so that y is up, and scales Collada and IFC
-/// files to metres. glTF and X3D define both in this way. OBJ, STL, PLY and OFF files do not define their
-/// axes.
+/// NOTE: The library rotates Collada, 3DS, ASE, IFC and the game formats so that y is up, and scales Collada
+/// and IFC files to metres. glTF and X3D define both in this way. OBJ, STL, PLY and OFF files do not define
+/// their axes.
 Convention ConventionOf(const std::string& path, const aiScene& scene)
 {
     constexpr std::array<std::string_view, 7> kMetersUpwardsY = {".gltf", ".glb", ".dae", ".zae",
@@ -108,10 +107,8 @@ void AddParent(std::vector<std::string>& parents, const aiString& name)
 class SceneConverter
 {
   public:
-    SceneConverter(const std::string& path, const aiScene& scene, const ProgressFunction& progress,
-                   double progress_begin)
-        : path_(path), scene_(scene), progress_(progress), progress_begin_(progress_begin),
-          materials_(path, scene)
+    SceneConverter(const std::string& path, const aiScene& scene, ImportProgress& progress)
+        : path_(path), scene_(scene), progress_(progress), materials_(path, scene)
     {
         CountFaces();
     }
@@ -141,9 +138,8 @@ class SceneConverter
                 pending.push_back({node.mChildren[i], transform, parents});
         }
         builder_.LeaveOut("texture", materials_.MissingTextures());
-        Model model = builder_.Finish(path_);
+        Model model = builder_.Finish(path_, MaterialNames());
         model.meters_per_unit = convention.meters_per_unit;
-        NumberCategories(model);
         return model;
     }
 
@@ -168,7 +164,6 @@ class SceneConverter
         pattern.parents = parents;
         if (&node != scene_.mRootNode && pattern.name != node.mName.C_Str())
             AddParent(pattern.parents, node.mName);
-        // The material's number for now: categories are numbered when all materials with faces are known.
         pattern.category = static_cast<int>(mesh.mMaterialIndex);
         const MeshMaterial& material = materials_.At(mesh.mMaterialIndex);
         pattern.alpha = material.opacity;
@@ -176,7 +171,8 @@ class SceneConverter
         const MeshColors colors(material, mesh);
         const PlacedVertices vertices = Placed(mesh, transform);
         for (unsigned int i = 0; i < mesh.mNumFaces; ++i) {
-            Report();
+            // A mesh that several nodes use is counted once, but converted for each of them.
+            progress_.Built(++faces_seen_, faces_total_);
             AddPart(vertices, colors, mesh.mFaces[i]);
         }
     }
@@ -184,7 +180,7 @@ class SceneConverter
     /// The vertices of a mesh in the model's axes.
     struct PlacedVertices {
         std::vector<Point> points;
-        bool are_mirrored; ///< so that counter-clockwise faces have become clockwise
+        bool are_mirrored; ///< counter-clockwise faces have become clockwise
     };
 
     PlacedVertices Placed(const aiMesh& mesh, const Affine& transform)
@@ -198,8 +194,8 @@ class SceneConverter
         return placed;
     }
 
-    /// Moves the vertices of a skinned mesh to where its bones hold them at rest: the node of such a mesh does not
-    /// place it.
+    /// Moves the vertices of a skinned mesh to the rest pose of its bones. The transformation of the mesh's
+    /// own node does not apply to them.
     void FollowBones(const aiMesh& mesh, PlacedVertices& placed)
     {
         std::vector<Point> sums(mesh.mNumVertices);
@@ -226,7 +222,7 @@ class SceneConverter
                 placed.points[i] = sums[i] * (1.0 / weights[i]);
     }
 
-    /// By name, those of all nodes; they are collected when they are first needed.
+    /// The transformations of all nodes, by name. They are collected on the first call.
     const std::map<std::string, Affine, std::less<>>& NodeTransforms()
     {
         if (!node_transforms_.empty() || scene_.mRootNode == nullptr)
@@ -247,8 +243,6 @@ class SceneConverter
     void AddPart(const PlacedVertices& placed, const MeshColors& colors, const aiFace& source)
     {
         const std::span<const unsigned int> vertices(source.mIndices, source.mNumIndices);
-        if (vertices.empty())
-            return;
         if (std::ranges::any_of(vertices, [&](unsigned int i) { return i >= placed.points.size(); })) {
             builder_.LeaveOutDamaged();
             return;
@@ -257,49 +251,22 @@ class SceneConverter
         corners.reserve(vertices.size());
         for (const unsigned int vertex : vertices)
             corners.push_back(placed.points[vertex]);
-        const FileColor color = colors.Of(vertices);
-        if (corners.size() == 1) {
-            builder_.AddPoint(corners[0], color);
-        } else if (corners.size() == 2) {
-            builder_.AddLine(corners[0], corners[1], color);
-        } else {
-            if (placed.are_mirrored)
-                std::reverse(corners.begin(), corners.end());
-            builder_.AddFace(std::move(corners), color);
-        }
+        if (placed.are_mirrored && corners.size() > 2)
+            std::ranges::reverse(corners);
+        builder_.AddPart(std::move(corners), colors.Of(vertices));
     }
 
-    void NumberCategories(Model& model) const
+    std::vector<std::string> MaterialNames() const
     {
-        std::map<int, int> categories;
-        for (const Piece& piece : model.pieces)
-            categories[piece.category] = 0;
-        int next = 0;
-        for (auto& [material, category] : categories) {
-            category = next++;
-            const auto number = static_cast<unsigned int>(material);
-            model.category_names.emplace_back(
-                number < scene_.mNumMaterials ? scene_.mMaterials[number]->GetName().C_Str() : "");
-        }
-        for (Piece& piece : model.pieces)
-            piece.category = categories.at(piece.category);
-    }
-
-    void Report()
-    {
-        constexpr std::size_t kFacesPerReport = 4096;
-        ++faces_seen_;
-        if (!progress_ || faces_seen_ % kFacesPerReport != 0)
-            return;
-        // A mesh that several nodes use is counted once, but converted for each of them.
-        const double done = static_cast<double>(faces_seen_) / static_cast<double>(faces_total_);
-        progress_(progress_begin_ + (1.0 - progress_begin_) * std::min(done, 1.0));
+        std::vector<std::string> names;
+        for (unsigned int i = 0; i < scene_.mNumMaterials; ++i)
+            names.emplace_back(scene_.mMaterials[i]->GetName().C_Str());
+        return names;
     }
 
     const std::string& path_;
     const aiScene& scene_;
-    const ProgressFunction& progress_;
-    double progress_begin_;
+    ImportProgress& progress_;
     Affine root_; ///< the map to the model's axes
     std::map<std::string, Affine, std::less<>> node_transforms_;
     MeshMaterials materials_;
@@ -310,10 +277,9 @@ class SceneConverter
 
 } // namespace
 
-Model ConvertScene(const std::string& path, const aiScene& scene, const ProgressFunction& progress,
-                   double progress_begin)
+Model ConvertScene(const std::string& path, const aiScene& scene, ImportProgress& progress)
 {
-    return SceneConverter(path, scene, progress, progress_begin).Convert();
+    return SceneConverter(path, scene, progress).Convert();
 }
 
 } // namespace viewer

@@ -11,9 +11,7 @@
 namespace viewer
 {
 
-/// The model of a scene that was read from this file. Progress is reported from `progress_begin` on. Throws
-/// FileError if the scene shows nothing.
-[[nodiscard]] Model ConvertScene(const std::string& path, const aiScene& scene,
-                                 const ProgressFunction& progress, double progress_begin);
+/// The model of a scene that was read from this file. Throws FileError if the scene has nothing to show.
+[[nodiscard]] Model ConvertScene(const std::string& path, const aiScene& scene, ImportProgress& progress);
 
 } // namespace viewer

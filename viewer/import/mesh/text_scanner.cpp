@@ -1,5 +1,6 @@
 #include "viewer/import/mesh/text_scanner.h"
 
+#include "platform/tools/utf8.h"
 #include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
 
@@ -39,26 +40,18 @@ bool IsLineEnd(char c)
     return KindOf(c) == Kind::LineEnd;
 }
 
-std::string_view WithoutPlus(std::string_view word)
+/// The text, which begins with a byte order mark of UTF-16, as UTF-8 without the mark.
+std::string FromUtf16(std::string_view content)
 {
-    return word.size() > 1 && word.front() == '+' && word[1] != '-' ? word.substr(1) : word;
-}
-
-template <class Number>
-std::optional<Number> Parse(std::string_view word)
-{
-    const std::string_view digits = WithoutPlus(word);
-    const char* end = digits.data() + digits.size();
-    Number value{};
-    const auto [stop, error] = std::from_chars(digits.data(), end, value);
-    // A number that is too small for its type counts as 0.
-    if (digits.empty() || stop != end)
-        return std::nullopt;
-    if (error == std::errc::result_out_of_range)
-        return digits.find("e-") != std::string_view::npos || digits.find("E-") != std::string_view::npos
-                   ? std::optional(Number{})
-                   : std::nullopt;
-    return error == std::errc() ? std::optional(value) : std::nullopt;
+    const std::size_t high = content.front() == '\xFF' ? 1 : 0;
+    const auto byte = [&](std::size_t i) {
+        return static_cast<unsigned int>(static_cast<unsigned char>(content[i]));
+    };
+    std::wstring units;
+    units.reserve(content.size() / 2);
+    for (std::size_t i = 2; i + 1 < content.size(); i += 2)
+        units += static_cast<wchar_t>(byte(i + high) << 8U | byte(i + 1 - high));
+    return Utf8FromWide(units);
 }
 
 } // namespace
@@ -66,38 +59,6 @@ std::optional<Number> Parse(std::string_view word)
 bool HasUtf16Mark(std::string_view content)
 {
     return content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF");
-}
-
-std::string FromUtf16(std::string_view content)
-{
-    const std::size_t high = content.front() == '\xFF' ? 1 : 0;
-    const auto unit_at = [&](std::size_t i) {
-        const auto byte = [&](std::size_t k) {
-            return static_cast<unsigned int>(static_cast<unsigned char>(content[k]));
-        };
-        return byte(i + high) << 8U | byte(i + 1 - high);
-    };
-    std::string text;
-    text.reserve(content.size() / 2);
-    for (std::size_t i = 2; i + 1 < content.size(); i += 2) {
-        unsigned int code = unit_at(i);
-        const bool is_first_half = code >= 0xD800U && code < 0xDC00U;
-        if (is_first_half && i + 3 < content.size()) {
-            i += 2;
-            code = 0x10000U + ((code & 0x3FFU) << 10U) + (unit_at(i) & 0x3FFU);
-        }
-        const auto append = [&](unsigned int byte) { text += static_cast<char>(byte); };
-        if (code < 0x80U) {
-            append(code);
-            continue;
-        }
-        const int more = code < 0x800U ? 1 : code < 0x10000U ? 2 : 3;
-        constexpr std::array<unsigned int, 4> kLead = {0, 0xC0U, 0xE0U, 0xF0U};
-        append(kLead.at(static_cast<std::size_t>(more)) | code >> (6U * static_cast<unsigned int>(more)));
-        for (int k = more - 1; k >= 0; --k)
-            append(0x80U | (code >> (6U * static_cast<unsigned int>(k)) & 0x3FU));
-    }
-    return text;
 }
 
 std::string ReadWholeFile(const std::string& path)
@@ -113,14 +74,14 @@ std::string ReadWholeFile(const std::string& path)
     return HasUtf16Mark(content) ? FromUtf16(content) : content;
 }
 
-std::optional<double> ToNumber(std::string_view word)
+std::optional<long long> ParseInteger(std::string_view text)
 {
-    return Parse<double>(word);
-}
-
-std::optional<long long> ToInteger(std::string_view word)
-{
-    return Parse<long long>(word);
+    // The conversion accepts no plus sign.
+    if (text.size() > 1 && text.front() == '+' && text[1] != '-')
+        text.remove_prefix(1);
+    long long value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(value) : std::nullopt;
 }
 
 TextScanner::TextScanner(std::string_view text, char comment) : text_(text), comment_(comment)

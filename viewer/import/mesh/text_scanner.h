@@ -9,25 +9,24 @@
 namespace viewer
 {
 
-/// Whether a text begins with the byte order mark of UTF-16.
+/// Whether a text begins with the byte order mark of UTF-16, in either byte order.
 [[nodiscard]] bool HasUtf16Mark(std::string_view content);
-/// The text, which begins with that mark, as UTF-8.
-[[nodiscard]] std::string FromUtf16(std::string_view content);
 
-/// Reads a whole file; UTF-16 becomes UTF-8. Throws FileError if it cannot be read.
+/// Reads a whole file. A file of UTF-16 with a byte order mark becomes UTF-8. Throws FileError if it cannot
+/// be read.
 [[nodiscard]] std::string ReadWholeFile(const std::string& path);
 
-/// The number that is the whole word. Infinities and what is not a number are numbers, too: "inf", "nan".
-[[nodiscard]] std::optional<double> ToNumber(std::string_view word);
-/// Nothing for a number with decimals or an exponent.
-[[nodiscard]] std::optional<long long> ToInteger(std::string_view word);
+/// The integer that is the whole text, in decimal notation, with or without a sign. No value for other texts,
+/// for numbers with decimals or an exponent, and for numbers that are too large.
+[[nodiscard]] std::optional<long long> ParseInteger(std::string_view text);
 
-/// Walks through the words of a text. Lines end with any of the usual line ends. A line may be continued on the
-/// next one by a backslash at its end. A byte order mark at the start is skipped.
+/// Splits a text into lines and words. Lines end with LF, CR or both. A backslash at the end of a line
+/// continues it on the next one. A byte order mark of UTF-8 at the start is skipped.
 class TextScanner
 {
   public:
-    /// The text must outlive the object. From `comment` on, the rest of a line is skipped; 0 for none.
+    /// The text must outlive the object. The rest of a line from the character `comment` on is skipped; 0 for
+    /// a text without comments.
     explicit TextScanner(std::string_view text, char comment = '\0');
 
     /// Goes to the next line that has words. Returns false at the end of the text.
@@ -41,12 +40,12 @@ class TextScanner
     /// The next word of the text, in this or a later line; empty at the end of the text.
     std::string_view WordOfText();
 
-    /// How much of the text was read, from 0 to 1.
+    /// The fraction of the text before the current position, from 0 to 1.
     [[nodiscard]] double Fraction() const;
 
   private:
     void SkipBlanks();
-    /// The length of a backslash and a line end here; 0 if there are none.
+    /// The length of a backslash and a line end at the current position; 0 if there are none.
     [[nodiscard]] std::size_t ContinuationLength() const;
     [[nodiscard]] bool IsAtLineEnd() const;
     [[nodiscard]] bool IsAtComment() const
@@ -57,7 +56,7 @@ class TextScanner
     std::string_view text_;
     std::size_t position_ = 0;
     char comment_;
-    bool started_ = false; ///< a line has been entered
+    bool started_ = false; ///< `NextLine` was called
 };
 
 } // namespace viewer

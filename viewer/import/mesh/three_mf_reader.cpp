@@ -1,5 +1,6 @@
 #include "viewer/import/mesh/three_mf_reader.h"
 
+#include "viewer/import/damaged_file.h"
 #include "viewer/import/mesh/model_builder.h"
 #include "viewer/import/mesh/text_scanner.h"
 #include "viewer/import/mesh/texture_store.h"
@@ -7,6 +8,7 @@
 #include "viewer/import/mesh/zip_archive.h"
 #include "viewer/scene/affine.h"
 #include "viewer/text/file_error.h"
+#include "viewer/text/text.h"
 
 #include <algorithm>
 #include <array>
@@ -69,7 +71,7 @@ struct ModelPart {
     std::map<long long, Object> objects;
     std::map<long long, Properties> properties;
     std::map<long long, std::string> textures; ///< paths in the package
-    std::vector<Component> items;              ///< what is built
+    std::vector<Component> items;              ///< the "build" list
 };
 
 std::uint32_t VertexAt(const XmlAttributes& attributes, std::string_view name)
@@ -99,7 +101,7 @@ Affine TransformAt(const XmlAttributes& attributes)
     TextScanner words(attributes.At("transform"));
     std::array<double, 12> m{};
     for (double& value : m) {
-        const auto number = ToNumber(words.WordOfText());
+        const auto number = ParseReal(words.WordOfText());
         if (!number)
             return {};
         value = *number;
@@ -124,7 +126,7 @@ class ThreeMfReader
 {
   public:
     ThreeMfReader(const std::string& path, const ProgressFunction& progress)
-        : path_(path), progress_(progress), archive_(path)
+        : path_(path), progress_(progress, 0.7), archive_(path)
     {
     }
 
@@ -138,31 +140,27 @@ class ThreeMfReader
                 items.push_back({{}, id, {}});
         for (std::size_t i = 0; i < items.size(); ++i) {
             AddObject(root, items[i], {}, {}, 0);
-            if (progress_)
-                progress_(kParsing +
-                          (1.0 - kParsing) * static_cast<double>(i + 1) / static_cast<double>(items.size()));
+            progress_.Built(i + 1, items.size());
         }
         builder_.LeaveOut("texture", textures_.Missing());
-        Model model = builder_.Finish(path_);
+        Model model = builder_.Finish(path_, material_names_);
         model.meters_per_unit = meters_per_unit_;
-        NumberCategories(model);
         return model;
     }
 
   private:
-    static constexpr double kParsing = 0.7;
-    /// Components can refer to each other in circles, and each one to another twice.
+    /// Components may refer to each other in circles. The number of uses may double with each level.
     static constexpr int kMaxDepth = 32;
     static constexpr std::size_t kMaxUses = 100'000;
 
-    /// Reads a file of the package as XML. Returns false if it is not there.
+    /// Reads a file of the package as XML. Returns false if it does not exist.
     bool ReadXml(const std::string& name, const XmlReader::StartFunction& on_start,
                  const XmlReader::EndFunction& on_end)
     {
         XmlReader reader(on_start, on_end);
         const auto feed = [&](std::span<const char> block, bool is_last) {
             if (!reader.Feed(block, is_last))
-                throw FileError(path_, "damaged: '" + name + "' is not well-formed");
+                ThrowDamaged(path_, "'" + name + "' is not well-formed");
         };
         if (!archive_.Read(name, [&](std::span<const char> block) { feed(block, false); }))
             return false;
@@ -170,7 +168,7 @@ class ThreeMfReader
         return true;
     }
 
-    /// The name of the part with the model.
+    /// The name of the part that the package declares as its model.
     std::string RootPart()
     {
         std::string root = "3D/3dmodel.model";
@@ -202,7 +200,7 @@ class ThreeMfReader
                     properties_ = nullptr;
             });
         if (!is_there && parts_.size() == 1)
-            throw FileError(path_, "damaged: it holds no model");
+            ThrowDamaged(path_, "it holds no model");
         return found->second;
     }
 
@@ -233,7 +231,7 @@ class ThreeMfReader
                 {attributes.NumberAt("x"), attributes.NumberAt("y"), attributes.NumberAt("z")});
         } else if (name == "triangle") {
             const long long first = attributes.IntegerAt("p1", kNoId);
-            // Without an index the object's own resource applies.
+            // The resource of the object applies to a triangle without an index.
             const long long properties =
                 first == kNoId ? kNoId : attributes.IntegerAt("pid", object_->properties);
             object_->triangles.push_back(
@@ -354,7 +352,8 @@ class ThreeMfReader
                 builder_.AddLine(points[from], points[to], {});
     }
 
-    /// The resource of a triangle and its index at each corner; null without one.
+    /// The resource of a triangle and the index into it at each corner. The resource is null if it is
+    /// missing.
     static std::pair<const Properties*, std::array<long long, 3>>
     PropertiesOf(const ModelPart& part, const Object& object, const Triangle& triangle)
     {
@@ -365,7 +364,7 @@ class ThreeMfReader
                 has_own ? triangle.indices : of_object};
     }
 
-    /// The number of the base material, from 1; 0 without one.
+    /// The category of the base material of a triangle, from 1; 0 without a base material.
     int CategoryOf(const ModelPart& part, const Object& object, const Triangle& triangle)
     {
         const auto [properties, indices] = PropertiesOf(part, object, triangle);
@@ -424,31 +423,17 @@ class ThreeMfReader
         }
     }
 
-    /// Categories are numbered in the order of the materials; those without faces are not.
-    void NumberCategories(Model& model) const
-    {
-        std::map<int, int> categories;
-        for (const Piece& piece : model.pieces)
-            categories[piece.category] = 0;
-        int next = 0;
-        for (auto& [material, category] : categories) {
-            category = next++;
-            model.category_names.push_back(material_names_[static_cast<std::size_t>(material)]);
-        }
-        for (Piece& piece : model.pieces)
-            piece.category = categories.at(piece.category);
-    }
-
     const std::string& path_;
-    const ProgressFunction& progress_;
+    ImportProgress progress_;
     ZipArchive archive_;
     std::map<std::string, ModelPart> parts_;
-    ModelPart* part_ = nullptr;        ///< that is read
-    Object* object_ = nullptr;         ///< that is read
-    Properties* properties_ = nullptr; ///< that are read
+    // The elements that are being read.
+    ModelPart* part_ = nullptr;
+    Object* object_ = nullptr;
+    Properties* properties_ = nullptr;
     std::optional<double> meters_per_unit_;
     std::map<std::pair<const Properties*, long long>, int> materials_;
-    std::vector<std::string> material_names_{""}; ///< the first one is that of triangles without a material
+    std::vector<std::string> material_names_{""}; ///< by category; 0 is for triangles without a material
     TextureStore textures_;
     std::size_t uses_ = 0;
     ModelBuilder builder_;

@@ -1,6 +1,7 @@
 #include "viewer/import/mesh/xml_reader.h"
 
 #include "viewer/import/mesh/text_scanner.h"
+#include "viewer/text/text.h"
 
 #include <expat.h>
 #include <limits>
@@ -31,12 +32,12 @@ std::string_view XmlAttributes::At(std::string_view name) const
 
 long long XmlAttributes::IntegerAt(std::string_view name, long long fallback) const
 {
-    return ToInteger(At(name)).value_or(fallback);
+    return ParseInteger(At(name)).value_or(fallback);
 }
 
 double XmlAttributes::NumberAt(std::string_view name) const
 {
-    return ToNumber(At(name)).value_or(std::numeric_limits<double>::quiet_NaN());
+    return ParseReal(At(name)).value_or(std::numeric_limits<double>::quiet_NaN());
 }
 
 XmlReader::XmlReader(StartFunction on_start, EndFunction on_end)

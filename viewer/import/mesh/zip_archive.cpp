@@ -1,5 +1,6 @@
 #include "viewer/import/mesh/zip_archive.h"
 
+#include "viewer/import/damaged_file.h"
 #include "viewer/text/file_error.h"
 
 #include <algorithm>
@@ -28,7 +29,7 @@ bool ZipArchive::Read(std::string name, const std::function<void(std::span<const
         return false;
     if (unzGetCurrentFileInfo64(archive_.get(), &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
         unzOpenCurrentFile(archive_.get()) != UNZ_OK)
-        throw FileError(path_, "damaged: '" + name + "' cannot be unpacked");
+        ThrowDamaged(path_, "'" + name + "' cannot be unpacked");
     const std::shared_ptr<void> file(archive_.get(), [](void* archive) { unzCloseCurrentFile(archive); });
     const unsigned long long max_size =
         std::max<unsigned long long>(kMaxSmall, info.compressed_size * kMaxRatio);
@@ -37,7 +38,7 @@ bool ZipArchive::Read(std::string name, const std::function<void(std::span<const
     for (unsigned long long size = 0;;) {
         const int count = unzReadCurrentFile(archive_.get(), block.data(), static_cast<unsigned int>(kBlock));
         if (count < 0)
-            throw FileError(path_, "damaged: '" + name + "' cannot be unpacked");
+            ThrowDamaged(path_, "'" + name + "' cannot be unpacked");
         if (count == 0)
             return true;
         size += static_cast<unsigned long long>(count);
