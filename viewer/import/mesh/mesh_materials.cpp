@@ -69,7 +69,7 @@ float OpacityOf(const aiMaterial& material)
     return std::clamp(alpha, 0.0F, 1.0F);
 }
 
-/// The texture of a material that shows most of its colour.
+/// The texture that gives a material its colour.
 struct TextureUse {
     aiTextureType type;
     aiString name;
@@ -88,11 +88,10 @@ std::optional<TextureUse> TextureOf(const aiMaterial& material)
 
 std::optional<TextureImage> FromEmbedded(const aiTexture& texture)
 {
-    // NOLINTBEGIN(cppcoreguidelines-pro-type-reinterpret-cast): the library keeps a packed image in texels
+    // NOTE: A height of 0 marks the bytes of an image file; the width is their number.
     if (texture.mHeight == 0)
         return TextureImage::FromBytes(
             {reinterpret_cast<const unsigned char*>(texture.pcData), texture.mWidth});
-    // NOLINTEND(cppcoreguidelines-pro-type-reinterpret-cast)
     const std::size_t width = texture.mWidth;
     return TextureImage::FromPixels(width, texture.mHeight, [&](std::size_t x, std::size_t y) {
         return ToColor(aiColor4D(texture.pcData[y * width + x]));
@@ -109,7 +108,8 @@ TexturePoint Transformed(const aiVector3D& point, const aiUVTransform& transform
             u * std::sin(angle) + v * std::cos(angle) + 0.5 + static_cast<double>(transform.mTranslation.y)};
 }
 
-/// Whether the mesh has colours of vertices. Programs write white or black ones where nothing was painted.
+/// Whether the mesh has colours of vertices. Programs write white or black for all vertices of a mesh that
+/// was not painted.
 bool IsPainted(const aiMesh& mesh)
 {
     if (!mesh.HasVertexColors(0))
@@ -124,7 +124,7 @@ bool IsPainted(const aiMesh& mesh)
     });
 }
 
-/// The texture coordinates that the material takes; null where the mesh has none.
+/// The texture coordinates of the mesh for the material's texture; null without a texture or coordinates.
 const aiVector3D* TexturePointsOf(const MeshMaterial& material, const aiMesh& mesh)
 {
     if (material.texture == nullptr)
@@ -172,7 +172,7 @@ void MeshMaterials::ReadTexture(MeshMaterial& result, const aiMaterial& material
     if (material.Get(AI_MATKEY_UVWSRC(use->type, 0), channel) == AI_SUCCESS && channel >= 0)
         result.texture_channel = static_cast<unsigned int>(channel);
     material.Get(AI_MATKEY_UVTRANSFORM(use->type, 0), result.texture_transform);
-    // A black factor would hide the texture: programs write it where they mean none.
+    // A black factor would hide the texture. Programs write it where no factor is meant.
     aiColor4D color;
     const bool has_factor = base_is_factor_ && (material.Get(AI_MATKEY_BASE_COLOR, color) == AI_SUCCESS ||
                                                 material.Get(AI_MATKEY_COLOR_DIFFUSE, color) == AI_SUCCESS);

@@ -1,4 +1,4 @@
-// The colours of the materials of a mesh file: base colours, textures and colours of vertices.
+// The colours of a mesh file: base colours and textures of its materials, and colours of vertices.
 #pragma once
 
 #include "viewer/import/mesh/model_builder.h"
@@ -16,27 +16,27 @@
 namespace viewer
 {
 
-/// What the faces, lines and points of one material look like.
+/// Colour and opacity of the faces, lines and points of one material.
 struct MeshMaterial {
     FileColor color; ///< opaque
     float opacity = 1.0F;
     FileColor texture_factor{1.0F, 1.0F, 1.0F, 1.0F};
-    const TextureImage* texture = nullptr; ///< absent where there is none or it is missing
-    unsigned int texture_channel = 0;      ///< the texture coordinates of the mesh that it takes
+    const TextureImage* texture = nullptr; ///< null without a texture, and for a missing one
+    unsigned int texture_channel = 0;      ///< the set of texture coordinates of the mesh
     aiUVTransform texture_transform;
-    /// Whether the colours of vertices are factors of the material's colour. Otherwise they replace the colour of
-    /// a material without a texture.
+    /// Whether the colours of vertices are factors of the material's colour. Otherwise they replace the
+    /// colour of a material without a texture.
     bool vertices_are_factors = false;
 };
 
-/// Reads the materials of a scene, with the textures beside the file and those inside of it.
+/// The materials of a scene with their textures, from files beside the model file or embedded in it.
 class MeshMaterials
 {
   public:
     /// Both arguments must outlive the object.
     MeshMaterials(const std::string& path, const aiScene& scene);
 
-    /// The material with this number; a grey one for any other number. Valid as long as the object.
+    /// The material with this number; a grey one for a number out of range. Valid as long as the object.
     [[nodiscard]] const MeshMaterial& At(unsigned int index) const;
     /// The number of textures that are missing, damaged, or too large.
     [[nodiscard]] std::size_t MissingTextures() const { return textures_.Missing(); }
@@ -60,7 +60,7 @@ class MeshColors
     /// Both arguments must outlive the object.
     MeshColors(const MeshMaterial& material, const aiMesh& mesh);
 
-    /// The colour of a part with these vertices, at least one, all of them in range.
+    /// The colour of a part with these vertices, all of them in range.
     [[nodiscard]] FileColor Of(std::span<const unsigned int> vertices) const;
 
   private:
@@ -68,8 +68,8 @@ class MeshColors
 
     const MeshMaterial& material_;
     const aiMesh& mesh_;
-    const aiVector3D* texture_points_; ///< null for a mesh without them: its texture is everywhere the same
-    bool is_painted_;                  ///< by colours of vertices
+    const aiVector3D* texture_points_; ///< null for a mesh without them: it has the mean of the whole texture
+    bool is_painted_;                  ///< colours of vertices apply
 };
 
 } // namespace viewer

@@ -9,10 +9,10 @@
 namespace viewer
 {
 
-/// Reads a file. All parts are of one mesh: faces, strips of triangles ("tristrips") and edges. A file without
-/// them shows its vertices as points. A face or an edge has its own colour, or the mean of its texture, which a
-/// comment "TextureFile" names, or that of its vertices' colours. Elements and properties of other names are
-/// skipped. Throws FileError.
+/// Reads a file. All parts are of one mesh: faces, strips of triangles ("tristrips") and edges. The vertices
+/// of a file without them become points. A face or an edge has its own colour, or the mean of its texture, or
+/// the mean of its vertices' colours. A comment "TextureFile" names the texture. Elements and properties of
+/// other names are skipped. Throws FileError.
 [[nodiscard]] Model ReadPly(const std::string& path, const ProgressFunction& progress);
 
 } // namespace viewer

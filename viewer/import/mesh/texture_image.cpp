@@ -47,7 +47,7 @@ std::vector<Range> CellsOf(double center, double half, std::size_t cells)
 std::optional<TextureImage> TextureImage::FromFile(const std::string& path)
 {
     std::error_code error;
-    // Opening a pipe or a device could wait for ever.
+    // The opening of a pipe or a device may block without end.
     if (!std::filesystem::is_regular_file(path, error))
         return std::nullopt;
     const std::uintmax_t size = std::filesystem::file_size(path, error);
@@ -57,7 +57,6 @@ std::optional<TextureImage> TextureImage::FromFile(const std::string& path)
     std::ifstream stream(path, std::ios::binary);
     if (!stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
         return std::nullopt;
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are bytes
     return FromBytes({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
 }
 
@@ -72,7 +71,7 @@ std::optional<TextureImage> TextureImage::FromBytes(std::span<const unsigned cha
     if (stbi_info_from_memory(bytes.data(), size, &width, &height, &channels) == 0 || width <= 0 ||
         height <= 0 || static_cast<std::size_t>(width) > kMaxPixels / static_cast<std::size_t>(height))
         return std::nullopt;
-    // Images without transparency need less memory with three channels.
+    // Three channels save memory for images without transparency.
     const int kept = channels == 1 || channels == 3 ? 3 : 4;
     const std::unique_ptr<unsigned char, void (*)(void*)> pixels(
         stbi_load_from_memory(bytes.data(), size, &width, &height, &channels, kept), stbi_image_free);
@@ -152,7 +151,7 @@ FileColor TextureImage::MeanNear(std::span<const TexturePoint> polygon) const
     }
     const auto count = static_cast<double>(polygon.size());
     const TexturePoint half{(max.u - min.u) / 4.0, (max.v - min.v) / 4.0};
-    // Beyond this size a coordinate has no digits left for a place in the image.
+    // Larger coordinates have too few digits after the point for a place in the image.
     constexpr double kMaxCoordinate = 1e9;
     const bool usable = !polygon.empty() && std::abs(sum.u) < kMaxCoordinate &&
                         std::abs(sum.v) < kMaxCoordinate && std::isfinite(half.u) && std::isfinite(half.v);
@@ -163,7 +162,7 @@ FileColor TextureImage::MeanNear(std::span<const TexturePoint> polygon) const
             for (std::size_t i = 0; i < 4; ++i)
                 total.at(i) += part.at(i);
         }
-    // Nothing but transparent pixels.
+    // Smaller sums of alphas are those of transparent pixels and rounding.
     constexpr double kNoWeight = 1e-6;
     if (total[3] < kNoWeight)
         return {1.0F, 1.0F, 1.0F, 1.0F};

@@ -9,10 +9,10 @@
 namespace viewer
 {
 
-/// Reads the objects that a package builds, or all objects if it builds none. Each use of an object with a mesh
-/// makes a mesh for each of its base materials, which are the categories. Triangles have the colours of their base
-/// materials, colour groups or textures. Beams are lines. The unit is that of the package. Composite materials,
-/// several properties at once and slices are left out and counted. Throws FileError.
+/// Reads the objects in the "build" list of a package, or all objects if the list is empty. Each use of an
+/// object becomes one mesh for each of its base materials, which are the categories. Triangles have the
+/// colours of their base materials, colour groups or textures. Beams become lines. The unit is that of the
+/// package. Composite materials, multiple properties and slices are left out and counted. Throws FileError.
 [[nodiscard]] Model ReadThreeMf(const std::string& path, const ProgressFunction& progress);
 
 } // namespace viewer

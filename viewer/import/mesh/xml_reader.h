@@ -15,22 +15,22 @@ namespace viewer
 class XmlAttributes
 {
   public:
-    /// `list` has names and values by turns and a null pointer at its end.
+    /// `list` alternates names and values and ends with a null pointer. It must outlive the object.
     explicit XmlAttributes(const char** list) : list_(list) {}
 
-    /// Empty if there is no such attribute.
+    /// The value of an attribute; empty if there is none.
     [[nodiscard]] std::string_view At(std::string_view name) const;
-    /// Otherwise `fallback`.
+    /// The value; `fallback` if there is none or it is not an integer.
     [[nodiscard]] long long IntegerAt(std::string_view name, long long fallback) const;
-    /// Not a number if there is none.
+    /// The value; NaN if there is none or it is not a number.
     [[nodiscard]] double NumberAt(std::string_view name) const;
 
   private:
     const char** list_;
 };
 
-/// Calls functions at the start and the end of each element, with its name without a prefix. Exceptions of these
-/// functions end the reading and are thrown again by `Feed`.
+/// Calls functions at the start and the end of each element, with its name without a prefix. An exception of
+/// such a function ends the reading; `Feed` throws it again.
 class XmlReader
 {
   public:
@@ -38,11 +38,12 @@ class XmlReader
     using EndFunction = std::function<void(std::string_view name)>;
 
     XmlReader(StartFunction on_start, EndFunction on_end);
-    XmlReader(const XmlReader&) = delete; // the parser knows its address
+    XmlReader(const XmlReader&) = delete; // the parser has a pointer to the object
     XmlReader& operator=(const XmlReader&) = delete;
     ~XmlReader() = default;
 
-    /// Takes the next block of the text, at the end an empty one. Returns false for text that is not well-formed.
+    /// Parses the next block of the text. The last block may be empty. Returns false for text that is not
+    /// well-formed.
     [[nodiscard]] bool Feed(std::span<const char> block, bool is_last);
 
   private:

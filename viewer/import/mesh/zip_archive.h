@@ -1,4 +1,4 @@
-// Files inside of a ZIP archive.
+// Files in a ZIP archive.
 #pragma once
 
 #include <functional>
@@ -16,9 +16,9 @@ class ZipArchive
     /// Throws FileError if the file is not an archive.
     explicit ZipArchive(const std::string& path);
 
-    /// Unpacks a file, in order, as blocks for `take`. Returns false if it is not there. Letters match in either
-    /// case. Throws FileError if it is damaged, or unpacks to more than `kMaxRatio` times its packed size and
-    /// `kMaxSmall` bytes.
+    /// Unpacks a file and calls `take` with its blocks, in order. The case of letters in the name is ignored.
+    /// Returns false if there is no such file. Throws FileError if it is damaged, or if its size exceeds both
+    /// `kMaxSmall` bytes and `kMaxRatio` times its packed size.
     bool Read(std::string name, const std::function<void(std::span<const char> block)>& take) const;
 
     static constexpr unsigned long long kMaxRatio = 300;
