@@ -1,6 +1,4 @@
-#include "platform/host/cm/color.h"
-#include "tests/viewer/test_support.h"
-#include "viewer/import/mesh/mesh_import.h"
+#include "tests/viewer/import/mesh/mesh_fixture.h"
 #include "viewer/import/mesh/texture_image.h"
 
 #include <gmock/gmock.h>
@@ -21,29 +19,12 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class MeshFileColors : public ViewerTest
+class MeshFileColors : public MeshTest
 {
   protected:
-    /// The colours of the pieces, in their order.
-    static std::vector<std::uint32_t> ColorsOf(const Model& model)
-    {
-        std::vector<std::uint32_t> colors;
-        for (const Piece& piece : model.pieces)
-            colors.push_back(AcCmEntityColor::lookUpRGB(piece.color));
-        return colors;
-    }
-
     static std::uint32_t Nearest(unsigned char red, unsigned char green, unsigned char blue)
     {
         return AcCmEntityColor::lookUpRGB(NearestColorIndex(red, green, blue));
-    }
-
-    static std::size_t CountOf(const Model& model, const std::string& kind)
-    {
-        std::size_t count = 0;
-        for (const LeftOut& part : model.left_out)
-            count += part.kind == kind ? part.count : 0;
-        return count;
     }
 
     /// An image of two pixels, red on the left and blue on the right.
@@ -118,16 +99,12 @@ TEST_F(MeshFileColors, VerticesOfAnOffFileColourTheirFaces)
 
 TEST_F(MeshFileColors, PlyColoursOfFacesAndOfVertices)
 {
-    const std::string vertices =
-        "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
-        "property float z\nproperty uchar red\nproperty uchar green\nproperty uchar blue\n"
-        "element face 1\nproperty list uchar int vertex_indices\n";
-    const std::string corners = "end_header\n0 0 0 0 255 0\n1 0 0 0 255 0\n0 1 0 0 255 0\n3 0 1 2";
-    EXPECT_THAT(ColorsOf(ImportMesh(Write("v.ply", vertices + corners + "\n"))), ElementsAre(kGreen));
-    EXPECT_THAT(ColorsOf(ImportMesh(Write("f.ply", vertices +
-                                                       "property uchar red\nproperty uchar green\n"
-                                                       "property uchar blue\n" +
-                                                       corners + " 0 0 255\n"))),
+    const std::string colors = "property uchar red\nproperty uchar green\nproperty uchar blue\n";
+    const std::string header = colors + "element face 1\nproperty list uchar int vertex_indices\n";
+    const std::string corners = "0 0 0 0 255 0\n1 0 0 0 255 0\n0 1 0 0 255 0\n3 0 1 2";
+    EXPECT_THAT(ColorsOf(ImportMesh(Write("v.ply", AsciiPly(3, header, corners + "\n")))),
+                ElementsAre(kGreen));
+    EXPECT_THAT(ColorsOf(ImportMesh(Write("f.ply", AsciiPly(3, header + colors, corners + " 0 0 255\n")))),
                 ElementsAre(kBlue));
 }
 
@@ -168,7 +145,7 @@ TEST_F(MeshFileColors, MissingTextureIsCountedAndItsBaseColourShown)
     const Model model = ImportMesh(
         Write("t.obj", "mtllib t.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\nusemtl b\nf 1 2 3\n"));
     EXPECT_THAT(ColorsOf(model), ElementsAre(kGreen, kGreen));
-    EXPECT_EQ(CountOf(model, "texture"), 1U);
+    EXPECT_EQ(LeftOutOf(model, "texture"), 1U);
 }
 
 TEST_F(MeshFileColors, ImageThatClaimsToBeHugeIsNotDecoded)

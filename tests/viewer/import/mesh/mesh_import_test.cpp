@@ -1,8 +1,6 @@
 #include "viewer/import/mesh/mesh_import.h"
 
-#include "platform/host/cm/color.h"
-#include "tests/viewer/test_support.h"
-#include "viewer/text/file_error.h"
+#include "tests/viewer/import/mesh/mesh_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,20 +13,9 @@ namespace
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class MeshImport : public ViewerTest
+class MeshImport : public MeshTest
 {
   protected:
-    /// The error's text when the file is read.
-    static std::string ErrorOf(const std::string& path)
-    {
-        try {
-            static_cast<void>(ImportMesh(path));
-        } catch (const FileError& error) {
-            return error.what();
-        }
-        return "read without an error";
-    }
-
     static void ExpectTriangle(const Model& model)
     {
         ASSERT_EQ(model.FaceCount(), 1U);
@@ -55,7 +42,7 @@ TEST_F(MeshImport, MaterialGivesTheColourAndTheOpacity)
 {
     Write("concave.mtl", kConcaveMtl);
     const Model model = ImportMesh(Write("concave.obj", kConcaveObj));
-    EXPECT_EQ(AcCmEntityColor::lookUpRGB(model.pieces.at(0).color), 0xFF0000U);
+    EXPECT_EQ(ColorOf(model.pieces.at(0)), 0xFF0000U);
     EXPECT_EQ(model.pieces.at(0).alpha, 0.5F);
 }
 
@@ -74,7 +61,7 @@ TEST_F(MeshImport, MaterialsWithFacesAreNumberedInTheirOrder)
     ASSERT_EQ(model.pieces.size(), 2U);
     for (const Piece& piece : model.pieces) {
         const bool green = piece.category == 0;
-        EXPECT_EQ(AcCmEntityColor::lookUpRGB(piece.color), green ? 0x00FF00U : 0x0000FFU);
+        EXPECT_EQ(ColorOf(piece), green ? 0x00FF00U : 0x0000FFU);
     }
     EXPECT_NE(model.pieces[0].category, model.pieces[1].category);
     EXPECT_EQ(model.CategoryCount(), 2);
@@ -101,10 +88,9 @@ TEST_F(MeshImport, BinaryStlWhoseHeaderBeginsLikeText)
 
 TEST_F(MeshImport, PlyPolygonStaysOneFace)
 {
-    const Model model = ImportMesh(
-        Write("quad.ply", "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
-                          "property float z\nelement face 1\nproperty list uchar int vertex_indices\n"
-                          "end_header\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n"));
+    const Model model =
+        ImportMesh(Write("quad.ply", AsciiPly(4, "element face 1\nproperty list uchar int vertex_indices\n",
+                                              "0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n")));
     ASSERT_EQ(model.FaceCount(), 1U);
     EXPECT_THAT(model.pieces[0].faces[0].corners,
                 ElementsAre(Point{0, 1, 0}, Point{1, 1, 0}, Point{1, 0, 0}, Point{0, 0, 0}));
@@ -130,7 +116,7 @@ TEST_F(MeshImport, GltfWithAnEmbeddedBuffer)
     EXPECT_THAT(face.corners, ElementsAre(Point{0, 0, 1}, Point{1, 0, 0}, Point{0, 0, 0}));
     EXPECT_EQ(face.normal, (Point{0, -1, 0}));
     EXPECT_EQ(model.meters_per_unit, 1.0);
-    EXPECT_EQ(AcCmEntityColor::lookUpRGB(model.pieces[0].color), 0x00FF00U);
+    EXPECT_EQ(ColorOf(model.pieces[0]), 0x00FF00U);
     EXPECT_EQ(model.pieces[0].alpha, 0.25F);
 }
 

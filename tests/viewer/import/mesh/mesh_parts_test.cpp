@@ -1,6 +1,4 @@
-#include "tests/viewer/test_support.h"
-#include "viewer/import/mesh/mesh_import.h"
-#include "viewer/text/file_error.h"
+#include "tests/viewer/import/mesh/mesh_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,35 +22,9 @@ using testing::SizeIs;
 constexpr const char* kMissingVertex = "part that refers to a missing vertex";
 constexpr const char* kNotFinite = "part with coordinates that are not finite";
 
-class MeshParts : public ViewerTest
+class MeshParts : public MeshTest
 {
   protected:
-    static std::size_t LinesOf(const Model& model)
-    {
-        std::size_t count = 0;
-        for (const Piece& piece : model.pieces)
-            count += piece.lines.size();
-        return count;
-    }
-
-    static std::size_t CountOf(const Model& model, const std::string& kind)
-    {
-        std::size_t count = 0;
-        for (const LeftOut& part : model.left_out)
-            count += part.kind == kind ? part.count : 0;
-        return count;
-    }
-
-    static std::string ErrorOf(const std::string& path)
-    {
-        try {
-            static_cast<void>(ImportMesh(path));
-        } catch (const FileError& error) {
-            return error.Reason();
-        }
-        return "read without an error";
-    }
-
     /// The sample triangle with an additional member of its primitive.
     static std::string GltfWith(const std::string& member)
     {
@@ -88,44 +60,39 @@ TEST_F(MeshParts, PointsAreCrossesOfAFractionOfTheDiagonal)
 TEST_F(MeshParts, SinglePointIsVisible)
 {
     const Model model = ImportMesh(Write("p.obj", "v 1e6 0 0\np 1\n"));
-    EXPECT_EQ(LinesOf(model), 3U);
+    EXPECT_EQ(LineCountOf(model), 3U);
     EXPECT_GT(model.Extents().Diagonal(), 0.0);
 }
 
 TEST_F(MeshParts, VerticesOfAFileWithoutFacesArePoints)
 {
-    EXPECT_EQ(LinesOf(ImportMesh(Write("p.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\n"))), 9U);
-    EXPECT_EQ(LinesOf(ImportMesh(Write("p.off", "OFF\n2 0 0\n0 0 0\n1 0 0\n"))), 6U);
-    EXPECT_EQ(LinesOf(ImportMesh(Write(
-                  "p.ply", "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\n"
-                           "property float z\nend_header\n0 0 0\n1 0 0\n"))),
-              6U);
+    EXPECT_EQ(LineCountOf(ImportMesh(Write("p.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\n"))), 9U);
+    EXPECT_EQ(LineCountOf(ImportMesh(Write("p.off", "OFF\n2 0 0\n0 0 0\n1 0 0\n"))), 6U);
+    EXPECT_EQ(LineCountOf(ImportMesh(Write("p.ply", AsciiPly(2, "", "0 0 0\n1 0 0\n")))), 6U);
 }
 
 TEST_F(MeshParts, PlyEdgesAreLines)
 {
-    const Model model = ImportMesh(
-        Write("e.ply", "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\n"
-                       "property float z\nelement edge 1\nproperty int vertex1\nproperty int vertex2\n"
-                       "end_header\n0 0 0\n1 0 0\n1 0\n"));
-    ASSERT_EQ(LinesOf(model), 1U);
+    const Model model =
+        ImportMesh(Write("e.ply", AsciiPly(2, "element edge 1\nproperty int vertex1\nproperty int vertex2\n",
+                                           "0 0 0\n1 0 0\n1 0\n")));
+    ASSERT_EQ(LineCountOf(model), 1U);
     EXPECT_EQ(model.pieces[0].lines[0].from, (Point{1, 0, 0}));
 }
 
 TEST_F(MeshParts, GltfLinesAndPointsAreShown)
 {
     // A strip of three vertices has two lines, a loop three.
-    EXPECT_EQ(LinesOf(ImportMesh(Write("s.gltf", GltfWith(R"("mode":3)")))), 2U);
-    EXPECT_EQ(LinesOf(ImportMesh(Write("l.gltf", GltfWith(R"("mode":2)")))), 3U);
-    EXPECT_EQ(LinesOf(ImportMesh(Write("p.gltf", GltfWith(R"("mode":0)")))), 9U);
+    EXPECT_EQ(LineCountOf(ImportMesh(Write("s.gltf", GltfWith(R"("mode":3)")))), 2U);
+    EXPECT_EQ(LineCountOf(ImportMesh(Write("l.gltf", GltfWith(R"("mode":2)")))), 3U);
+    EXPECT_EQ(LineCountOf(ImportMesh(Write("p.gltf", GltfWith(R"("mode":0)")))), 9U);
 }
 
 TEST_F(MeshParts, PlyStripsOfTrianglesKeepTheirOutsides)
 {
-    const Model model = ImportMesh(
-        Write("s.ply", "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
-                       "property float z\nelement tristrips 1\nproperty list int int vertex_indices\n"
-                       "end_header\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n8 0 1 2 3 -1 0 1 2\n"));
+    const Model model =
+        ImportMesh(Write("s.ply", AsciiPly(4, "element tristrips 1\nproperty list int int vertex_indices\n",
+                                           "0 0 0\n1 0 0\n0 1 0\n1 1 0\n8 0 1 2 3 -1 0 1 2\n")));
     ASSERT_EQ(model.FaceCount(), 3U);
     for (const ModelFace& face : model.pieces[0].faces)
         EXPECT_EQ(face.normal, (Point{0, 0, 1}));
@@ -167,29 +134,28 @@ TEST_F(MeshParts, FaceWithABadIndexIsLeftOutAlone)
 {
     const Model obj = ImportMesh(Write("b.obj", std::string(kTriangleObj) + "f 1 2 9\nf 1 2 x\nf 1 2 -9\n"));
     EXPECT_EQ(obj.FaceCount(), 1U);
-    EXPECT_EQ(CountOf(obj, kMissingVertex), 3U);
+    EXPECT_EQ(LeftOutOf(obj, kMissingVertex), 3U);
     const Model off = ImportMesh(Write("b.off", "OFF\n3 2 0\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n3 0 1 7\n"));
     EXPECT_EQ(off.FaceCount(), 1U);
-    EXPECT_EQ(CountOf(off, kMissingVertex), 1U);
-    const Model ply = ImportMesh(
-        Write("b.ply", "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
-                       "property float z\nelement face 2\nproperty list uchar int vertex_indices\n"
-                       "end_header\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n3 0 1 7\n"));
+    EXPECT_EQ(LeftOutOf(off, kMissingVertex), 1U);
+    const Model ply =
+        ImportMesh(Write("b.ply", AsciiPly(3, "element face 2\nproperty list uchar int vertex_indices\n",
+                                           "0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n3 0 1 7\n")));
     EXPECT_EQ(ply.FaceCount(), 1U);
-    EXPECT_EQ(CountOf(ply, kMissingVertex), 1U);
+    EXPECT_EQ(LeftOutOf(ply, kMissingVertex), 1U);
 }
 
 TEST_F(MeshParts, FaceWithACoordinateThatIsNotFiniteIsLeftOutAlone)
 {
     const Model obj = ImportMesh(Write("n.obj", std::string(kTriangleObj) + "v nan 0 0\nf 1 2 4\n"));
     EXPECT_EQ(obj.FaceCount(), 1U);
-    EXPECT_EQ(CountOf(obj, kNotFinite), 1U);
+    EXPECT_EQ(LeftOutOf(obj, kNotFinite), 1U);
     std::string infinite = BinaryFacet();
     infinite[14] = '\x80';
     infinite[15] = '\x7F';
     const Model stl = ImportMesh(Write("n.stl", BinaryStl(2, BinaryFacet() + infinite)));
     EXPECT_EQ(stl.FaceCount(), 1U);
-    EXPECT_EQ(CountOf(stl, kNotFinite), 1U);
+    EXPECT_EQ(LeftOutOf(stl, kNotFinite), 1U);
 }
 
 TEST_F(MeshParts, OutlineThatCrossesItselfIsCountedAndOneOnALineIsNot)
@@ -199,7 +165,7 @@ TEST_F(MeshParts, OutlineThatCrossesItselfIsCountedAndOneOnALineIsNot)
         "v 0 0 0\nv 1 1 0\nv 1 0 0\nv 0 1 0\nv 2 0 0\nv 3 0 0\nf 1 3 4\nf 1 2 3 4\nf 1 3 5 6\nf 1 1 3\n"));
     EXPECT_EQ(model.FaceCount(), 1U);
     EXPECT_THAT(model.left_out, SizeIs(1));
-    EXPECT_EQ(CountOf(model, "face without area"), 1U);
+    EXPECT_EQ(LeftOutOf(model, "face without area"), 1U);
 }
 
 TEST_F(MeshParts, TextWithMarksTabsAndOtherLineEndsIsRead)
@@ -234,7 +200,7 @@ TEST_F(MeshParts, MissingMaterialLibraryIsCountedAndTheFacesAreShown)
     const Model model =
         ImportMesh(Write("m.obj", std::string("mtllib none.mtl\nusemtl steel\n") + kTriangleObj));
     EXPECT_EQ(model.FaceCount(), 1U);
-    EXPECT_EQ(CountOf(model, "material library"), 1U);
+    EXPECT_EQ(LeftOutOf(model, "material library"), 1U);
     EXPECT_THAT(model.category_names, ElementsAre("steel"));
 }
 

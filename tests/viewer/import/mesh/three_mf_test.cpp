@@ -1,7 +1,4 @@
-#include "platform/host/cm/color.h"
-#include "tests/viewer/test_support.h"
-#include "viewer/import/mesh/mesh_import.h"
-#include "viewer/text/file_error.h"
+#include "tests/viewer/import/mesh/mesh_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -72,7 +69,7 @@ std::string Zip(const std::vector<std::pair<std::string, std::string>>& files)
     return archive;
 }
 
-class ThreeMf : public ViewerTest
+class ThreeMf : public MeshTest
 {
   protected:
     /// Reads a package with these resources and items of its build.
@@ -91,8 +88,6 @@ class ThreeMf : public ViewerTest
                R"(</vertices><triangles>)" +
                triangles + "</triangles></mesh>";
     }
-
-    static std::uint32_t ColorOf(const Piece& piece) { return AcCmEntityColor::lookUpRGB(piece.color); }
 };
 
 TEST_F(ThreeMf, TrianglesHaveTheirBaseMaterials)
@@ -164,14 +159,7 @@ TEST_F(ThreeMf, BeamsAreLines)
 
 TEST_F(ThreeMf, DamagedPackageIsRefused)
 {
-    const auto error_of = [&](const std::string& content) -> std::string {
-        try {
-            static_cast<void>(ImportMesh(Write("bad.3mf", content)));
-        } catch (const FileError& error) {
-            return error.Reason();
-        }
-        return "read";
-    };
+    const auto error_of = [&](const std::string& content) { return ErrorOf(Write("bad.3mf", content)); };
     EXPECT_THAT(error_of("PK no archive"), HasSubstr("not a ZIP archive"));
     EXPECT_THAT(error_of(Zip({{"a.txt", "Buy milk."}})), HasSubstr("no model"));
     EXPECT_THAT(error_of(Zip({{"3D/3dmodel.model", "<model><resources>"}})), HasSubstr("not well-formed"));
