@@ -16,14 +16,6 @@ using testing::HasSubstr;
 
 using DxfFaces = DxfTest;
 
-double AreaOf(const ModelFace& face)
-{
-    Point sum;
-    for (std::size_t i = 1; i + 1 < face.corners.size(); ++i)
-        sum = sum + Cross(face.corners[i] - face.corners[0], face.corners[i + 1] - face.corners[0]);
-    return Length(sum) / 2;
-}
-
 /// Whether all normals point away from a point.
 bool PointAwayFrom(const Point& center, const std::vector<ModelFace>& faces)
 {

@@ -76,6 +76,22 @@ class DxfTest : public ViewerTest
         return model.pieces.at(0).faces;
     }
 
+    static double AreaOf(const ModelFace& face)
+    {
+        Point sum;
+        for (std::size_t i = 1; i + 1 < face.corners.size(); ++i)
+            sum =
+                sum + viewer::Cross(face.corners[i] - face.corners[0], face.corners[i + 1] - face.corners[0]);
+        return Length(sum) / 2;
+    }
+    static double AreaOf(const std::vector<ModelFace>& faces)
+    {
+        double area = 0.0;
+        for (const ModelFace& face : faces)
+            area += AreaOf(face);
+        return area;
+    }
+
     static void ExpectNear(const Point& actual, const Point& expected, double tolerance = 1e-9)
     {
         EXPECT_LE(Length(actual - expected), tolerance)

@@ -19,16 +19,6 @@ using testing::SizeIs;
 class DxfThickness : public DxfTest
 {
   protected:
-    static double AreaOfFaces(const std::vector<ModelFace>& faces)
-    {
-        double area = 0.0;
-        for (const ModelFace& face : faces)
-            for (std::size_t i = 1; i + 1 < face.corners.size(); ++i)
-                area += Length(viewer::Cross(face.corners[i] - face.corners[0],
-                                             face.corners[i + 1] - face.corners[0])) /
-                        2.0;
-        return area;
-    }
     static Box BoxOf(const std::vector<ModelFace>& faces)
     {
         Box box;
@@ -44,7 +34,7 @@ TEST_F(DxfThickness, LineWithThicknessIsAWall)
     const Model model = Import("0 LINE 39 3 11 4");
     ASSERT_EQ(model.pieces.size(), 1U);
     ASSERT_THAT(model.pieces[0].faces, SizeIs(1));
-    EXPECT_DOUBLE_EQ(AreaOfFaces(model.pieces[0].faces), 12.0);
+    EXPECT_DOUBLE_EQ(AreaOf(model.pieces[0].faces), 12.0);
     EXPECT_THAT(model.pieces[0].lines, SizeIs(1));
     EXPECT_THAT(*model.pieces[0].edges, SizeIs(3)) << "its top and its ends";
 }
@@ -60,7 +50,7 @@ TEST_F(DxfThickness, CircleWithThicknessIsATube)
 {
     const Model model = Import("0 CIRCLE 40 2 39 5");
     ASSERT_EQ(model.pieces.size(), 1U);
-    EXPECT_NEAR(AreaOfFaces(model.pieces[0].faces), 2.0 * std::numbers::pi * 2.0 * 5.0, 0.5);
+    EXPECT_NEAR(AreaOf(model.pieces[0].faces), 2.0 * std::numbers::pi * 2.0 * 5.0, 0.5);
     EXPECT_EQ(model.pieces[0].edges->size(), model.pieces[0].faces.size()) << "no edge along the tube";
     const Model arc = Import("0 ARC 40 2 50 0 51 90 39 5");
     EXPECT_EQ(arc.pieces.at(0).edges->size(), arc.pieces[0].faces.size() + 2) << "its ends";
@@ -68,8 +58,8 @@ TEST_F(DxfThickness, CircleWithThicknessIsATube)
 
 TEST_F(DxfThickness, PolylineWithThicknessIsAWallForEachPart)
 {
-    EXPECT_DOUBLE_EQ(AreaOfFaces(FacesOf("0 LWPOLYLINE 70 1 39 2 10 0 20 0 10 3 20 0 10 3 20 4")), 24.0);
-    EXPECT_DOUBLE_EQ(AreaOfFaces(FacesOf("0 POLYLINE 66 1 39 2 0 VERTEX 10 0 0 VERTEX 10 3 0 SEQEND")), 6.0);
+    EXPECT_DOUBLE_EQ(AreaOf(FacesOf("0 LWPOLYLINE 70 1 39 2 10 0 20 0 10 3 20 0 10 3 20 4")), 24.0);
+    EXPECT_DOUBLE_EQ(AreaOf(FacesOf("0 POLYLINE 66 1 39 2 0 VERTEX 10 0 0 VERTEX 10 3 0 SEQEND")), 6.0);
 }
 
 TEST_F(DxfThickness, SolidWithThicknessIsClosed)
@@ -86,7 +76,7 @@ TEST_F(DxfThickness, ConstantWidthIsABandWithMiters)
     // An L of 10 and 10 with a width of 2: the miter adds to the outer side what it takes from the inner one.
     const Model model = Import("0 LWPOLYLINE 43 2 10 0 20 0 10 10 20 0 10 10 20 10");
     ASSERT_EQ(model.pieces.size(), 1U);
-    EXPECT_NEAR(AreaOfFaces(model.pieces[0].faces), 40.0, 1e-9);
+    EXPECT_NEAR(AreaOf(model.pieces[0].faces), 40.0, 1e-9);
     EXPECT_THAT(*model.pieces[0].edges, IsEmpty());
     const Box box = BoxOf(model.pieces[0].faces);
     ExpectNear(box.min, {0, -1, 0});
@@ -96,18 +86,17 @@ TEST_F(DxfThickness, ConstantWidthIsABandWithMiters)
 TEST_F(DxfThickness, WidthTapersAlongEachPart)
 {
     // From 2 to 0 over 10.
-    EXPECT_NEAR(AreaOfFaces(FacesOf("0 LWPOLYLINE 10 0 20 0 40 2 41 0 10 10 20 0")), 10.0, 1e-9);
-    EXPECT_NEAR(
-        AreaOfFaces(FacesOf("0 POLYLINE 66 1 40 2 41 4 0 VERTEX 10 0 0 VERTEX 10 10 40 6 41 6 0 VERTEX "
-                            "10 20 0 SEQEND")),
-        30.0 + 60.0, 1e-9);
+    EXPECT_NEAR(AreaOf(FacesOf("0 LWPOLYLINE 10 0 20 0 40 2 41 0 10 10 20 0")), 10.0, 1e-9);
+    EXPECT_NEAR(AreaOf(FacesOf("0 POLYLINE 66 1 40 2 41 4 0 VERTEX 10 0 0 VERTEX 10 10 40 6 41 6 0 VERTEX "
+                               "10 20 0 SEQEND")),
+                30.0 + 60.0, 1e-9);
 }
 
 TEST_F(DxfThickness, PartsWithoutWidthAreLines)
 {
     const Model model = Import("0 LWPOLYLINE 10 0 20 0 40 2 41 2 10 10 20 0 40 0 41 0 10 20 20 0");
     ASSERT_EQ(model.pieces.size(), 1U);
-    EXPECT_NEAR(AreaOfFaces(model.pieces[0].faces), 20.0, 1e-9);
+    EXPECT_NEAR(AreaOf(model.pieces[0].faces), 20.0, 1e-9);
     ASSERT_THAT(model.pieces[0].lines, SizeIs(1));
     ExpectLine(model.pieces[0].lines[0], {10, 0, 0}, {20, 0, 0});
 }
@@ -121,9 +110,9 @@ TEST_F(DxfThickness, BandThinnerThanAPixelKeepsItsCenterLine)
 TEST_F(DxfThickness, BulgeWithAWidthIsARing)
 {
     // Two half circles of radius 5 with a width of 2: pi (6^2 - 4^2).
-    EXPECT_NEAR(AreaOfFaces(FacesOf("0 LWPOLYLINE 70 1 43 2 10 0 20 0 42 1 10 10 20 0 42 1")),
+    EXPECT_NEAR(AreaOf(FacesOf("0 LWPOLYLINE 70 1 43 2 10 0 20 0 42 1 10 10 20 0 42 1")),
                 std::numbers::pi * 20.0, 0.5);
-    EXPECT_NEAR(AreaOfFaces(FacesOf("0 LWPOLYLINE 70 1 43 2 10 0 20 0 42 -1 10 10 20 0 42 -1")),
+    EXPECT_NEAR(AreaOf(FacesOf("0 LWPOLYLINE 70 1 43 2 10 0 20 0 42 -1 10 10 20 0 42 -1")),
                 std::numbers::pi * 20.0, 0.5);
 }
 
@@ -132,7 +121,7 @@ TEST_F(DxfThickness, BandWithThicknessIsABody)
     // 10 by 2 by 3.
     const std::vector<ModelFace> faces = FacesOf("0 LWPOLYLINE 43 2 39 3 10 0 20 0 10 10 20 0");
     EXPECT_THAT(faces, SizeIs(6));
-    EXPECT_NEAR(AreaOfFaces(faces), 2.0 * (20.0 + 30.0 + 6.0), 1e-9);
+    EXPECT_NEAR(AreaOf(faces), 2.0 * (20.0 + 30.0 + 6.0), 1e-9);
 }
 
 TEST_F(DxfThickness, FacesOfAMeshAreAPieceForEachColour)
