@@ -1,12 +1,10 @@
 #include "viewer/import/dxf/direct_entities.h"
 
 #include "viewer/import/dxf/extrusion_frame.h"
-#include "viewer/import/dxf/polygon_fill.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -101,27 +99,16 @@ std::pair<Point, Point> PlaneOf(const std::vector<Point>& corners)
     return {frame.x, frame.y};
 }
 
-/// The triangles of a polygon of more than four corners. Edges inside the polygon are hidden.
+/// Appends the triangles of a polygon of more than four corners. Edges inside the polygon are hidden.
+/// `work` is reduced by the steps.
 void AppendPolygon(const std::vector<Point>& corners, std::size_t& work, DxfMesh& mesh)
 {
     const auto [x, y] = PlaneOf(corners);
-    std::map<FlatPoint, std::size_t> numbers;
     FlatLoop loop;
-    for (std::size_t i = 0; i < corners.size(); ++i)
-        loop.push_back({Dot(corners[i] - corners[0], x), Dot(corners[i] - corners[0], y)});
-    // Coordinates near the largest double overflow here; they are refused later.
-    const bool is_finite = std::all_of(loop.begin(), loop.end(), [](const FlatPoint& point) {
-        return std::isfinite(point.x) && std::isfinite(point.y);
-    });
-    for (std::size_t i = 0; is_finite && i < loop.size(); ++i)
-        numbers.emplace(loop[i], i);
-    const auto triangles = is_finite ? FillLoops({loop}, work) : std::optional<std::vector<FlatTriangle>>();
-    const bool is_known =
-        triangles && std::all_of(triangles->begin(), triangles->end(), [&](const auto& triangle) {
-            return std::all_of(triangle.begin(), triangle.end(),
-                               [&](const FlatPoint& point) { return numbers.contains(point); });
-        });
-    const auto add = [&](std::array<std::size_t, 3> triangle) {
+    for (const Point& corner : corners)
+        loop.push_back({Dot(corner - corners[0], x), Dot(corner - corners[0], y)});
+    const PolygonFill fill = FillLoops({loop}, work);
+    const auto add = [&](const FlatTriangle& triangle) {
         DxfFace& face = mesh.emplace_back();
         face.count = 3;
         for (std::size_t i = 0; i < 3; ++i) {
@@ -131,10 +118,9 @@ void AppendPolygon(const std::vector<Point>& corners, std::size_t& work, DxfMesh
                                       (next + 1) % corners.size() != triangle.at(i);
         }
     };
-    if (is_known)
-        for (const FlatTriangle& triangle : *triangles)
-            add({numbers.at(triangle[0]), numbers.at(triangle[1]), numbers.at(triangle[2])});
-    else // it intersects itself
+    if (fill.result == FillResult::Filled && fill.added.empty())
+        std::for_each(fill.triangles.begin(), fill.triangles.end(), add);
+    else // It crosses itself, takes too much work, or has coordinates that overflow and are refused later.
         for (std::size_t i = 1; i + 1 < corners.size(); ++i)
             add({0, i, i + 1});
 }
@@ -143,7 +129,8 @@ void AppendPolygon(const std::vector<Point>& corners, std::size_t& work, DxfMesh
 class MeshReader
 {
   public:
-    explicit MeshReader(const DxfEntityNumbers& numbers) : numbers_(numbers) {}
+    /// `work` is reduced by the steps.
+    MeshReader(const DxfEntityNumbers& numbers, std::size_t& work) : numbers_(numbers), work_(work) {}
 
     DirectShapes Read()
     {
@@ -196,7 +183,7 @@ class MeshReader
     const DxfEntityNumbers& numbers_;
     std::vector<Point> vertices_;
     DxfMesh mesh_;
-    std::size_t work_ = kMaxHatchWork;
+    std::size_t& work_;
 };
 
 DirectShapes HatchShapes(const DxfEntityNumbers& numbers, const Affine& frame)
@@ -233,7 +220,8 @@ bool IsReadDirectly(std::string_view kind)
     return std::find(kKinds.begin(), kKinds.end(), kind) != kKinds.end();
 }
 
-DirectShapes ShapesOfEntity(std::string_view kind, const DxfEntityNumbers& numbers, const Affine& frame)
+DirectShapes ShapesOfEntity(std::string_view kind, const DxfEntityNumbers& numbers, const Affine& frame,
+                            std::size_t& work)
 {
     if (kind == "POINT")
         return PointShapes(numbers, frame);
@@ -242,7 +230,7 @@ DirectShapes ShapesOfEntity(std::string_view kind, const DxfEntityNumbers& numbe
     if (kind == "HELIX")
         return HelixShapes(numbers);
     if (kind == "MESH")
-        return MeshReader(numbers).Read();
+        return MeshReader(numbers, work).Read();
     if (kind == "IMAGE")
         return ImageShapes(numbers);
     return HatchShapes(numbers, frame);

@@ -3,7 +3,9 @@
 
 #include "viewer/import/dxf/drawing.h"
 #include "viewer/import/dxf/entity_numbers.h"
+#include "viewer/scene/polygon_fill.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,12 +19,16 @@ namespace viewer
 
 struct DirectShapes {
     std::vector<decltype(DxfEntity::shape)> shapes;
-    std::optional<int> color24; ///< its colour as 0xRRGGBB, if it is not that of the entity
-    std::string left_out;       ///< what is not drawn of the entity, for `Model::LeaveOut`; may be empty
+    std::optional<int> color24; ///< 0xRRGGBB, if not the entity's colour
+    std::string left_out;       ///< a part that is not drawn, for `Model::LeaveOut`; may be empty
 };
 
-/// The shapes of an entity of such a kind. `frame` is that of its extrusion.
+/// The steps for the faces of all subdivision meshes of a drawing.
+inline constexpr std::size_t kMaxMeshWork = 10 * kMaxFillWork;
+
+/// The shapes of an entity of such a kind. `frame` belongs to its extrusion. `work` is reduced by the steps
+/// for concave faces; without it they are cut as if they were convex.
 [[nodiscard]] DirectShapes ShapesOfEntity(std::string_view kind, const DxfEntityNumbers& numbers,
-                                          const Affine& frame);
+                                          const Affine& frame, std::size_t& work);
 
 } // namespace viewer

@@ -1,6 +1,5 @@
 #include "viewer/import/dxf/drawing_builder.h"
 
-#include "viewer/import/dxf/direct_entities.h"
 #include "viewer/import/dxf/extrusion_frame.h"
 #include "viewer/text/file_error.h"
 
@@ -124,7 +123,7 @@ void DxfDrawingBuilder::Add(decltype(DxfEntity::shape) shape, std::optional<int>
                         color.value_or(EntityColor()), finished_.line, EntityOpacity()});
 }
 
-/// Adds what the thickness of a curve makes of it, if it has one.
+/// Adds the wall of a curve that has a thickness.
 void DxfDrawingBuilder::AddWall(const std::variant<Segment, EllipticArc>& curve)
 {
     const double thickness = finished_.numbers.FirstOr(39, 0.0);
@@ -135,7 +134,7 @@ void DxfDrawingBuilder::AddWall(const std::variant<Segment, EllipticArc>& curve)
 /// Points, and all entities that are not read by the library: it gets a point for each of them.
 void DxfDrawingBuilder::addPoint(const DL_PointData& /*data*/)
 {
-    DirectShapes made = ShapesOfEntity(finished_.kind, finished_.numbers, Frame());
+    DirectShapes made = ShapesOfEntity(finished_.kind, finished_.numbers, Frame(), mesh_work_);
     if (!made.left_out.empty())
         Add(DxfLeftOut{made.left_out});
     const std::optional<int> color =

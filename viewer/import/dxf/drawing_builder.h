@@ -2,12 +2,14 @@
 // coordinate system to that of the drawing. Limits, hidden layers and inserts are handled later.
 #pragma once
 
+#include "viewer/import/dxf/direct_entities.h"
 #include "viewer/import/dxf/drawing.h"
 #include "viewer/import/dxf/entity_stream.h"
 #include "viewer/import/dxf/polyline.h"
 
 #include <dxflib/dl_creationadapter.h>
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -88,6 +90,7 @@ class DxfDrawingBuilder final : public DL_CreationAdapter
     DxfEntityHead finished_; ///< of the entity that the library adds now
     std::optional<OpenPolyline> polyline_;
     std::optional<OpenSpline> spline_;
+    std::size_t mesh_work_ = kMaxMeshWork; ///< left for meshes
 };
 
 } // namespace viewer

@@ -1,12 +1,11 @@
 #include "viewer/import/dxf/hatch.h"
 
-#include "viewer/import/dxf/polygon_fill.h"
+#include "viewer/scene/polygon_fill.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <numbers>
 #include <utility>
 
 namespace viewer
@@ -340,7 +339,8 @@ class PatternClipper
         const double last = Across(to.x - line_.base.x, to.y - line_.base.y) / spacing;
         const double low = std::ceil(std::min(first, last));
         const double high = std::ceil(std::max(first, last));
-        constexpr double kMaxNumber = 1e15; // of which the neighbours differ
+        // Larger whole numbers and fractions between them are not distinct.
+        constexpr double kMaxNumber = 1e15;
         if (!(std::abs(low) < kMaxNumber) || !(std::abs(high) < kMaxNumber) ||
             high - low > static_cast<double>(2 * max_lines_ - std::min(2 * max_lines_, crossings_.size())))
             return false;
@@ -412,14 +412,20 @@ struct Placing {
 
 HatchResult Fill(const std::vector<FlatLoop>& loops, const Placing& placing, std::size_t& work, Piece& piece)
 {
-    const auto triangles = FillLoops(loops, work);
-    if (!triangles)
+    const PolygonFill fill = FillLoops(loops, work);
+    if (fill.result != FillResult::Filled)
         return HatchResult::TooComplex;
     if (!piece.edges)
         piece.edges.emplace();
+    std::vector<Point> points;
+    for (const FlatLoop& loop : loops)
+        for (const FlatPoint& corner : loop)
+            points.push_back(placing.At(corner));
+    for (const AddedCorner& corner : fill.added)
+        points.push_back(placing.At(corner.point));
     const std::size_t before = piece.faces.size();
-    for (const FlatTriangle& triangle : *triangles) {
-        std::vector<Point> corners{placing.At(triangle[0]), placing.At(triangle[1]), placing.At(triangle[2])};
+    for (const FlatTriangle& triangle : fill.triangles) {
+        std::vector<Point> corners{points[triangle[0]], points[triangle[1]], points[triangle[2]]};
         if (placing.map.Mirrors())
             std::reverse(corners.begin(), corners.end());
         if (auto face = MakeFace(std::move(corners)))

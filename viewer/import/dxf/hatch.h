@@ -18,7 +18,7 @@ namespace viewer
 /// The maximum number of lines and dashes of one hatch.
 inline constexpr std::size_t kMaxHatchLines = 200'000;
 
-/// The steps that all hatches of a drawing may take together.
+/// The steps of all hatches of a drawing, less than two minutes.
 inline constexpr std::size_t kMaxHatchWork = 2'000'000'000;
 
 struct DxfHatch {
@@ -44,7 +44,7 @@ struct DxfHatch {
     Style style = Style::OddEven;
     std::vector<PatternLine> pattern;
 
-    /// Points whose box holds all paths, in the frame's coordinates.
+    /// Points whose box contains all paths, in the frame's coordinates.
     [[nodiscard]] std::vector<Point> Extremes() const;
 };
 
@@ -52,7 +52,7 @@ struct DxfHatch {
 /// edges, and the loops of sources.
 [[nodiscard]] DxfHatch HatchOf(const DxfEntityNumbers& numbers, const Affine& frame);
 
-/// What became of a hatch.
+/// The result of drawing a hatch.
 enum class HatchResult {
     Drawn,
     FilledInstead, ///< its pattern has more than `kMaxHatchLines` lines
@@ -60,8 +60,8 @@ enum class HatchResult {
     Empty,         ///< it has no area or no pattern
 };
 
-/// Appends the faces of a filled hatch, or the lines of a pattern, placed by `place` within `tolerance` of the
-/// outlines. Inner edges of the faces are not edges of the piece. `work` is reduced by the steps.
+/// Appends the faces of a filled hatch, or the lines of a pattern, placed by `place` within `tolerance` of
+/// the outlines. Inner edges of the faces are not edges of the piece. `work` is reduced by the steps.
 [[nodiscard]] HatchResult AppendHatch(const DxfHatch& hatch, const Affine& place, double tolerance,
                                       std::size_t& work, Piece& piece);
 

@@ -1,7 +1,6 @@
 // Hatches: filled areas, islands, patterns, and the kinds of their boundaries.
 
 #include "tests/viewer/import/dxf/dxf_fixture.h"
-#include "viewer/import/dxf/polygon_fill.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -37,16 +36,6 @@ std::string NestedSquares(int style)
 class DxfHatches : public DxfTest
 {
   protected:
-    static double AreaOf(const std::vector<ModelFace>& faces)
-    {
-        double area = 0.0;
-        for (const ModelFace& face : faces)
-            for (std::size_t i = 1; i + 1 < face.corners.size(); ++i)
-                area += Length(viewer::Cross(face.corners[i] - face.corners[0],
-                                             face.corners[i + 1] - face.corners[0])) /
-                        2.0;
-        return area;
-    }
     static double LengthOf(const std::vector<Segment>& lines)
     {
         double length = 0.0;
@@ -212,40 +201,17 @@ TEST_F(DxfHatches, GradientIsFilledWithItsFirstColour)
               1);
 }
 
-TEST(PolygonFill, LoopsThatCrossTooOftenAreRefused)
+TEST_F(DxfHatches, BoundaryThatCannotBeFilledInSeveralSecondsIsLeftOut)
 {
-    // Two zigzags of 2000 edges each across the other one: a million crossings.
-    FlatLoop a;
-    FlatLoop b;
-    for (int i = 0; i < 2000; ++i) {
-        a.push_back({i % 2 == 0 ? 0.0 : 2000.0, i * 1.0});
-        b.push_back({i * 1.0, i % 2 == 0 ? 0.0 : 2000.0});
-    }
-    std::size_t work = 1'000'000'000;
-    EXPECT_FALSE(FillLoops({a, b}, work).has_value());
-    EXPECT_LT(work, 1'000'000'000U);
-    std::size_t little = 100;
-    EXPECT_FALSE(FillLoops({a}, little).has_value());
-}
-
-TEST(PolygonFill, CrossingLoopsAreFilledByTheOddEvenRule)
-{
-    // Squares of 4 with a common square of 1: 4 + 4 - 2.
-    std::size_t work = 1000;
-    const auto triangles =
-        FillLoops({{{0, 0}, {2, 0}, {2, 2}, {0, 2}}, {{1, 1}, {3, 1}, {3, 3}, {1, 3}}}, work);
-    ASSERT_TRUE(triangles.has_value());
-    double area = 0.0;
-    for (const auto& [a, b, c] : *triangles)
-        area += ((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x)) / 2.0;
-    EXPECT_NEAR(area, 6.0, 1e-9);
-}
-
-TEST(PolygonFill, LoopsOfNothingFillNothing)
-{
-    std::size_t work = 1000;
-    EXPECT_TRUE(FillLoops({}, work)->empty());
-    EXPECT_TRUE(FillLoops({{}, {{1, 1}}, {{1, 1}, {1, 1}}, {{0, 0}, {1, 1}}}, work)->empty());
+    // A comb of 2000 teeth, and a square.
+    std::string corners = " 10 0 20 0 10 4000 20 0";
+    for (int i = 1999; i >= 0; --i)
+        for (const auto& [x, y] : {std::pair(2 * i + 2, 1), {2 * i + 2, 9}, {2 * i + 1, 9}, {2 * i + 1, 1}})
+            corners += " 10 " + std::to_string(x) + " 20 " + std::to_string(y);
+    const Model model = Import("0 HATCH 30 0 70 1 91 1 92 2 72 0 73 1 93 8002" + corners +
+                               " 75 0 0 HATCH 30 0 70 1 91 1" + SquarePath(0, 10) + " 75 0");
+    EXPECT_NEAR(AreaOf(model.pieces.at(0).faces), 100.0, 1e-9);
+    EXPECT_THAT(model.left_out, ElementsAre(Field(&LeftOut::kind, "HATCH (boundary too complex)")));
 }
 
 } // namespace
