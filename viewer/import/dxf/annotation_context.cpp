@@ -2,12 +2,12 @@
 
 #include "viewer/import/dxf/extrusion_frame.h"
 #include "viewer/import/dxf/text_markup.h"
+#include "viewer/scene/affine.h"
 #include "viewer/text/text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numbers>
 #include <utility>
 
 namespace viewer
@@ -137,7 +137,7 @@ DxfTextFormat FormatOf(const DxfTextStyle& style, double height)
     format.width = WidthFactor(style.width);
     // Files give small negative angles as those of a whole turn, too.
     const double oblique = std::remainder(style.oblique, 360.0);
-    format.slant = std::tan(std::clamp(oblique, -kMaxOblique, kMaxOblique) * std::numbers::pi / 180.0);
+    format.slant = std::tan(Radians(std::clamp(oblique, -kMaxOblique, kMaxOblique)));
     return format;
 }
 

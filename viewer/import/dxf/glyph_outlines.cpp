@@ -1,5 +1,6 @@
 #include "viewer/import/dxf/glyph_outlines.h"
 
+#include "platform/tools/utf8.h"
 #include "viewer/import/dxf/tolerance_signs.h"
 
 #include <cairo-ft.h>
@@ -97,27 +98,13 @@ ScaledFontPointer ScaledFontOf(FcPattern* font)
     return scaled;
 }
 
-std::string Utf8Of(char32_t character)
-{
-    const auto byte = [](char32_t value) { return static_cast<char>(static_cast<unsigned char>(value)); };
-    if (character < 0x80)
-        return {byte(character)};
-    if (character < 0x800)
-        return {byte(0xC0U | character >> 6U), byte(0x80U | (character & 0x3FU))};
-    if (character < 0x10000)
-        return {byte(0xE0U | character >> 12U), byte(0x80U | (character >> 6U & 0x3FU)),
-                byte(0x80U | (character & 0x3FU))};
-    return {byte(0xF0U | character >> 18U), byte(0x80U | (character >> 12U & 0x3FU)),
-            byte(0x80U | (character >> 6U & 0x3FU)), byte(0x80U | (character & 0x3FU))};
-}
-
 /// The glyphs of one character in a font.
 class ShapedCharacter
 {
   public:
     ShapedCharacter(cairo_scaled_font_t* font, char32_t character)
     {
-        const std::string text = Utf8Of(character);
+        const std::string text = Utf8FromWide(std::wstring(1, static_cast<wchar_t>(character)));
         cairo_scaled_font_text_to_glyphs(font, 0.0, 0.0, text.data(), static_cast<int>(text.size()), &glyphs_,
                                          &count_, nullptr, nullptr, nullptr);
         if (glyphs_ != nullptr)

@@ -5,28 +5,20 @@
 #include "viewer/text/text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <system_error>
 
 namespace viewer
 {
 
 double RealOf(const DxfGroup& group)
 {
-    std::string_view text = Trimmed(group.value);
-    if (text.size() > 1 && text.front() == '+' && text[1] != '-')
-        text.remove_prefix(1);
-    double value = 0.0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool is_whole = end == text.data() + text.size();
-    if (error == std::errc::result_out_of_range && is_whole && text.find('-', 1) != std::string_view::npos)
-        return 0.0;
-    if (error != std::errc() || !is_whole || !std::isfinite(value))
+    const std::string_view text = Trimmed(group.value);
+    const std::optional<double> value = ParseReal(text);
+    if (!value || !std::isfinite(*value))
         throw DxfValueError(QuotedForMessage(text) + " is no finite number");
-    return value;
+    return *value;
 }
 
 int IntegerOf(const DxfGroup& group)

@@ -2,13 +2,13 @@
 
 #include "platform/host/cm/color.h"
 #include "viewer/import/dxf/drawing.h"
+#include "viewer/scene/affine.h"
 #include "viewer/text/text.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <initializer_list>
-#include <numbers>
 #include <string>
 #include <utility>
 
@@ -74,7 +74,7 @@ bool IsDigit(char32_t c)
     return c >= U'0' && c <= U'9';
 }
 
-/// What both kinds of texts share: signs, control characters, and the list of items.
+/// Shared by both kinds of texts: signs, control characters, and the list of items.
 class Parser
 {
   public:
@@ -315,8 +315,7 @@ class ParagraphsParser : Parser
         else if (code == U'T' && *number > 0.0)
             current_.tracking = std::clamp(*number, 1.0 / kMaxFactor, kMaxFactor);
         else if (code == U'Q')
-            current_.slant =
-                std::tan(std::clamp(*number, -kMaxSlantDegrees, kMaxSlantDegrees) * std::numbers::pi / 180.0);
+            current_.slant = std::tan(Radians(std::clamp(*number, -kMaxSlantDegrees, kMaxSlantDegrees)));
         else if (code == U'A')
             current_.alignment = static_cast<int>(std::clamp(*number, 0.0, 2.0));
         else if (code == U'C' && *number >= 0.0 && *number <= kColorByLayer)

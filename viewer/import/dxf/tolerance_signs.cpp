@@ -1,8 +1,8 @@
 #include "viewer/import/dxf/tolerance_signs.h"
 
 #include "viewer/import/dxf/curve_segments.h"
+#include "viewer/scene/affine.h"
 
-#include <numbers>
 #include <vector>
 
 namespace viewer
@@ -30,12 +30,11 @@ class SignDrawing
     }
     void Arc(const Point& center, double radius, double start_degrees, double sweep_degrees)
     {
-        constexpr double kRadians = std::numbers::pi / 180.0;
         CutArc({Placed(center),
                 {radius, 0.0, 0.0},
                 {0.0, radius, 0.0},
-                start_degrees * kRadians,
-                sweep_degrees * kRadians},
+                Radians(start_degrees),
+                Radians(sweep_degrees)},
                kTolerance, sign_.glyph.outline);
     }
     void Circle(double radius) { Arc(kCenter, radius, 0.0, 360.0); }
