@@ -1,4 +1,4 @@
-// What all annotations of a drawing share: styles of texts and dimensions, the code page, and the outlines of
+// Shared by all annotations of a drawing: styles of texts and dimensions, the code page, and the outlines of
 // characters. Annotations are the texts, dimensions, leaders and tables of a drawing.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Adds the annotations of a drawing to it, and the number of the entities that are not drawn. Annotations
+// Adds annotations to a drawing, and counts the entities that are not drawn. Annotations
 // are read from their groups, because the parsing library loses part of them.
 #pragma once
 
@@ -57,7 +57,8 @@ class DxfAnnotations
     std::vector<Pending> pending_;
     std::map<std::string, DxfGroups> definitions_; ///< of the attributes of blocks, by handle
     std::vector<DxfRawEntity> references_;         ///< dimensions and tables, which refer to blocks
-    std::map<std::string, std::string> kinds_; ///< what is left out, as it is in the file and as it is named
+    /// Names of left-out kinds, cleaned for messages, by the name in the file.
+    std::map<std::string, std::string> kinds_;
     std::map<std::tuple<Block, std::size_t, std::string>, std::size_t>
         left_out_; ///< by block, layer and kind
 };

@@ -81,7 +81,7 @@ class DimensionBuilder
     }
 
   private:
-    /// A point that the file gives in the coordinates of the drawing, in those of the plane.
+    /// A point of the file, converted from the coordinates of the drawing to those of the plane.
     [[nodiscard]] Point In(int code) const
     {
         const Point point = groups_.PointAt(code).value_or(Point{});
@@ -101,9 +101,9 @@ class DimensionBuilder
                  std::nullopt});
     }
 
-    /// The value replaces "<>" in the text of the dimension; it is that of the file if there is one, and is
-    /// written in the unit that the factor gives. The text is along the direction, and never upside down.
-    /// `place` is used where the file has no place for it.
+    /// Adds the text of the dimension, in which the value replaces "<>". The value of the file is used if
+    /// there is one, else `measured`; it is multiplied by `factor`. The text runs along the direction, and is
+    /// never upside down. `place` is used where the file has no place for it.
     void AddText(const Point& place, Point direction, const std::string& before, double measured,
                  const std::string& after, double factor = 1.0)
     {

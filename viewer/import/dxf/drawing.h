@@ -29,11 +29,11 @@ namespace viewer
 inline constexpr int kColorByBlock = 0;
 inline constexpr int kColorByLayer = 256;
 
-/// How much of what is behind an entity it hides.
+/// The opacity of an entity.
 struct DxfOpacity {
     enum class Source { Layer, Block, Own };
     Source source = Source::Layer;
-    float value = 1.0F; ///< 0 to 1, for an own one
+    float value = 1.0F; ///< 0 to 1; only for `Own`
 };
 
 /// The opacity that group 440 of an entity states; 0 for none.
@@ -42,8 +42,8 @@ struct DxfOpacity {
 /// The nearest palette index to a colour 0xRRGGBB.
 [[nodiscard]] int NearestIndexOf(int color24);
 
-/// The palette index of an entity's 24-bit colour, negative for none, beside its palette index. No value if it
-/// has none, or if it is only another way to state the foreground.
+/// The palette index of an entity's 24-bit colour, negative for none, beside its palette index. No value if
+/// it has none, or if it is only another way to state the foreground.
 [[nodiscard]] std::optional<int> TrueColorOf(int color, int color24);
 
 struct DxfLayer {
@@ -62,7 +62,7 @@ struct DxfInsert {
     int rows = 1;
     Point column_step; ///< from one column to the next, in the coordinates around the insert
     Point row_step;
-    /// The block was made for this reference only, as that of a dimension: it has no name for users.
+    /// The block belongs to this reference only, for example to a dimension. Its name is not shown to users.
     bool is_anonymous = false;
 };
 

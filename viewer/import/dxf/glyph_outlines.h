@@ -14,8 +14,8 @@ namespace viewer
 /// The maximum number of different outlines.
 inline constexpr std::size_t kMaxGlyphs = 100'000;
 
-/// The design of a font. A drawing names any font; one of these is taken for it. The font of tolerances has
-/// signs for some letters, and others are as in `Sans`.
+/// The design of a font. Each font that a drawing names is replaced by one of these. The font of tolerances
+/// has signs for some letters; other letters are as in `Sans`.
 enum class FontFamily { Sans, Serif, Mono, Tolerance };
 
 struct FontFace {

@@ -118,8 +118,8 @@ int DxfGroupReader::ParseCode(std::string_view text) const
                     "line " + std::to_string(line_) + ": " + QuotedForMessage(text) + " is no group code");
 }
 
-/// Reads a line for the code and one for the value. Blank lines are skipped where the file may end. Returns false
-/// where it ends.
+/// Reads a line for the code and one for the value. Blank lines are skipped where the file may end. Returns
+/// false where it ends.
 bool DxfGroupReader::ReadText(DxfGroup& group, bool may_end)
 {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";

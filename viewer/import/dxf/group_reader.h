@@ -1,6 +1,6 @@
-// Reads a DXF file, of text or binary, as groups. A group is a code, which gives the meaning of the value, and
-// the value; in a text file each has a line. Files of other kinds and truncated files are detected here. Groups
-// are not interpreted.
+// Reads a DXF file, of text or binary, as groups. A group is a code, which gives the meaning of the value,
+// and the value; in a text file each has a line. Files of other kinds and truncated files are detected here.
+// Groups are not interpreted.
 #pragma once
 
 #include "viewer/import/progress.h"
@@ -24,11 +24,11 @@ inline constexpr std::size_t kMaxDxfText = 65536;
 
 struct DxfGroup {
     int code = 0;
-    /// Trimmed; of a line longer than `kMaxDxfLine`, the first `kMaxDxfLine` + 1 bytes. Texts, codes 1, 3, 302
-    /// and 304, are not trimmed.
+    /// Trimmed; of a line longer than `kMaxDxfLine`, the first `kMaxDxfLine` + 1 bytes. Texts, codes 1, 3,
+    /// 302 and 304, are not trimmed.
     std::string value;
-    /// The line of the code, counted from 1. In a binary file it is the line that the code would have in a text
-    /// file.
+    /// The line of the code, counted from 1. In a binary file it is the line that the code would have in a
+    /// text file.
     std::size_t line = 0;
 };
 
@@ -46,8 +46,9 @@ class DxfGroupReader
     DxfGroupReader(std::string path, const ProgressFunction& progress);
 
     /// The next group that is not a comment. Values of binary files are converted to text; data without a
-    /// meaning here become an empty text. Throws FileError if a code is not valid. At the end of the file, or if
-    /// it ends within the group, the group "EOF" is returned if `may_end` is set; otherwise FileError is thrown.
+    /// meaning here become an empty text. Throws FileError if a code is not valid. At the end of the file, or
+    /// if it ends within the group, the group "EOF" is returned if `may_end` is set; otherwise FileError is
+    /// thrown.
     [[nodiscard]] DxfGroup Read(bool may_end = false);
 
   private:

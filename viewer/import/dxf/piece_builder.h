@@ -20,8 +20,8 @@ inline constexpr std::size_t kMaxSegments = 20'000'000;
 inline constexpr double kMaxCoordinate = 1e70;
 
 /// The smallest box around a placed entity; for a spline, around its control points. Infinite if a coordinate
-/// exceeds `kMaxCoordinate` or is not finite. Of an infinite line, its base. For a text, around the cells of its
-/// characters. Empty for inserts and for entities that are not drawn.
+/// exceeds `kMaxCoordinate` or is not finite. Of an infinite line, its base. For a text, around the cells of
+/// its characters. Empty for inserts and for entities that are not drawn.
 [[nodiscard]] Box BoxOfEntity(const PlacedEntity& placed);
 
 class DxfPieceBuilder

@@ -59,12 +59,12 @@ class DxfGroups
 struct DxfRawEntity {
     std::string kind; ///< "HEADER" for the header
     std::size_t line = 0;
-    std::optional<std::string> block; ///< the name of the block that holds it
+    std::optional<std::string> block; ///< the name of the block that contains it
     std::string layer = "0";
     DxfGroups groups;   ///< empty for kinds of which only the number is of interest
-    DxfGroups embedded; ///< those of its embedded object
+    DxfGroups embedded; ///< of its embedded object
 
-    /// The colour of its groups: a palette index, or the number for that of the layer or the insert.
+    /// The colour of its groups: a palette index, `kColorByLayer` or `kColorByBlock`.
     [[nodiscard]] int Color() const;
 };
 

@@ -27,9 +27,9 @@ struct Spline {
 /// Uniform knots with which a spline begins in its first point and ends in its last.
 [[nodiscard]] std::vector<double> EvenKnots(int degree, std::size_t points);
 
-/// Adds the knots that a file left out: all of them, or the first and the last, which do not change the curve.
-/// Without knots a closed spline whose last point is not its first is made periodic, by repeating its first
-/// points. A spline that remains not valid is unchanged.
+/// Adds the knots that a file left out: all of them, or the first and the last, which do not change the
+/// curve. Without knots a closed spline whose last point is not its first is made periodic, by repeating its
+/// first points. A spline that remains not valid is unchanged.
 void CompleteKnots(Spline& spline, bool is_closed);
 
 /// The cubic spline that interpolates the points, with continuous curvature over chord lengths. The tangents

@@ -147,7 +147,7 @@ class TextWriter
                     {x + upper + 0.7 * height, y + 2.0 * height, 0.0});
             return;
         }
-        // Numbers of a tolerance stand in a column, those of a fraction on its middle.
+        // Numbers of a tolerance are aligned at their left ends, numbers of a fraction at their centers.
         const bool is_fraction = stack.kind == DxfStack::Kind::Fraction;
         const auto start = [&](double of) {
             return x + (is_fraction ? (width - of) * 0.5 : kStackMargin * height);

@@ -1,5 +1,5 @@
-// Curves with a width or a thickness, which are drawn as faces. A width lies in the plane of the curve, a
-// thickness stands on it.
+// Curves with a width or a thickness, which are drawn as faces. A width is measured in the plane of the
+// curve, a thickness perpendicular to it.
 #pragma once
 
 #include "viewer/import/dxf/curve_segments.h"
@@ -17,7 +17,7 @@ struct DxfWall {
     std::variant<Segment, EllipticArc> curve;
     Point by;
 
-    /// Points whose box holds the wall.
+    /// Points whose box contains the wall.
     [[nodiscard]] std::vector<Point> Extremes() const;
 };
 
@@ -35,7 +35,7 @@ struct DxfBand {
     bool is_closed = false;
     double thickness = 0.0; ///< along z of the frame
 
-    /// Points whose box holds the band, in the frame's coordinates, except for bulges.
+    /// Points whose box contains the band, in the frame's coordinates, except for bulges.
     [[nodiscard]] std::vector<Point> Extremes() const;
 };
 
@@ -43,8 +43,8 @@ struct DxfBand {
 void AppendWall(const DxfWall& wall, const Affine& place, double tolerance, Piece& piece);
 
 /// Appends the faces of the parts that have a width. Straight parts of equal width meet in a miter. A band
-/// without thickness has no edges. Parts narrower than `line_width` get their center line, because they can be
-/// narrower than a pixel, and parts without width are only that line.
+/// without thickness has no edges. Parts narrower than `line_width` get their center line, because they can
+/// be narrower than a pixel, and parts without width are only that line.
 void AppendBand(const DxfBand& band, const Affine& place, double tolerance, double line_width, Piece& piece);
 
 } // namespace viewer

@@ -8,7 +8,7 @@
 namespace viewer
 {
 
-/// What is drawn for a letter in the font of signs.
+/// The drawing of a letter in the font of signs.
 struct ToleranceSign {
     Glyph glyph;         ///< without the letter
     char32_t letter = 0; ///< drawn in the middle of the glyph, where it is smaller; 0 for none
