@@ -159,7 +159,7 @@ FillResult Examine(Outlines& outlines, std::size_t max_crossings, std::size_t& w
     std::size_t steps = Steps(outlines.Crossings(), corners);
     // Loops are joined into regions, which are the smaller the more edges lie above each other.
     if (outlines.Loops().size() > 1)
-        steps = (steps + Steps(turns, corners)) / ((before - work) / corners);
+        steps = (steps + Steps(turns, corners)) / std::max<std::size_t>(1, (before - work) / corners);
     return Charge(steps, work) ? FillResult::Filled : FillResult::TooLarge;
 }
 
