@@ -75,13 +75,19 @@ class BrepContents : public BrepTest
                          entities + "ENDSEC;\nEND-ISO-10303-21;\n");
     }
 
-    /// Writes each part to a file of its own, and the assembly to `name`.
-    std::string WriteStepFiles(BrepTestDocument& assembly, const std::string& name) const
+    /// Writes an assembly of a box and a rod to "main.stp", and the parts to "part_box.stp" and "part_rod.stp".
+    std::string WriteAssembly()
     {
+        const TDF_Label assembly = document_.AddAssembly("assembly");
+        document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
+                        MovedBy(10, 0, 0));
+        document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
+                        MovedBy(0, 0, 0));
+        const std::string name = "main.stp";
         const std::string path = PathOf(name);
         const std::filesystem::path before = std::filesystem::current_path();
         STEPCAFControl_Writer writer;
-        EXPECT_TRUE(writer.Transfer(assembly.Get(), STEPControl_AsIs, "part_"));
+        EXPECT_TRUE(writer.Transfer(document_.Get(), STEPControl_AsIs, "part_"));
         std::filesystem::current_path(std::filesystem::path(path).parent_path());
         EXPECT_EQ(writer.Write(name.c_str()), IFSelect_RetDone);
         std::filesystem::current_path(before);
@@ -310,12 +316,7 @@ TEST_F(BrepContents, HiddenEntityOfAnIgesFileIsCounted)
 
 TEST_F(BrepContents, PartsInFilesBesideAreRead)
 {
-    const TDF_Label assembly = document_.AddAssembly("assembly");
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                    MovedBy(10, 0, 0));
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                    MovedBy(0, 0, 0));
-    const std::string path = WriteStepFiles(document_, "main.stp");
+    const std::string path = WriteAssembly();
     const Model model = ImportBrep(path, {});
     EXPECT_EQ(model.pieces.size(), 2U);
     EXPECT_TRUE(model.left_out.empty());
@@ -330,12 +331,7 @@ TEST_F(BrepContents, PartsInFilesBesideAreRead)
 
 TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
 {
-    const TDF_Label assembly = document_.AddAssembly("assembly");
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                    MovedBy(10, 0, 0));
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                    MovedBy(0, 0, 0));
-    const std::string main = AllTextOf(WriteStepFiles(document_, "main.stp"));
+    const std::string main = AllTextOf(WriteAssembly());
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("part_box.stp"), PathOf("inner/part_box.stp"));
     for (const std::string& other : {std::string("../part_rod.stp"), PathOf("part_rod.stp")}) {
@@ -351,12 +347,7 @@ TEST_F(BrepContents, FilesOutsideOfTheFolderAreNotRead)
 
 TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
 {
-    const TDF_Label assembly = document_.AddAssembly("assembly");
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                    MovedBy(10, 0, 0));
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                    MovedBy(0, 0, 0));
-    static_cast<void>(WriteStepFiles(document_, "main.stp"));
+    static_cast<void>(WriteAssembly());
     std::filesystem::create_directory(PathOf("inner"));
     std::filesystem::copy_file(PathOf("main.stp"), PathOf("inner/main.stp"));
     std::filesystem::copy_file(PathOf("part_box.stp"), PathOf("inner/part_box.stp"));
@@ -369,12 +360,7 @@ TEST_F(BrepContents, LinksOutOfTheFolderAreNotFollowed)
 
 TEST_F(BrepContents, FileThatRefersToItselfByAnotherNameIsNotReadForever)
 {
-    const TDF_Label assembly = document_.AddAssembly("assembly");
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                    MovedBy(10, 0, 0));
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                    MovedBy(0, 0, 0));
-    std::string text = AllTextOf(WriteStepFiles(document_, "main.stp"));
+    std::string text = AllTextOf(WriteAssembly());
     for (auto at = text.find("'part_rod.stp'"); at != std::string::npos; at = text.find("'part_rod.stp'", at))
         text.replace(at, 14, "'./main.stp'");
     const Model model = ImportBrep(Write("main.stp", text), {});
@@ -384,12 +370,7 @@ TEST_F(BrepContents, FileThatRefersToItselfByAnotherNameIsNotReadForever)
 
 TEST_F(BrepContents, FilesThatReferToEachOtherAreNotReadForever)
 {
-    const TDF_Label assembly = document_.AddAssembly("assembly");
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeBox(1, 2, 3).Shape(), "box"),
-                    MovedBy(10, 0, 0));
-    document_.Place(assembly, document_.AddPart(BRepPrimAPI_MakeCylinder(1, 2).Shape(), "rod"),
-                    MovedBy(0, 0, 0));
-    const std::string path = WriteStepFiles(document_, "main.stp");
+    const std::string path = WriteAssembly();
     // The file of the rod is a copy of the assembly, whose rod is the assembly.
     std::string text = AllTextOf(path);
     for (auto at = text.find("'part_rod.stp'"); at != std::string::npos; at = text.find("'part_rod.stp'", at))
