@@ -13,7 +13,7 @@ struct ImportOptions {
     /// The shorter side of the picture that shows the whole model, in pixels; above 0.
     int pixels = 768;
 
-    /// Avoid what is known to crash libraries on some files, at the price of speed or detail. It is set for a
+    /// Avoid options that crash libraries on some files, at the price of speed or detail. It is set for a
     /// second attempt, after the first one has crashed.
     bool safe = false;
 

@@ -469,7 +469,7 @@ class AssemblyWalk
         content_.bodies.push_back(std::move(body));
     }
 
-    /// The group of a body that stands outside of the assembly; a new one if the file has groups.
+    /// The group of a body outside of the assembly; a new one if the file has groups.
     std::size_t GroupOf(const std::string& name)
     {
         std::vector<std::string>& names = content_.group_names;

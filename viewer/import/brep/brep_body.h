@@ -38,7 +38,7 @@ struct BrepBody {
     std::string name;
     std::vector<std::string> parents;
     std::optional<BrepColor> color; ///< of faces without a colour of their own
-    /// `color` is that of this instance and applies to all faces, whatever their own colours.
+    /// `color` is the colour of this instance. It overrides the colours of its faces.
     bool overrides_colors = false;
     std::shared_ptr<const BrepLabels> labels;
     std::size_t group = 0; ///< its product, as an index into `BrepContent::group_names`

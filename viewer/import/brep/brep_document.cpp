@@ -59,7 +59,7 @@ TopoDS_Shape ShapeFrom(const Handle(Transfer_TransientProcess) & process,
     return binder.IsNull() ? TopoDS_Shape() : TransferBRep::ShapeResult(binder);
 }
 
-/// Collects what the library's document does not hold of the shapes that came from a STEP model.
+/// Collects the shapes of a STEP model that the library's document cannot contain.
 class StepModelWalk
 {
   public:
@@ -85,7 +85,7 @@ class StepModelWalk
     }
 
   private:
-    /// NOTE: The library can name such shapes itself (read.stepcaf.subshapes.name), but crashes on some files.
+    /// NOTE: The library can name such shapes (read.stepcaf.subshapes.name), but crashes on some files.
     void NoteName(const Handle(StepRepr_RepresentationItem) & item)
     {
         if (item->Name().IsNull() || item->Name()->IsEmpty())
@@ -111,7 +111,7 @@ class StepModelWalk
     LeftOutCounts& left_out_;
 };
 
-/// The curves of annotations. What they say is drawn as curves or not at all.
+/// The curves of annotations. Their texts are only shown if the file contains them as curves.
 class AnnotationCurves
 {
   public:
@@ -128,7 +128,7 @@ class AnnotationCurves
         LeftOutCounts rules;
         for (int i = 1; i <= model_->NbEntities(); ++i) {
             const Handle(Standard_Transient) entity = model_->Value(i);
-            // The plane of an annotation has no look of its own.
+            // The plane of an annotation is not visible.
             if (entity->IsKind(STANDARD_TYPE(StepVisual_AnnotationPlane)))
                 continue;
             if (const auto note = Handle(StepVisual_AnnotationOccurrence)::DownCast(entity); !note.IsNull()) {

@@ -22,8 +22,8 @@ namespace viewer
 /// Names of shapes inside parts. The keys have no location.
 using ShapeNames = NCollection_DataMap<TopoDS_Shape, std::string, TopTools_ShapeMapHasher>;
 
-/// A document of the library, and what a document has no place for. The library's application holds the
-/// document until it is closed.
+/// A document of the library, and the contents of a file that a document cannot contain. The library keeps the
+/// document until this object is destroyed.
 class BrepDocument
 {
   public:

@@ -104,7 +104,7 @@ class LibraryProgress final : public Message_ProgressIndicator
     const ProgressFunction& report_;
 };
 
-/// Meshes a face with a deflection of its own, by another algorithm.
+/// Meshes one face with another deflection and another algorithm.
 class OwnDeflectionAlgo final : public IMeshTools_MeshAlgo
 {
   public:
@@ -137,7 +137,8 @@ bool HasFreeformFaces(const TopoDS_Shape& shape)
     return false;
 }
 
-/// Gives faces another deflection than their edges. The library takes that of the edges.
+/// Sets a deflection of faces that differs from that of their edges. The library uses the edges' one for
+/// both.
 class FaceAlgoFactory final : public BRepMesh_DelabellaMeshAlgoFactory
 {
   public:
@@ -390,7 +391,7 @@ class BrepConverter
         return faceted;
     }
 
-    /// Facets have no edges of their own.
+    /// Tessellated parts have no edges.
     void AddTessellation(const BrepBody& body)
     {
         std::vector<Piece> pieces(1);

@@ -32,10 +32,10 @@ namespace viewer
 /// segments differ in direction by at most `kFacetAngle`. `Piece::edges` are the edges of the file, without
 /// edges of length 0 and without smooth seams, where a closed surface meets itself.
 ///
-/// Colour of a face: that of its instance. Without one, its own, or that of the body, the part or an
-/// assembly, the innermost one first. Grey if there is none. An edge belongs to the piece of its first face.
-/// Name: that of the instance, or else of the part. If a body has a name of its own, the part's name is one
-/// of its parents.
+/// Colour of a face: the first one that is set of the instance, the face, the body, the part and the
+/// assemblies around it, innermost first. Grey if none is set. An edge belongs to the piece of its first face.
+/// Name: that of the instance, or else of the part. If a body has a name, the part's name is one of its
+/// parents.
 ///
 /// Categories: the products on the first level of the assembly that has several of them, with their names. In
 /// a file without such a level, one category for each colour.

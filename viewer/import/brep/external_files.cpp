@@ -150,7 +150,7 @@ class ExternalFileCheck
             return;
         std::vector<fs::path> chain{main_};
         if (!MayBeRead(file, chain)) {
-            // A file stands in a reference several times.
+            // A reference contains the name of the file several times.
             left_out_["file \"" + OneLine(text) + "\", which refers to itself or out of its folder"] = 1;
             SetText(name, kNoFile);
         }

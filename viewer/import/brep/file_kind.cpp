@@ -129,8 +129,7 @@ bool IsWholeBrep(const Ends& ends)
            Trimmed(lines[lines.size() - 2]).ends_with('*');
 }
 
-/// Whether the end of the shapes stands anywhere in the file. No other shape reference has a line of its own
-/// behind a star.
+/// Whether the file has an end of the shapes: the only shape reference that is alone on the line after a star.
 bool HasEndOfShapes(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
