@@ -3,9 +3,9 @@
 #include "platform/host/db/entities.h"
 #include "platform/winsys/opengl.h"
 #include "viewer/scene/feature_edges.h"
+#include "viewer/scene/fit_points.h"
 
 #include <algorithm>
-#include <array>
 #include <initializer_list>
 #include <limits>
 #include <vector>
@@ -67,23 +67,23 @@ int EntityCount(const Model& model)
     return static_cast<int>(std::min(count, static_cast<std::size_t>(std::numeric_limits<int>::max())));
 }
 
-void ApplyView(KARVOpenGLControl& control, StandardView view)
+/// The points, in units of the scene, that count in fits.
+std::vector<Point> FitPointsInScene(const Model& model, const std::set<int>& hidden,
+                                    const ScenePlacement& placement)
 {
-    using Command = void (KARVOpenGLControl::*)();
-    static constexpr std::array<Command, kStandardViews.size()> kCommands = {
-        &KARVOpenGLControl::CameraViewFront, &KARVOpenGLControl::CameraViewBack,
-        &KARVOpenGLControl::CameraViewLeft,  &KARVOpenGLControl::CameraViewRight,
-        &KARVOpenGLControl::CameraViewTop,   &KARVOpenGLControl::CameraViewBottom,
-        &KARVOpenGLControl::CameraViewSE,    &KARVOpenGLControl::CameraViewSW,
-        &KARVOpenGLControl::CameraViewNE,    &KARVOpenGLControl::CameraViewNW};
-    (control.*kCommands.at(static_cast<std::size_t>(view)))();
+    std::vector<Point> points = FitPoints(model, hidden);
+    if (points.empty())
+        points = FitPoints(model, {});
+    for (Point& point : points)
+        point = placement.ToScene(point);
+    return points;
 }
 
 } // namespace
 
 FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden)
     : control_(control), placement_(model.Extents()), first_line_category_(model.CategoryCount()),
-      hidden_(hidden.begin(), hidden.end())
+      hidden_(hidden.begin(), hidden.end()), fit_points_(FitPointsInScene(model, hidden_, placement_))
 {
     // A control for transparent drawing does not cull back faces. It would blend a two-sided face twice, and
     // the far side of a body over the near one.
@@ -144,31 +144,53 @@ void FittedScene::DrawLines(bool lines)
             control_.DisableObject(ToType(category));
 }
 
+bool FittedScene::IsFlat() const
+{
+    // Files and their readers round.
+    constexpr double kRounding = 1e-6;
+    Box box;
+    for (const Point& point : fit_points_)
+        box.Add(point);
+    return !box.IsEmpty() && box.max.z - box.min.z <= kRounding * box.Diagonal();
+}
+
 void FittedScene::Show(StandardView view, Projection projection, double aspect)
 {
-    const Box box = placement_.FittedBox(aspect);
-    control_.OverrideExtents(ToHost(box.min), ToHost(box.max));
-    control_.ResetCameraZoom();
-    ApplyView(control_, view);
-    SetProjection(projection);
-    // Frames never load matrices; OnDraw does. It also replaces the temporary projection that a switch to
-    // perspective leaves behind.
-    control_.OnDraw(nullptr);
+    Fit({.view = view, .projection = projection, .aspect = aspect});
+}
+
+void FittedScene::Fit(Projection projection, double aspect)
+{
+    Fit({.projection = projection, .aspect = aspect});
+}
+
+void FittedScene::Fit(const FitOptions& options)
+{
+    projection_ = *options.projection;
+    if (const auto fit = FitView(control_, fit_points_, options))
+        fit_ = *fit;
 }
 
 void FittedScene::SwitchProjection()
 {
-    SetProjection(projection_ == Projection::Perspective ? Projection::Parallel : Projection::Perspective);
+    projection_ = projection_ == Projection::Perspective ? Projection::Parallel : Projection::Perspective;
+    SetProjection(control_, projection_);
+    if (fit_.scene_size != kSceneSize) {
+        // The fit of what is tiny in parallel projection. Its scene size does not suit other directions in
+        // perspective.
+        const double factor = fit_.scene_size / kSceneSize;
+        SetSceneSize(control_, kSceneSize);
+        MultiplyZoom(control_, factor);
+        fit_ = {fit_.zoom * factor, kSceneSize};
+    }
     control_.OnDraw(nullptr);
 }
 
-void FittedScene::SetProjection(Projection projection)
+void FittedScene::ResetZoom()
 {
-    // SetToPerspective pops the projection stack; in a control that is in perspective already, it would
-    // underflow.
-    if (projection != projection_)
-        control_.SetToPerspective(projection == Projection::Perspective);
-    projection_ = projection;
+    control_.ResetCameraZoom();
+    MultiplyZoom(control_, fit_.zoom);
+    control_.OnDraw(nullptr);
 }
 
 } // namespace viewer

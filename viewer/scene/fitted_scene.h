@@ -3,6 +3,7 @@
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
+#include "viewer/scene/fit_view.h"
 #include "viewer/scene/model.h"
 #include "viewer/scene/scene_placement.h"
 #include "viewer/scene/standard_view.h"
@@ -32,26 +33,36 @@ class FittedScene
     /// Draws lines or faces from the next frame on.
     void DrawLines(bool lines);
 
-    /// Shows the whole model from the next frame on. `aspect` is the width of the control's client area
-    /// divided by its height; call this again whenever it changes.
+    /// Whether everything visible lies in one plane of constant z, as in a drawing.
+    [[nodiscard]] bool IsFlat() const;
+
+    /// Shows the whole model from the next frame on, as large as `FitView` says. Categories that were hidden
+    /// at first do not count, unless all were. `aspect` is the width of the control's client area divided by
+    /// its height; call this again whenever it changes. The control gets messages of the mouse wheel.
     void Show(StandardView view, Projection projection, double aspect);
+    /// The same from the present orientation.
+    void Fit(Projection projection, double aspect);
     [[nodiscard]] Projection CurrentProjection() const { return projection_; }
     /// Switches to the other projection; the camera is kept.
     void SwitchProjection();
+    /// Zooms as the last `Show` or `Fit` did; the camera is kept.
+    void ResetZoom();
 
   private:
     void Feed(const Piece& piece);
     void FeedFaces(const Piece& piece);
     void FeedLines(const std::vector<Segment>& lines, unsigned char color,
                    KARVGraphicalEntity::EntityType category);
-    void SetProjection(Projection projection);
+    void Fit(const FitOptions& options);
 
     KARVOpenGLControl& control_;
     ScenePlacement placement_;
     int first_line_category_;
     std::set<int> line_categories_; ///< of feature edges, without those of hidden pieces
     std::set<int> hidden_;
+    std::vector<Point> fit_points_;                   ///< in units of the scene
     Projection projection_ = Projection::Perspective; ///< the projection of a new control
+    ViewFit fit_;
 };
 
 } // namespace viewer

@@ -28,18 +28,28 @@ std::string FreePictureName()
 
 InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model,
                                      std::ostream& notices, std::ostream& errors)
-    : ModelWindow(size, options, model), notices_(notices), errors_(errors), view_(options.view),
-      lines_(options.lines)
+    : ModelWindow(size, options, model), notices_(notices), errors_(errors), lines_(options.lines)
 {
-    Show(view_, options.projection);
+    Show(OpeningView(), OpeningProjection());
     ShowWindow(SW_SHOW);
 }
 
 void InteractiveWindow::ShowFrom(StandardView view)
 {
-    view_ = view;
     Show(view, Scene().CurrentProjection());
-    Control().ForgetUser();
+}
+
+void InteractiveWindow::FitAgain()
+{
+    Fit(Scene().CurrentProjection());
+}
+
+void InteractiveWindow::SwitchProjection()
+{
+    Scene().SwitchProjection();
+    // A fit of one projection does not suit the other one.
+    if (!Control().WasMovedByUser())
+        FitAgain();
 }
 
 void InteractiveWindow::SwitchMode()
@@ -63,8 +73,7 @@ void InteractiveWindow::NextBackground()
 
 void InteractiveWindow::ResetZoom()
 {
-    Control().ResetCameraZoom();
-    Control().OnDraw(nullptr);
+    Scene().ResetZoom();
 }
 
 void InteractiveWindow::SavePicture()
@@ -101,7 +110,7 @@ void InteractiveWindow::OnClose()
 void InteractiveWindow::OnViewportResized()
 {
     if (!Control().WasMovedByUser())
-        Show(view_, Scene().CurrentProjection());
+        FitAgain();
 }
 
 } // namespace viewer

@@ -47,9 +47,14 @@ class InteractiveWindow : public ModelWindow
 
     /// Shows the whole model from a standard view; the projection stays.
     void ShowFrom(StandardView view);
+    /// Shows the whole model; orientation and projection stay.
+    void FitAgain();
+    /// The camera is kept where the user has moved it; else the model is fitted again.
+    void SwitchProjection();
     void SwitchMode();
     void SwitchLights();
     void NextBackground();
+    /// Zooms as the last fit did.
     void ResetZoom();
     /// Saves what the viewport shows as karv-view-1.png in the current folder, or with the first higher
     /// number whose name is free. Reports the name, or why the picture could not be saved.
@@ -59,7 +64,6 @@ class InteractiveWindow : public ModelWindow
 
     std::ostream& notices_;
     std::ostream& errors_;
-    StandardView view_;
     bool lines_;
     bool lights_off_ = false;
     std::size_t next_background_ = 0;

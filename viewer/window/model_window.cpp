@@ -39,10 +39,29 @@ void ModelWindow::Feed(const Model& model)
     scene_->DrawLines(options_.lines);
 }
 
+StandardView ModelWindow::OpeningView() const
+{
+    return options_.view.value_or(scene_->IsFlat() ? StandardView::Top : StandardView::SE);
+}
+
+Projection ModelWindow::OpeningProjection() const
+{
+    return options_.projection.value_or(scene_->IsFlat() ? Projection::Parallel : Projection::Perspective);
+}
+
 void ModelWindow::Show(StandardView view, Projection projection)
 {
     Control().MakeCurrent();
     scene_->Show(view, projection, Aspect());
+    // The fit turned the wheel.
+    Control().ForgetUser();
+}
+
+void ModelWindow::Fit(Projection projection)
+{
+    Control().MakeCurrent();
+    scene_->Fit(projection, Aspect());
+    Control().ForgetUser();
 }
 
 } // namespace viewer

@@ -22,8 +22,15 @@ class ModelWindow : public ViewportWindow
     /// Feeds the model, drawn as the options say. To be called once; call `Show` next. The model is only read
     /// here.
     void Feed(const Model& model);
+
+    /// The view and the projection in which the model opens: those of the options, or else those that suit it.
+    [[nodiscard]] StandardView OpeningView() const;
+    [[nodiscard]] Projection OpeningProjection() const;
+
     /// Shows the whole model from a standard view, from the next frame on.
     void Show(StandardView view, Projection projection);
+    /// Shows the whole model from the present orientation, from the next frame on.
+    void Fit(Projection projection);
 
   protected:
     [[nodiscard]] FittedScene& Scene() { return *scene_; }

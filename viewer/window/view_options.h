@@ -12,8 +12,10 @@ namespace viewer
 {
 
 struct ViewOptions {
-    StandardView view = StandardView::SE;
-    Projection projection = Projection::Perspective;
+    /// If absent, a flat drawing opens from the top, another model from the south-east.
+    std::optional<StandardView> view;
+    /// If absent, a flat drawing opens in parallel projection, another model in perspective.
+    std::optional<Projection> projection;
     bool lines = false;                           ///< edges and lines instead of faces
     std::optional<std::array<int, 3>> background; ///< red, green, blue, 0 to 255
     bool transparent = false;                     ///< the control draws translucent faces

@@ -9,7 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <fstream>
 #include <sstream>
 
@@ -72,6 +74,16 @@ class InteractiveWindowTest : public ViewerTest
         Camera camera;
         window_.Control().GetCameraData(camera.position, camera.target, camera.up);
         return camera;
+    }
+    /// What the box covers of the viewport's width or height, whichever is larger.
+    double SeenShare()
+    {
+        window_.Control().MakeCurrent();
+        const ScenePlacement placement(model_.Extents());
+        Box seen;
+        for (const Point& corner : CornersOf(model_.Extents()))
+            seen.Add(ProjectToViewport(placement.ToScene(corner)));
+        return std::max(seen.max.x - seen.min.x, seen.max.y - seen.min.y) / 2.0;
     }
     [[nodiscard]] static bool IsParallel()
     {
@@ -284,7 +296,7 @@ TEST_F(InteractiveWindowTest, QuestionMarkPrintsEveryKey)
         EXPECT_THAT(line, MatchesRegex("  .  [a-z].*"));
         keys += line.at(2);
     }
-    EXPECT_EQ(keys, "1234567890pmrtzkhbls?q");
+    EXPECT_EQ(keys, "1234567890fpmrtzkhbls?q");
     EXPECT_THAT(notices_.str(), HasSubstr("  p  perspective or parallel projection\n"));
 }
 
@@ -315,22 +327,12 @@ TEST_F(InteractiveWindowTest, OtherKeysAreLeftAlone)
 
 TEST_F(InteractiveWindowTest, ControlFollowsTheSizeAndTheModelStaysFitted)
 {
-    for (const PictureSize size : {PictureSize{300, 60}, PictureSize{60, 300}, PictureSize{120, 90}}) {
+    for (const PictureSize size : {PictureSize{300, 75}, PictureSize{75, 300}, PictureSize{120, 90}}) {
         window_.MoveWindow(CRect(0, 0, size.width, size.height));
         const Picture picture = window_.TakePicture();
         ASSERT_EQ(picture.width, size.width);
         ASSERT_EQ(picture.height, size.height);
-        const std::vector<Point> corners = [&] {
-            const ScenePlacement placement(model_.Extents());
-            std::vector<Point> points;
-            for (const Point& corner : CornersOf(model_.Extents()))
-                points.push_back(ProjectToViewport(placement.ToScene(corner)));
-            return points;
-        }();
-        for (const Point& corner : corners) {
-            EXPECT_LT(std::abs(corner.x), 0.98) << size.width;
-            EXPECT_LT(std::abs(corner.y), 0.98) << size.width;
-        }
+        EXPECT_NEAR(SeenShare(), kFittedShare, 0.01) << size.width;
     }
 }
 
@@ -338,13 +340,68 @@ TEST_F(InteractiveWindowTest, CameraThatTheUserMovedStaysWhenTheSizeChanges)
 {
     Drag(MK_LBUTTON);
     const Camera before = CameraNow();
-    window_.MoveWindow(CRect(0, 0, 200, 90));
+    window_.MoveWindow(CRect(0, 0, 60, 200));
     EXPECT_EQ(CameraNow().position.x, before.position.x);
     EXPECT_EQ(CameraNow().position.y, before.position.y);
+    EXPECT_GT(std::abs(SeenShare() - kFittedShare), 0.05);
     Press('7');
-    const Camera fitted = CameraNow();
-    window_.MoveWindow(CRect(0, 0, 60, 200));
-    EXPECT_NE(CameraNow().position.x, fitted.position.x) << "fitted again";
+    window_.MoveWindow(CRect(0, 0, 200, 90));
+    EXPECT_NEAR(SeenShare(), kFittedShare, 0.01) << "fitted again";
+}
+
+TEST_F(InteractiveWindowTest, FFitsTheModelAsItIsTurned)
+{
+    Drag(MK_LBUTTON);
+    Drag(MK_RBUTTON);
+    Drag(MK_MBUTTON);
+    const Camera before = CameraNow();
+    EXPECT_GT(std::abs(SeenShare() - kFittedShare), 0.05);
+    Press('f');
+    EXPECT_NEAR(SeenShare(), kFittedShare, 0.01);
+    const Camera after = CameraNow();
+    EXPECT_LT(((after.target - after.position) - (before.target - before.position)).length(), 1e-9);
+    // Until the user moves the camera, the fit follows the size in this orientation.
+    window_.MoveWindow(CRect(0, 0, 75, 300));
+    EXPECT_NEAR(SeenShare(), kFittedShare, 0.01);
+    const Camera resized = CameraNow();
+    EXPECT_LT(((resized.target - resized.position) - (before.target - before.position)).length(), 1e-9);
+    Post(WM_MOUSEWHEEL, MAKEWPARAM(0, 240));
+    const double zoomed = SeenShare();
+    window_.MoveWindow(CRect(0, 0, 150, 600));
+    EXPECT_NEAR(SeenShare(), zoomed, 1e-4);
+}
+
+TEST_F(InteractiveWindowTest, ModelFillsATallWindowInBothProjections)
+{
+    window_.MoveWindow(CRect(0, 0, 75, 300));
+    for (const char key : {'p', 'p', 'p'}) {
+        Press(key);
+        EXPECT_NEAR(SeenShare(), kFittedShare, 0.01) << (IsParallel() ? "parallel" : "perspective");
+    }
+}
+
+TEST_F(InteractiveWindowTest, FlatDrawingOpensFromTheTopInParallelProjection)
+{
+    const Model drawing = BoxModel(BoxOf({0, 0, 5}, {3, 2, 5}));
+    const auto opening = [&](const ViewOptions& options) {
+        InteractiveWindow window(kSmall, options, drawing, notices_, errors_);
+        Camera camera;
+        window.Control().GetCameraData(camera.position, camera.target, camera.up);
+        const AcGeVector3d sight = (camera.target - camera.position) * (1.0 / kSceneSize);
+        const std::string view = sight.z < -0.999 ? "top" : sight.y > 0.999 ? "front" : "tilted";
+        return view + (IsParallel() ? " parallel" : " perspective");
+    };
+    ViewOptions options = OnBlack();
+    EXPECT_EQ(opening(options), "top parallel");
+    options.projection = Projection::Perspective;
+    EXPECT_EQ(opening(options), "top perspective");
+    options.view = StandardView::Front;
+    EXPECT_EQ(opening(options), "front perspective");
+    options.projection.reset();
+    EXPECT_EQ(opening(options), "front parallel");
+    // The model of the other window is not flat.
+    window_.Control().MakeCurrent();
+    EXPECT_FALSE(IsParallel());
 }
 
 TEST_F(InteractiveWindowTest, SizeOfNothingIsSurvived)

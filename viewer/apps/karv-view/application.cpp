@@ -228,7 +228,7 @@ class Application
 
     Picture Draw(ModelWindow& window, StandardView view)
     {
-        window.Show(view, options_.drawing.projection);
+        window.Show(view, window.OpeningProjection());
         Picture picture = window.TakePicture();
         NoteFirstFrame();
         return picture;
@@ -237,7 +237,7 @@ class Application
     void DrawPicture(const std::string& path, const Model& model)
     {
         const auto window = TakeWindow(PictureSizeOrDefault(), model);
-        const Picture picture = Draw(*window, options_.drawing.view);
+        const Picture picture = Draw(*window, window->OpeningView());
         Measure(*window);
         WritePng(picture, path);
     }

@@ -117,8 +117,8 @@ void AddPictureOptions(CLI::App& app, Options& options)
         ->excludes(list)
         ->option_text("FILE.png");
     app.add_option_function<std::string>(
-           "--view", [&](const std::string& name) { options.drawing.view = StandardViewNamed(name).value(); },
-           "front back left right top bottom se sw ne nw (default se)")
+           "--view", [&](const std::string& name) { options.drawing.view = StandardViewNamed(name); },
+           "front back left right top bottom se sw ne nw (default se; top for a flat drawing)")
         ->check(CLI::IsMember(ViewNames()))
         ->option_text("NAME");
     app.add_option_function<std::string>(
@@ -127,7 +127,7 @@ void AddPictureOptions(CLI::App& app, Options& options)
                options.drawing.projection =
                    name == "parallel" ? Projection::Parallel : Projection::Perspective;
            },
-           "perspective or parallel (default perspective)")
+           "perspective or parallel (default perspective; parallel for a flat drawing)")
         ->check(CLI::IsMember(std::vector<std::string>{"perspective", "parallel"}))
         ->option_text("NAME");
     app.add_option_function<std::string>(

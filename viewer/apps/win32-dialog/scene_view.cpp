@@ -57,7 +57,6 @@ void SceneView::Build()
         SetBackground(*background_);
     for (const int category : hidden_)
         viewport_->DisableObject(ToCategory(category));
-    camera_was_placed_ = false;
     ShowWhole(aspect_);
     viewport_->ForceRenderStart();
 }
@@ -83,21 +82,9 @@ viewer::Model SceneView::FadedModel() const
 void SceneView::ShowWhole(double aspect)
 {
     aspect_ = aspect;
-    LookAtCenter();
+    fitted_projection_ = projection_;
     scene_->Show(view_, projection_, aspect);
     viewport_->ForgetNavigation();
-}
-
-void SceneView::LookAtCenter()
-{
-    // SetCameraData fixes the target of the camera, so standard views no longer move it to the center of the
-    // box.
-    if (!camera_was_placed_)
-        return;
-    const viewer::Point center = viewer::ScenePlacement(model_.Extents()).SceneBox().Center();
-    const AcGePoint3d target(center.x, center.y, center.z);
-    const AcGePoint3d eye(center.x, center.y - viewer::kSceneSize, center.z);
-    viewport_->SetCameraData(eye, target, AcGeVector3d::kZAxis);
 }
 
 void SceneView::ShowStandardView(viewer::StandardView view)
@@ -108,9 +95,14 @@ void SceneView::ShowStandardView(viewer::StandardView view)
 
 void SceneView::SetProjection(viewer::Projection projection)
 {
+    if (projection_ == projection)
+        return;
     projection_ = projection;
-    if (scene_->CurrentProjection() != projection)
+    // A fit of one projection does not suit the other one.
+    if (viewport_->HasNavigated())
         scene_->SwitchProjection();
+    else
+        ShowWhole(AspectOf(Place()));
 }
 
 void SceneView::DrawLines(bool lines)
@@ -151,7 +143,12 @@ void SceneView::SetOpacity(float opacity)
     viewport_->GetCameraData(eye, target, up);
     const bool was_moved = viewport_->HasNavigated();
     const std::vector<MouseMessage> navigation = viewport_->Navigation();
+    const viewer::Projection projection = projection_;
+    projection_ = fitted_projection_;
     Build();
+    if (projection != projection_)
+        scene_->SwitchProjection();
+    projection_ = projection;
     // The control offers no way to read its zoom or to set its axes. Repeating the user's mouse messages
     // restores both.
     for (const MouseMessage& mouse : navigation)
@@ -162,7 +159,6 @@ void SceneView::SetOpacity(float opacity)
     // set afterwards.
     viewport_->SetCameraData(eye, target, up);
     viewport_->OnDraw(nullptr);
-    camera_was_placed_ = true;
 }
 
 void SceneView::FollowPlace()

@@ -32,6 +32,7 @@ class SceneView
 
     /// Shows the whole model from a standard view.
     void ShowStandardView(viewer::StandardView view);
+    /// The camera is kept where the user has moved it; else the model is fitted again.
     void SetProjection(viewer::Projection projection);
     void DrawLines(bool lines);
     void ShowCategory(int category, bool shown);
@@ -52,7 +53,6 @@ class SceneView
     void Build();
     [[nodiscard]] CRect Place() const;
     [[nodiscard]] viewer::Model FadedModel() const;
-    void LookAtCenter();
     void ShowWhole(double aspect);
 
     HWND parent_;
@@ -62,12 +62,12 @@ class SceneView
     std::unique_ptr<viewer::FittedScene> scene_; ///< the model in the viewport
     viewer::StandardView view_ = viewer::StandardView::SE;
     viewer::Projection projection_ = viewer::Projection::Perspective;
+    viewer::Projection fitted_projection_ = viewer::Projection::Perspective; ///< when the model was fitted
     double aspect_ = 1.0; ///< of the viewport when the model was fitted
     bool lines_ = false;
     float opacity_ = 1.0F;
     std::optional<COLORREF> background_;
     std::set<int> hidden_;
-    bool camera_was_placed_ = false; ///< by SetCameraData, which ends the control's own centring
 };
 
 } // namespace win32_dialog

@@ -47,8 +47,7 @@ TEST(Options, WithoutArgumentsTheDefaultsHold)
     ASSERT_TRUE(parse.parsed.options);
     const Options& options = *parse.parsed.options;
     EXPECT_TRUE(options.models.empty());
-    EXPECT_EQ(options.drawing.view, StandardView::SE);
-    EXPECT_EQ(options.drawing.projection, Projection::Perspective);
+    EXPECT_FALSE(options.drawing.view || options.drawing.projection) << "the model decides";
     EXPECT_FALSE(options.drawing.lines || options.drawing.transparent || options.headless || options.stats);
     EXPECT_FALSE(options.picture || options.sheet || options.trace || options.size ||
                  options.drawing.background || options.color || options.alpha);

@@ -140,27 +140,25 @@ TEST_F(DrawnFiles, WhatLiesBehindAHoleIsSeenThroughItInItsColour)
 
     SceneWindow window(model);
     const Picture picture = window.Draw(StandardView::Top, false);
-    // The picture is 1.2 x 1.05 x 1.22 diagonals of the box of 40 x 40 x 12 wide. A diagonal is sqrt(3344) =
-    // 57.83, so 88.9 units are 120 pixels, 1.35 pixels per unit. From the middle, the small plate extends 2
-    // units (2.7 pixels), the hole 8 (10.8) and the plate 20 (27).
+    // The plate of 40 units covers 0.915 of 120 pixels: 2.75 pixels per unit. From the middle, the small plate
+    // extends 2 units (5.5 pixels), the hole 8 (22) and the plate 20 (55).
     const int middle = kSide / 2;
     // Faces that face the light have a white highlight.
     const auto red_of = [](std::uint32_t pixel) { return pixel >> 16U; };
     const auto green_of = [](std::uint32_t pixel) { return pixel >> 8U & 0xFFU; };
     const std::uint32_t below_the_hole = PixelAt(picture, middle, middle);
     EXPECT_GT(red_of(below_the_hole), green_of(below_the_hole) + 100U);
-    EXPECT_EQ(PixelAt(picture, middle + 7, middle), 0U) << "the hole";
-    EXPECT_EQ(PixelAt(picture, middle, middle - 7), 0U) << "the hole";
-    const std::uint32_t beside_the_hole = PixelAt(picture, middle + 19, middle);
+    EXPECT_EQ(PixelAt(picture, middle + 14, middle), 0U) << "the hole";
+    EXPECT_EQ(PixelAt(picture, middle, middle - 14), 0U) << "the hole";
+    const std::uint32_t beside_the_hole = PixelAt(picture, middle + 38, middle);
     EXPECT_GT(green_of(beside_the_hole), red_of(beside_the_hole) + 100U);
-    EXPECT_EQ(PixelAt(picture, middle + 32, middle), 0U) << "beside the plate";
+    EXPECT_EQ(PixelAt(picture, middle + 58, middle), 0U) << "beside the plate";
 }
 
 TEST_F(DrawnFiles, LineModeShowsTheEdgesOfTheFileAndNotThoseOfItsFacets)
 {
-    // A cylinder of radius 10 and height 20 has two circles and, apart from its seam, no other edge. Its box
-    // of 20 x 20 x 20 has a diagonal of 34.6, so the front view has 120 / (34.6 x 1.2 x 1.05 x 1.22) = 2.25
-    // pixels per unit.
+    // A cylinder of radius 10 and height 20 has two circles and, apart from its seam, no other edge. The front
+    // view has 0.915 x 120 / 20 = 5.5 pixels per unit.
     const Model model = Import(WriteStep(BRepPrimAPI_MakeCylinder(10.0, 20.0).Shape()));
     SceneWindow window(model);
     const Picture picture = window.Draw(StandardView::Front, true);

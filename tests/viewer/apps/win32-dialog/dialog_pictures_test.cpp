@@ -161,9 +161,8 @@ TEST(DialogSwitches, ParallelProjectionShowsFarAndNearAtOneScale)
          L"squares.obj");
     const Picture parallel = folder.Read("parallel.bmp");
     EXPECT_NEAR(WidthOf(kRed, parallel), WidthOf(kGreen, parallel), 1.0);
-    // The box of 3 x 3 x 1 has a diagonal of 4.359; grown by 1.05 x 1.22 it is 5.584, and the scene size is
-    // 1.2 x 5.584 = 6.70. That is the distance of the eye from the middle: 6.70 - 1.5 from the near square
-    // and 6.70 + 1.5 from the far one.
+    // The box of 3 x 3 x 1 has a diagonal of 4.359, which is 0.65 of the scene size: that is 6.70, the distance
+    // of the eye from the middle: 6.70 - 1.5 from the near square and 6.70 + 1.5 from the far one.
     const Picture perspective = folder.Read("perspective.bmp");
     EXPECT_NEAR(static_cast<double>(WidthOf(kRed, perspective)) / WidthOf(kGreen, perspective), 8.20 / 5.20,
                 0.05);

@@ -1,0 +1,188 @@
+#include "viewer/scene/fit_points.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <tuple>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// The visible pieces of a model.
+class VisiblePieces
+{
+  public:
+    VisiblePieces(const Model& model, const std::set<int>& hidden)
+    {
+        for (const Piece& piece : model.pieces)
+            if (!hidden.contains(piece.category))
+                pieces_.push_back(&piece);
+    }
+
+    /// Calls `visit` for each corner of a face and each end of a line that is finite.
+    template <typename Visit>
+    void ForEachPoint(const Visit& visit) const
+    {
+        const auto visit_finite = [&](const Point& point) {
+            if (IsFinite(point))
+                visit(point);
+        };
+        for (const Piece* piece : pieces_) {
+            for (const ModelFace& face : piece->faces)
+                for (const Point& corner : face.corners)
+                    visit_finite(corner);
+            for (const Segment& line : piece->lines) {
+                visit_finite(line.from);
+                visit_finite(line.to);
+            }
+        }
+    }
+
+    /// The point with the greatest value.
+    template <typename Value>
+    [[nodiscard]] Point Greatest(const Value& value) const
+    {
+        Point greatest;
+        double most = -std::numeric_limits<double>::infinity();
+        ForEachPoint([&](const Point& point) {
+            const double here = value(point);
+            if (here > most) {
+                greatest = point;
+                most = here;
+            }
+        });
+        return greatest;
+    }
+
+  private:
+    std::vector<const Piece*> pieces_;
+};
+
+/// Unit vectors along which a set of points is longest, widest of what is left, and thin; zero where it has no
+/// extent.
+struct Frame {
+    Point origin;
+    Point length;
+    Point width;
+    Point thickness;
+};
+
+Point Unit(const Point& vector)
+{
+    const double length = Length(vector);
+    return length > 0.0 ? vector * (1.0 / length) : Point{};
+}
+
+Frame FrameOf(const VisiblePieces& pieces)
+{
+    const auto farthest_from = [&](const Point& from) {
+        return pieces.Greatest([&](const Point& point) { return Length(point - from); });
+    };
+    const Point first = farthest_from({});
+    const Point second = farthest_from(first);
+    const Point length = Unit(second - first);
+    const auto across = [&](const Point& point) {
+        const Point offset = point - first;
+        return offset - length * Dot(offset, length);
+    };
+    const Point width =
+        Unit(across(pieces.Greatest([&](const Point& point) { return Length(across(point)); })));
+    return {first, length, width, Cross(length, width)};
+}
+
+/// The lowest and the highest value, with their points.
+struct Ends {
+    double low = std::numeric_limits<double>::infinity();
+    double high = -std::numeric_limits<double>::infinity();
+    Point lowest;
+    Point highest;
+
+    void Add(double value, const Point& point)
+    {
+        if (value < low) {
+            low = value;
+            lowest = point;
+        }
+        if (value > high) {
+            high = value;
+            highest = point;
+        }
+    }
+    [[nodiscard]] bool IsEmpty() const { return low > high; }
+};
+
+/// Divides the values between two ends into a number of equal cells.
+class Cells
+{
+  public:
+    Cells(const Ends& ends, std::size_t count)
+        : low_(ends.low),
+          per_unit_(ends.high > ends.low ? static_cast<double>(count) / (ends.high - ends.low) : 0.0),
+          last_(count - 1)
+    {
+    }
+    [[nodiscard]] std::size_t IndexOf(double value) const
+    {
+        return std::min(static_cast<std::size_t>((value - low_) * per_unit_), last_);
+    }
+
+  private:
+    double low_;
+    double per_unit_;
+    std::size_t last_;
+};
+
+/// The points at both ends of each column of a grid, whose columns run along the thinnest direction: every
+/// other point has a kept one on either side of it, no more than a cell away in the other directions. The frame
+/// makes a cell small against the extents in every direction, also for slanted rods and sheets.
+std::vector<Point> EndsOfColumns(const VisiblePieces& pieces)
+{
+    constexpr std::size_t kColumns = 256;
+    const Frame frame = FrameOf(pieces);
+    const auto along = [&](const Point& axis, const Point& point) { return Dot(point - frame.origin, axis); };
+    Ends length;
+    Ends width;
+    pieces.ForEachPoint([&](const Point& point) {
+        length.Add(along(frame.length, point), point);
+        width.Add(along(frame.width, point), point);
+    });
+    const Cells lengths(length, kColumns);
+    const Cells widths(width, kColumns);
+    std::vector<Ends> columns(kColumns * kColumns);
+    pieces.ForEachPoint([&](const Point& point) {
+        const std::size_t column = lengths.IndexOf(along(frame.length, point)) * kColumns +
+                                   widths.IndexOf(along(frame.width, point));
+        columns[column].Add(along(frame.thickness, point), point);
+    });
+    std::vector<Point> points{length.lowest, length.highest, width.lowest, width.highest};
+    for (const Ends& column : columns)
+        if (!column.IsEmpty()) {
+            points.push_back(column.lowest);
+            points.push_back(column.highest);
+        }
+    return points;
+}
+
+} // namespace
+
+std::vector<Point> FitPoints(const Model& model, const std::set<int>& hidden)
+{
+    constexpr std::size_t kMaxAll = 20'000;
+    const VisiblePieces pieces(model, hidden);
+    std::size_t count = 0;
+    pieces.ForEachPoint([&](const Point&) { ++count; });
+    if (count > kMaxAll)
+        return EndsOfColumns(pieces);
+    std::vector<Point> points;
+    points.reserve(count);
+    pieces.ForEachPoint([&](const Point& point) { points.push_back(point); });
+    const auto coordinates = [](const Point& point) { return std::tie(point.x, point.y, point.z); };
+    std::ranges::sort(points, {}, coordinates);
+    points.erase(std::ranges::unique(points).begin(), points.end());
+    return points;
+}
+
+} // namespace viewer
