@@ -8,7 +8,7 @@ namespace viewer
 
 struct ImportOptions {
     /// The maximum distance between a curved face and its facets, and between a curve and its segments. In
-    /// the unit of the file, above 0. If not set, about half a pixel of the picture.
+    /// the unit of the file, above 0. If not set, half a pixel to a pixel of the picture.
     std::optional<double> deflection;
     /// The shorter side of the picture that shows the whole model, in pixels; above 0.
     int pixels = 768;
@@ -20,7 +20,7 @@ struct ImportOptions {
     /// The default deflection, as a fraction of the diagonal of the model's box.
     [[nodiscard]] double RelativeDeflection() const
     {
-        // A model that is fitted to a window covers about 0.9 of its shorter side with its diagonal.
+        // A fitted model's larger extent covers 0.9 of the side. The diagonal is up to 1.7 times as long.
         constexpr double kFittedPart = 0.9;
         constexpr double kPixels = 0.5;
         return kPixels / (kFittedPart * pixels);

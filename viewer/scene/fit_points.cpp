@@ -22,6 +22,18 @@ class VisiblePieces
                 pieces_.push_back(&piece);
     }
 
+    /// The number of corners of faces and ends of lines.
+    [[nodiscard]] std::size_t PointCount() const
+    {
+        std::size_t count = 0;
+        for (const Piece* piece : pieces_) {
+            for (const ModelFace& face : piece->faces)
+                count += face.corners.size();
+            count += 2 * piece->lines.size();
+        }
+        return count;
+    }
+
     /// Calls `visit` for each corner of a face and each end of a line that is finite.
     template <typename Visit>
     void ForEachPoint(const Visit& visit) const
@@ -76,20 +88,22 @@ Point Unit(const Point& vector)
     return length > 0.0 ? vector * (1.0 / length) : Point{};
 }
 
+double Square(const Point& vector)
+{
+    return Dot(vector, vector);
+}
+
 Frame FrameOf(const VisiblePieces& pieces)
 {
-    const auto farthest_from = [&](const Point& from) {
-        return pieces.Greatest([&](const Point& point) { return Length(point - from); });
-    };
-    const Point first = farthest_from({});
-    const Point second = farthest_from(first);
+    const Point first = pieces.Greatest([](const Point& point) { return point.x; });
+    const Point second = pieces.Greatest([&](const Point& point) { return Square(point - first); });
     const Point length = Unit(second - first);
     const auto across = [&](const Point& point) {
         const Point offset = point - first;
         return offset - length * Dot(offset, length);
     };
-    const Point width =
-        Unit(across(pieces.Greatest([&](const Point& point) { return Length(across(point)); })));
+    const Point third = pieces.Greatest([&](const Point& point) { return Square(across(point)); });
+    const Point width = Unit(across(third));
     return {first, length, width, Cross(length, width)};
 }
 
@@ -172,8 +186,7 @@ std::vector<Point> FitPoints(const Model& model, const std::set<int>& hidden)
 {
     constexpr std::size_t kMaxAll = 20'000;
     const VisiblePieces pieces(model, hidden);
-    std::size_t count = 0;
-    pieces.ForEachPoint([&](const Point&) { ++count; });
+    const std::size_t count = pieces.PointCount();
     if (count > kMaxAll)
         return EndsOfColumns(pieces);
     std::vector<Point> points;

@@ -181,7 +181,8 @@ class SeenPoints
 /// Where the eye stands, and how the control zooms.
 struct Fitting {
     double distance = 0.0; ///< of the eye from the middle
-    ViewFit fit;
+    double zoom = 1.0;
+    double scene_size = kSceneSize;
 };
 
 Fitting FitPerspective(SeenPoints& seen, double aspect, double scene_size)
@@ -191,7 +192,7 @@ Fitting FitPerspective(SeenPoints& seen, double aspect, double scene_size)
     const double max_tangent = std::tan(70.0 * std::numbers::pi / 180.0);
     constexpr double kMinZoom = 0.01 / 40.0;
     constexpr int kSteps = 4;
-    Fitting fitting{scene_size, {1.0, scene_size}};
+    Fitting fitting{scene_size, 1.0, scene_size};
     double tangent = 0.0;
     for (int step = 0; step < kSteps; ++step) {
         tangent = seen.CenterFrom(fitting.distance, aspect) / kFittedShare;
@@ -201,7 +202,7 @@ Fitting FitPerspective(SeenPoints& seen, double aspect, double scene_size)
     }
     constexpr double kNothing = 1e-6;
     if (tangent > kNothing)
-        fitting.fit.zoom = std::max(2.0 * std::atan(tangent) / kFieldOfView, kMinZoom);
+        fitting.zoom = std::max(2.0 * std::atan(tangent) / kFieldOfView, kMinZoom);
     return fitting;
 }
 
@@ -218,9 +219,21 @@ Fitting FitParallel(const SeenPoints& seen, double aspect, double scene_size)
     const double width = 2.0 * seen.HalfHeight(aspect) * aspect / kFittedShare;
     const double zoom = width / scene_size;
     if (zoom <= kNothing)
-        return {scene_size, {1.0, scene_size}};
+        return {scene_size, 1.0, scene_size};
     const double factor = zoom > kMaxZoom ? zoom / kMaxZoom : std::clamp(zoom / kLowZoom, kMinSceneSize, 1.0);
-    return {scene_size, {std::max(zoom / factor, kMinZoom), scene_size * factor}};
+    return {scene_size, std::max(zoom / factor, kMinZoom), scene_size * factor};
+}
+
+void ApplyStandardView(KARVOpenGLControl& control, StandardView view)
+{
+    using Command = void (KARVOpenGLControl::*)();
+    static constexpr std::array<Command, kStandardViews.size()> kCommands = {
+        &KARVOpenGLControl::CameraViewFront, &KARVOpenGLControl::CameraViewBack,
+        &KARVOpenGLControl::CameraViewLeft,  &KARVOpenGLControl::CameraViewRight,
+        &KARVOpenGLControl::CameraViewTop,   &KARVOpenGLControl::CameraViewBottom,
+        &KARVOpenGLControl::CameraViewSE,    &KARVOpenGLControl::CameraViewSW,
+        &KARVOpenGLControl::CameraViewNE,    &KARVOpenGLControl::CameraViewNW};
+    (control.*kCommands.at(static_cast<std::size_t>(view)))();
 }
 
 double AspectOf(const KARVOpenGLControl& control)
@@ -229,6 +242,13 @@ double AspectOf(const KARVOpenGLControl& control)
     control.GetClientRect(&client);
     const bool is_empty = client.Width() <= 0 || client.Height() <= 0;
     return is_empty ? 1.0 : static_cast<double>(client.Width()) / static_cast<double>(client.Height());
+}
+
+void SetSceneSize(KARVOpenGLControl& control, double scene_size)
+{
+    // A cube at the origin, where floats are exact enough for its diagonal.
+    const double edge = scene_size / (kSceneSizePerDiagonal * std::numbers::sqrt3);
+    control.OverrideExtents(AcGePoint3d(0.0, 0.0, 0.0), AcGePoint3d(edge, edge, edge));
 }
 
 /// Sends a message of the mouse wheel that multiplies the zoom by this many hundredths, 1 to 3300.
@@ -263,31 +283,12 @@ std::array<int, 3> PercentsOf(double factor)
 
 } // namespace
 
-void ApplyStandardView(KARVOpenGLControl& control, StandardView view)
-{
-    using Command = void (KARVOpenGLControl::*)();
-    static constexpr std::array<Command, kStandardViews.size()> kCommands = {
-        &KARVOpenGLControl::CameraViewFront, &KARVOpenGLControl::CameraViewBack,
-        &KARVOpenGLControl::CameraViewLeft,  &KARVOpenGLControl::CameraViewRight,
-        &KARVOpenGLControl::CameraViewTop,   &KARVOpenGLControl::CameraViewBottom,
-        &KARVOpenGLControl::CameraViewSE,    &KARVOpenGLControl::CameraViewSW,
-        &KARVOpenGLControl::CameraViewNE,    &KARVOpenGLControl::CameraViewNW};
-    (control.*kCommands.at(static_cast<std::size_t>(view)))();
-}
-
 void SetProjection(KARVOpenGLControl& control, Projection projection)
 {
     // SetToPerspective pops the projection stack; in a control that is in perspective already, it would
     // underflow.
     if (projection != PresentProjection())
         control.SetToPerspective(projection == Projection::Perspective);
-}
-
-void SetSceneSize(KARVOpenGLControl& control, double scene_size)
-{
-    // A cube at the origin, where floats are exact enough for its diagonal.
-    const double edge = scene_size / (kSceneSizePerDiagonal * std::numbers::sqrt3);
-    control.OverrideExtents(AcGePoint3d(0.0, 0.0, 0.0), AcGePoint3d(edge, edge, edge));
 }
 
 void MultiplyZoom(KARVOpenGLControl& control, double factor)
@@ -301,8 +302,8 @@ void MultiplyZoom(KARVOpenGLControl& control, double factor)
         TurnWheel(control, percent);
 }
 
-std::optional<ViewFit> FitView(KARVOpenGLControl& control, std::span<const Point> points,
-                               const FitOptions& options)
+std::optional<double> FitView(KARVOpenGLControl& control, std::span<const Point> points,
+                              const FitOptions& options)
 {
     if (std::none_of(points.begin(), points.end(), IsFinite))
         return std::nullopt;
@@ -316,22 +317,21 @@ std::optional<ViewFit> FitView(KARVOpenGLControl& control, std::span<const Point
     SeenPoints seen(points, axes);
     const double aspect = options.aspect.value_or(AspectOf(control));
     const double scene_size = std::max(options.scene_size, seen.Diagonal() / kModelPerSceneSize);
-    const auto [distance, fit] = projection == Projection::Perspective
-                                     ? FitPerspective(seen, aspect, scene_size)
-                                     : FitParallel(seen, aspect, scene_size);
+    const Fitting fitting = projection == Projection::Perspective ? FitPerspective(seen, aspect, scene_size)
+                                                                  : FitParallel(seen, aspect, scene_size);
     AcGePoint3d eye;
     AcGePoint3d target;
     AcGeVector3d up;
     control.GetCameraData(eye, target, up);
-    SetSceneSize(control, fit.scene_size);
+    SetSceneSize(control, fitting.scene_size);
     const Point middle = seen.Middle();
-    control.SetCameraData(ToHost(middle - axes.forward * distance), ToHost(middle), up);
+    control.SetCameraData(ToHost(middle - axes.forward * fitting.distance), ToHost(middle), up);
     control.ResetCameraZoom();
-    MultiplyZoom(control, fit.zoom);
+    MultiplyZoom(control, fitting.zoom);
     // Frames never load matrices; OnDraw does. It also replaces the temporary projection that a switch to
     // perspective leaves behind.
     control.OnDraw(nullptr);
-    return fit;
+    return fitting.zoom;
 }
 
 } // namespace viewer

@@ -28,35 +28,25 @@ struct FitOptions {
     double scene_size = kSceneSize;
 };
 
-/// The zoom that a fit chose, relative to that of `ResetCameraZoom`, and the scene size for it.
-struct ViewFit {
-    double zoom = 1.0;
-    double scene_size = kSceneSize;
-};
-
-/// Shows all points, centred: the larger of their shares of the viewport's width and height is `kFittedShare`.
-/// The points are in units of the scene; those that are not finite are ignored. Their convex hull counts, so
-/// points inside it may be left out. The time is proportional to the number of points; 100 000 take a few
-/// milliseconds. Returns the zoom and the scene size; without a finite point nothing changes, and the result
-/// is empty. Points that coincide in the picture are shown with zoom 1.
+/// Shows all points, centred: the larger of their shares of the viewport's width and height is `kFittedShare`,
+/// at most 0.1 % off, for aspects from 1:10 to 10:1 and points whose extents in the picture are at least a
+/// 4000th of their diagonal. Points that coincide in the picture are shown with zoom 1. Returns the zoom,
+/// relative to that of `ResetCameraZoom`.
 ///
-/// The camera's target becomes the middle of the points, and no longer follows the scene's box (as after every
-/// `SetCameraData`). The control gets messages of the mouse wheel, which its window also passes on to its
-/// parent, and takes the keyboard focus. The picture is 88 to 95 per cent full for aspects from 1:10 to 10:1,
-/// and for points whose extents in the picture are at least a 4000th of their diagonal. Needs the control's
-/// context and window.
-std::optional<ViewFit> FitView(KARVOpenGLControl& control, std::span<const Point> points,
-                               const FitOptions& options = {});
-
-/// Calls the control's operation for this view. Needs the control's context.
-void ApplyStandardView(KARVOpenGLControl& control, StandardView view);
+/// The points are in units of the scene; those that are not finite are ignored. Without a finite one nothing
+/// changes, and the result is empty. Only their convex hull counts, so points inside it may be left out. The
+/// time is proportional to the number of points: 100 000 take a few milliseconds.
+///
+/// The camera's target becomes the middle of the points and no longer follows the scene's box, as after every
+/// `SetCameraData`. Where the zoom of a parallel projection would be below 0.02, the scene size is smaller
+/// until the next fit. The control gets messages of the mouse wheel, which its window also passes on to its
+/// parent, and takes the keyboard focus. Needs the control's context and window.
+std::optional<double> FitView(KARVOpenGLControl& control, std::span<const Point> points,
+                              const FitOptions& options = {});
 
 /// Switches the projection if the other one is in force; the camera and the zoom stay. Needs the control's
 /// context, and an `OnDraw` before the next frame.
 void SetProjection(KARVOpenGLControl& control, Projection projection);
-
-/// Sets the scene size, above 0. The camera's eye stays.
-void SetSceneSize(KARVOpenGLControl& control, double scene_size);
 
 /// Multiplies the zoom by a factor from 0.0001 to 30, within 0.1 %, by messages of the mouse wheel, which also
 /// go to the parent. The control limits the zoom. Needs the control's context and window.

@@ -167,29 +167,20 @@ void FittedScene::Fit(Projection projection, double aspect)
 void FittedScene::Fit(const FitOptions& options)
 {
     projection_ = *options.projection;
-    if (const auto fit = FitView(control_, fit_points_, options))
-        fit_ = *fit;
+    zoom_ = FitView(control_, fit_points_, options).value_or(zoom_);
 }
 
 void FittedScene::SwitchProjection()
 {
-    projection_ = projection_ == Projection::Perspective ? Projection::Parallel : Projection::Perspective;
+    projection_ = OtherThan(projection_);
     SetProjection(control_, projection_);
-    if (fit_.scene_size != kSceneSize) {
-        // The fit of what is tiny in parallel projection. Its scene size does not suit other directions in
-        // perspective.
-        const double factor = fit_.scene_size / kSceneSize;
-        SetSceneSize(control_, kSceneSize);
-        MultiplyZoom(control_, factor);
-        fit_ = {fit_.zoom * factor, kSceneSize};
-    }
     control_.OnDraw(nullptr);
 }
 
 void FittedScene::ResetZoom()
 {
     control_.ResetCameraZoom();
-    MultiplyZoom(control_, fit_.zoom);
+    MultiplyZoom(control_, zoom_);
     control_.OnDraw(nullptr);
 }
 

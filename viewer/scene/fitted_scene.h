@@ -62,7 +62,7 @@ class FittedScene
     std::set<int> hidden_;
     std::vector<Point> fit_points_;                   ///< in units of the scene
     Projection projection_ = Projection::Perspective; ///< the projection of a new control
-    ViewFit fit_;
+    double zoom_ = 1.0;                               ///< of the last fit
 };
 
 } // namespace viewer

@@ -12,6 +12,11 @@ enum class StandardView { Front, Back, Left, Right, Top, Bottom, SE, SW, NE, NW 
 
 enum class Projection { Perspective, Parallel };
 
+[[nodiscard]] constexpr Projection OtherThan(Projection projection)
+{
+    return projection == Projection::Perspective ? Projection::Parallel : Projection::Perspective;
+}
+
 /// Every view, in the order of a sheet.
 inline constexpr std::array kStandardViews = {
     StandardView::Front,  StandardView::Back, StandardView::Left, StandardView::Right, StandardView::Top,

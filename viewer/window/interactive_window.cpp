@@ -46,10 +46,11 @@ void InteractiveWindow::FitAgain()
 
 void InteractiveWindow::SwitchProjection()
 {
-    Scene().SwitchProjection();
     // A fit of one projection does not suit the other one.
-    if (!Control().WasMovedByUser())
-        FitAgain();
+    if (Control().WasMovedByUser())
+        Scene().SwitchProjection();
+    else
+        Fit(OtherThan(Scene().CurrentProjection()));
 }
 
 void InteractiveWindow::SwitchMode()

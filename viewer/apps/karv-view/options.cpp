@@ -168,7 +168,7 @@ void AddRunOptions(CLI::App& app, Options& options)
     app.add_option_function<std::string>(
            "--deflection", [&](const std::string& text) { SetDeflection(options, text); },
            "How far facets may lie from curved faces and curves, in the file's unit, above 0 (default: half "
-           "a pixel of the picture of the whole model)")
+           "a pixel to a pixel of the picture of the whole model)")
         ->option_text("NUMBER");
     app.add_flag("--headless", options.headless, "Never open a window on a display");
     app.add_flag("--windows", options.windows, "Show each model in a window of its own");
