@@ -63,7 +63,7 @@ void Body::markSmoothEdges(double angle)
         if (!face.isPlaneEvaluated())
             face.evaluatePlane();
     for (Edge& edge : edges_) {
-        if (edge.partner() == nullptr)
+        if (edge.face() == nullptr || edge.partner() == nullptr)
             continue;
         const AcGeVector3d& here = edge.face()->plane().normal;
         const AcGeVector3d& there = edge.partner()->face()->plane().normal;

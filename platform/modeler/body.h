@@ -1,5 +1,5 @@
 // Solids as polyhedral boundary representations: faces bounded by loops of edges, edges that join vertices.
-// Bodies are made by BodyBuilder (body_builder.h). Drawing is not known here.
+// Wires are edges that bound no face. Bodies are made by BodyBuilder (body_builder.h). Drawing is not known here.
 //
 // An Edge is a half-edge: it runs along the loop of one face, and its partner runs the other way along the
 // loop of the neighbouring face. Loops run clockwise as seen from outside. Normals point outwards. Lengths
@@ -37,11 +37,12 @@ class Edge
   public:
     /// Where the edge starts. It ends where the next edge of its loop starts.
     [[nodiscard]] Vertex* vertex() const noexcept { return vertex_; }
-    /// The next edge of the loop. The last edge is followed by the first.
+    /// The next edge of the loop. The last edge is followed by the first. That of a wire is its other half.
     [[nodiscard]] Edge* next() const noexcept { return next_; }
     /// The other half of the edge, in the loop of the neighbouring face, or of the same face where an outline
     /// runs to a hole and back along one edge.
     [[nodiscard]] Edge* partner() const noexcept { return partner_; }
+    /// Null for a wire.
     [[nodiscard]] Face* face() const noexcept { return face_; }
     /// Whether it is a visible edge of the solid. Edges that only divide a face or a smooth surface are not.
     [[nodiscard]] bool isPhysical() const noexcept { return is_physical_; }
@@ -86,7 +87,7 @@ class Face
     bool is_plane_evaluated_ = false;
 };
 
-/// A solid. It owns its faces, edges and vertices; moving the body keeps their addresses. A new body and
+/// A solid, wires, or both. It owns its faces, edges and vertices; moving the body keeps their addresses. A new body and
 /// one that was moved from are empty.
 class Body
 {
@@ -99,19 +100,19 @@ class Body
     KARV_PLATFORM_API ~Body();
 
     [[nodiscard]] int faceCount() const noexcept { return static_cast<int>(faces_.size()); }
-    /// The first face, null for an empty body.
+    /// The first face, null for a body without faces.
     [[nodiscard]] Face* faceList() noexcept { return faces_.empty() ? nullptr : faces_.data(); }
 
     /// Appends the physical edges, one half of each, where `with_edges` is set, and the vertices at their
     /// ends, each once, where `with_vertices` is set. Both are in the order in which the faces' loops reach
-    /// them.
+    /// them; wires come last, in the order in which they were added.
     KARV_PLATFORM_API void getPhysicalEdgesAndVertices(bool with_edges, bool with_vertices,
                                                        std::vector<Edge*>& edges,
                                                        std::vector<Vertex*>& vertices);
 
     /// Makes an edge non-physical where the normals of its two faces differ by less than `angle` degrees:
     /// the surface counts as smooth there. Makes no edge physical. Evaluates the planes that are not
-    /// evaluated yet. Edges of a face that encloses no area stay as they are.
+    /// evaluated yet. Wires and the edges of a face that encloses no area stay as they are.
     KARV_PLATFORM_API void markSmoothEdges(double angle);
 
   private:

@@ -73,6 +73,11 @@ void BodyBuilder::AddFace(std::span<const int> outline)
     EndLoop();
 }
 
+void BodyBuilder::AddWire(int from, int to)
+{
+    wires_.emplace_back(from, to);
+}
+
 std::vector<int> BodyBuilder::CornersOf(const Loop& loop) const
 {
     const auto begin = corners_.begin();
@@ -112,6 +117,20 @@ void BodyBuilder::CheckLoops() const
                                     ", which is not there");
             }
         }
+    }
+}
+
+void BodyBuilder::CheckWires() const
+{
+    for (std::size_t wire = 0; wire < wires_.size(); ++wire) {
+        const auto [from, to] = wires_[wire];
+        for (const int point : {from, to})
+            if (point < 0 || static_cast<std::size_t>(point) >= points_.size())
+                throw BodyError("wire " + std::to_string(wire) + " names point " + std::to_string(point) +
+                                ", which is not there");
+        if (from == to)
+            throw BodyError("wire " + std::to_string(wire) + " from point " + std::to_string(from) +
+                            " to itself has no length");
     }
 }
 
@@ -188,7 +207,7 @@ void BodyBuilder::FillBody(const Facets& facets, Body& body) const
     for (std::size_t i = 0; i < points_.size(); ++i)
         body.vertices_[i].point_ = points_[i];
     body.faces_.resize(facets.ends.size());
-    body.edges_.resize(facets.corners.size());
+    body.edges_.resize(facets.corners.size() + 2 * wires_.size());
     std::size_t corner = 0;
     for (std::size_t i = 0; i < body.faces_.size(); ++i) {
         Face& face = body.faces_[i];
@@ -201,6 +220,19 @@ void BodyBuilder::FillBody(const Facets& facets, Body& body) const
             edge.next_ = corner + 1 < facets.ends[i] ? &edge + 1 : face.first_edge_;
             edge.face_ = &face;
         }
+    }
+}
+
+void BodyBuilder::FillWires(Body& body) const
+{
+    Edge* half = body.edges_.data() + (body.edges_.size() - 2 * wires_.size());
+    for (const auto& [from, to] : wires_) {
+        Edge& there = *half++;
+        Edge& back = *half++;
+        there.vertex_ = &body.vertices_[static_cast<std::size_t>(from)];
+        back.vertex_ = &body.vertices_[static_cast<std::size_t>(to)];
+        there.next_ = there.partner_ = &back;
+        back.next_ = back.partner_ = &there;
     }
 }
 
@@ -233,12 +265,13 @@ void BodyBuilder::PairEdges(const Facets& facets, const EdgeTable& uses, Body& b
     };
     // An edge between two of the caller's faces is an edge of the solid. All others lie within one face.
     // Another face may have an edge between the same points, so these are paired face by face.
-    EdgeTable given(body.edges_.size());
+    const std::size_t edge_count = facets.corners.size();
+    EdgeTable given(edge_count);
     EdgeTable added(0);
-    for (std::size_t first = 0; first < body.edges_.size();) {
+    for (std::size_t first = 0; first < edge_count;) {
         const std::size_t source = source_of(body.edges_[first]);
         std::size_t end = first;
-        while (end < body.edges_.size() && source_of(body.edges_[end]) == source)
+        while (end < edge_count && source_of(body.edges_[end]) == source)
             ++end;
         bool has_added = false;
         for (std::size_t i = first; i < end; ++i) {
@@ -265,12 +298,14 @@ Body BodyBuilder::Build() const
 {
     CheckPoints();
     CheckLoops();
+    CheckWires();
     const EdgeTable uses = CheckEdges();
     const Facets facets = SplitFaces();
     Body body;
     FillBody(facets, body);
     SharePlanes(facets, body);
     PairEdges(facets, uses, body);
+    FillWires(body);
     return body;
 }
 

@@ -1,4 +1,5 @@
-// Makes bodies from shared points and polygons. Anything but a closed solid is refused with a reason.
+// Makes bodies from shared points, polygons and wires. Faces that do not form a closed solid are refused with a
+// reason.
 #pragma once
 
 #include "platform/export.h"
@@ -8,6 +9,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace AModeler
@@ -24,7 +26,7 @@ class KARV_PLATFORM_API BodyError : public std::runtime_error
     ~BodyError() override;
 };
 
-/// Collects points and faces; `Build` makes the body. Time and memory are linear in the number of corners.
+/// Collects points, faces and wires; `Build` makes the body. Time and memory are linear in the number of corners.
 /// The time of a face that is split can grow as the square of its corners. Any thread, one at a time for
 /// each builder.
 class KARV_PLATFORM_API BodyBuilder
@@ -46,7 +48,11 @@ class KARV_PLATFORM_API BodyBuilder
     /// Adds a face without holes.
     void AddFace(std::span<const int> outline);
 
-    /// Makes the body of all faces so far; the builder keeps them. Without faces the body is empty.
+    /// Adds a wire: a physical edge without faces, between two points by their numbers. It may lie where
+    /// another edge does.
+    void AddWire(int from, int to);
+
+    /// Makes the body of all faces and wires so far; the builder keeps them. Without any the body is empty.
     ///
     /// A face that a fan from its first corner would not fill, because it is concave or has holes, becomes
     /// several convex faces with one plane. The edges between these are not physical, nor are those where a
@@ -56,7 +62,8 @@ class KARV_PLATFORM_API BodyBuilder
     /// Throws BodyError, and makes nothing, for a point that is not finite; for a face without a loop; for
     /// a loop that is not ended, has under three corners or names a point that does not exist; for an edge
     /// from a point to itself, an edge that is used twice in one direction, and an edge that is not used in
-    /// the other direction; and for a face that has to be split and whose loops cross or run in wrong
+    /// the other direction; for a wire from a point to itself or that names a point that does not exist; and
+    /// for a face that has to be split and whose loops cross or run in wrong
     /// directions.
     [[nodiscard]] Body Build() const;
 
@@ -78,10 +85,13 @@ class KARV_PLATFORM_API BodyBuilder
     [[nodiscard]] std::size_t EndLoopOf(std::size_t face) const;
     void CheckPoints() const;
     void CheckLoops() const;
+    void CheckWires() const;
     /// Returns the edges with the face that uses each.
     [[nodiscard]] EdgeTable CheckEdges() const;
     [[nodiscard]] Facets SplitFaces() const;
     void FillBody(const Facets& facets, Body& body) const;
+    /// Makes the last edges of the body the halves of the wires.
+    void FillWires(Body& body) const;
     void SharePlanes(const Facets& facets, Body& body) const;
     static void PairEdges(const Facets& facets, const EdgeTable& uses, Body& body);
 
@@ -89,6 +99,7 @@ class KARV_PLATFORM_API BodyBuilder
     std::vector<int> corners_;
     std::vector<Loop> loops_;
     std::vector<std::size_t> faces_; ///< the number of the first loop of each
+    std::vector<std::pair<int, int>> wires_;
 };
 
 } // namespace AModeler

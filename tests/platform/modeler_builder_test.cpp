@@ -56,6 +56,57 @@ std::string BuildErrorOf(const Action& action)
 
 } // namespace
 
+TEST(ModelerBuilder, WiresAreEdgesWithoutFaces)
+{
+    AModeler::BodyBuilder builder = BuilderOf(kTetrahedron, {});
+    builder.AddWire(0, 1);
+    builder.AddWire(3, 2);
+    AModeler::Body body = builder.Build();
+    EXPECT_EQ(body.faceCount(), 0);
+    EXPECT_EQ(body.faceList(), nullptr);
+    body.markSmoothEdges(180.0);
+    std::vector<AModeler::Edge*> edges;
+    std::vector<AModeler::Vertex*> vertices;
+    body.getPhysicalEdgesAndVertices(true, true, edges, vertices);
+    EXPECT_THAT(EndsOf(body, edges), ElementsAre(Ends(0, 1), Ends(3, 2)));
+    EXPECT_EQ(vertices.size(), 4U);
+    for (const AModeler::Edge* edge : edges) {
+        EXPECT_EQ(edge->face(), nullptr);
+        EXPECT_EQ(edge->next(), edge->partner());
+        EXPECT_EQ(edge->next()->next(), edge);
+    }
+    edges.front()->setPhysical(false);
+    EXPECT_FALSE(edges.front()->partner()->isPhysical());
+}
+
+TEST(ModelerBuilder, WiresComeAfterTheEdgesOfFaces)
+{
+    AModeler::BodyBuilder builder = BuilderOf(kTetrahedron, kTetrahedronFaces);
+    builder.AddWire(1, 0);
+    AModeler::Body body = builder.Build();
+    EXPECT_EQ(body.faceCount(), 4);
+    std::vector<AModeler::Edge*> edges;
+    std::vector<AModeler::Vertex*> vertices;
+    body.getPhysicalEdgesAndVertices(true, true, edges, vertices);
+    ASSERT_EQ(edges.size(), 7U);
+    EXPECT_EQ(EndsOf(body, edges).back(), Ends(1, 0));
+    EXPECT_EQ(edges.back()->face(), nullptr);
+    for (AModeler::Face* face = body.faceList(); face != nullptr; face = face->next())
+        for (int i = 0; i < face->edgeCount(); ++i)
+            EXPECT_NE(face->edgeLoop()->partner()->face(), nullptr);
+}
+
+TEST(ModelerBuilder, WiresWithoutLengthOrPointsAreRefused)
+{
+    AModeler::BodyBuilder loop = BuilderOf(kTetrahedron, {});
+    loop.AddWire(2, 2);
+    EXPECT_EQ(RefusalOf(loop), "wire 0 from point 2 to itself has no length");
+    AModeler::BodyBuilder unknown = BuilderOf(kTetrahedron, {});
+    unknown.AddWire(0, 1);
+    unknown.AddWire(0, 4);
+    EXPECT_EQ(RefusalOf(unknown), "wire 1 names point 4, which is not there");
+}
+
 TEST(ModelerBuilder, NoFacesMakeAnEmptyBody)
 {
     AModeler::BodyBuilder builder;

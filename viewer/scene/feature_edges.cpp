@@ -124,6 +124,34 @@ std::optional<AModeler::Body> MakeSolid(const Piece& piece, const std::function<
     }
 }
 
+AModeler::Body MakeWires(AModeler::Body& solid)
+{
+    std::vector<AModeler::Edge*> edges;
+    std::vector<AModeler::Vertex*> vertices;
+    solid.getPhysicalEdgesAndVertices(true, false, edges, vertices);
+    AModeler::BodyBuilder builder;
+    for (const AModeler::Edge* edge : edges) {
+        const int from = builder.AddPoint(edge->vertex()->point());
+        builder.AddWire(from, builder.AddPoint(edge->next()->vertex()->point()));
+    }
+    return builder.Build();
+}
+
+AModeler::Body MakeWires(const std::vector<Segment>& segments,
+                         const std::function<Point(const Point&)>& place)
+{
+    AModeler::BodyBuilder builder;
+    for (const Segment& segment : segments) {
+        const Point from = place(segment.from);
+        const Point to = place(segment.to);
+        if (!IsFinite(from) || !IsFinite(to))
+            continue;
+        const int first = builder.AddPoint({from.x, from.y, from.z});
+        builder.AddWire(first, builder.AddPoint({to.x, to.y, to.z}));
+    }
+    return builder.Build();
+}
+
 std::vector<Segment> FeatureEdges(const Piece& piece)
 {
     if (piece.edges)

@@ -1,4 +1,5 @@
-// The visible edges of a piece: as a body of the modeler where its faces close, else as a list of segments.
+// The visible edges of a piece: as a body of the modeler where its faces close, else as a list of segments; and
+// bodies of edges alone.
 #pragma once
 
 #include "platform/modeler/body.h"
@@ -20,6 +21,13 @@ inline constexpr double kSmoothAngle = 20.0;
 /// piece lists; for a piece without a list, those that are not smooth.
 [[nodiscard]] std::optional<AModeler::Body> MakeSolid(const Piece& piece,
                                                       const std::function<Point(const Point&)>& place);
+
+/// A body of the physical edges of another body, without its faces.
+[[nodiscard]] AModeler::Body MakeWires(AModeler::Body& solid);
+/// A body of these segments, with their ends mapped by `place`. Segments with an end that is then not finite are
+/// left out.
+[[nodiscard]] AModeler::Body MakeWires(const std::vector<Segment>& segments,
+                                       const std::function<Point(const Point&)>& place);
 
 /// The visible edges of the piece's faces, in file coordinates, each once: those that the piece lists, or
 /// else border edges, edges of more than two faces, edges of two faces with opposite orientation, and edges

@@ -1,9 +1,9 @@
 #include "viewer/scene/fitted_scene.h"
 
-#include "platform/host/db/entities.h"
 #include "platform/winsys/opengl.h"
 #include "viewer/scene/feature_edges.h"
 #include "viewer/scene/fit_points.h"
+#include "viewer/scene/line_colors.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -15,11 +15,6 @@ namespace viewer
 
 namespace
 {
-
-AcGePoint3d ToHost(const Point& point)
-{
-    return {point.x, point.y, point.z};
-}
 
 KARVGLVertex ToVertex(const Point& point)
 {
@@ -58,13 +53,24 @@ KARVGraphicalEntity::EntityType ToType(int category)
     return static_cast<KARVGraphicalEntity::EntityType>(category);
 }
 
-/// The number of entities that the model becomes, without its feature edges.
+/// The number of entities that the model becomes, without the feature edges of pieces that do not close.
 int EntityCount(const Model& model)
 {
-    std::size_t count = model.pieces.size();
+    std::size_t count = 0;
     for (const Piece& piece : model.pieces)
-        count += piece.lines.size();
+        count += (piece.faces.empty() ? 0U : 2U) + (piece.lines.empty() ? 0U : 1U);
     return static_cast<int>(std::min(count, static_cast<std::size_t>(std::numeric_limits<int>::max())));
+}
+
+/// Moves faces away from the eye by a share of their slope and by the smallest difference of depths. Without it,
+/// the two faces at an edge cover about a quarter of its pixels. With larger values, edges show through thin
+/// walls.
+void MoveFacesBack()
+{
+    constexpr GLfloat kOfSlope = 0.75F;
+    constexpr GLfloat kLeastDepths = 1.0F;
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(kOfSlope, kLeastDepths);
 }
 
 /// The points, in units of the scene, that count in fits.
@@ -82,18 +88,21 @@ std::vector<Point> FitPointsInScene(const Model& model, const std::set<int>& hid
 } // namespace
 
 FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden)
-    : control_(control), placement_(model.Extents()), first_line_category_(model.CategoryCount()),
+    : control_(control), placement_(model.Extents()), category_count_(model.CategoryCount()),
       hidden_(hidden.begin(), hidden.end()), fit_points_(FitPointsInScene(model, hidden_, placement_))
 {
     // A control for transparent drawing does not cull back faces. It would blend a two-sided face twice, and
     // the far side of a body over the near one.
     glEnable(GL_CULL_FACE);
+    MoveFacesBack();
     control_.ComputeExtents(false);
     control_.AllocateMemory(EntityCount(model));
     for (const Piece& piece : model.pieces)
         Feed(piece);
-    for (const int category : hidden_)
-        control_.DisableObject(ToType(category));
+    FeedKeptEdges();
+    for (int category = 0; category < category_count_; ++category)
+        if (hidden_.contains(category))
+            SetShown(category, false);
     DrawLines(false);
 }
 
@@ -101,47 +110,91 @@ void FittedScene::Feed(const Piece& piece)
 {
     if (!piece.faces.empty())
         FeedFaces(piece);
-    FeedLines(piece.lines, piece.color, ToType(piece.category));
+    if (piece.lines.empty())
+        return;
+    auto wires = MakeWires(piece.lines, [&](const Point& point) { return placement_.ToScene(point); });
+    control_.AppendGeometry(&wires, ToType(piece.category), piece.color, 1.0F);
 }
 
 void FittedScene::FeedFaces(const Piece& piece)
 {
     const auto category = ToType(piece.category);
-    auto solid = piece.two_sided
-                     ? std::nullopt
-                     : MakeSolid(piece, [&](const Point& point) { return placement_.ToScene(point); });
+    const auto place = [&](const Point& point) { return placement_.ToScene(point); };
+    auto solid = piece.two_sided ? std::nullopt : MakeSolid(piece, place);
     if (solid) {
         control_.AppendGeometry(&*solid, category, piece.color, piece.alpha);
-    } else {
-        control_.AppendGeometry(ToTriangles(piece, placement_), category, piece.color, piece.alpha);
-        const int line_category = first_line_category_ + piece.category;
-        FeedLines(FeatureEdges(piece), piece.color, ToType(line_category));
-        if (hidden_.contains(piece.category))
-            control_.DisableObject(ToType(line_category));
-        else
-            line_categories_.insert(line_category);
+        KeepEdges(MakeWires(*solid), piece);
+        return;
     }
+    control_.AppendGeometry(ToTriangles(piece, placement_), category, piece.color, piece.alpha);
+    const std::vector<Segment> edges = FeatureEdges(piece);
+    if (edges.empty())
+        return;
+    auto wires = MakeWires(edges, place);
+    control_.AppendGeometry(&wires, ToType(EdgeCategory(piece.category, Mode::Lines)), piece.color, 1.0F);
+    KeepEdges(std::move(wires), piece);
 }
 
-void FittedScene::FeedLines(const std::vector<Segment>& lines, unsigned char color,
-                            KARVGraphicalEntity::EntityType category)
+void FittedScene::KeepEdges(AModeler::Body wires, const Piece& piece)
 {
-    for (const Segment& segment : lines) {
-        AcDbLine line(ToHost(placement_.ToScene(segment.from)), ToHost(placement_.ToScene(segment.to)));
-        line.setColorIndex(color);
-        control_.AppendGeometry(&line, category);
-    }
+    // Lines ignore opacity: the edges of a piece that is not visible would be.
+    if (piece.alpha > 0.0F)
+        kept_edges_.emplace_back(&wires, ToType(EdgeCategory(piece.category, Mode::Faces)),
+                                 EdgeColor(piece.color));
+}
+
+void FittedScene::FeedKeptEdges()
+{
+    for (KARVGraphicalEntity& edges : kept_edges_)
+        control_.AppendGeometry(std::move(edges));
+    std::vector<KARVGraphicalEntity>().swap(kept_edges_);
+}
+
+int FittedScene::EdgeCategory(int category, Mode mode)
+{
+    const int next = category_count_ + static_cast<int>(edge_categories_.size());
+    return edge_categories_.try_emplace({category, mode}, next).first->second;
 }
 
 void FittedScene::DrawLines(bool lines)
 {
+    lines_ = lines;
     control_.SetRenderMode(lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
-    // The control draws lines in both modes, so the categories of feature edges are hidden among faces.
-    for (const int category : line_categories_)
-        if (lines)
-            control_.EnableObject(ToType(category));
-        else
-            control_.DisableObject(ToType(category));
+    ShowEdges();
+}
+
+void FittedScene::DrawEdges(bool edges)
+{
+    edges_ = edges;
+    ShowEdges();
+}
+
+void FittedScene::ShowCategory(int category, bool shown)
+{
+    if (shown)
+        hidden_.erase(category);
+    else
+        hidden_.insert(category);
+    SetShown(category, shown);
+    ShowEdges();
+}
+
+void FittedScene::ShowEdges()
+{
+    // The control draws lines in both modes, so edges are shown by their categories.
+    for (const auto& [key, number] : edge_categories_) {
+        const auto& [category, mode] = key;
+        const bool is_wanted = mode == Mode::Lines ? lines_ : edges_ && !lines_;
+        SetShown(number, is_wanted && !hidden_.contains(category));
+    }
+}
+
+void FittedScene::SetShown(int category, bool shown)
+{
+    if (shown)
+        control_.EnableObject(ToType(category));
+    else
+        control_.DisableObject(ToType(category));
 }
 
 bool FittedScene::IsFlat() const

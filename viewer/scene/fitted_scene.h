@@ -8,7 +8,9 @@
 #include "viewer/scene/scene_placement.h"
 #include "viewer/scene/standard_view.h"
 
+#include <map>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace viewer
@@ -18,20 +20,31 @@ namespace viewer
 /// in every call.
 ///
 /// Pieces whose faces close are fed as bodies, which show their edges in line mode. Other pieces are fed as
-/// triangles; two-sided ones get a triangle for each side. Their feature edges are fed as lines in a separate
-/// category, which is hidden while faces are drawn. Its number is the piece's category plus the category
-/// count of the model. The lines of a piece belong to the piece's category and are visible in both modes.
+/// triangles; two-sided ones get a triangle for each side. Their feature edges are fed as lines that are
+/// shown in line mode alone. While faces are drawn, the edges of both kinds are drawn over them, unless that is
+/// switched off. A control for transparent drawing has no depth test, so edges behind its faces are visible,
+/// too. The lines of a piece are visible in both modes.
+///
+/// Faces and lines are in the category of their piece. Edges are in separate categories, numbered from the
+/// category count of the model upwards, which are shown and hidden with those of the pieces by
+/// `ShowCategory`. All lines or edges of a piece are one entity, so that frames of many edges are fast.
 class FittedScene
 {
   public:
-    /// Feeds every piece, in order, to a control that was just created. Faces are drawn at first; the
-    /// categories in `hidden` are shown in neither mode. The control must outlive this object; the model is
-    /// only read here. The model's extents must not be empty, and its faces must be convex (`FillFaces`).
-    /// Back faces are culled from then on, also in a control for transparent drawing.
+    /// Feeds every piece, in order, to a control that was just created. Faces with their edges are drawn at
+    /// first; the categories in `hidden` are shown in neither mode. The control must outlive this object; the
+    /// model is only read here. The model's extents must not be empty, and its faces must be convex (`FillFaces`).
+    /// Back faces are culled from then on, also in a control for transparent drawing. Faces are drawn a little
+    /// further away than they are (`glPolygonOffset`), so that they do not cover their own edges and the lines
+    /// on them.
     FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {});
 
     /// Draws lines or faces from the next frame on.
     void DrawLines(bool lines);
+    /// Draws edges over faces from the next frame on, or does not. Line mode draws edges in any case.
+    void DrawEdges(bool edges);
+    /// Shows or hides a category of the model, with its edges, from the next frame on.
+    void ShowCategory(int category, bool shown);
 
     /// Whether everything visible lies in one plane of constant z, as in a drawing.
     [[nodiscard]] bool IsFlat() const;
@@ -49,17 +62,27 @@ class FittedScene
     void ResetZoom();
 
   private:
+    enum class Mode { Faces, Lines };
+
     void Feed(const Piece& piece);
     void FeedFaces(const Piece& piece);
-    void FeedLines(const std::vector<Segment>& lines, unsigned char color,
-                   KARVGraphicalEntity::EntityType category);
+    /// The edges are shown over faces, which must all be fed before them.
+    void KeepEdges(AModeler::Body wires, const Piece& piece);
+    void FeedKeptEdges();
+    /// The category for the edges of a category of the model in one mode.
+    [[nodiscard]] int EdgeCategory(int category, Mode mode);
+    void ShowEdges();
+    void SetShown(int category, bool shown);
     void Fit(const FitOptions& options);
 
     KARVOpenGLControl& control_;
     ScenePlacement placement_;
-    int first_line_category_;
-    std::set<int> line_categories_; ///< of feature edges, without those of hidden pieces
-    std::set<int> hidden_;
+    int category_count_; ///< of the model
+    std::map<std::pair<int, Mode>, int> edge_categories_;
+    std::vector<KARVGraphicalEntity> kept_edges_;
+    std::set<int> hidden_; ///< categories of the model
+    bool lines_ = false;
+    bool edges_ = true;
     std::vector<Point> fit_points_;                   ///< in units of the scene
     Projection projection_ = Projection::Perspective; ///< the projection of a new control
     double zoom_ = 1.0;                               ///< of the last fit

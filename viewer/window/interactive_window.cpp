@@ -28,7 +28,8 @@ std::string FreePictureName()
 
 InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model,
                                      std::ostream& notices, std::ostream& errors)
-    : ModelWindow(size, options, model), notices_(notices), errors_(errors), lines_(options.lines)
+    : ModelWindow(size, options, model), notices_(notices), errors_(errors), lines_(options.lines),
+      edges_(options.edges)
 {
     Show(OpeningView(), OpeningProjection());
     ShowWindow(SW_SHOW);
@@ -57,6 +58,12 @@ void InteractiveWindow::SwitchMode()
 {
     lines_ = !lines_;
     Scene().DrawLines(lines_);
+}
+
+void InteractiveWindow::SwitchEdges()
+{
+    edges_ = !edges_;
+    Scene().DrawEdges(edges_);
 }
 
 void InteractiveWindow::SwitchLights()

@@ -52,6 +52,7 @@ class InteractiveWindow : public ModelWindow
     /// The camera is kept where the user has moved it; else the model is fitted again.
     void SwitchProjection();
     void SwitchMode();
+    void SwitchEdges();
     void SwitchLights();
     void NextBackground();
     /// Zooms as the last fit did.
@@ -65,6 +66,7 @@ class InteractiveWindow : public ModelWindow
     std::ostream& notices_;
     std::ostream& errors_;
     bool lines_;
+    bool edges_;
     bool lights_off_ = false;
     std::size_t next_background_ = 0;
     bool is_open_ = true;

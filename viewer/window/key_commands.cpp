@@ -26,6 +26,7 @@ std::span<const InteractiveWindow::KeyCommand> InteractiveWindow::KeyCommands()
         KeyCommand{L'p', "perspective or parallel projection",
                    [](auto& window) { window.SwitchProjection(); }},
         KeyCommand{L'm', "faces or lines", [](auto& window) { window.SwitchMode(); }},
+        KeyCommand{L'e', "edges over faces", [](auto& window) { window.SwitchEdges(); }},
         KeyCommand{L'r', "left button rotates", [](auto& window) { window.Control().RestrictToRotate(); }},
         KeyCommand{L't', "left button pans", [](auto& window) { window.Control().RestrictToPan(); }},
         KeyCommand{L'z', "left button zooms", [](auto& window) { window.Control().RestrictToZoom(); }},

@@ -37,6 +37,7 @@ void ModelWindow::Feed(const Model& model)
         control.SetBgColor(background->at(0), background->at(1), background->at(2));
     scene_ = std::make_unique<FittedScene>(control, model, options_.hidden);
     scene_->DrawLines(options_.lines);
+    scene_->DrawEdges(options_.edges);
 }
 
 StandardView ModelWindow::OpeningView() const

@@ -17,6 +17,7 @@ struct ViewOptions {
     /// If absent, a flat drawing opens in parallel projection, another model in perspective.
     std::optional<Projection> projection;
     bool lines = false;                           ///< edges and lines instead of faces
+    bool edges = true;                            ///< over faces
     std::optional<std::array<int, 3>> background; ///< red, green, blue, 0 to 255
     bool transparent = false;                     ///< the control draws translucent faces
     std::vector<int> hidden;                      ///< categories

@@ -241,7 +241,7 @@ class FittedSceneLines : public testing::Test
     ViewportWindow view_{L"test", PictureSize{100, 100}, false};
 };
 
-TEST_F(FittedSceneLines, SolidShowsItsEdgesInLineModeAndNoneAmongItsFaces)
+TEST_F(FittedSceneLines, SolidShowsItsEdgesInLineMode)
 {
     FittedScene scene(view_.Control(), BoxModel(BoxOf({0, 0, 0}, {1, 1, 1})));
     scene.Show(StandardView::Front, Projection::Parallel, 1.0);
@@ -255,13 +255,14 @@ TEST_F(FittedSceneLines, SolidShowsItsEdgesInLineModeAndNoneAmongItsFaces)
     EXPECT_EQ(view_.TakePicture().pixels, faces.pixels);
 }
 
-TEST_F(FittedSceneLines, SurfaceShowsItsBorderInLineModeAlone)
+TEST_F(FittedSceneLines, SurfaceShowsItsBorderInLineMode)
 {
     // Two squares side by side, one of them in another category.
     Model model;
     model.pieces.push_back(MakePiece("a", {UnitSquareAt(0)}, 0, 1));
     model.pieces.push_back(MakePiece("b", {UnitSquareAt(2)}, 1, 3));
     FittedScene scene(view_.Control(), model);
+    scene.DrawEdges(false);
     scene.Show(StandardView::Top, Projection::Parallel, 1.0);
     const Picture faces = view_.TakePicture();
     view_.Control().DisableObject(static_cast<KARVGraphicalEntity::EntityType>(0));

@@ -136,6 +136,11 @@ void AddPictureOptions(CLI::App& app, Options& options)
         ->check(CLI::IsMember(std::vector<std::string>{"faces", "lines"}))
         ->option_text("NAME");
     app.add_option_function<std::string>(
+           "--edges", [&](const std::string& name) { options.drawing.edges = name == "on"; },
+           "Draw edges over faces: on or off (default on)")
+        ->check(CLI::IsMember(std::vector<std::string>{"on", "off"}))
+        ->option_text("NAME");
+    app.add_option_function<std::string>(
            "--size", [&](const std::string& text) { SetSize(options, text); },
            "Size of the picture file in pixels (default 1024x768; a sheet has cells of 320x240)")
         ->option_text("WxH");

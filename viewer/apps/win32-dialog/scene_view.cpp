@@ -19,11 +19,6 @@ double AspectOf(const CRect& rect)
     return static_cast<double>(rect.Width()) / static_cast<double>(rect.Height());
 }
 
-KARVGraphicalEntity::EntityType ToCategory(int category)
-{
-    return static_cast<KARVGraphicalEntity::EntityType>(category);
-}
-
 } // namespace
 
 void SceneView::ShowModel(viewer::Model model)
@@ -56,7 +51,7 @@ void SceneView::Build()
     if (background_)
         SetBackground(*background_);
     for (const int category : hidden_)
-        viewport_->DisableObject(ToCategory(category));
+        scene_->ShowCategory(category, false);
     ShowWhole(aspect_);
     viewport_->ForceRenderStart();
 }
@@ -113,13 +108,11 @@ void SceneView::DrawLines(bool lines)
 
 void SceneView::ShowCategory(int category, bool shown)
 {
-    if (shown) {
+    if (shown)
         hidden_.erase(category);
-        viewport_->EnableObject(ToCategory(category));
-    } else {
+    else
         hidden_.insert(category);
-        viewport_->DisableObject(ToCategory(category));
-    }
+    scene_->ShowCategory(category, shown);
 }
 
 void SceneView::SetBackground(COLORREF color)
