@@ -29,7 +29,7 @@ std::string FreePictureName()
 InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model,
                                      std::ostream& notices, std::ostream& errors)
     : ModelWindow(size, options, model), notices_(notices), errors_(errors), lines_(options.lines),
-      edges_(options.edges)
+      edges_(options.edges), light_(options.light)
 {
     Show(OpeningView(), OpeningProjection());
     ShowWindow(SW_SHOW);
@@ -66,10 +66,10 @@ void InteractiveWindow::SwitchEdges()
     Scene().DrawEdges(edges_);
 }
 
-void InteractiveWindow::SwitchLights()
+void InteractiveWindow::SwitchLight()
 {
-    lights_off_ = !lights_off_;
-    Control().SetLightsOff(lights_off_);
+    light_ = NextLight(light_);
+    SetLight(light_);
 }
 
 void InteractiveWindow::NextBackground()

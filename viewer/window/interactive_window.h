@@ -53,7 +53,7 @@ class InteractiveWindow : public ModelWindow
     void SwitchProjection();
     void SwitchMode();
     void SwitchEdges();
-    void SwitchLights();
+    void SwitchLight();
     void NextBackground();
     /// Zooms as the last fit did.
     void ResetZoom();
@@ -67,7 +67,7 @@ class InteractiveWindow : public ModelWindow
     std::ostream& errors_;
     bool lines_;
     bool edges_;
-    bool lights_off_ = false;
+    Light light_;
     std::size_t next_background_ = 0;
     bool is_open_ = true;
 };

@@ -35,6 +35,7 @@ void ModelWindow::Feed(const Model& model)
     control.MakeCurrent();
     if (const auto& background = options_.background)
         control.SetBgColor(background->at(0), background->at(1), background->at(2));
+    SetLight(options_.light);
     scene_ = std::make_unique<FittedScene>(control, model, options_.hidden);
     scene_->DrawLines(options_.lines);
     scene_->DrawEdges(options_.edges);

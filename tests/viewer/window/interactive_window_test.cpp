@@ -14,6 +14,7 @@
 #include <cmath>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
 namespace viewer
 {
@@ -253,13 +254,37 @@ TEST_F(InteractiveWindowTest, BGoesThroughTheBackgrounds)
     EXPECT_EQ(Corner(), 0xFFFFFFU);
 }
 
-TEST_F(InteractiveWindowTest, LTurnsTheLightsOffAndOn)
+TEST_F(InteractiveWindowTest, ETakesEdgesAwayAndBringsThemBack)
 {
-    const Picture lit = window_.TakePicture();
-    Press('l');
-    EXPECT_NE(window_.TakePicture().pixels, lit.pixels);
-    Press('l');
-    EXPECT_EQ(window_.TakePicture().pixels, lit.pixels);
+    const Picture with_edges = window_.TakePicture();
+    Press('e');
+    const Picture without = window_.TakePicture();
+    EXPECT_NE(without.pixels, with_edges.pixels);
+    Press('e');
+    EXPECT_EQ(window_.TakePicture().pixels, with_edges.pixels);
+    ViewOptions options = OnBlack();
+    options.edges = false;
+    InteractiveWindow window(kSmall, options, model_, notices_, errors_);
+    EXPECT_EQ(window.TakePicture().pixels, without.pixels);
+    window.RunKeyCommand(L'e');
+    EXPECT_EQ(window.TakePicture().pixels, with_edges.pixels);
+}
+
+TEST_F(InteractiveWindowTest, LGoesThroughTheLights)
+{
+    std::vector<std::vector<std::uint32_t>> seen;
+    for (const Light light : {Light::Shoulder, Light::Eye, Light::None}) {
+        seen.push_back(window_.TakePicture().pixels);
+        ViewOptions options = OnBlack();
+        options.light = light;
+        InteractiveWindow window(kSmall, options, model_, notices_, errors_);
+        EXPECT_EQ(window.TakePicture().pixels, seen.back());
+        Press('l');
+    }
+    EXPECT_NE(seen[0], seen[1]);
+    EXPECT_NE(seen[1], seen[2]);
+    EXPECT_NE(seen[2], seen[0]);
+    EXPECT_EQ(window_.TakePicture().pixels, seen[0]);
 }
 
 TEST_F(InteractiveWindowTest, SSavesPicturesUnderNamesThatAreFree)

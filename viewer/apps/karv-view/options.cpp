@@ -150,6 +150,16 @@ void AddDrawingOptions(CLI::App& app, Options& options)
 {
     constexpr int kMaxColor = 255;
     app.add_option_function<std::string>(
+           "--light",
+           [&](const std::string& name) {
+               options.drawing.light = name == "eye"    ? Light::Eye
+                                       : name == "none" ? Light::None
+                                                        : Light::Shoulder;
+           },
+           "Light from over the shoulder, from the eye, or none (default shoulder)")
+        ->check(CLI::IsMember(std::vector<std::string>{"shoulder", "eye", "none"}))
+        ->option_text("NAME");
+    app.add_option_function<std::string>(
            "--background", [&](const std::string& text) { SetBackground(options, text); },
            "Background colour, 0 to 255 each")
         ->option_text("R,G,B");

@@ -2,6 +2,7 @@
 
 #include "platform/host/gs/manager.h"
 #include "platform/winsys/opengl.h"
+#include "viewer/scene/light.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -46,6 +47,7 @@ void SceneView::Build()
         glEnable(GL_DEPTH_TEST);
     }
     SetWindowPos(Window(), place_, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    viewer::SetLight(viewer::Light::Shoulder);
     scene_ = std::make_unique<viewer::FittedScene>(*viewport_, faded);
     scene_->DrawLines(lines_);
     if (background_)

@@ -54,6 +54,27 @@ TEST(Options, WithoutArgumentsTheDefaultsHold)
     EXPECT_EQ(options.size.value_or(PictureSize{}), (PictureSize{1024, 768}));
 }
 
+TEST(Options, EdgesAreOnAndTheLightIsOverTheShoulderUnlessChosen)
+{
+    const Parse defaults({});
+    ASSERT_TRUE(defaults.parsed.options);
+    EXPECT_TRUE(defaults.parsed.options->drawing.edges);
+    EXPECT_EQ(defaults.parsed.options->drawing.light, Light::Shoulder);
+    struct Case {
+        const char* edges;
+        const char* light;
+        bool has_edges;
+        Light chosen;
+    };
+    for (const Case& c : {Case{"on", "shoulder", true, Light::Shoulder},
+                          Case{"off", "eye", false, Light::Eye}, Case{"off", "none", false, Light::None}}) {
+        const Parse parse({"--edges", c.edges, "--light", c.light});
+        ASSERT_TRUE(parse.parsed.options) << parse.err;
+        EXPECT_EQ(parse.parsed.options->drawing.edges, c.has_edges);
+        EXPECT_EQ(parse.parsed.options->drawing.light, c.chosen);
+    }
+}
+
 TEST(Options, EveryOptionIsTaken)
 {
     const Parse parse({"--picture",     "p.png",    "--sheet", "s.png",      "--view",  "nw",
@@ -108,9 +129,9 @@ TEST(Options, HelpNamesEveryOptionAndSucceeds)
     EXPECT_FALSE(parse.parsed.options);
     EXPECT_EQ(parse.parsed.exit_status, 0);
     EXPECT_EQ(parse.err, "");
-    for (const char* option :
-         {"--picture", "--sheet", "--view", "--projection", "--mode", "--size", "--background", "--color",
-          "--alpha", "--transparent", "--hide", "--headless", "--trace", "--stats", "MODEL"})
+    for (const char* option : {"--picture", "--sheet", "--view", "--projection", "--mode", "--edges",
+                               "--light", "--size", "--background", "--color", "--alpha", "--transparent",
+                               "--hide", "--headless", "--trace", "--stats", "MODEL"})
         EXPECT_THAT(parse.out, HasSubstr(option));
 }
 
@@ -130,6 +151,8 @@ TEST(Options, UnknownNamesAreRefused)
     ExpectRefused({"--view", "SE"});
     ExpectRefused({"--projection", "flat"});
     ExpectRefused({"--mode", "points"});
+    ExpectRefused({"--edges", "yes"});
+    ExpectRefused({"--light", "sun"});
 }
 
 TEST(Options, SizesOutOfBoundsOrShapeAreRefused)
