@@ -178,38 +178,82 @@ TEST(Palette, NearestToAColourOfThePaletteIsItsLowestIndex)
     EXPECT_EQ(NearestColorIndex(165, 82, 82), 13);
 }
 
-// Black is as far from (38, 0, 0), 18, as from (0, 38, 0), 98, and (0, 0, 38), 178: 38 * 38 = 1444.
-TEST(Palette, NearestOfSeveralAtOneDistanceIsTheLowest)
+/// CIELAB of a colour of sRGB under D65, by the formulas of CIE 15 and IEC 61966-2-1.
+struct Lab {
+    double lightness, a, b;
+};
+
+Lab LabOf(int red, int green, int blue)
 {
-    EXPECT_EQ(NearestColorIndex(0, 0, 0), 18);
+    const auto linear = [](int channel) {
+        const double value = channel / 255.0;
+        return value > 0.04045 ? std::pow((value + 0.055) / 1.055, 2.4) : value / 12.92;
+    };
+    const auto curve = [](double t) {
+        return t > 216.0 / 24389.0 ? std::cbrt(t) : (24389.0 / 27.0 * t + 16.0) / 116.0;
+    };
+    const double r = linear(red);
+    const double g = linear(green);
+    const double b = linear(blue);
+    const double x = curve((0.4124564 * r + 0.3575761 * g + 0.1804375 * b) / 0.95047);
+    const double y = curve(0.2126729 * r + 0.7151522 * g + 0.0721750 * b);
+    const double z = curve((0.0193339 * r + 0.1191920 * g + 0.9503041 * b) / 1.08883);
+    return {116.0 * y - 16.0, 500.0 * (x - y), 200.0 * (y - z)};
 }
 
-// (100, 100, 100) lies 3 * 9 * 9 = 243 from grey 91 and 3 * 28 * 28 = 2352 from grey 128.
-TEST(Palette, NearestGreyBetweenTwo)
+Lab LabOf(Adesk::UInt32 packed)
 {
-    EXPECT_EQ(NearestColorIndex(100, 100, 100), 251);
+    return LabOf(static_cast<int>(packed / 65536U), static_cast<int>(packed / 256U % 256U),
+                 static_cast<int>(packed % 256U));
+}
+
+double Difference(const Lab& one, const Lab& other)
+{
+    return std::hypot(one.lightness - other.lightness, one.a - other.a, one.b - other.b);
+}
+
+bool IsGray(Adesk::UInt32 packed)
+{
+    return packed / 65536U == packed % 256U && packed / 256U % 256U == packed % 256U;
+}
+
+// By CIELAB, the dark red (38, 0, 0) is nearer to black than the darkest grey is.
+TEST(Palette, NearestToAGreyIsTheGreyOfTheNearestLightness)
+{
+    ASSERT_LT(Difference(LabOf(38, 0, 0), LabOf(0, 0, 0)), Difference(LabOf(51, 51, 51), LabOf(0, 0, 0)));
+    EXPECT_EQ(NearestColorIndex(0, 0, 0), 250);
+    EXPECT_EQ(NearestColorIndex(25, 25, 25), 250);
+    EXPECT_EQ(NearestColorIndex(24, 25, 25), 250) << "its hue is not seen";
+    for (int gray = 0; gray < 256; ++gray) {
+        const auto channel = static_cast<Adesk::UInt8>(gray);
+        const Adesk::UInt32 nearest =
+            AcCmEntityColor::lookUpRGB(NearestColorIndex(channel, channel, channel));
+        ASSERT_TRUE(IsGray(nearest)) << gray;
+        const double lightness = LabOf(gray, gray, gray).lightness;
+        for (const int other : {51, 91, 128, 132, 173, 192, 214, 255})
+            EXPECT_LE(std::abs(LabOf(nearest).lightness - lightness),
+                      std::abs(LabOf(other, other, other).lightness - lightness) + 1e-9)
+                << gray;
+    }
 }
 
 TEST(Palette, NearestIsNoFurtherThanAnyOther)
 {
-    const auto distance = [](Adesk::UInt32 packed, int red, int green, int blue) {
-        const int r = static_cast<int>(packed / 65536U) - red;
-        const int g = static_cast<int>(packed / 256U % 256U) - green;
-        const int b = static_cast<int>(packed % 256U) - blue;
-        return r * r + g * g + b * b;
-    };
     for (int red = 0; red < 256; red += 51) {
         for (int green = 0; green < 256; green += 51) {
             for (int blue = 0; blue < 256; blue += 51) {
+                if (red == green && green == blue)
+                    continue;
                 const Adesk::UInt8 nearest =
                     NearestColorIndex(static_cast<Adesk::UInt8>(red), static_cast<Adesk::UInt8>(green),
                                       static_cast<Adesk::UInt8>(blue));
                 ASSERT_NE(nearest, 0);
-                const int best = distance(AcCmEntityColor::lookUpRGB(nearest), red, green, blue);
+                const Lab wanted = LabOf(red, green, blue);
+                const double best = Difference(LabOf(AcCmEntityColor::lookUpRGB(nearest)), wanted);
                 for (unsigned index = 1; index < 256; ++index) {
-                    const int other = distance(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(index)),
-                                               red, green, blue);
-                    EXPECT_TRUE(other > best || (other == best && index >= nearest));
+                    const double other = Difference(
+                        LabOf(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(index))), wanted);
+                    EXPECT_GE(other, best - 1e-9);
                 }
             }
         }

@@ -87,14 +87,17 @@ std::vector<Point> FitPointsInScene(const Model& model, const std::set<int>& hid
 
 } // namespace
 
-FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden)
+FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden,
+                         Ground ground)
     : control_(control), placement_(model.Extents()), category_count_(model.CategoryCount()),
-      hidden_(hidden.begin(), hidden.end()), fit_points_(FitPointsInScene(model, hidden_, placement_))
+      hidden_(hidden.begin(), hidden.end()), ground_use_(ground),
+      fit_points_(FitPointsInScene(model, hidden_, placement_))
 {
     // A control for transparent drawing does not cull back faces. It would blend a two-sided face twice, and
     // the far side of a body over the near one.
     glEnable(GL_CULL_FACE);
     MoveFacesBack();
+    ReadGround();
     control_.ComputeExtents(false);
     control_.AllocateMemory(EntityCount(model));
     for (const Piece& piece : model.pieces)
@@ -110,10 +113,8 @@ void FittedScene::Feed(const Piece& piece)
 {
     if (!piece.faces.empty())
         FeedFaces(piece);
-    if (piece.lines.empty())
-        return;
-    auto wires = MakeWires(piece.lines, [&](const Point& point) { return placement_.ToScene(point); });
-    control_.AppendGeometry(&wires, ToType(piece.category), piece.color, 1.0F);
+    if (!piece.lines.empty())
+        FeedLines(piece);
 }
 
 void FittedScene::FeedFaces(const Piece& piece)
@@ -123,7 +124,9 @@ void FittedScene::FeedFaces(const Piece& piece)
     auto solid = piece.two_sided ? std::nullopt : MakeSolid(piece, place);
     if (solid) {
         control_.AppendGeometry(&*solid, category, piece.color, piece.alpha);
-        KeepEdges(MakeWires(*solid), piece);
+        auto wires = MakeWires(*solid);
+        FeedColors(wires, piece, Mode::Lines, piece.color);
+        KeepEdges(wires, piece);
         return;
     }
     control_.AppendGeometry(ToTriangles(piece, placement_), category, piece.color, piece.alpha);
@@ -131,16 +134,17 @@ void FittedScene::FeedFaces(const Piece& piece)
     if (edges.empty())
         return;
     auto wires = MakeWires(edges, place);
-    control_.AppendGeometry(&wires, ToType(EdgeCategory(piece.category, Mode::Lines)), piece.color, 1.0F);
-    KeepEdges(std::move(wires), piece);
+    FeedColors(wires, piece, Mode::Lines, std::nullopt);
+    KeepEdges(wires, piece);
 }
 
-void FittedScene::KeepEdges(AModeler::Body wires, const Piece& piece)
+void FittedScene::KeepEdges(AModeler::Body& wires, const Piece& piece)
 {
     // Lines ignore opacity: the edges of a piece that is not visible would be.
-    if (piece.alpha > 0.0F)
-        kept_edges_.emplace_back(&wires, ToType(EdgeCategory(piece.category, Mode::Faces)),
-                                 EdgeColor(piece.color));
+    if (piece.alpha <= 0.0F)
+        return;
+    const unsigned char color = EdgeColor(piece.color);
+    kept_edges_.emplace_back(&wires, CategoryOf({piece.category, Mode::Faces, color, color}), color);
 }
 
 void FittedScene::FeedKeptEdges()
@@ -150,23 +154,49 @@ void FittedScene::FeedKeptEdges()
     std::vector<KARVGraphicalEntity>().swap(kept_edges_);
 }
 
-int FittedScene::EdgeCategory(int category, Mode mode)
+void FittedScene::FeedLines(const Piece& piece)
 {
-    const int next = category_count_ + static_cast<int>(edge_categories_.size());
-    return edge_categories_.try_emplace({category, mode}, next).first->second;
+    auto wires = MakeWires(piece.lines, [&](const Point& point) { return placement_.ToScene(point); });
+    const unsigned char color =
+        ground_use_ == Ground::Changing ? piece.color : ReadableColor(piece.color, ground_);
+    control_.AppendGeometry(&wires, ToType(piece.category), color, 1.0F);
+    FeedColors(wires, piece, Mode::Both, color);
+}
+
+void FittedScene::FeedColors(AModeler::Body& wires, const Piece& piece, Mode mode,
+                             std::optional<unsigned char> fed)
+{
+    // Lines in another colour follow those in their own, and replace all their pixels.
+    for (const unsigned char shown : ShownColors(piece.color))
+        if (shown != fed)
+            control_.AppendGeometry(&wires, CategoryOf({piece.category, mode, piece.color, shown}), shown,
+                                    1.0F);
+}
+
+std::vector<unsigned char> FittedScene::ShownColors(unsigned char color) const
+{
+    if (ground_use_ == Ground::Changing)
+        return ReadableColors(color);
+    return {ReadableColor(color, ground_)};
+}
+
+KARVGraphicalEntity::EntityType FittedScene::CategoryOf(const LineGroup& group)
+{
+    const int next = category_count_ + static_cast<int>(line_groups_.size());
+    return ToType(line_groups_.try_emplace(group, next).first->second);
 }
 
 void FittedScene::DrawLines(bool lines)
 {
     lines_ = lines;
     control_.SetRenderMode(lines ? KARVGLRenderModeLines : KARVGLRenderModeFaces);
-    ShowEdges();
+    ShowLineGroups();
 }
 
 void FittedScene::DrawEdges(bool edges)
 {
     edges_ = edges;
-    ShowEdges();
+    ShowLineGroups();
 }
 
 void FittedScene::ShowCategory(int category, bool shown)
@@ -176,17 +206,37 @@ void FittedScene::ShowCategory(int category, bool shown)
     else
         hidden_.insert(category);
     SetShown(category, shown);
-    ShowEdges();
+    ShowLineGroups();
 }
 
-void FittedScene::ShowEdges()
+void FittedScene::SetGround(int red, int green, int blue)
 {
-    // The control draws lines in both modes, so edges are shown by their categories.
-    for (const auto& [key, number] : edge_categories_) {
-        const auto& [category, mode] = key;
-        const bool is_wanted = mode == Mode::Lines ? lines_ : edges_ && !lines_;
-        SetShown(number, is_wanted && !hidden_.contains(category));
-    }
+    control_.SetBgColor(red, green, blue);
+    ReadGround();
+    ShowLineGroups();
+}
+
+void FittedScene::ReadGround()
+{
+    std::array<GLdouble, 4> color{};
+    glGetDoublev(GL_COLOR_CLEAR_VALUE, color.data());
+    ground_ = {color[0], color[1], color[2]};
+}
+
+bool FittedScene::IsShown(const LineGroup& group) const
+{
+    if (hidden_.contains(group.category))
+        return false;
+    if (group.mode == Mode::Faces)
+        return edges_ && !lines_;
+    return (lines_ || group.mode == Mode::Both) && ReadableColor(group.color, ground_) == group.shown;
+}
+
+void FittedScene::ShowLineGroups()
+{
+    // The control draws lines in both modes, so those of one mode are shown by their categories.
+    for (const auto& [group, number] : line_groups_)
+        SetShown(number, IsShown(group));
 }
 
 void FittedScene::SetShown(int category, bool shown)

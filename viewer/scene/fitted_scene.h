@@ -4,17 +4,25 @@
 
 #include "control/KARVOpenGLControl.h"
 #include "viewer/scene/fit_view.h"
+#include "viewer/scene/line_colors.h"
 #include "viewer/scene/model.h"
 #include "viewer/scene/scene_placement.h"
 #include "viewer/scene/standard_view.h"
 
+#include <compare>
 #include <map>
+#include <optional>
 #include <set>
-#include <utility>
 #include <vector>
 
 namespace viewer
 {
+
+/// Whether the background of a control changes after the model was fed.
+enum class Ground {
+    Fixed,
+    Changing, ///< lines are fed in each colour that some ground needs, up to three times
+};
 
 /// A model in a control: fed once, then shown from any standard view. The control's context must be current
 /// in every call.
@@ -25,19 +33,25 @@ namespace viewer
 /// switched off. A control for transparent drawing has no depth test, so edges behind its faces are visible,
 /// too. The lines of a piece are visible in both modes.
 ///
-/// Faces and lines are in the category of their piece. Edges are in separate categories, numbered from the
-/// category count of the model upwards, which are shown and hidden with those of the pieces by
-/// `ShowCategory`. All lines or edges of a piece are one entity, so that frames of many edges are fast.
+/// Lines, and edges in line mode, have the colour of their piece, or the ground's opposite where the contrast
+/// of that colour with the control's background is too low (`ReadableColor`). Edges over faces contrast with
+/// the faces.
+///
+/// Faces and lines are in the category of their piece. Edges, and lines in other colours, are in separate
+/// categories, numbered from the category count of the model upwards, which are shown and hidden with those of
+/// the pieces by `ShowCategory`. All lines or edges of a piece are one entity, so that frames of many edges are
+/// fast.
 class FittedScene
 {
   public:
     /// Feeds every piece, in order, to a control that was just created. Faces with their edges are drawn at
     /// first; the categories in `hidden` are shown in neither mode. The control must outlive this object; the
-    /// model is only read here. The model's extents must not be empty, and its faces must be convex (`FillFaces`).
-    /// Back faces are culled from then on, also in a control for transparent drawing. Faces are drawn a little
-    /// further away than they are (`glPolygonOffset`), so that they do not cover their own edges and the lines
-    /// on them.
-    FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {});
+    /// model is only read here. The model's extents must not be empty, and its faces must be convex
+    /// (`FillFaces`). Back faces are culled from then on, also in a control for transparent drawing. Faces are
+    /// drawn a little further away than they are (`glPolygonOffset`), so that they do not cover their own edges
+    /// and the lines on them.
+    FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {},
+                Ground ground = Ground::Fixed);
 
     /// Draws lines or faces from the next frame on.
     void DrawLines(bool lines);
@@ -45,6 +59,9 @@ class FittedScene
     void DrawEdges(bool edges);
     /// Shows or hides a category of the model, with its edges, from the next frame on.
     void ShowCategory(int category, bool shown);
+    /// Sets the background of the control, 0 to 255 for each channel, and the colours of lines on it, from the
+    /// next frame on. The scene must be for a changing ground.
+    void SetGround(int red, int green, int blue);
 
     /// Whether everything visible lies in one plane of constant z, as in a drawing.
     [[nodiscard]] bool IsFlat() const;
@@ -62,25 +79,44 @@ class FittedScene
     void ResetZoom();
 
   private:
-    enum class Mode { Faces, Lines };
+    enum class Mode { Faces, Lines, Both };
+
+    /// Lines with a category of their own.
+    struct LineGroup {
+        int category = 0; ///< of the piece
+        Mode mode = Mode::Both;
+        unsigned char color = 0; ///< of the piece
+        unsigned char shown = 0; ///< the colour of the lines
+
+        auto operator<=>(const LineGroup&) const = default;
+    };
 
     void Feed(const Piece& piece);
     void FeedFaces(const Piece& piece);
     /// The edges are shown over faces, which must all be fed before them.
-    void KeepEdges(AModeler::Body wires, const Piece& piece);
+    void KeepEdges(AModeler::Body& wires, const Piece& piece);
     void FeedKeptEdges();
-    /// The category for the edges of a category of the model in one mode.
-    [[nodiscard]] int EdgeCategory(int category, Mode mode);
-    void ShowEdges();
+    void FeedLines(const Piece& piece);
+    /// Feeds lines in all colours in which they may be shown in that mode, without the colour `fed`.
+    void FeedColors(AModeler::Body& wires, const Piece& piece, Mode mode, std::optional<unsigned char> fed);
+    /// The colours in which lines of this colour may be shown.
+    [[nodiscard]] std::vector<unsigned char> ShownColors(unsigned char color) const;
+    /// The category of the group.
+    [[nodiscard]] KARVGraphicalEntity::EntityType CategoryOf(const LineGroup& group);
+    [[nodiscard]] bool IsShown(const LineGroup& group) const;
+    void ShowLineGroups();
+    void ReadGround();
     void SetShown(int category, bool shown);
     void Fit(const FitOptions& options);
 
     KARVOpenGLControl& control_;
     ScenePlacement placement_;
-    int category_count_; ///< of the model
-    std::map<std::pair<int, Mode>, int> edge_categories_;
+    int category_count_;                   ///< of the model
+    std::map<LineGroup, int> line_groups_; ///< with their categories
     std::vector<KARVGraphicalEntity> kept_edges_;
     std::set<int> hidden_; ///< categories of the model
+    Ground ground_use_;
+    Rgb ground_;
     bool lines_ = false;
     bool edges_ = true;
     std::vector<Point> fit_points_;                   ///< in units of the scene

@@ -1,5 +1,6 @@
 #include "viewer/window/interactive_window.h"
 
+#include "platform/host/gs/manager.h"
 #include "viewer/output/png_image.h"
 
 #include <array>
@@ -13,7 +14,23 @@ namespace viewer
 namespace
 {
 
-constexpr std::array<std::array<int, 3>, 3> kBackgrounds = {{{255, 255, 255}, {90, 90, 90}, {0, 0, 0}}};
+using Background = std::array<int, 3>;
+
+/// The backgrounds that a key goes through: the first one, and white, grey and black without it.
+std::vector<Background> BackgroundsFrom(const Background& first)
+{
+    std::vector<Background> backgrounds{first};
+    for (const Background& next : {Background{255, 255, 255}, {90, 90, 90}, {0, 0, 0}})
+        if (next != first)
+            backgrounds.push_back(next);
+    return backgrounds;
+}
+
+Background HostBackground()
+{
+    const AcGsColor color = acgsGetGsManager(nullptr)->displayDevice()->backgroundColor();
+    return {color.red, color.green, color.blue};
+}
 
 std::string FreePictureName()
 {
@@ -28,8 +45,9 @@ std::string FreePictureName()
 
 InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model,
                                      std::ostream& notices, std::ostream& errors)
-    : ModelWindow(size, options, model), notices_(notices), errors_(errors), lines_(options.lines),
-      edges_(options.edges), light_(options.light)
+    : ModelWindow(size, options, model, Ground::Changing), notices_(notices), errors_(errors),
+      lines_(options.lines), edges_(options.edges), light_(options.light),
+      backgrounds_(BackgroundsFrom(options.background.value_or(HostBackground())))
 {
     Show(OpeningView(), OpeningProjection());
     ShowWindow(SW_SHOW);
@@ -74,9 +92,9 @@ void InteractiveWindow::SwitchLight()
 
 void InteractiveWindow::NextBackground()
 {
-    const auto& [red, green, blue] = kBackgrounds.at(next_background_);
-    Control().SetBgColor(red, green, blue);
-    next_background_ = (next_background_ + 1) % kBackgrounds.size();
+    background_ = (background_ + 1) % backgrounds_.size();
+    const auto& [red, green, blue] = backgrounds_[background_];
+    Scene().SetGround(red, green, blue);
 }
 
 void InteractiveWindow::ResetZoom()

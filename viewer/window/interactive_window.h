@@ -4,10 +4,12 @@
 
 #include "viewer/window/model_window.h"
 
+#include <array>
 #include <cstddef>
 #include <iosfwd>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace viewer
 {
@@ -68,7 +70,8 @@ class InteractiveWindow : public ModelWindow
     bool lines_;
     bool edges_;
     Light light_;
-    std::size_t next_background_ = 0;
+    std::vector<std::array<int, 3>> backgrounds_; ///< red, green, blue, 0 to 255
+    std::size_t background_ = 0;                  ///< the number of the present one
     bool is_open_ = true;
 };
 

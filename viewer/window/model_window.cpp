@@ -17,13 +17,13 @@ std::wstring TitleOf(const Model& model)
 
 } // namespace
 
-ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options)
-    : ViewportWindow(L"karv-view", size, options.transparent), options_(options)
+ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options, Ground ground)
+    : ViewportWindow(L"karv-view", size, options.transparent), options_(options), ground_(ground)
 {
 }
 
-ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options, const Model& model)
-    : ModelWindow(size, options)
+ModelWindow::ModelWindow(PictureSize size, const ViewOptions& options, const Model& model, Ground ground)
+    : ModelWindow(size, options, ground)
 {
     Feed(model);
 }
@@ -36,7 +36,7 @@ void ModelWindow::Feed(const Model& model)
     if (const auto& background = options_.background)
         control.SetBgColor(background->at(0), background->at(1), background->at(2));
     SetLight(options_.light);
-    scene_ = std::make_unique<FittedScene>(control, model, options_.hidden);
+    scene_ = std::make_unique<FittedScene>(control, model, options_.hidden, ground_);
     scene_->DrawLines(options_.lines);
     scene_->DrawEdges(options_.edges);
 }

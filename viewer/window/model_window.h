@@ -15,9 +15,10 @@ class ModelWindow : public ViewportWindow
   public:
     /// Creates a hidden window with a client area of this size. Call `Feed` next. The options must outlive the
     /// window. Throws as ViewportWindow does.
-    ModelWindow(PictureSize size, const ViewOptions& options);
+    ModelWindow(PictureSize size, const ViewOptions& options, Ground ground = Ground::Fixed);
     /// Creates the window and feeds the model.
-    ModelWindow(PictureSize size, const ViewOptions& options, const Model& model);
+    ModelWindow(PictureSize size, const ViewOptions& options, const Model& model,
+                Ground ground = Ground::Fixed);
 
     /// Feeds the model, drawn as the options say. To be called once; call `Show` next. The model is only read
     /// here.
@@ -37,6 +38,7 @@ class ModelWindow : public ViewportWindow
 
   private:
     const ViewOptions& options_;
+    Ground ground_;
     std::unique_ptr<FittedScene> scene_;
 };
 

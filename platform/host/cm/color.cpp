@@ -1,6 +1,7 @@
 #include "platform/host/cm/color.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 namespace
@@ -74,14 +75,62 @@ constexpr int Channel(Adesk::UInt32 color, unsigned shift)
     return static_cast<int>((color >> shift) & 0xFFU);
 }
 
-constexpr int SquaredDistance(Adesk::UInt32 a, Adesk::UInt32 b)
+/// A colour of CIELAB, where distances are about as large as the differences that people see.
+struct Lab {
+    double lightness = 0.0;
+    double a = 0.0; ///< from green to red
+    double b = 0.0; ///< from blue to yellow
+};
+
+double SquaredDistance(const Lab& one, const Lab& other)
 {
-    int sum = 0;
-    for (const unsigned shift : {16U, 8U, 0U}) {
-        const int difference = Channel(a, shift) - Channel(b, shift);
-        sum += difference * difference;
-    }
-    return sum;
+    const double lightness = one.lightness - other.lightness;
+    const double a = one.a - other.a;
+    const double b = one.b - other.b;
+    return lightness * lightness + a * a + b * b;
+}
+
+/// The intensity of a channel of sRGB, 0 to 1.
+double Linear(Adesk::UInt32 color, unsigned shift)
+{
+    const double value = Channel(color, shift) / 255.0;
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double LabCurve(double share)
+{
+    constexpr double kBend = 6.0 / 29.0;
+    return share > kBend * kBend * kBend ? std::cbrt(share) : share / (3.0 * kBend * kBend) + 4.0 / 29.0;
+}
+
+/// The colour under the white of sRGB, D65.
+Lab ToLab(Adesk::UInt32 color)
+{
+    const double red = Linear(color, 16);
+    const double green = Linear(color, 8);
+    const double blue = Linear(color, 0);
+    const double x = LabCurve((0.4124564 * red + 0.3575761 * green + 0.1804375 * blue) / 0.95047);
+    const double y = LabCurve(0.2126729 * red + 0.7151522 * green + 0.0721750 * blue);
+    const double z = LabCurve((0.0193339 * red + 0.1191920 * green + 0.9503041 * blue) / 1.08883);
+    return {116.0 * y - 16.0, 500.0 * (x - y), 200.0 * (y - z)};
+}
+
+/// Whether a colour is grey to the eye. A just noticeable difference is about 2.3.
+bool IsGray(const Lab& color)
+{
+    constexpr double kMaxChroma = 2.0;
+    return std::hypot(color.a, color.b) < kMaxChroma;
+}
+
+const std::array<Lab, kPalette.size()>& LabPalette()
+{
+    static const std::array<Lab, kPalette.size()> palette = [] {
+        std::array<Lab, kPalette.size()> colors;
+        for (std::size_t index = 0; index < colors.size(); ++index)
+            colors[index] = ToLab(kPalette[index]);
+        return colors;
+    }();
+    return palette;
 }
 
 } // namespace
@@ -120,10 +169,19 @@ Adesk::UInt8 AcCmColor::blue() const noexcept
 
 Adesk::UInt8 NearestColorIndex(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) noexcept
 {
-    const Adesk::UInt32 wanted = Pack(red, green, blue);
-    std::size_t best = 1;
-    for (std::size_t index = 2; index < kPalette.size(); ++index)
-        if (SquaredDistance(kPalette[index], wanted) < SquaredDistance(kPalette[best], wanted))
+    const std::array<Lab, kPalette.size()>& palette = LabPalette();
+    const Lab wanted = ToLab(Pack(red, green, blue));
+    // The palette is short of dark greys: a dark hue can be nearer to black than the darkest of them is.
+    const bool only_grays = IsGray(wanted);
+    constexpr std::size_t kWhite = 7;
+    std::size_t best = only_grays ? kWhite : 1;
+    double shortest = SquaredDistance(palette[best], wanted);
+    for (std::size_t index = 1; index < palette.size(); ++index) {
+        const double distance = SquaredDistance(palette[index], wanted);
+        if (distance < shortest && (!only_grays || IsGray(palette[index]))) {
             best = index;
+            shortest = distance;
+        }
+    }
     return static_cast<Adesk::UInt8>(best);
 }

@@ -39,7 +39,7 @@ class KARV_PLATFORM_API AcCmColor
     Adesk::UInt16 index_ = 7;
 };
 
-/// The palette index whose colour is nearest to the given one, by squared distance over the three channels;
-/// the lowest of several. Never 0, which has no colour of its own.
+/// The palette index whose colour differs least, by distance in CIELAB from channels of sRGB; the lowest of
+/// several. A colour without a visible hue becomes a grey. Never 0, which has no colour of its own.
 [[nodiscard]] KARV_PLATFORM_API Adesk::UInt8 NearestColorIndex(Adesk::UInt8 red, Adesk::UInt8 green,
                                                                Adesk::UInt8 blue) noexcept;

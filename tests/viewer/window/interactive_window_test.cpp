@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -252,6 +254,40 @@ TEST_F(InteractiveWindowTest, BGoesThroughTheBackgrounds)
     EXPECT_EQ(Corner(), 0U);
     Press('b');
     EXPECT_EQ(Corner(), 0xFFFFFFU);
+}
+
+TEST_F(InteractiveWindowTest, BComesBackToTheFirstBackground)
+{
+    ViewOptions options;
+    for (const auto& first : {std::optional<std::array<int, 3>>(), std::optional(std::array{10, 20, 30}),
+                              std::optional(std::array{90, 90, 90})}) {
+        options.background = first;
+        InteractiveWindow window(kSmall, options, model_, notices_, errors_);
+        const auto corner = [&] { return PixelAt(window.TakePicture(), 0, 0); };
+        std::vector<std::uint32_t> seen{corner()};
+        do {
+            window.RunKeyCommand(L'b');
+            seen.push_back(corner());
+        } while (seen.back() != seen.front() && seen.size() < 9);
+        EXPECT_EQ(seen.size(), first == std::array{90, 90, 90} ? 4U : 5U);
+        EXPECT_THAT(seen, testing::IsSupersetOf({0xFFFFFFU, 0x5A5A5AU, 0U}));
+    }
+}
+
+TEST_F(InteractiveWindowTest, LinesStayReadableOnEveryBackground)
+{
+    Model drawing;
+    drawing.pieces.emplace_back().lines = {{{0, 0, 0}, {1, 0, 0}}, {{0, 0, 0}, {0, 1, 0}}};
+    InteractiveWindow window(kSmall, OnBlack(), drawing, notices_, errors_);
+    for (int i = 0; i < 4; ++i) {
+        const Picture picture = window.TakePicture();
+        const int ground = static_cast<int>(picture.pixels[0] & 0xFFU);
+        const auto differs = [&](std::uint32_t pixel) {
+            return std::abs(static_cast<int>(pixel & 0xFFU) - ground) > 60;
+        };
+        EXPECT_GT(std::ranges::count_if(picture.pixels, differs), 20) << ground;
+        window.RunKeyCommand(L'b');
+    }
 }
 
 TEST_F(InteractiveWindowTest, ETakesEdgesAwayAndBringsThemBack)

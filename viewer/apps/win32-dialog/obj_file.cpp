@@ -167,8 +167,8 @@ class Conversion
 
     void GiveMaterial(Piece& piece, int number)
     {
-        constexpr unsigned char kGray = 9;
-        piece.color = kGray;
+        constexpr unsigned char kMiddleGray = 253; ///< leaves room for lighter and darker sides
+        piece.color = kMiddleGray;
         if (number < 0) {
             piece.category = CategoryNamed("no material");
             return;

@@ -48,7 +48,8 @@ void SceneView::Build()
     }
     SetWindowPos(Window(), place_, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     viewer::SetLight(viewer::Light::Shoulder);
-    scene_ = std::make_unique<viewer::FittedScene>(*viewport_, faded);
+    scene_ = std::make_unique<viewer::FittedScene>(*viewport_, faded, std::vector<int>{},
+                                                   viewer::Ground::Changing);
     scene_->DrawLines(lines_);
     if (background_)
         SetBackground(*background_);
@@ -120,7 +121,7 @@ void SceneView::ShowCategory(int category, bool shown)
 void SceneView::SetBackground(COLORREF color)
 {
     background_ = color;
-    viewport_->SetBgColor(GetRValue(color), GetGValue(color), GetBValue(color));
+    scene_->SetGround(GetRValue(color), GetGValue(color), GetBValue(color));
 }
 
 COLORREF SceneView::Background() const

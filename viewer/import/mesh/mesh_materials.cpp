@@ -39,13 +39,23 @@ bool IsBlack(const FileColor& color)
 }
 
 /// The diffuse or base colour. The emissive one if the material only emits.
+/// Whether the library made the material for a file that has none.
+///
+/// NOTE: For some kinds of files, such as STL, that material is white.
+bool IsMadeUp(const aiMaterial& material, const FileColor& color)
+{
+    aiString name;
+    return material.Get(AI_MATKEY_NAME, name) == AI_SUCCESS &&
+           std::string_view(name.C_Str()) == AI_DEFAULT_MATERIAL_NAME && color == FileColor{1.0F, 1.0F, 1.0F};
+}
+
 FileColor BaseColorOf(const aiMaterial& material)
 {
     aiColor4D color;
     const bool is_known = material.Get(AI_MATKEY_BASE_COLOR, color) == AI_SUCCESS ||
                           material.Get(AI_MATKEY_COLOR_DIFFUSE, color) == AI_SUCCESS;
     FileColor base = is_known ? Opaque(ToColor(color)) : FileColor{};
-    if (!base.IsFinite())
+    if (!base.IsFinite() || IsMadeUp(material, base))
         base = {};
     if (is_known && !IsBlack(base))
         return base;
