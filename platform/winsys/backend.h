@@ -23,6 +23,13 @@
 namespace winsys
 {
 
+/// The icon of windows: pixels of 0xAARRGGBB, row by row from the top; colours are not multiplied by the opacity.
+struct IconImage {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+};
+
 /// The description of a window to be created. Windows have no frame of their own, so position and size are
 /// those of the client area, in pixels.
 struct NativeWindow {
@@ -34,6 +41,8 @@ struct NativeWindow {
     SIZE size{};
     /// The system chooses the place of this top-level window; `position` holds until the system reports it.
     bool is_placed_by_system = false;
+    /// The icon of this top-level window, valid during the call; null for none.
+    const IconImage* icon = nullptr;
 };
 
 /// The place of a native window: on the screen for a top-level or adopted one, otherwise in its parent.

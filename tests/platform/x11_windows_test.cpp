@@ -4,6 +4,10 @@
 #include "tests/support/trace_recording.h"
 #include "tests/support/x11_test.h"
 
+#include <array>
+#include <cctype>
+#include <cerrno>
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -21,6 +25,60 @@ TEST_F(X11Windows, HiddenWindowIsMadeButNotSeen)
     const XClient::Id id = IdOf("hidden");
     EXPECT_TRUE(client_.Exists(id));
     EXPECT_FALSE(client_.IsSeen(id));
+}
+
+TEST_F(X11Windows, TopLevelWindowNamesItsProgram)
+{
+    Make(L"a", WS_OVERLAPPED, nullptr);
+    const std::string program = program_invocation_short_name;
+    const auto [name, with_capital] = client_.ClassOf(IdOf("a"));
+    ASSERT_FALSE(program.empty());
+    EXPECT_EQ(name, program);
+    EXPECT_EQ(with_capital.substr(1), program.substr(1));
+    EXPECT_EQ(with_capital.front(), std::toupper(program.front()));
+}
+
+/// Registers a class with this icon and makes a top-level window of it.
+HWND MakeWithIcon(const wchar_t* name, HICON icon)
+{
+    WNDCLASSW window_class{};
+    window_class.lpfnWndProc = &DefWindowProcW;
+    window_class.hIcon = icon;
+    window_class.lpszClassName = name;
+    RegisterClassW(&window_class);
+    return CreateWindowExW(0, name, name, WS_OVERLAPPED, 0, 0, 50, 50, nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST_F(X11Windows, WindowHasTheIconOfItsClass)
+{
+    // Two pixels in a row: blue, green, red, opacity each.
+    const std::array<BYTE, 8> pixels{1, 2, 3, 4, 0xA0, 0xB0, 0xC0, 0xFF};
+    const std::array<BYTE, 2> mask{};
+    const HICON icon = CreateIcon(nullptr, 2, 1, 1, 32, mask.data(), pixels.data());
+    ASSERT_NE(icon, nullptr);
+    const HWND window = MakeWithIcon(L"with icon", icon);
+    const HWND other = MakeWithIcon(L"without icon", nullptr);
+    EXPECT_THAT(client_.NumbersOf(IdOf("with icon"), "_NET_WM_ICON"),
+                ElementsAre(2, 1, 0x04030201, 0xFFC0B0A0));
+    EXPECT_THAT(client_.NumbersOf(IdOf("without icon"), "_NET_WM_ICON"), IsEmpty());
+    EXPECT_TRUE(DestroyIcon(icon));
+    EXPECT_FALSE(DestroyIcon(icon));
+    const HWND later = MakeWithIcon(L"with icon", nullptr);
+    EXPECT_NE(later, nullptr) << "the icon of its class is gone";
+    for (const HWND made : {window, other, later})
+        DestroyWindow(made);
+    UnregisterClassW(L"with icon", nullptr);
+    UnregisterClassW(L"without icon", nullptr);
+}
+
+TEST_F(X11Windows, IconOfAnotherFormatIsNone)
+{
+    const std::array<BYTE, 4> bytes{};
+    EXPECT_EQ(CreateIcon(nullptr, 1, 1, 1, 24, bytes.data(), bytes.data()), nullptr);
+    EXPECT_EQ(CreateIcon(nullptr, 1, 1, 4, 8, bytes.data(), bytes.data()), nullptr);
+    EXPECT_EQ(CreateIcon(nullptr, 0, 1, 1, 32, bytes.data(), bytes.data()), nullptr);
+    EXPECT_EQ(CreateIcon(nullptr, 1, 257, 1, 32, bytes.data(), bytes.data()), nullptr);
+    EXPECT_EQ(CreateIcon(nullptr, 1, 1, 1, 32, bytes.data(), nullptr), nullptr);
 }
 
 TEST_F(X11Windows, ShownWindowIsSeenWhenTheCallReturns)

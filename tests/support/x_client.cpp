@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
@@ -207,6 +208,40 @@ std::vector<XClient::Id> XClient::FindByName(const std::string& name)
     std::vector<Id> found;
     impl_->FindByName(Root(), name, found);
     return found;
+}
+
+std::pair<std::string, std::string> XClient::ClassOf(Id window)
+{
+    XClassHint hint{};
+    std::pair<std::string, std::string> texts;
+    if (XGetClassHint(impl_->display, window, &hint) != 0) {
+        texts = {hint.res_name, hint.res_class};
+        XFree(hint.res_name);
+        XFree(hint.res_class);
+    }
+    return texts;
+}
+
+std::vector<unsigned long> XClient::NumbersOf(Id window, const char* property)
+{
+    constexpr long kMaxNumbers = 1L << 20;
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long left = 0;
+    unsigned char* bytes = nullptr;
+    std::vector<unsigned long> numbers;
+    if (XGetWindowProperty(impl_->display, window, impl_->AtomOf(property), 0, kMaxNumbers, False,
+                           XA_CARDINAL, &type, &format, &count, &left, &bytes) == Success &&
+        bytes != nullptr) {
+        // NOTE: Xlib delivers each number of 32 bits as a long.
+        const auto* const longs = reinterpret_cast<const unsigned long*>(bytes);
+        if (format == 32)
+            for (unsigned long i = 0; i < count; ++i)
+                numbers.push_back(longs[i] & 0xFFFFFFFFUL);
+        XFree(bytes);
+    }
+    return numbers;
 }
 
 XClient::Id XClient::ParentOf(Id window)

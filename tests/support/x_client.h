@@ -41,6 +41,10 @@ class XClient
 
     /// All windows with this name (WM_NAME), at any depth.
     [[nodiscard]] std::vector<Id> FindByName(const std::string& name);
+    /// Both texts of WM_CLASS: the program's name and its class.
+    [[nodiscard]] std::pair<std::string, std::string> ClassOf(Id window);
+    /// The numbers of a property of 32-bit numbers, empty where there is none.
+    [[nodiscard]] std::vector<unsigned long> NumbersOf(Id window, const char* property);
     /// A window manager's frame counts as a parent.
     [[nodiscard]] Id ParentOf(Id window);
     [[nodiscard]] std::vector<Id> ChildrenOf(Id window);

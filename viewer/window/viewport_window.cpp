@@ -3,6 +3,7 @@
 #include "platform/winsys/backends.h"
 #include "platform/winsys/opengl.h"
 #include "viewer/window/camera_messages.h"
+#include "viewer/window/window_icon.h"
 
 #include <array>
 #include <stdexcept>
@@ -99,8 +100,9 @@ LRESULT ViewportControl::WindowProc(UINT message, WPARAM wparam, LPARAM lparam)
 
 ViewportWindow::ViewportWindow(const std::wstring& title, PictureSize size, bool transparent)
 {
-    if (CreateEx(0, AfxRegisterWndClass(0), title.c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                 CW_USEDEFAULT, 0, size.width, size.height, nullptr, nullptr) == FALSE)
+    if (CreateEx(0, AfxRegisterWndClass(0, nullptr, nullptr, ProgramIcon()), title.c_str(),
+                 WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, 0, size.width, size.height, nullptr,
+                 nullptr) == FALSE)
         throw std::runtime_error("no window could be made");
     control_.Create(CRect(0, 0, size.width, size.height), this, transparent);
     control_.ForceRenderStart();

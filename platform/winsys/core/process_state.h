@@ -23,6 +23,7 @@ struct ProcessState {
     MessageQueue queue{windows};
     HWND focus = nullptr;
 
+    std::map<HICON, IconImage> icons;
     /// The window of each device context; null for one of the whole screen.
     std::map<HDC, HWND> device_contexts;
     /// The pixel format of each rendering context.

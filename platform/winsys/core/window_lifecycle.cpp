@@ -34,6 +34,13 @@ bool IsPossible(const ProcessState& state, const CREATESTRUCTW& request)
     return request.hwndParent != nullptr ? state.windows.Find(request.hwndParent) != nullptr : !is_child;
 }
 
+/// The icon of the window's class; null where it has none.
+const IconImage* IconOf(const ProcessState& state, const Window& window)
+{
+    const auto found = state.icons.find(window.window_class->record.hIcon);
+    return found != state.icons.end() ? &found->second : nullptr;
+}
+
 std::unique_ptr<Window> MakeRecord(const ProcessState& state, const CREATESTRUCTW& request)
 {
     auto window = std::make_unique<Window>();
@@ -198,9 +205,9 @@ HWND Create(const CREATESTRUCTW& request)
     const Window& record = state.windows.Add(MakeRecord(state, request));
     const HWND window = record.handle;
     const bool is_child = record.IsChild();
-    if (!backend->CreateNativeWindow(window,
-                                     {is_child ? record.parent : nullptr, record.title, record.position,
-                                      record.size, !is_child && IsPlacedBySystem(request)})) {
+    if (!backend->CreateNativeWindow(
+            window, {is_child ? record.parent : nullptr, record.title, record.position, record.size,
+                     !is_child && IsPlacedBySystem(request), is_child ? nullptr : IconOf(state, record)})) {
         state.windows.Remove(window);
         return nullptr;
     }

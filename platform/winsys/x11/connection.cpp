@@ -63,6 +63,7 @@ Connection::Connection(const std::string& name)
     wm_protocols = XInternAtom(display_, "WM_PROTOCOLS", False);
     wm_delete_window = XInternAtom(display_, "WM_DELETE_WINDOW", False);
     net_wm_name = XInternAtom(display_, "_NET_WM_NAME", False);
+    net_wm_icon = XInternAtom(display_, "_NET_WM_ICON", False);
     utf8_string = XInternAtom(display_, "UTF8_STRING", False);
 }
 

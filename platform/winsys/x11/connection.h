@@ -35,6 +35,7 @@ class Connection
     Atom wm_protocols = 0;
     Atom wm_delete_window = 0;
     Atom net_wm_name = 0;
+    Atom net_wm_icon = 0;
     Atom utf8_string = 0;
 
   private:

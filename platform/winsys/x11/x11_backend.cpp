@@ -4,9 +4,13 @@
 #include "platform/winsys/backends.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cerrno>
 #include <memory>
+#include <vector>
 
 #include <X11/XKBlib.h>
+#include <X11/Xatom.h>
 #include <X11/Xutil.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -98,6 +102,8 @@ bool X11Backend::CreateNativeWindow(HWND window, const NativeWindow& description
     if (record.IsTopLevel()) {
         AnnounceTopLevel(record, description.is_placed_by_system);
         SetNativeTitle(window, description.title);
+        if (description.icon != nullptr)
+            SetNativeIcon(record, *description.icon);
     }
     return true;
 }
@@ -292,6 +298,29 @@ void X11Backend::AnnounceTopLevel(const NativeRecord& record, bool is_placed_by_
     hints.input = True;
     XSetWMHints(display, record.outer, &hints);
     XSetWMProtocols(display, record.outer, &connection_.wm_delete_window, 1);
+    SetProgram(record);
+}
+
+void X11Backend::SetProgram(const NativeRecord& record)
+{
+    // Window managers and desktops find the settings of a program by this pair: the name of the program's file,
+    // and the same with a capital letter.
+    std::string name = program_invocation_short_name;
+    std::string program = name;
+    if (!program.empty())
+        program.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(program.front())));
+    XClassHint hint{name.data(), program.data()};
+    XSetClassHint(connection_.Get(), record.outer, &hint);
+}
+
+void X11Backend::SetNativeIcon(const NativeRecord& record, const IconImage& icon)
+{
+    // NOTE: Xlib takes each number of 32 bits as a long. A property has width, height and the pixels.
+    std::vector<long> numbers{icon.width, icon.height};
+    numbers.insert(numbers.end(), icon.pixels.begin(), icon.pixels.end());
+    XChangeProperty(connection_.Get(), record.outer, connection_.net_wm_icon, XA_CARDINAL, 32,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(numbers.data()),
+                    static_cast<int>(numbers.size()));
 }
 
 void X11Backend::Place(NativeRecord& record, POINT position, SIZE size)

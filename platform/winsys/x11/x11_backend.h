@@ -54,6 +54,9 @@ class X11Backend final : public Backend
 
     /// Sets the window manager's properties of a new top-level window.
     void AnnounceTopLevel(const NativeRecord& record, bool is_placed_by_system);
+    /// Sets the property that names the program of a window (WM_CLASS).
+    void SetProgram(const NativeRecord& record);
+    void SetNativeIcon(const NativeRecord& record, const IconImage& icon);
     void Place(NativeRecord& record, POINT position, SIZE size);
     /// Maps or unmaps the X window: it is mapped if it is shown and not empty.
     void UpdateMapping(NativeRecord& record);
