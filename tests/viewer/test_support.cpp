@@ -4,6 +4,7 @@
 #include "platform/winsys/backends.h"
 #include "platform/winsys/frame_clock.h"
 #include "platform/winsys/opengl.h"
+#include "viewer/output/png_image.h"
 
 #include <cairo.h>
 
@@ -90,6 +91,13 @@ std::string ViewerTest::Write(const std::string& name, const std::string& conten
 std::string ViewerTest::Read(const std::string& name) const
 {
     return ReadFile(folder_ / name);
+}
+
+void ViewerTest::WritePlainPng(const std::string& name, std::uint32_t color, int side) const
+{
+    viewer::Picture picture(side, side);
+    std::ranges::fill(picture.pixels, color);
+    viewer::WritePng(picture, PathOf(name));
 }
 
 std::vector<std::string> ViewerTest::Names() const

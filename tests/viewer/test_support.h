@@ -32,6 +32,8 @@ class ViewerTest : public testing::Test
     /// Writes a file and returns its path.
     std::string Write(const std::string& name, const std::string& content) const;
     [[nodiscard]] std::string Read(const std::string& name) const;
+    /// Writes a picture of 64 by 64 pixels (or of another size) of one colour, as the program writes one.
+    void WritePlainPng(const std::string& name, std::uint32_t color, int side = 64) const;
     /// The names of the files and folders in the folder, sorted.
     [[nodiscard]] std::vector<std::string> Names() const;
     /// Runs karv-view in the folder, without a display.

@@ -12,7 +12,7 @@ namespace viewer
 
 /// Times are in seconds, lengths in the unit of the files.
 struct Stats {
-    std::size_t files = 0; ///< 0 for the bundled model
+    std::size_t files = 0; ///< that were read; 0 for the bundled model
     std::size_t entities = 0;
     std::size_t faces = 0;
     std::vector<LeftOut> left_out; ///< parts of the files that are not shown

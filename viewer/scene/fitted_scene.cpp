@@ -6,8 +6,10 @@
 #include "viewer/scene/line_colors.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
 #include <limits>
+#include <span>
 #include <vector>
 
 namespace viewer
@@ -53,6 +55,15 @@ KARVGraphicalEntity::EntityType ToType(int category)
     return static_cast<KARVGraphicalEntity::EntityType>(category);
 }
 
+/// The placement of a model without pieces is that of a point.
+ScenePlacement PlacementOf(const Model& model)
+{
+    Box extents = model.Extents();
+    if (extents.IsEmpty())
+        extents.Add({});
+    return ScenePlacement(extents);
+}
+
 /// The number of entities that the model becomes, without the feature edges of pieces that do not close.
 int EntityCount(const Model& model)
 {
@@ -89,9 +100,8 @@ std::vector<Point> FitPointsInScene(const Model& model, const std::set<int>& hid
 
 FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden,
                          Ground ground)
-    : control_(control), placement_(model.Extents()), category_count_(model.CategoryCount()),
-      hidden_(hidden.begin(), hidden.end()), ground_use_(ground),
-      fit_points_(FitPointsInScene(model, hidden_, placement_))
+    : control_(control), placement_(PlacementOf(model)), hidden_(hidden.begin(), hidden.end()),
+      ground_use_(ground)
 {
     // A control for transparent drawing does not cull back faces. It would blend a two-sided face twice, and
     // the far side of a body over the near one.
@@ -99,6 +109,25 @@ FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const s
     MoveFacesBack();
     ReadGround();
     control_.ComputeExtents(false);
+    Feed(model);
+}
+
+void FittedScene::Replace(const Model& model, bool keep_place)
+{
+    control_.ClearGeometry(true);
+    // The numbers of the lines' categories can be those of pieces of this model.
+    for (const auto& [group, number] : line_groups_)
+        SetShown(number, true);
+    line_groups_.clear();
+    if (!keep_place)
+        placement_ = PlacementOf(model);
+    Feed(model);
+}
+
+void FittedScene::Feed(const Model& model)
+{
+    category_count_ = model.CategoryCount();
+    fit_points_ = FitPointsInScene(model, hidden_, placement_);
     control_.AllocateMemory(EntityCount(model));
     for (const Piece& piece : model.pieces)
         Feed(piece);
@@ -106,7 +135,7 @@ FittedScene::FittedScene(KARVOpenGLControl& control, const Model& model, const s
     for (int category = 0; category < category_count_; ++category)
         if (hidden_.contains(category))
             SetShown(category, false);
-    DrawLines(false);
+    DrawLines(lines_);
 }
 
 void FittedScene::Feed(const Piece& piece)
@@ -270,7 +299,10 @@ void FittedScene::Fit(Projection projection, double aspect)
 void FittedScene::Fit(const FitOptions& options)
 {
     projection_ = *options.projection;
-    zoom_ = FitView(control_, fit_points_, options).value_or(zoom_);
+    // An empty model is fitted like a point.
+    static constexpr std::array<Point, 1> kOrigin{};
+    const std::span<const Point> points = fit_points_.empty() ? std::span<const Point>(kOrigin) : fit_points_;
+    zoom_ = FitView(control_, points, options).value_or(zoom_);
 }
 
 void FittedScene::SwitchProjection()

@@ -24,7 +24,7 @@ enum class Ground {
     Changing, ///< lines are fed in each colour that some ground needs, up to three times
 };
 
-/// A model in a control: fed once, then shown from any standard view. The control's context must be current
+/// A model in a control: fed, then shown from any standard view. The control's context must be current
 /// in every call.
 ///
 /// Pieces whose faces close are fed as bodies, which show their edges in line mode. Other pieces are fed as
@@ -46,12 +46,16 @@ class FittedScene
   public:
     /// Feeds every piece, in order, to a control that was just created. Faces with their edges are drawn at
     /// first; the categories in `hidden` are shown in neither mode. The control must outlive this object; the
-    /// model is only read here. The model's extents must not be empty, and its faces must be convex
-    /// (`FillFaces`). Back faces are culled from then on, also in a control for transparent drawing. Faces are
+    /// model is only read here. Its faces must be convex (`FillFaces`). An empty model shows nothing. Back faces are culled from then on, also in a control for transparent drawing. Faces are
     /// drawn a little further away than they are (`glPolygonOffset`), so that they do not cover their own edges
     /// and the lines on them.
     FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {},
                 Ground ground = Ground::Fixed);
+
+    /// Shows this model instead. The hidden categories, the projection, and lines or faces stay. With
+    /// `keep_place`, coordinates of the files lie where they lay before, so that the camera keeps its view of what
+    /// both models hold; otherwise call `Show` next. Needs the control's context.
+    void Replace(const Model& model, bool keep_place);
 
     /// Draws lines or faces from the next frame on.
     void DrawLines(bool lines);
@@ -91,6 +95,7 @@ class FittedScene
         auto operator<=>(const LineGroup&) const = default;
     };
 
+    void Feed(const Model& model);
     void Feed(const Piece& piece);
     void FeedFaces(const Piece& piece);
     /// The edges are shown over faces, which must all be fed before them.
@@ -111,7 +116,7 @@ class FittedScene
 
     KARVOpenGLControl& control_;
     ScenePlacement placement_;
-    int category_count_;                   ///< of the model
+    int category_count_ = 0;               ///< of the model
     std::map<LineGroup, int> line_groups_; ///< with their categories
     std::vector<KARVGraphicalEntity> kept_edges_;
     std::set<int> hidden_; ///< categories of the model

@@ -43,9 +43,9 @@ std::string FreePictureName()
 
 } // namespace
 
-InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model,
-                                     std::ostream& notices, std::ostream& errors)
-    : ModelWindow(size, options, model, Ground::Changing), notices_(notices), errors_(errors),
+InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, std::ostream& notices,
+                                     std::ostream& errors)
+    : ModelWindow(size, options, Ground::Changing), notices_(notices), errors_(errors),
       lines_(options.lines), edges_(options.edges), light_(options.light),
       backgrounds_(BackgroundsFrom(options.background.value_or(HostBackground())))
 {
@@ -53,18 +53,42 @@ InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& option
     ShowWindow(SW_SHOW);
 }
 
+InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model,
+                                     std::ostream& notices, std::ostream& errors)
+    : InteractiveWindow(size, options, notices, errors)
+{
+    Update(model);
+}
+
+void InteractiveWindow::Update(const Model& model)
+{
+    if (has_model_ && Control().WasMovedByUser()) {
+        FeedUnderCamera(model);
+    } else {
+        Feed(model);
+        if (is_view_chosen_)
+            Fit(Scene().CurrentProjection());
+        else
+            Show(OpeningView(), OpeningProjection());
+    }
+    has_model_ = true;
+}
+
 void InteractiveWindow::ShowFrom(StandardView view)
 {
+    is_view_chosen_ = true;
     Show(view, Scene().CurrentProjection());
 }
 
 void InteractiveWindow::FitAgain()
 {
+    is_view_chosen_ = true;
     Fit(Scene().CurrentProjection());
 }
 
 void InteractiveWindow::SwitchProjection()
 {
+    is_view_chosen_ = true;
     // A fit of one projection does not suit the other one.
     if (Control().WasMovedByUser())
         Scene().SwitchProjection();
@@ -102,6 +126,15 @@ void InteractiveWindow::ResetZoom()
     Scene().ResetZoom();
 }
 
+void InteractiveWindow::EndNavigation()
+{
+    if (last_key_ != L'k')
+        notices_ << "karv-view: k ends navigation with the buttons for good; press it again to do so"
+                 << std::endl;
+    else if (!is_key_held_)
+        Control().KillUserControl();
+}
+
 void InteractiveWindow::SavePicture()
 {
     try {
@@ -115,9 +148,12 @@ void InteractiveWindow::SavePicture()
 
 BOOL InteractiveWindow::PreTranslateMessage(MSG* message)
 {
-    const bool is_command =
-        message->message == WM_CHAR && RunKeyCommand(static_cast<wchar_t>(message->wParam));
-    return is_command ? TRUE : FALSE;
+    if (message->message == WM_KEYUP)
+        is_key_held_ = false;
+    if (message->message != WM_CHAR || !RunKeyCommand(static_cast<wchar_t>(message->wParam)))
+        return FALSE;
+    is_key_held_ = true;
+    return TRUE;
 }
 
 const AFX_MSGMAP* InteractiveWindow::GetMessageMap() const
@@ -136,7 +172,7 @@ void InteractiveWindow::OnClose()
 void InteractiveWindow::OnViewportResized()
 {
     if (!Control().WasMovedByUser())
-        FitAgain();
+        Fit(Scene().CurrentProjection());
 }
 
 } // namespace viewer

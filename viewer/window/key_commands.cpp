@@ -30,8 +30,8 @@ std::span<const InteractiveWindow::KeyCommand> InteractiveWindow::KeyCommands()
         KeyCommand{L'r', "left button rotates", [](auto& window) { window.Control().RestrictToRotate(); }},
         KeyCommand{L't', "left button pans", [](auto& window) { window.Control().RestrictToPan(); }},
         KeyCommand{L'z', "left button zooms", [](auto& window) { window.Control().RestrictToZoom(); }},
-        KeyCommand{L'k', "end navigation with the buttons",
-                   [](auto& window) { window.Control().KillUserControl(); }},
+        KeyCommand{L'k', "pressed twice: end navigation with the buttons for good",
+                   [](auto& window) { window.EndNavigation(); }},
         KeyCommand{L'h', "reset the zoom", [](auto& window) { window.ResetZoom(); }},
         KeyCommand{L'b', "next background", [](auto& window) { window.NextBackground(); }},
         KeyCommand{L'l', "light from over the shoulder, from the eye, or none",
@@ -52,6 +52,7 @@ bool InteractiveWindow::RunKeyCommand(wchar_t character)
         return false;
     Control().MakeCurrent();
     found->run(*this);
+    last_key_ = key;
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "viewer/window/viewport_window.h"
 
 #include <memory>
+#include <string>
 
 namespace viewer
 {
@@ -13,16 +14,19 @@ namespace viewer
 class ModelWindow : public ViewportWindow
 {
   public:
-    /// Creates a hidden window with a client area of this size. Call `Feed` next. The options must outlive the
-    /// window. Throws as ViewportWindow does.
+    /// Creates a hidden window with a client area of this size, which shows an empty model, drawn as the options
+    /// say. They must outlive the window. Throws as ViewportWindow does.
     ModelWindow(PictureSize size, const ViewOptions& options, Ground ground = Ground::Fixed);
     /// Creates the window and feeds the model.
     ModelWindow(PictureSize size, const ViewOptions& options, const Model& model,
                 Ground ground = Ground::Fixed);
 
-    /// Feeds the model, drawn as the options say. To be called once; call `Show` next. The model is only read
-    /// here.
+    /// Shows this model instead of the one before; call `Show` next. The model must outlive the window or the
+    /// next call.
     void Feed(const Model& model);
+    /// The same, where the model before is a part of this one: the camera is kept until the next `Show` or
+    /// `Fit`.
+    void FeedUnderCamera(const Model& model);
 
     /// The view and the projection in which the model opens: those of the options, or else those that suit it.
     [[nodiscard]] StandardView OpeningView() const;
@@ -32,14 +36,23 @@ class ModelWindow : public ViewportWindow
     void Show(StandardView view, Projection projection);
     /// Shows the whole model from the present orientation, from the next frame on.
     void Fit(Projection projection);
+    /// Shows a text in front of the title, of one line and in UTF-8; none if empty.
+    void ShowStatus(const std::string& status);
 
   protected:
     [[nodiscard]] FittedScene& Scene() { return *scene_; }
 
   private:
+    /// Makes the control's context current, and gives the model its own place again.
+    void PlaceAnew();
+    /// The title of the window follows from the model's title and the status.
+    void UpdateTitle();
+
     const ViewOptions& options_;
-    Ground ground_;
+    const Model* model_; ///< not owned
     std::unique_ptr<FittedScene> scene_;
+    bool is_placed_for_another_ = false; ///< the model lies where the model before did
+    std::string status_;
 };
 
 } // namespace viewer

@@ -42,6 +42,13 @@ ViewOptions OnBlack()
     return options;
 }
 
+std::wstring TitleOf(const CWnd& window)
+{
+    std::array<wchar_t, 200> title{};
+    GetWindowTextW(window.GetSafeHwnd(), title.data(), static_cast<int>(title.size()));
+    return title.data();
+}
+
 /// A window with a box of 1 by 2 by 3. The current folder is the folder of the test.
 class InteractiveWindowTest : public ViewerTest
 {
@@ -61,6 +68,12 @@ class InteractiveWindowTest : public ViewerTest
                             [&] { return window_.FrameCount(); });
     }
     bool Press(char key) { return Post(WM_CHAR, static_cast<WPARAM>(key)); }
+    /// Presses and releases a key.
+    void Strike(char key)
+    {
+        Press(key);
+        Post(WM_KEYUP, static_cast<WPARAM>(key));
+    }
     /// Drags with these buttons from the middle, 10 pixels to the right and down.
     void Drag(WPARAM buttons)
     {
@@ -128,9 +141,115 @@ TEST_F(InteractiveWindowTest, TitleNamesTheModelAndTheProgram)
     named.Append(model_);
     named.title = "Welle \xC3\xB8 20.stl";
     const InteractiveWindow window(kSmall, OnBlack(), named, notices_, errors_);
-    std::array<wchar_t, 64> title{};
-    GetWindowTextW(window.GetSafeHwnd(), title.data(), static_cast<int>(title.size()));
-    EXPECT_EQ(std::wstring(title.data()), L"Welle \u00F8 20.stl - karv-view");
+    EXPECT_EQ(TitleOf(window), L"Welle \u00F8 20.stl - karv-view");
+}
+
+/// A box as a surface that is visible from both sides, which has lines for its edges, beside or behind other boxes.
+Model SurfaceAt(double x, unsigned char color)
+{
+    Model model = BoxModel(BoxOf({x, 0, 0}, {x + 1, 1, 1}));
+    model.title = "at " + std::to_string(static_cast<int>(x));
+    model.pieces.front().two_sided = true;
+    model.pieces.front().color = color;
+    return model;
+}
+
+/// Both boxes, each in a category of its own.
+Model TwoSurfaces()
+{
+    Model model = SurfaceAt(0, 1);
+    model.Append(SurfaceAt(9, 3));
+    return model;
+}
+
+/// The frames of a window in both modes, from a view.
+std::vector<std::vector<std::uint32_t>> FramesOf(InteractiveWindow& window, wchar_t view)
+{
+    std::vector<std::vector<std::uint32_t>> frames;
+    for (const wchar_t key : {view, L'm', L'm'}) {
+        window.RunKeyCommand(key);
+        frames.push_back(window.TakePicture().pixels);
+    }
+    return frames;
+}
+
+TEST_F(InteractiveWindowTest, IsThereWithoutAModelAndTakesTheKeysThatItIsThenShownBy)
+{
+    InteractiveWindow window(kSmall, OnBlack(), notices_, errors_);
+    EXPECT_TRUE(IsWindowVisible(window.GetSafeHwnd()));
+    EXPECT_EQ(TitleOf(window), L"karv-view");
+    const auto is_black = [](const Picture& picture) {
+        return std::ranges::all_of(picture.pixels, [](std::uint32_t pixel) { return pixel == 0; });
+    };
+    EXPECT_TRUE(is_black(window.TakePicture()));
+    for (const wchar_t key : std::wstring(L"1234567890hrtz?mmp5"))
+        EXPECT_TRUE(window.RunKeyCommand(key));
+    window.MoveWindow(CRect(0, 0, 90, 60));
+    EXPECT_TRUE(is_black(window.TakePicture()));
+    window.Update(model_);
+    InteractiveWindow other(PictureSize{90, 60}, OnBlack(), model_, notices_, errors_);
+    for (const wchar_t key : std::wstring(L"p5"))
+        other.RunKeyCommand(key);
+    EXPECT_EQ(window.TakePicture().pixels, other.TakePicture().pixels);
+    EXPECT_FALSE(is_black(window.TakePicture()));
+}
+
+TEST_F(InteractiveWindowTest, ModelThatGrowsIsShownAsIfItWereTheOnlyOne)
+{
+    const Model first = SurfaceAt(0, 1);
+    const Model both = TwoSurfaces();
+    InteractiveWindow window(kSmall, OnBlack(), first, notices_, errors_);
+    EXPECT_EQ(TitleOf(window), L"at 0 - karv-view");
+    window.Update(both);
+    EXPECT_EQ(TitleOf(window), L"at 0, at 9 - karv-view");
+    InteractiveWindow other(kSmall, OnBlack(), both, notices_, errors_);
+    EXPECT_EQ(window.TakePicture().pixels, other.TakePicture().pixels);
+    EXPECT_EQ(FramesOf(window, L'1'), FramesOf(other, L'1'));
+}
+
+TEST_F(InteractiveWindowTest, HiddenCategoriesStayHiddenWhenTheModelGrows)
+{
+    const Model first = SurfaceAt(0, 1);
+    const Model both = TwoSurfaces();
+    ViewOptions options = OnBlack();
+    options.hidden = {0};
+    InteractiveWindow window(kSmall, options, first, notices_, errors_);
+    window.Update(both);
+    InteractiveWindow other(kSmall, options, both, notices_, errors_);
+    const auto frames = FramesOf(window, L'1');
+    EXPECT_EQ(frames, FramesOf(other, L'1'));
+    EXPECT_TRUE(std::ranges::any_of(frames.front(), [](std::uint32_t pixel) { return pixel != 0; }));
+}
+
+TEST_F(InteractiveWindowTest, CameraThatTheUserMovedStaysWhenTheModelGrowsUntilAViewIsChosen)
+{
+    const Model first = SurfaceAt(0, 1);
+    // From the front the second box lies behind the first one, from the left beside it.
+    Model both = first;
+    both.Append(BoxModel(BoxOf({0.4, 9, 0.4}, {0.6, 9.2, 0.6})));
+    InteractiveWindow window(kSmall, OnBlack(), first, notices_, errors_);
+    window.RunKeyCommand(L'1');
+    window.RunKeyCommand(L'p');
+    SendMessageW(window.Control().GetSafeHwnd(), WM_MOUSEWHEEL, MAKEWPARAM(0, 120), 0);
+    window.RunKeyCommand(L'?');
+    const std::vector<std::uint32_t> before = window.TakePicture().pixels;
+    window.Update(both);
+    EXPECT_EQ(window.TakePicture().pixels, before);
+    InteractiveWindow other(kSmall, OnBlack(), both, notices_, errors_);
+    other.RunKeyCommand(L'p');
+    EXPECT_EQ(FramesOf(window, L'3'), FramesOf(other, L'3'));
+}
+
+TEST_F(InteractiveWindowTest, StatusStandsInFrontOfTheTitle)
+{
+    const Model named = SurfaceAt(0, 1);
+    InteractiveWindow window(kSmall, OnBlack(), notices_, errors_);
+    window.ShowStatus("loading a.obj: 7 %");
+    EXPECT_EQ(TitleOf(window), L"loading a.obj: 7 % - karv-view");
+    window.Update(named);
+    EXPECT_EQ(TitleOf(window), L"loading a.obj: 7 % - at 0 - karv-view");
+    window.ShowStatus({});
+    EXPECT_EQ(TitleOf(window), L"at 0 - karv-view");
 }
 
 TEST_F(InteractiveWindowTest, NumberKeysChooseTheTenViews)
@@ -226,13 +345,29 @@ TEST_F(InteractiveWindowTest, RTAndZChooseWhatTheLeftButtonDoes)
     EXPECT_TRUE(is(true, false, false));
 }
 
-TEST_F(InteractiveWindowTest, KEndsNavigationWithTheButtons)
+TEST_F(InteractiveWindowTest, SecondKInARowEndsNavigationWithTheButtons)
 {
-    Press('k');
+    Strike('k');
+    EXPECT_TRUE(window_.Control().userControlEnabled);
+    EXPECT_EQ(notices_.str(),
+              "karv-view: k ends navigation with the buttons for good; press it again to do so\n");
+    Strike('k');
     const Camera before = CameraNow();
     Drag(MK_LBUTTON);
     EXPECT_EQ(CameraNow().position.x, before.position.x);
     EXPECT_FALSE(window_.Control().userControlEnabled);
+}
+
+TEST_F(InteractiveWindowTest, KThatIsHeldDownOrFollowedByAnotherKeyEndsNothing)
+{
+    for (int i = 0; i < 5; ++i)
+        Press('k');
+    EXPECT_TRUE(window_.Control().userControlEnabled) << "a held key repeats itself";
+    Strike('m');
+    Strike('k');
+    EXPECT_TRUE(window_.Control().userControlEnabled);
+    Drag(MK_LBUTTON);
+    EXPECT_TRUE(window_.Control().WasMovedByUser());
 }
 
 TEST_F(InteractiveWindowTest, HResetsTheZoomAndLeavesTheCamera)

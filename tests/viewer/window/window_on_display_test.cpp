@@ -10,8 +10,11 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <csignal>
+#include <filesystem>
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace viewer
 {
@@ -27,19 +30,19 @@ using testing::HasSubstr;
 class WindowOnDisplay : public ViewerTest
 {
   protected:
-    /// The command that runs the program in the folder, on the display; its streams go to the files out and
-    /// err there.
-    static std::vector<std::string> Command(const std::string& display, const std::string& folder,
-                                            const std::string& arguments)
+    /// Runs the program in the folder, on the display; its streams go to the files out and err there.
+    void StartProgram(const std::string& program, const std::string& arguments, const std::string& display)
     {
-        return {"sh", "-c",
-                "cd '" + folder + "' && { DISPLAY=" + display + " '" KARV_VIEW "' " + arguments +
-                    " >out 2>err; echo $? >/dev/fd/$0; }",
-                "%fd"};
+        const std::string folder = PathOf("");
+        program_.emplace(std::vector<std::string>{"sh", "-c",
+                                                  "cd '" + folder + "' && { DISPLAY=" + display + " '" +
+                                                      program + "' " + arguments +
+                                                      " >out 2>err; echo $? >/dev/fd/$0; }",
+                                                  "%fd"});
     }
     void Start(const std::string& arguments, const std::string& display = SharedXServer().Display())
     {
-        program_.emplace(Command(display, PathOf(""), arguments));
+        StartProgram(KARV_VIEW, arguments, display);
     }
     /// Waits for the end of the program and returns its exit status.
     std::string Status() { return program_->ReadLine(); }
@@ -128,6 +131,21 @@ TEST_F(WindowOnDisplay, ModelIsShownTurnedSavedAndLeft)
                            "karv-view: the picture is in karv-view-1.png\n");
 }
 
+TEST_F(WindowOnDisplay, WindowNamesItsProgramAndHasAnIcon)
+{
+    Start("--size 200x150");
+    const XClient::Id id = WindowOf("pillow block - karv-view");
+    EXPECT_EQ(client_.ClassOf(id), std::pair(std::string("karv-view"), std::string("Karv-view")));
+    const std::vector<unsigned long> icon = client_.NumbersOf(id, "_NET_WM_ICON");
+    ASSERT_EQ(icon.size(), 2U + 64U * 64U);
+    EXPECT_EQ(icon.at(0), 64U);
+    EXPECT_EQ(icon.at(1), 64U);
+    EXPECT_EQ(icon.at(2) >> 24U, 0U) << "the corner is transparent";
+    EXPECT_EQ(icon.at(2 + 64 * 16 + 32) >> 24U, 0xFFU) << "the top of the cube is not";
+    client_.AskToClose(id);
+    EXPECT_EQ(Status(), "0");
+}
+
 TEST_F(WindowOnDisplay, CloseButtonEndsTheProgram)
 {
     Start("");
@@ -166,6 +184,198 @@ TEST_F(WindowOnDisplay, TwoModelsHaveTwoWindowsAndTheLastOneClosedEndsTheProgram
     EXPECT_EQ(Status(), "0");
 }
 
+/// The program with a reader that waits before a file F while a file F.hold exists. It writes the id of its process
+/// to F.reader and that of the program to F.program.
+class WindowWhileLoading : public WindowOnDisplay
+{
+  protected:
+    WindowWhileLoading()
+    {
+        namespace fs = std::filesystem;
+        const fs::path program = KARV_VIEW;
+        fs::create_directory(PathOf("bin"));
+        fs::copy_file(program, PathOf("bin/karv-view"));
+        // The program finds its libraries beside itself.
+        for (const auto& file : fs::directory_iterator(program.parent_path()))
+            if (file.path().extension() == ".so")
+                fs::create_symlink(file.path(), PathOf("bin") / file.path().filename());
+        Write("bin/karv-reader", "#!/bin/sh\n"
+                                 "for file; do :; done\n"
+                                 "echo $$ >\"$file.reader\"\n"
+                                 "echo $PPID >\"$file.program\"\n"
+                                 "while [ -e \"$file.hold\" ]; do sleep 0.02; done\n"
+                                 "exec '" +
+                                     (program.parent_path() / "karv-reader").string() + "' \"$@\"\n");
+        fs::permissions(PathOf("bin/karv-reader"), fs::perms::owner_all);
+        Write("a.obj", BoxObj(0));
+        Write("b.obj", BoxObj(9));
+        Write("c.obj", BoxObj(18));
+    }
+
+    /// A closed cube from (x, 0, 0) to (x + 1, 1, 1).
+    static std::string BoxObj(int x)
+    {
+        const std::string x0 = "v " + std::to_string(x);
+        const std::string x1 = "v " + std::to_string(x + 1);
+        return x0 + " 0 0\n" + x1 + " 0 0\n" + x1 + " 1 0\n" + x0 + " 1 0\n" + x0 + " 0 1\n" + x1 + " 0 1\n" +
+               x1 + " 1 1\n" + x0 +
+               " 1 1\nf 1 4 3 2\nf 5 6 7 8\nf 1 2 6 5\nf 2 3 7 6\nf 3 4 8 7\nf 4 1 5 8\n";
+    }
+    void Hold(const std::string& name) const { Write(name + ".hold", ""); }
+    void Release(const std::string& name) const { std::filesystem::remove(PathOf(name + ".hold")); }
+    void StartHeld(const std::string& arguments)
+    {
+        StartProgram(PathOf("bin/karv-view"), "--size 300x200 --background 0,0,0 " + arguments,
+                     SharedXServer().Display());
+    }
+    /// Whether the process whose id is in the file runs.
+    bool Runs(const std::string& file) const
+    {
+        const std::string id = Read(file);
+        return !id.empty() && kill(static_cast<pid_t>(std::stol(id)), 0) == 0;
+    }
+};
+
+TEST_F(WindowWhileLoading, WindowIsThereAtOnceAndClosingItEndsTheReader)
+{
+    Hold("a.obj");
+    StartHeld("a.obj b.obj");
+    const XClient::Id id = WindowOf("loading a.obj (1 of 2): 0 % - karv-view");
+    EXPECT_TRUE(Eventually([&] { return Runs("a.obj.reader"); }));
+    EXPECT_TRUE(Eventually([&] { return Middle(id) == 0; }));
+    client_.AskToClose(id);
+    EXPECT_EQ(Status(), "0");
+    EXPECT_EQ(Read("err"), "");
+    EXPECT_FALSE(Runs("a.obj.reader"));
+    EXPECT_FALSE(std::filesystem::exists(PathOf("b.obj.reader"))) << "no further file is read";
+}
+
+TEST_F(WindowWhileLoading, FilesAppearAsTheyAreFinished)
+{
+    Hold("b.obj");
+    StartHeld("--view front --stats a.obj b.obj");
+    const XClient::Id id = WindowOf("loading b.obj (2 of 2): 0 % - a.obj - karv-view");
+    EXPECT_TRUE(Eventually([&] { return Middle(id) != 0; })) << "the first one fills the middle";
+    Release("b.obj");
+    EXPECT_EQ(WindowOf("a.obj, b.obj - karv-view"), id);
+    EXPECT_TRUE(Eventually([&] { return Middle(id) == 0; })) << "the middle is between the two";
+    client_.AskToClose(id);
+    EXPECT_EQ(Status(), "0");
+    const auto stats = nlohmann::json::parse(Read("out"));
+    EXPECT_EQ(stats.at("files"), 2);
+    EXPECT_EQ(stats.at("faces"), 12);
+    EXPECT_EQ(stats.at("extents").at("max"), (std::vector<double>{10, 1, 1}));
+    EXPECT_GT(stats.at("load_s"), stats.at("first_frame_s"))
+        << "the first frame with a file came before the rest";
+    EXPECT_GT(stats.at("fps"), 0.0);
+}
+
+TEST_F(WindowWhileLoading, WindowIsFedAgainAtMostOnceASecond)
+{
+    Write("d.obj", BoxObj(27));
+    StartHeld("--trace t.json a.obj b.obj c.obj d.obj");
+    const XClient::Id id = WindowOf("a.obj, b.obj, c.obj, d.obj - karv-view");
+    client_.AskToClose(id);
+    EXPECT_EQ(Status(), "0");
+    std::vector<double> feeds;
+    const auto trace = nlohmann::json::parse(Read("t.json"));
+    for (const auto& event : trace.at("traceEvents"))
+        if (event.value("name", "") == "KARVOpenGLControl::ClearGeometry" && event.value("ph", "") != "E")
+            feeds.push_back(event.at("ts").get<double>() * 1e-6);
+    ASSERT_GE(feeds.size(), 2U);
+    // The first file appears at once, and the second one may.
+    for (std::size_t i = 2; i < feeds.size(); ++i)
+        EXPECT_GE(feeds[i] - feeds[i - 1], 1.0);
+}
+
+TEST_F(WindowWhileLoading, CameraThatTheUserMovedStaysWhenAnotherFileAppears)
+{
+    Write("b.obj", "v 0.4 0.4 0.4\nv 0.6 0.4 0.4\nv 0.4 0.6 0.4\nf 1 2 3\n");
+    Hold("b.obj");
+    StartHeld("a.obj b.obj");
+    const XClient::Id id = WindowOf("loading b.obj (2 of 2): 0 % - a.obj - karv-view");
+    const auto [left, top] = client_.PositionOnScreen(id);
+    const auto screen = [&, x = left, y = top] { return client_.Screen(x, y, 300, 200); };
+    ASSERT_TRUE(Eventually([&] { return Middle(id) != 0; }));
+    const std::vector<unsigned> fitted = screen();
+    client_.MovePointer(left + 150, top + 100);
+    client_.Press(1);
+    client_.MovePointer(left + 190, top + 110);
+    client_.Release(1);
+    ASSERT_TRUE(Eventually([&] { return screen() != fitted; }));
+    std::vector<unsigned> moved = screen();
+    // Motion is applied frame by frame: two equal looks in a row are the last of it.
+    ASSERT_TRUE(Eventually([&] {
+        const std::vector<unsigned> before = std::exchange(moved, screen());
+        return before == moved;
+    }));
+    Release("b.obj");
+    EXPECT_EQ(WindowOf("a.obj, b.obj - karv-view"), id);
+    EXPECT_EQ(screen(), moved) << "the second file lies within the first";
+    client_.AskToClose(id);
+    EXPECT_EQ(Status(), "0");
+}
+
+TEST_F(WindowWhileLoading, BadFilesCostTheirLinesAtOnceAndTheStatus)
+{
+    Hold("a.obj");
+    StartHeld("none.obj a.obj");
+    const XClient::Id id = WindowOf("loading a.obj (2 of 2): 0 % - karv-view");
+    EXPECT_TRUE(Eventually([&] { return Read("err") == "karv-view: none.obj: no such file\n"; }));
+    Release("a.obj");
+    EXPECT_EQ(WindowOf("a.obj - karv-view"), id);
+    EXPECT_TRUE(Eventually([&] { return Middle(id) != 0; }));
+    client_.AskToClose(id);
+    EXPECT_EQ(Status(), "1");
+    EXPECT_EQ(Read("err"), "karv-view: none.obj: no such file\n");
+}
+
+TEST_F(WindowWhileLoading, WindowOfABadFileIsClosedAndTheOthersStay)
+{
+    Hold("b.obj");
+    StartHeld("--windows a.obj none.obj b.obj");
+    const XClient::Id first = WindowOf("a.obj - karv-view");
+    const XClient::Id last = WindowOf("loading b.obj: 0 % - karv-view");
+    EXPECT_TRUE(Eventually([&] { return Middle(first) != 0; }));
+    EXPECT_TRUE(client_.FindByName("none.obj waits to be loaded - karv-view").empty());
+    Release("b.obj");
+    EXPECT_EQ(WindowOf("b.obj - karv-view"), last);
+    client_.AskToClose(first);
+    client_.AskToClose(last);
+    EXPECT_EQ(Status(), "1");
+    EXPECT_EQ(Read("err"), "karv-view: none.obj: no such file\n");
+}
+
+TEST_F(WindowWhileLoading, OnlyBadFilesEndTheProgramWithALineEach)
+{
+    Write("e.stl", "");
+    for (const std::string option : {"", "--windows "}) {
+        StartHeld(option + "none.obj e.stl");
+        EXPECT_EQ(Status(), "1");
+        EXPECT_EQ(Read("err"), "karv-view: none.obj: no such file\nkarv-view: e.stl: is empty\n");
+    }
+}
+
+TEST_F(WindowWhileLoading, HidingAnUnknownCategoryEndsTheProgramWithALine)
+{
+    StartHeld("--hide 1 a.obj");
+    EXPECT_EQ(Status(), "1");
+    EXPECT_EQ(Read("err"), "karv-view: --hide: there is no category 1, only 0 to 0 (--list prints them)\n");
+}
+
+TEST_F(WindowWhileLoading, RequestToEndCancelsTheReadingWithALine)
+{
+    Hold("a.obj");
+    StartHeld("a.obj b.obj");
+    WindowOf("loading a.obj (1 of 2): 0 % - karv-view");
+    ASSERT_TRUE(Eventually([&] { return Runs("a.obj.program"); }));
+    kill(static_cast<pid_t>(std::stol(Read("a.obj.program"))), SIGTERM);
+    EXPECT_EQ(Status(), "1");
+    EXPECT_EQ(Read("err"), "karv-view: a.obj: reading was cancelled\n");
+    EXPECT_FALSE(Runs("a.obj.reader"));
+    EXPECT_FALSE(std::filesystem::exists(PathOf("b.obj.reader")));
+}
+
 TEST_F(WindowOnDisplay, HeadlessKeepsOffTheDisplay)
 {
     Start("--headless");
@@ -173,12 +383,28 @@ TEST_F(WindowOnDisplay, HeadlessKeepsOffTheDisplay)
     EXPECT_EQ(Read("out"), "karv-view: the pictures are in karv-view-sheet.png\n");
 }
 
-TEST_F(WindowOnDisplay, DisplayThatDoesNotAnswerGivesALineAndASheet)
+TEST_F(WindowOnDisplay, DisplayThatDoesNotAnswerGivesALineASheetAndAStatus)
 {
     Start("", ":12345");
+    EXPECT_EQ(Status(), "1");
+    EXPECT_EQ(Read("err"),
+              "karv-view: no X server answers on display ':12345', so the views are drawn on a sheet\n");
+    EXPECT_EQ(Read("out"), "karv-view: the pictures are in karv-view-sheet.png\n");
+    EXPECT_TRUE(SizeOfPng(PathOf("karv-view-sheet.png")));
+}
+
+TEST_F(WindowOnDisplay, DisplayThatDoesNotAnswerReplacesNoFileBySheet)
+{
+    Write("karv-view-sheet.png", "mine");
+    Start("", ":12345");
+    EXPECT_EQ(Status(), "1");
+    EXPECT_EQ(Read("err"), "karv-view: no X server answers on display ':12345', and karv-view-sheet.png, "
+                           "which exists, is replaced only where --sheet names it\n");
+    EXPECT_EQ(Read("out"), "");
+    EXPECT_EQ(Read("karv-view-sheet.png"), "mine");
+    Start("--sheet karv-view-sheet.png", ":12345");
     EXPECT_EQ(Status(), "0");
-    EXPECT_EQ(Read("out"), "karv-view: no display answers, so the views are drawn on a sheet\n"
-                           "karv-view: the pictures are in karv-view-sheet.png\n");
+    EXPECT_EQ(Read("err"), "");
     EXPECT_TRUE(SizeOfPng(PathOf("karv-view-sheet.png")));
 }
 

@@ -4,6 +4,9 @@
 #include "platform/tools/chrome_trace_sink.h"
 #include "platform/winsys/backend.h"
 #include "platform/winsys/backends.h"
+#include "viewer/apps/karv-view/model_options.h"
+#include "viewer/apps/karv-view/run_report.h"
+#include "viewer/apps/karv-view/window_session.h"
 #include "viewer/import/process/reader_client.h"
 #include "viewer/output/model_tree.h"
 #include "viewer/output/png_image.h"
@@ -11,20 +14,24 @@
 #include "viewer/output/sheet.h"
 #include "viewer/output/stats.h"
 #include "viewer/scene/bundled_model.h"
+#include "viewer/text/file_error.h"
 #include "viewer/text/text.h"
-#include "viewer/window/interactive_window.h"
 #include "viewer/window/message_loop.h"
+#include "viewer/window/model_window.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <new>
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 namespace viewer
 {
@@ -35,11 +42,6 @@ namespace
 using SteadyTime = std::chrono::steady_clock::time_point;
 
 constexpr const char* kDefaultSheet = "karv-view-sheet.png";
-
-double SecondsSince(SteadyTime start)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 /// Traces all calls during its lifetime into a file.
 class TraceFile
@@ -63,39 +65,73 @@ class Application
 {
   public:
     Application(const Options& options, SteadyTime start, std::ostream& out, std::ostream& err)
-        : options_(options), start_(start), out_(out), err_(err)
+        : options_(options), out_(out), err_(err), report_(start, err)
     {
     }
 
-    void Run()
+    /// Returns the exit status.
+    [[nodiscard]] int Run()
     {
         if (options_.list)
-            return List();
-        in_windows_ = ChooseWindows();
-        Load();
-        GiveHints();
-        if (in_windows_)
-            ShowWindows();
+            List();
         else
-            DrawPictures(TakeWhole());
-        if (options_.stats)
-            out_ << ToJson(stats_) << '\n';
+            Show();
+        return report_.HasFailed() ? 1 : 0;
     }
 
   private:
+    void Show()
+    {
+        const bool in_windows = ChooseWindows();
+        GiveHints();
+        if (in_windows)
+            WindowSession(options_, HowToImport(PictureSizeOrDefault()), report_, Notices(), err_).Run();
+        else
+            DrawPictures();
+        const bool has_figures = options_.models.empty() || report_.Figures().files > 0;
+        if (options_.stats && has_figures)
+            out_ << ToJson(report_.Figures()) << '\n';
+    }
+
     /// Chooses the backend of the window layer. Returns whether windows are shown to a user.
     bool ChooseWindows()
     {
         const bool never = options_.picture || options_.sheet || options_.headless;
-        winsys::UseBackend(never ? winsys::MakeHeadlessBackend() : winsys::MakeDefaultBackend());
-        const bool has_display = winsys::BackendName() != "headless";
-        if (!never && !has_display)
-            Notices() << "karv-view: no display answers, so the views are drawn on a sheet\n";
-        return !never && has_display;
+        try {
+            if (!never) {
+                winsys::UseBackend(winsys::MakeX11Backend());
+                return true;
+            }
+        } catch (const std::runtime_error& error) {
+            ReplaceWindowsBySheet(OneLine(error.what()));
+        }
+        winsys::UseBackend(winsys::MakeHeadlessBackend());
+        return false;
+    }
+
+    /// Without a display the views are drawn on a sheet. Where DISPLAY names one, the user expects a window:
+    /// no file is replaced by the sheet then, and the run counts as failed. `reason` is why there is no window.
+    void ReplaceWindowsBySheet(const std::string& reason)
+    {
+        const char* const display = std::getenv("DISPLAY");
+        if (display == nullptr || *display == '\0') {
+            Notices() << "karv-view: there is no display, so the views are drawn on a sheet\n";
+            return;
+        }
+        if (std::filesystem::exists(std::filesystem::symlink_status(kDefaultSheet)))
+            throw std::runtime_error(reason + ", and " + kDefaultSheet +
+                                     ", which exists, is replaced only where --sheet names it");
+        report_.NoteFailure(std::runtime_error(reason + ", so the views are drawn on a sheet"));
     }
 
     /// The stream for messages to the user. With --stats, the standard output is left to the figures.
     std::ostream& Notices() { return options_.stats ? err_ : out_; }
+
+    /// `picture` is the largest picture of the models.
+    [[nodiscard]] ImportOptions HowToImport(PictureSize picture) const
+    {
+        return {.deflection = options_.deflection, .pixels = std::min(picture.width, picture.height)};
+    }
 
     Model Read(const std::string& path)
     {
@@ -103,18 +139,23 @@ class Application
         ReaderSettings reader;
         reader.meanwhile = [&] { PrepareWindow(); };
         return ImportModel(
-            path, {.deflection = options_.deflection, .pixels = Pixels()},
-            [&](double fraction) { progress.Report(fraction); }, reader);
+            path, HowToImport(LargestPicture()), [&](double fraction) { progress.Report(fraction); }, reader);
     }
 
-    /// Passes the model of each file to `take`, in order; without files, the bundled model.
+    /// Passes the model of each file to `take`, in order; without files, the bundled model. A file that cannot
+    /// be read costs only a line and the exit status. Throws ReadingCancelled.
     void ForEachModel(const std::function<void(Model)>& take)
     {
         for (const std::string& path : options_.models) {
-            Model model = Read(path);
-            if (!model.left_out.empty())
-                err_ << "karv-view: " << OneLine(path) << ": left out: " << ListOf(model.left_out) << '\n';
-            take(std::move(model));
+            try {
+                Model model = Read(path);
+                report_.NoteFile(path, model);
+                take(std::move(model));
+            } catch (const ReadingCancelled&) {
+                throw;
+            } catch (const FileError& error) {
+                report_.NoteFailure(error);
+            }
         }
         if (options_.models.empty())
             take(MakeBundledModel());
@@ -123,7 +164,7 @@ class Application
     /// Makes the window of the first picture, while the first model is read: its context takes time.
     void PrepareWindow()
     {
-        if (!options_.list && !in_windows_ && !window_ && models_.empty())
+        if (!options_.list && !window_ && report_.Figures().files == 0)
             window_ = std::make_unique<ModelWindow>(options_.picture ? PictureSizeOrDefault()
                                                                      : LayOutSheet(options_.size).cell,
                                                     options_.drawing);
@@ -141,20 +182,21 @@ class Application
 
     PictureSize PictureSizeOrDefault() const { return options_.size.value_or(PictureSize{}); }
 
-    /// The shorter side of the largest picture.
-    int Pixels() const
+    /// Of all pictures of the models, the one with the longest shorter side. The list is that of a picture.
+    PictureSize LargestPicture() const
     {
         const auto shorter = [](const PictureSize& size) { return std::min(size.width, size.height); };
-        const bool is_sheet = options_.sheet || (!options_.picture && !in_windows_ && !options_.list);
-        int pixels = is_sheet ? shorter(LayOutSheet(options_.size).cell) : 1;
-        if (options_.picture || !is_sheet)
-            pixels = std::max(pixels, shorter(PictureSizeOrDefault()));
-        return pixels;
+        const bool is_sheet = options_.sheet || (!options_.picture && !options_.list);
+        if (!is_sheet)
+            return PictureSizeOrDefault();
+        const PictureSize cell = LayOutSheet(options_.size).cell;
+        const bool is_picture = options_.picture && shorter(PictureSizeOrDefault()) > shorter(cell);
+        return is_picture ? PictureSizeOrDefault() : cell;
     }
 
     void List()
     {
-        // Printed at the end, so that nothing is printed where one of the files is bad.
+        // Printed at the end, so that nothing is printed where reading is cancelled.
         std::ostringstream text;
         int first_category = 0;
         ForEachModel([&](const Model& model) {
@@ -164,47 +206,22 @@ class Application
         out_ << text.str();
     }
 
-    void Load()
+    /// All models as one; nothing where no file can be read.
+    std::optional<Model> Load()
     {
         const SteadyTime before = std::chrono::steady_clock::now();
-        ForEachModel([&](Model model) { Add(std::move(model)); });
-        stats_.load_s = SecondsSince(before);
-        stats_.files = options_.models.size();
-        Model all;
-        for (Model& model : models_) {
-            Prepare(model);
-            for (const LeftOut& parts : model.left_out)
-                all.LeaveOut(parts.kind, parts.count);
-            stats_.entities += model.pieces.size();
-            stats_.faces += model.FaceCount();
-            stats_.extents.Unite(model.Extents());
+        std::optional<Model> whole;
+        ForEachModel([&](Model model) {
+            if (!whole)
+                whole.emplace();
+            whole->Append(std::move(model));
+        });
+        report_.Figures().load_s = SecondsSince(before);
+        if (whole) {
+            ApplyColors(options_, *whole);
+            report_.Count(*whole);
+            CheckHidden(options_.drawing.hidden, std::array<const Model*, 1>{&*whole});
         }
-        stats_.left_out = std::move(all.left_out);
-    }
-
-    void Add(Model model)
-    {
-        if (models_.empty() || options_.windows)
-            models_.emplace_back();
-        models_.back().Append(std::move(model));
-    }
-
-    void Prepare(Model& model) const
-    {
-        for (Piece& piece : model.pieces) {
-            piece.color = static_cast<unsigned char>(options_.color.value_or(piece.color));
-            piece.alpha = options_.alpha.value_or(piece.alpha);
-        }
-        model.PutTranslucentLast();
-    }
-
-    /// Joins all models into one.
-    Model TakeWhole()
-    {
-        Model whole;
-        for (Model& model : models_)
-            whole.Append(std::move(model));
-        whole.PutTranslucentLast();
         return whole;
     }
 
@@ -214,14 +231,17 @@ class Application
             err_ << "karv-view: hint: --alpha shows only together with --transparent\n";
     }
 
-    void DrawPictures(const Model& model)
+    void DrawPictures()
     {
+        const std::optional<Model> model = Load();
+        if (!model)
+            return;
         if (options_.picture)
-            DrawPicture(*options_.picture, model);
+            DrawPicture(*options_.picture, *model);
         if (options_.sheet)
-            DrawSheet(*options_.sheet, model);
+            DrawSheet(*options_.sheet, *model);
         if (!options_.picture && !options_.sheet) {
-            DrawSheet(kDefaultSheet, model);
+            DrawSheet(kDefaultSheet, *model);
             Notices() << "karv-view: the pictures are in " << kDefaultSheet << '\n';
         }
     }
@@ -230,7 +250,7 @@ class Application
     {
         window.Show(view, window.OpeningProjection());
         Picture picture = window.TakePicture();
-        NoteFirstFrame();
+        report_.NoteFirstFrame();
         return picture;
     }
 
@@ -250,47 +270,11 @@ class Application
         Measure(*window);
     }
 
-    void ShowWindows()
-    {
-        std::vector<std::unique_ptr<InteractiveWindow>> windows;
-        windows.reserve(models_.size());
-        for (const Model& model : models_)
-            windows.push_back(std::make_unique<InteractiveWindow>(PictureSizeOrDefault(), options_.drawing,
-                                                                  model, Notices(), err_));
-        stats_.renderer = windows.front()->RendererName();
-        Notices() << "karv-view: the key ? prints the keys" << std::endl;
-        const auto begin = std::chrono::steady_clock::now();
-        unsigned long frames_of_closed = 0;
-        const auto frame_count = [&] {
-            unsigned long frames = frames_of_closed;
-            for (const auto& window : windows)
-                frames += window->FrameCount();
-            return frames;
-        };
-        const auto none_is_open = [&] {
-            if (frame_count() > 0)
-                NoteFirstFrame();
-            std::erase_if(windows, [&](const auto& window) {
-                if (!window->IsOpen())
-                    frames_of_closed += window->FrameCount();
-                return !window->IsOpen();
-            });
-            return windows.empty();
-        };
-        PumpMessages(none_is_open, frame_count);
-        stats_.fps = static_cast<double>(frame_count()) / SecondsSince(begin);
-    }
-
-    void NoteFirstFrame()
-    {
-        if (stats_.first_frame_s == 0.0)
-            stats_.first_frame_s = SecondsSince(start_);
-    }
-
     /// Draws frames for a short time and records their rate.
     void Measure(const ModelWindow& window)
     {
-        if (!options_.stats || stats_.fps != 0.0)
+        Stats& figures = report_.Figures();
+        if (!options_.stats || figures.fps != 0.0)
             return;
         constexpr unsigned long kFrames = 30;
         constexpr double kSeconds = 1.0;
@@ -301,21 +285,18 @@ class Application
             return drawn >= kFrames || (drawn > 0 && SecondsSince(before) >= kSeconds);
         };
         PumpMessages(is_enough, [&] { return window.FrameCount(); });
-        stats_.fps = static_cast<double>(window.FrameCount() - first) / SecondsSince(before);
-        stats_.renderer = window.RendererName();
+        figures.fps = static_cast<double>(window.FrameCount() - first) / SecondsSince(before);
+        figures.renderer = window.RendererName();
     }
 
     const Options& options_;
-    SteadyTime start_;
     std::ostream& out_;
     std::ostream& err_;
-    bool in_windows_ = false;
+    RunReport report_;
     std::unique_ptr<ModelWindow> window_; ///< prepared for the first picture, before it has a model
-    std::vector<Model> models_;           ///< one per window
-    Stats stats_;
 };
 
-void RunTraced(const Options& options, SteadyTime start, std::ostream& out, std::ostream& err)
+[[nodiscard]] int RunTraced(const Options& options, SteadyTime start, std::ostream& out, std::ostream& err)
 {
     std::unique_ptr<TraceFile> trace;
     if (options.trace)
@@ -323,12 +304,13 @@ void RunTraced(const Options& options, SteadyTime start, std::ostream& out, std:
     // The program is linked to the module; the host has to load it like any application module.
     host::ModuleLoader& loader = host::ProcessModuleLoader();
     void* const module = loader.Load(host::LoadedModuleFile("KARV3DViewport10"));
-    Application(options, start, out, err).Run();
+    const int status = Application(options, start, out, err).Run();
     loader.Unload(module);
     if (trace)
         trace->Close();
     if (!out.flush())
         throw std::runtime_error("the standard output cannot be written");
+    return status;
 }
 
 } // namespace
@@ -336,8 +318,7 @@ void RunTraced(const Options& options, SteadyTime start, std::ostream& out, std:
 int Run(const Options& options, SteadyTime start, std::ostream& out, std::ostream& err)
 {
     try {
-        RunTraced(options, start, out, err);
-        return 0;
+        return RunTraced(options, start, out, err);
     } catch (const std::bad_alloc&) {
         err << "karv-view: needs more memory than there is\n";
     } catch (const std::exception& error) {

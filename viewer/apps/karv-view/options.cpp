@@ -96,6 +96,16 @@ void SetDeflection(Options& options, const std::string& text)
     options.deflection = deflection;
 }
 
+/// The complaint about the name of a file that is to be written; empty where the name is fine. A name without
+/// an ending is.
+std::string PngNameComplaint(const std::string& path)
+{
+    const std::string ending = LowerCaseExtension(path);
+    return ending.empty() || ending == ".png"
+               ? std::string()
+               : "'" + path + "' does not end in .png: pictures are written as PNG files only";
+}
+
 std::vector<std::string> ViewNames()
 {
     std::vector<std::string> names;
@@ -112,9 +122,11 @@ void AddPictureOptions(CLI::App& app, Options& options)
                      "Print the tree of assemblies and pieces with categories, colours and counts, and exit");
     app.add_option("--picture", options.picture, "Draw one picture without showing a window, and exit")
         ->excludes(list)
+        ->check(PngNameComplaint)
         ->option_text("FILE.png");
     app.add_option("--sheet", options.sheet, "Draw the ten standard views on one labelled sheet, and exit")
         ->excludes(list)
+        ->check(PngNameComplaint)
         ->option_text("FILE.png");
     app.add_option_function<std::string>(
            "--view", [&](const std::string& name) { options.drawing.view = StandardViewNamed(name); },

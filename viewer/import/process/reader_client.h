@@ -7,8 +7,10 @@
 #include "viewer/import/process/reader_location.h"
 #include "viewer/import/progress.h"
 #include "viewer/scene/model.h"
+#include "viewer/text/file_error.h"
 
 #include <functional>
+#include <stop_token>
 #include <string>
 
 namespace viewer
@@ -22,6 +24,15 @@ struct ReaderSettings {
     /// Called each time after the reader was started, for work that can be done in parallel. Its time counts
     /// towards the limits. Its exceptions pass through.
     std::function<void()> meanwhile = {};
+    /// Cancels the reading, from any thread; obeyed within some 20 ms.
+    std::stop_token stop = {};
+};
+
+/// The reading of a file was cancelled: the file itself may be a good one.
+class ReadingCancelled : public FileError
+{
+  public:
+    using FileError::FileError;
 };
 
 /// Reads a file of any kind that `ReadModelFile` reads, in a separate process. The call blocks until that
@@ -34,13 +45,13 @@ struct ReaderSettings {
 /// whole model has arrived has no effect.
 ///
 /// Throws FileError, "FILE: reason" in one line, if `ReadModelFile` does, and if the reader cannot be
-/// started, crashes twice, exceeds a limit, or sends a damaged stream. SIGINT, SIGTERM or SIGHUP to the
-/// calling process stops the reader and throws FileError, too; the signal does not end the calling process.
-/// The reason states the last progress that the reader reported. If the reader cannot be started, the reason
-/// names its path. Exceptions of `progress` pass through.
+/// started, crashes twice, exceeds a limit, or sends a damaged stream. Throws ReadingCancelled when
+/// `ReaderSettings::stop` is requested, and at SIGINT, SIGTERM or SIGHUP to the calling process; these signals
+/// do not end the calling process then. The reason states the last progress that the reader reported. If the
+/// reader cannot be started, the reason names its path. Exceptions of `progress` pass through.
 ///
 /// On Windows no importer is built, and every call throws FileError with that reason. Not thread-safe: one
-/// call at a time in a process.
+/// call at a time in a process, on any thread, which lives at least as long as the call.
 [[nodiscard]] Model ImportModel(const std::string& path, const ImportOptions& options,
                                 const ProgressFunction& progress = {}, const ReaderSettings& reader = {});
 

@@ -224,7 +224,7 @@ class ReaderSession
     /// `end` is when the time for the file is over.
     ReaderSession(const std::string& path, const ImportOptions& options, const ProgressFunction& progress,
                   const ReaderSettings& reader, Clock::time_point end)
-        : path_(path), progress_(progress), limits_(InForce(reader.limits)),
+        : path_(path), progress_(progress), limits_(InForce(reader.limits)), stop_(reader.stop),
           process_(reader.program, WriteReaderArguments({.parent = getpid(),
                                                          .processor = limits_.processor,
                                                          .memory = limits_.memory,
@@ -311,8 +311,8 @@ class ReaderSession
             std::array<pollfd, 2> waits{pollfd{process_.Stream(), POLLIN, 0},
                                         pollfd{interrupts_.Descriptor(), POLLIN, 0}};
             poll(waits.data(), waits.size(), kMillisecondsBetweenLooks);
-            if ((waits[1].revents & POLLIN) != 0)
-                FailWithProgress("reading was cancelled");
+            if ((waits[1].revents & POLLIN) != 0 || stop_.stop_requested())
+                throw ReadingCancelled(path_, WithProgress("reading was cancelled"));
             CheckLimits();
             process_.EndOrphans();
             if ((waits[0].revents & kAnything) == 0)
@@ -329,6 +329,7 @@ class ReaderSession
     const std::string& path_;
     const ProgressFunction& progress_;
     const ReaderLimits limits_;
+    const std::stop_token stop_;
     InterruptWatch interrupts_;
     ReaderProcess process_;
     Clock::time_point end_;

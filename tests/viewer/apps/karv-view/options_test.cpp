@@ -145,6 +145,16 @@ TEST(Options, MissingValueIsRefused)
     ExpectRefused({"--picture"});
 }
 
+TEST(Options, PicturesHaveTheEndingOfPngInEitherCaseOrNone)
+{
+    for (const char* option : {"--picture", "--sheet"}) {
+        for (const char* name : {"p.png", "P.PNG", "a.jpg/p.png", "/dev/null", "p"})
+            EXPECT_TRUE(Parse({option, name}).parsed.options) << name;
+        for (const char* name : {"p.jpg", "p.PDF", "p.png.bak", "p.pngx"})
+            ExpectRefused({option, name});
+    }
+}
+
 TEST(Options, UnknownNamesAreRefused)
 {
     ExpectRefused({"--view", "above"});

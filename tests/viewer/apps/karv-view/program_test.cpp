@@ -147,17 +147,46 @@ TEST_F(Program, StatsWithoutAPictureAskedKeepTheOutputToTheObject)
     EXPECT_THAT(run.err, HasSubstr("karv-view-sheet.png"));
 }
 
-TEST_F(Program, HidingACategoryChangesThePictureAndHidingAllLeavesTheBackground)
+TEST_F(Program, HidingACategoryChangesThePicture)
 {
     const std::string common = " --size 64x64 --background 1,2,3";
     ASSERT_EQ(View("--picture all.png" + common).status, 0);
     ASSERT_EQ(View("--picture some.png --hide 1,3" + common).status, 0);
-    ASSERT_EQ(View("--picture none.png --hide 0,1,2,3,4,5" + common).status, 0);
-    Write("t.obj", kTetrahedronObj);
-    ASSERT_EQ(View("--picture blank.png --hide 0 t.obj" + common).status, 0);
+    WritePlainPng("none.png", 0x010203);
     EXPECT_NE(Read("all.png"), Read("some.png"));
     EXPECT_NE(Read("some.png"), Read("none.png"));
-    EXPECT_EQ(Read("none.png"), Read("blank.png"));
+    EXPECT_NE(Read("all.png"), Read("none.png"));
+}
+
+TEST_F(Program, HidingACategoryThatNoFileHasIsRefused)
+{
+    // The bundled model has the categories 0 to 5.
+    ExpectRefused("--hide 2,6", "karv-view: --hide: there is no category 6, only 0 to 5 (");
+    Write("t.obj", kTetrahedronObj);
+    ExpectRefused("--hide 2 t.obj t.obj", "karv-view: --hide: there is no category 2, only 0 to 1 (");
+    ExpectRefused("--windows --hide 2 t.obj t.obj",
+                  "karv-view: --hide: there is no category 2, only 0 to 1 (");
+}
+
+TEST_F(Program, HidingEverythingIsRefused)
+{
+    ExpectRefused("--hide 0,1,2,3,4,5", "karv-view: --hide: nothing stays visible (");
+    Write("t.obj", kTetrahedronObj);
+    ExpectRefused("--hide 0 t.obj", "karv-view: --hide: nothing stays visible (");
+}
+
+TEST_F(Program, NameOfAPictureThatIsNoPngIsRefusedBeforeAFileIsRead)
+{
+    const std::string rest =
+        " does not end in .png: pictures are written as PNG files only (--help lists the "
+        "options)\n";
+    for (const std::string option : {"--picture", "--sheet"}) {
+        const ProgramRun run = View(option + " p.jpg none.obj");
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(run.err, "karv-view: " + option + ": 'p.jpg'" + rest);
+        EXPECT_THAT(Names(), IsEmpty());
+    }
 }
 
 TEST_F(Program, ColorViewProjectionAndTransparencyChangeThePicture)
@@ -191,7 +220,7 @@ TEST_F(Program, LineModeShowsTheEdgesOfSolidsAndOfSurfaces)
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(run.err, "");
         ASSERT_EQ(View(model + common + "faces.png").status, 0);
-        ASSERT_EQ(View("--hide 0 " + model + common + "none.png").status, 0);
+        WritePlainPng("none.png", 0x010203);
         EXPECT_NE(Read("lines.png"), Read("none.png")) << model;
         EXPECT_NE(Read("lines.png"), Read("faces.png")) << model;
     }
@@ -229,10 +258,36 @@ TEST_F(Program, MissingFileIsRefused)
     ExpectRefused("none.obj", "karv-view: none.obj: no such file");
 }
 
-TEST_F(Program, OneBadFileAmongGoodOnesIsRefused)
+TEST_F(Program, BadFilesAmongGoodOnesCostTheirLinesAndTheStatusOnly)
 {
     Write("t.obj", kTetrahedronObj);
-    ExpectRefused("t.obj none.obj", "karv-view: none.obj: no such file");
+    Write("e.stl", "");
+    ASSERT_EQ(View("--size 64x64 --picture good.png t.obj").status, 0);
+    const std::string lines = "karv-view: none.obj: no such file\nkarv-view: e.stl: is empty\n";
+    for (const std::string files : {"none.obj t.obj e.stl", "none.obj e.stl t.obj"}) {
+        const ProgramRun run = View("--size 64x64 --picture p.png --stats " + files);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.err, lines);
+        EXPECT_EQ(Read("p.png"), Read("good.png"));
+        const auto stats = nlohmann::json::parse(run.out);
+        EXPECT_EQ(stats.at("files"), 1);
+        EXPECT_EQ(stats.at("faces"), 4);
+    }
+    ASSERT_EQ(View("--sheet good.png t.obj").status, 0);
+    const ProgramRun sheet = View("--sheet s.png none.obj t.obj e.stl");
+    EXPECT_EQ(sheet.status, 1);
+    EXPECT_EQ(sheet.err, lines);
+    EXPECT_EQ(Read("s.png"), Read("good.png"));
+}
+
+TEST_F(Program, OnlyBadFilesAreRefusedWithALineEach)
+{
+    Write("e.stl", "");
+    const ProgramRun run = View("--picture p.png --sheet s.png --stats none.obj e.stl");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "karv-view: none.obj: no such file\nkarv-view: e.stl: is empty\n");
+    EXPECT_THAT(Names(), ElementsAre("e.stl"));
 }
 
 TEST_F(Program, EmptyFileIsRefused)
