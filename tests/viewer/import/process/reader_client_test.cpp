@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cmath>
 #include <csignal>
@@ -22,7 +23,9 @@
 #include <functional>
 #include <iterator>
 #include <optional>
+#include <stop_token>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -439,6 +442,25 @@ TEST(ReaderProcess, ProgramThatIsNotThereIsAReason)
         EXPECT_STREQ(error.what(),
                      "a.stl: its reader /none/karv-reader cannot be started: No such file or directory");
     }
+    ExpectNoChild();
+}
+
+TEST(ReaderProcess, StopThatAnotherThreadRequestsEndsTheReader)
+{
+    std::stop_source stop;
+    std::atomic<bool> has_begun = false;
+    const std::jthread user([&] {
+        has_begun.wait(false);
+        stop.request_stop();
+    });
+    ReaderSettings settings{KARV_FAKE_READER, Generous()};
+    settings.stop = stop.get_token();
+    const auto report = [&](double) {
+        has_begun = true;
+        has_begun.notify_one();
+    };
+    // This reader reports 42 % and never answers.
+    EXPECT_THROW(static_cast<void>(ImportModel("hang", {}, report, settings)), ReadingCancelled);
     ExpectNoChild();
 }
 
