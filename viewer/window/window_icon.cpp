@@ -50,8 +50,10 @@ std::array<BYTE, kChannels> PixelAt(int column, int row)
     std::array<int, kChannels - 1> sums{};
     int inside = 0;
     for (int i = 0; i < kSamples * kSamples; ++i) {
-        const Offset point{column + (i % kSamples + 0.5) / kSamples - 0.5 * kSide,
-                           0.5 * kSide - row - (i / kSamples + 0.5) / kSamples};
+        const int across = i % kSamples;
+        const int down = i / kSamples;
+        const Offset point{column + (across + 0.5) / kSamples - 0.5 * kSide,
+                           0.5 * kSide - row - (down + 0.5) / kSamples};
         for (const Face& face : kFaces)
             if (Contains(face, point)) {
                 for (std::size_t channel = 0; channel < sums.size(); ++channel)

@@ -14,7 +14,7 @@ FileLoader::FileLoader(std::vector<std::string> paths, const ImportOptions& opti
 
 FileLoader::~FileLoader()
 {
-    for (std::stop_source& stop : stops_)
+    for (const std::stop_source& stop : stops_)
         stop.request_stop();
 }
 

@@ -94,8 +94,12 @@ void WindowSession::Close(std::size_t index)
 
 void WindowSession::TakeFiles()
 {
-    while (std::optional<LoadedFile> file = loader_.Take())
+    for (;;) {
+        std::optional<LoadedFile> file = loader_.Take();
+        if (!file)
+            return;
         Take(std::move(*file));
+    }
 }
 
 void WindowSession::Take(LoadedFile file)
@@ -104,13 +108,15 @@ void WindowSession::Take(LoadedFile file)
     report_.Figures().load_s = SecondsSince(load_start_);
     if (shown.window == nullptr)
         return;
-    try {
-        if (file.error)
-            std::rethrow_exception(file.error);
+    if (file.model) {
         report_.NoteFile(options_.models.at(file.index), *file.model);
         shown.model.Append(std::move(*file.model));
         ApplyColors(options_, shown.model);
         shown.has_news = true;
+        return;
+    }
+    try {
+        std::rethrow_exception(file.error);
     } catch (const ReadingCancelled&) {
         throw;
     } catch (const FileError& error) {
