@@ -100,7 +100,7 @@ void ModelWindow::UpdateTitle()
     std::string title = "karv-view";
     for (const std::string& part : {OneLine(model_->title), status_})
         if (!part.empty())
-            title = part + " - " + title;
+            title.insert(0, part + " - ");
     SetWindowTextW(GetSafeHwnd(), WideFromUtf8(title).c_str());
 }
 
