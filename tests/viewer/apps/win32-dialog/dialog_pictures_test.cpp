@@ -63,16 +63,15 @@ void Play(const Folder& folder, const std::string& script, const std::wstring& m
 }
 
 /// The hues of a picture that occur in more than a few pixels, without the greys of the background.
-std::set<int> HuesOf(const Picture& picture)
+std::set<int> HuesOf(const Picture& picture, int min_pixels = 200)
 {
-    constexpr int kMinPixels = 200;
     constexpr int kGray = 7;
     std::map<int, int> counts;
     for (const Color color : picture.pixels)
         ++counts[HueOf(color)];
     std::set<int> hues;
     for (const auto& [hue, count] : counts)
-        if (count > kMinPixels && hue != kGray)
+        if (count > min_pixels && hue != kGray)
             hues.insert(hue);
     return hues;
 }
@@ -146,7 +145,9 @@ TEST(DialogViews, FourCornersShowThreeFacesEach)
     Play(folder, script, L"cube.obj");
     for (const auto& [corner, hues] : corners) {
         const Picture picture = folder.Read(corner + ".bmp");
-        EXPECT_EQ(HuesOf(picture), hues) << corner;
+        // The edges of the bottom, in its hue, are seen at the outline.
+        constexpr int kOfEdges = 1000;
+        EXPECT_EQ(HuesOf(picture, kOfEdges), hues) << corner;
         EXPECT_FALSE(TouchesItsBorder(picture)) << corner;
     }
     EXPECT_TRUE(folder.Read("start.bmp") == folder.Read("SE.bmp"));
