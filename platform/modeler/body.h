@@ -1,5 +1,6 @@
 // Solids as polyhedral boundary representations: faces bounded by loops of edges, edges that join vertices.
-// Wires are edges that bound no face. Bodies are made by BodyBuilder (body_builder.h). Drawing is not known here.
+// Wires are edges that bound no face. Bodies are made by BodyBuilder (body_builder.h). Drawing is not known
+// here.
 //
 // An Edge is a half-edge: it runs along the loop of one face, and its partner runs the other way along the
 // loop of the neighbouring face. Loops run clockwise as seen from outside. Normals point outwards. Lengths
@@ -87,8 +88,8 @@ class Face
     bool is_plane_evaluated_ = false;
 };
 
-/// A solid, wires, or both. It owns its faces, edges and vertices; moving the body keeps their addresses. A new body and
-/// one that was moved from are empty.
+/// A solid, wires, or both. It owns its faces, edges and vertices; moving the body keeps their addresses. A
+/// new body and one that was moved from are empty.
 class Body
 {
   public:

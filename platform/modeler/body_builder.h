@@ -1,5 +1,5 @@
-// Makes bodies from shared points, polygons and wires. Faces that do not form a closed solid are refused with a
-// reason.
+// Makes bodies from shared points, polygons and wires. Faces that do not form a closed solid are refused with
+// a reason.
 #pragma once
 
 #include "platform/export.h"
@@ -26,9 +26,9 @@ class KARV_PLATFORM_API BodyError : public std::runtime_error
     ~BodyError() override;
 };
 
-/// Collects points, faces and wires; `Build` makes the body. Time and memory are linear in the number of corners.
-/// The time of a face that is split can grow as the square of its corners. Any thread, one at a time for
-/// each builder.
+/// Collects points, faces and wires; `Build` makes the body. Time and memory are linear in the number of
+/// corners. The time of a face that is split can grow as the square of its corners. Any thread, one at a time
+/// for each builder.
 class KARV_PLATFORM_API BodyBuilder
 {
   public:

@@ -23,7 +23,8 @@
 namespace winsys
 {
 
-/// The icon of windows: pixels of 0xAARRGGBB, row by row from the top; colours are not multiplied by the opacity.
+/// The icon of windows: pixels of 0xAARRGGBB, row by row from the top; colours are not multiplied by the
+/// opacity.
 struct IconImage {
     int width = 0;
     int height = 0;

@@ -1,5 +1,5 @@
-// The visible edges of a piece: as a body of the modeler where its faces close, else as a list of segments; and
-// bodies of edges alone.
+// The visible edges of a piece: as a body of the modeler where its faces close, else as a list of segments;
+// and bodies of edges alone.
 #pragma once
 
 #include "platform/modeler/body.h"
@@ -24,8 +24,8 @@ inline constexpr double kSmoothAngle = 20.0;
 
 /// A body of the physical edges of another body, without its faces.
 [[nodiscard]] AModeler::Body MakeWires(AModeler::Body& solid);
-/// A body of these segments, with their ends mapped by `place`. Segments with an end that is then not finite are
-/// left out.
+/// A body of these segments, with their ends mapped by `place`. Segments with an end that is then not finite
+/// are left out.
 [[nodiscard]] AModeler::Body MakeWires(const std::vector<Segment>& segments,
                                        const std::function<Point(const Point&)>& place);
 

@@ -73,8 +73,8 @@ class VisiblePieces
     std::vector<const Piece*> pieces_;
 };
 
-/// Unit vectors along which a set of points is longest, widest of what is left, and thin; zero where it has no
-/// extent.
+/// Unit vectors along which a set of points is longest, widest of what is left, and thin; zero where it has
+/// no extent.
 struct Frame {
     Point origin;
     Point length;
@@ -150,8 +150,8 @@ class Cells
 };
 
 /// The points at both ends of each column of a grid, whose columns run along the thinnest direction: every
-/// other point has a kept one on either side of it, no more than a cell away in the other directions. The frame
-/// makes a cell small against the extents in every direction, also for slanted rods and sheets.
+/// other point has a kept one on either side of it, no more than a cell away in the other directions. The
+/// frame makes a cell small against the extents in every direction, also for slanted rods and sheets.
 std::vector<Point> EndsOfColumns(const VisiblePieces& pieces)
 {
     constexpr std::size_t kColumns = 256;

@@ -149,8 +149,8 @@ class SeenPoints
         return point.z - middle_.z + distance;
     }
 
-    /// The middle along an axis at which the slopes of the points that have the least and the greatest now are
-    /// opposite.
+    /// The middle along an axis at which the slopes of the points that have the least and the greatest now
+    /// are opposite.
     [[nodiscard]] double Balanced(double Point::*along, double distance) const
     {
         const Point* least = nullptr;

@@ -1,5 +1,5 @@
-// Fits the view of a viewport control to points, by public operations of the control alone, so that every host
-// can use it. It does not know what the points belong to.
+// Fits the view of a viewport control to points, by public operations of the control alone, so that every
+// host can use it. It does not know what the points belong to.
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
@@ -23,15 +23,15 @@ struct FitOptions {
     /// empty window.
     std::optional<double> aspect = std::nullopt;
     /// The scene size and the distance of the eye from the middle of the points, in units of the scene. It is
-    /// enlarged where it is less than 1.54 diagonals of the box of the points, so that no orbit brings a point
-    /// nearer than the near distance.
+    /// enlarged where it is less than 1.54 diagonals of the box of the points, so that no orbit brings a
+    /// point nearer than the near distance.
     double scene_size = kSceneSize;
 };
 
-/// Shows all points, centred: the larger of their shares of the viewport's width and height is `kFittedShare`,
-/// at most 0.1 % off, for aspects from 1:10 to 10:1 and points whose extents in the picture are at least a
-/// 4000th of their diagonal. Points that coincide in the picture are shown with zoom 1. Returns the zoom,
-/// relative to that of `ResetCameraZoom`.
+/// Shows all points, centred: the larger of their shares of the viewport's width and height is
+/// `kFittedShare`, at most 0.1 % off, for aspects from 1:10 to 10:1 and points whose extents in the picture
+/// are at least a 4000th of their diagonal. Points that coincide in the picture are shown with zoom 1.
+/// Returns the zoom, relative to that of `ResetCameraZoom`.
 ///
 /// The points are in units of the scene; those that are not finite are ignored. Without a finite one nothing
 /// changes, and the result is empty. Only their convex hull counts, so points inside it may be left out. The
@@ -48,8 +48,8 @@ std::optional<double> FitView(KARVOpenGLControl& control, std::span<const Point>
 /// context, and an `OnDraw` before the next frame.
 void SetProjection(KARVOpenGLControl& control, Projection projection);
 
-/// Multiplies the zoom by a factor from 0.0001 to 30, within 0.1 %, by messages of the mouse wheel, which also
-/// go to the parent. The control limits the zoom. Needs the control's context and window.
+/// Multiplies the zoom by a factor from 0.0001 to 30, within 0.1 %, by messages of the mouse wheel, which
+/// also go to the parent. The control limits the zoom. Needs the control's context and window.
 void MultiplyZoom(KARVOpenGLControl& control, double factor);
 
 } // namespace viewer

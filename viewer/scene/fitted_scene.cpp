@@ -73,9 +73,9 @@ int EntityCount(const Model& model)
     return static_cast<int>(std::min(count, static_cast<std::size_t>(std::numeric_limits<int>::max())));
 }
 
-/// Moves faces away from the eye by a share of their slope and by the smallest difference of depths. Without it,
-/// the two faces at an edge cover about a quarter of its pixels. With larger values, edges show through thin
-/// walls.
+/// Moves faces away from the eye by a share of their slope and by the smallest difference of depths. Without
+/// it, the two faces at an edge cover about a quarter of its pixels. With larger values, edges show through
+/// thin walls.
 void MoveFacesBack()
 {
     constexpr GLfloat kOfSlope = 0.75F;

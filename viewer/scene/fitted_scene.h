@@ -29,32 +29,33 @@ enum class Ground {
 ///
 /// Pieces whose faces close are fed as bodies, which show their edges in line mode. Other pieces are fed as
 /// triangles; two-sided ones get a triangle for each side. Their feature edges are fed as lines that are
-/// shown in line mode alone. While faces are drawn, the edges of both kinds are drawn over them, unless that is
-/// switched off. A control for transparent drawing has no depth test, so edges behind its faces are visible,
-/// too. The lines of a piece are visible in both modes.
+/// shown in line mode alone. While faces are drawn, the edges of both kinds are drawn over them, unless that
+/// is switched off. A control for transparent drawing has no depth test, so edges behind its faces are
+/// visible, too. The lines of a piece are visible in both modes.
 ///
 /// Lines, and edges in line mode, have the colour of their piece, or the ground's opposite where the contrast
 /// of that colour with the control's background is too low (`ReadableColor`). Edges over faces contrast with
 /// the faces.
 ///
 /// Faces and lines are in the category of their piece. Edges, and lines in other colours, are in separate
-/// categories, numbered from the category count of the model upwards, which are shown and hidden with those of
-/// the pieces by `ShowCategory`. All lines or edges of a piece are one entity, so that frames of many edges are
-/// fast.
+/// categories, numbered from the category count of the model upwards, which are shown and hidden with those
+/// of the pieces by `ShowCategory`. All lines or edges of a piece are one entity, so that frames of many
+/// edges are fast.
 class FittedScene
 {
   public:
     /// Feeds every piece, in order, to a control that was just created. Faces with their edges are drawn at
     /// first; the categories in `hidden` are shown in neither mode. The control must outlive this object; the
-    /// model is only read here. Its faces must be convex (`FillFaces`). An empty model shows nothing. Back faces are culled from then on, also in a control for transparent drawing. Faces are
-    /// drawn a little further away than they are (`glPolygonOffset`), so that they do not cover their own edges
-    /// and the lines on them.
+    /// model is only read here. Its faces must be convex (`FillFaces`). An empty model shows nothing. Back
+    /// faces are culled from then on, also in a control for transparent drawing. Faces are drawn a little
+    /// further away than they are (`glPolygonOffset`), so that they do not cover their own edges and the
+    /// lines on them.
     FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {},
                 Ground ground = Ground::Fixed);
 
     /// Shows this model instead. The hidden categories, the projection, and lines or faces stay. With
-    /// `keep_place`, coordinates of the files lie where they lay before, so that the camera keeps its view of what
-    /// both models hold; otherwise call `Show` next. Needs the control's context.
+    /// `keep_place`, coordinates of the files lie where they lay before, so that the camera keeps its view of
+    /// what both models hold; otherwise call `Show` next. Needs the control's context.
     void Replace(const Model& model, bool keep_place);
 
     /// Draws lines or faces from the next frame on.
@@ -63,8 +64,8 @@ class FittedScene
     void DrawEdges(bool edges);
     /// Shows or hides a category of the model, with its edges, from the next frame on.
     void ShowCategory(int category, bool shown);
-    /// Sets the background of the control, 0 to 255 for each channel, and the colours of lines on it, from the
-    /// next frame on. The scene must be for a changing ground.
+    /// Sets the background of the control, 0 to 255 for each channel, and the colours of lines on it, from
+    /// the next frame on. The scene must be for a changing ground.
     void SetGround(int red, int green, int blue);
 
     /// Whether everything visible lies in one plane of constant z, as in a drawing.

@@ -18,12 +18,13 @@ struct LightSetting {
     std::array<GLfloat, 4> position; ///< the last one is 0: the light is infinitely far away
 };
 
-/// Seen from a corner, the light differs on the three sides of a box: it is 0.89, 0.64 and 0.44 of their colour.
-/// The control's own light adds 0.01, and half of the specular light is reflected. So a white face that is
-/// turned to the light has 0.36 + 0.01 + 0.59 + 0.03: just less than white, whatever its direction.
+/// Seen from a corner, the light differs on the three sides of a box: it is 0.89, 0.64 and 0.44 of their
+/// colour. The control's own light adds 0.01, and half of the specular light is reflected. So a white face
+/// that is turned to the light has 0.36 + 0.01 + 0.59 + 0.03: just less than white, whatever its direction.
 constexpr LightSetting kShoulder{0.36F, 0.59F, 0.08F, {-0.233F, 0.486F, 0.837F, 0.0F}};
 
-/// NOTE: The scene's ambient light and the position are the defaults of OpenGL, the others those of the control.
+/// NOTE: The scene's ambient light and the position are the defaults of OpenGL, the others those of the
+/// control.
 constexpr LightSetting kEye{0.2F, 1.0F, 1.0F, {0.0F, 0.0F, 1.0F, 0.0F}};
 
 void SetSceneAmbient(GLfloat intensity)

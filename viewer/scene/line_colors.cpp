@@ -78,7 +78,8 @@ unsigned char ReadableColor(unsigned char color, const Rgb& ground)
 std::vector<unsigned char> ReadableColors(unsigned char color)
 {
     // On a ground of light g, the contrast to a colour of light c is below the limit m for g from c/m to c*m.
-    // White is the opposite of grounds up to the geometric mean of the lights of white and of the darkest grey.
+    // White is the opposite of grounds up to the geometric mean of the lights of white and of the darkest
+    // grey.
     const double light = LightOf(PaletteColor(color));
     const double limit = std::sqrt(LightOf(PaletteColor(kWhite)) * LightOf(PaletteColor(kDarkestGray)));
     std::vector<unsigned char> colors{color};

@@ -23,8 +23,8 @@ struct Rgb {
 /// Two colours with less contrast than this are not told apart easily.
 inline constexpr double kMinContrast = 2.0;
 
-/// The palette index for the edges of a piece over its faces: 0.35 of the piece's tone. A piece that is nearly
-/// black has edges that are lighter than it, by 0.35 of the way to white.
+/// The palette index for the edges of a piece over its faces: 0.35 of the piece's tone. A piece that is
+/// nearly black has edges that are lighter than it, by 0.35 of the way to white.
 [[nodiscard]] unsigned char EdgeColor(unsigned char piece_color);
 
 /// The palette index for lines on a ground: `color` itself, or the ground's opposite where the contrast is

@@ -6,8 +6,9 @@
 namespace viewer
 {
 
-/// The scene size (1.2 diagonals of the control's box) of the viewer's scenes. The near distance of the control
-/// is fixed at 0.01: it cuts much smaller scenes, and much larger ones lose depth resolution and flicker.
+/// The scene size (1.2 diagonals of the control's box) of the viewer's scenes. The near distance of the
+/// control is fixed at 0.01: it cuts much smaller scenes, and much larger ones lose depth resolution and
+/// flicker.
 inline constexpr double kSceneSize = 0.2;
 
 /// The diagonal of a model in scene sizes. The eye stands one scene size from the middle of what is seen, and
@@ -21,8 +22,8 @@ inline constexpr double kModelPerSceneSize = 0.65;
 class ScenePlacement
 {
   public:
-    /// For a model with these extents, which must not be empty. A single point lies in the middle of a cube of
-    /// the usual size.
+    /// For a model with these extents, which must not be empty. A single point lies in the middle of a cube
+    /// of the usual size.
     explicit ScenePlacement(const Box& extents);
 
     [[nodiscard]] Point ToScene(const Point& file_point) const { return (file_point - origin_) * scale_; }

@@ -45,8 +45,8 @@ std::string FreePictureName()
 
 InteractiveWindow::InteractiveWindow(PictureSize size, const ViewOptions& options, std::ostream& notices,
                                      std::ostream& errors)
-    : ModelWindow(size, options, Ground::Changing), notices_(notices), errors_(errors),
-      lines_(options.lines), edges_(options.edges), light_(options.light),
+    : ModelWindow(size, options, Ground::Changing), notices_(notices), errors_(errors), lines_(options.lines),
+      edges_(options.edges), light_(options.light),
       backgrounds_(BackgroundsFrom(options.background.value_or(HostBackground())))
 {
     Show(OpeningView(), OpeningProjection());

@@ -17,17 +17,17 @@ namespace viewer
 class InteractiveWindow : public ModelWindow
 {
   public:
-    /// Shows the window without a model. `notices` gets the reports of keys, `errors` gets failures; both must
-    /// outlive the window. Throws as ModelWindow does.
+    /// Shows the window without a model. `notices` gets the reports of keys, `errors` gets failures; both
+    /// must outlive the window. Throws as ModelWindow does.
     InteractiveWindow(PictureSize size, const ViewOptions& options, std::ostream& notices,
                       std::ostream& errors);
     /// Shows the window with the model in it.
     InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model, std::ostream& notices,
                       std::ostream& errors);
 
-    /// Shows this model, of which the one before is a part. It opens as `ModelWindow::OpeningView` says, or is
-    /// fitted in the view that the user has chosen by key. If the user has moved the camera over an earlier
-    /// model, the camera is kept instead. The model must outlive the window or the next call.
+    /// Shows this model, of which the one before is a part. It opens as `ModelWindow::OpeningView` says, or
+    /// is fitted in the view that the user has chosen by key. If the user has moved the camera over an
+    /// earlier model, the camera is kept instead. The model must outlive the window or the next call.
     void Update(const Model& model);
 
     /// False once the user has closed the window, which is then hidden.
@@ -67,8 +67,8 @@ class InteractiveWindow : public ModelWindow
     void NextBackground();
     /// Zooms as the last fit did.
     void ResetZoom();
-    /// Ends navigation with the buttons, which nothing brings back, at the second of two presses in a row. Asks for the
-    /// second one at the first.
+    /// Ends navigation with the buttons, which nothing brings back, at the second of two presses in a row.
+    /// Asks for the second one at the first.
     void EndNavigation();
     /// Saves what the viewport shows as karv-view-1.png in the current folder, or with the first higher
     /// number whose name is free. Reports the name, or why the picture could not be saved.
@@ -83,7 +83,7 @@ class InteractiveWindow : public ModelWindow
     Light light_;
     std::vector<std::array<int, 3>> backgrounds_; ///< red, green, blue, 0 to 255
     std::size_t background_ = 0;                  ///< the number of the present one
-    wchar_t last_key_ = 0;     ///< of the command before this one
+    wchar_t last_key_ = 0;                        ///< of the command before this one
     bool is_key_held_ = false; ///< the key of the last command is still down: its repetitions are no presses
     bool is_open_ = true;
     bool has_model_ = false;

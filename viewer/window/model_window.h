@@ -14,8 +14,8 @@ namespace viewer
 class ModelWindow : public ViewportWindow
 {
   public:
-    /// Creates a hidden window with a client area of this size, which shows an empty model, drawn as the options
-    /// say. They must outlive the window. Throws as ViewportWindow does.
+    /// Creates a hidden window with a client area of this size, which shows an empty model, drawn as the
+    /// options say. They must outlive the window. Throws as ViewportWindow does.
     ModelWindow(PictureSize size, const ViewOptions& options, Ground ground = Ground::Fixed);
     /// Creates the window and feeds the model.
     ModelWindow(PictureSize size, const ViewOptions& options, const Model& model,
@@ -28,7 +28,8 @@ class ModelWindow : public ViewportWindow
     /// `Fit`.
     void FeedUnderCamera(const Model& model);
 
-    /// The view and the projection in which the model opens: those of the options, or else those that suit it.
+    /// The view and the projection in which the model opens: those of the options, or else those that suit
+    /// it.
     [[nodiscard]] StandardView OpeningView() const;
     [[nodiscard]] Projection OpeningProjection() const;
 

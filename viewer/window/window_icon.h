@@ -6,8 +6,8 @@
 namespace viewer
 {
 
-/// The icon, a cube seen from a corner; made by the first call and kept until the process ends. Null where the
-/// system makes none.
+/// The icon, a cube seen from a corner; made by the first call and kept until the process ends. Null where
+/// the system makes none.
 [[nodiscard]] HICON ProgramIcon();
 
 } // namespace viewer

@@ -287,9 +287,9 @@ KARV_PLATFORM_API HWND SetFocus(HWND window);
 KARV_PLATFORM_API HWND GetFocus();
 KARV_PLATFORM_API LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value);
 KARV_PLATFORM_API LONG_PTR GetWindowLongPtrW(HWND window, int index);
-/// Creates an icon for the windows of a class (`hIcon`). Only one plane of 32 bits is supported: four bytes for each
-/// pixel, blue, green, red and opacity, row by row from the top. `and_bits` is not used. Null for other formats and
-/// for sides that are not 1 to 256 pixels.
+/// Creates an icon for the windows of a class (`hIcon`). Only one plane of 32 bits is supported: four bytes
+/// for each pixel, blue, green, red and opacity, row by row from the top. `and_bits` is not used. Null for
+/// other formats and for sides that are not 1 to 256 pixels.
 KARV_PLATFORM_API HICON CreateIcon(HINSTANCE instance, int width, int height, BYTE planes, BYTE bits,
                                    const BYTE* and_bits, const BYTE* xor_bits);
 /// Deletes an icon. Windows that were created with it keep it.

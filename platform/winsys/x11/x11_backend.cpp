@@ -303,8 +303,8 @@ void X11Backend::AnnounceTopLevel(const NativeRecord& record, bool is_placed_by_
 
 void X11Backend::SetProgram(const NativeRecord& record)
 {
-    // Window managers and desktops find the settings of a program by this pair: the name of the program's file,
-    // and the same with a capital letter.
+    // Window managers and desktops find the settings of a program by this pair: the name of the program's
+    // file, and the same with a capital letter.
     std::string name = program_invocation_short_name;
     std::string program = name;
     if (!program.empty())

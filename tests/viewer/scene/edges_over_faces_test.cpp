@@ -144,8 +144,8 @@ TEST_F(EdgesOverFaces, AllOfEveryVisibleEdgeIsSeenFromEveryView)
             }
 }
 
-// Edges before faces that are moved away much further are whole. Without any offset, a quarter of their pixels is
-// left.
+// Edges before faces that are moved away much further are whole. Without any offset, a quarter of their
+// pixels is left.
 TEST_F(EdgesOverFaces, HaveNearlyAllOfTheirPixels)
 {
     FittedScene& scene = Feed(GrayBox(BoxOf({0, 0, 0}, {1, 1, 1})));

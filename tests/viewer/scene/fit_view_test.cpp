@@ -145,8 +145,8 @@ INSTANTIATE_TEST_SUITE_P(Aspects, FitViewShares,
                                     std::to_string(test.param.height);
                          });
 
-/// The share of the picture's width and height, whichever is larger, between the outermost pixels that are not
-/// black.
+/// The share of the picture's width and height, whichever is larger, between the outermost pixels that are
+/// not black.
 double DrawnShare(const Picture& picture)
 {
     Box drawn;

@@ -80,8 +80,8 @@ TEST_F(LightOnACube, OverTheShoulderGivesThreeShadesFromEveryCorner)
     }
 }
 
-// By OpenGL's formula, with the light's direction l, the side's normal n and h half-way between l and the eye:
-// color * (0.36 + 0.01 + 0.59 n.l) + 0.08 * 0.5 * (n.h)^5. The sides differ in n alone.
+// By OpenGL's formula, with the light's direction l, the side's normal n and h half-way between l and the
+// eye: color * (0.36 + 0.01 + 0.59 n.l) + 0.08 * 0.5 * (n.h)^5. The sides differ in n alone.
 TEST_F(LightOnACube, OverTheShoulderGivesTheTonesThatTheFormulaGives)
 {
     Feed(kGrayCube);

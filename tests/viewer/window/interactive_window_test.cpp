@@ -144,7 +144,8 @@ TEST_F(InteractiveWindowTest, TitleNamesTheModelAndTheProgram)
     EXPECT_EQ(TitleOf(window), L"Welle \u00F8 20.stl - karv-view");
 }
 
-/// A box as a surface that is visible from both sides, which has lines for its edges, beside or behind other boxes.
+/// A box as a surface that is visible from both sides, which has lines for its edges, beside or behind other
+/// boxes.
 Model SurfaceAt(double x, unsigned char color)
 {
     Model model = BoxModel(BoxOf({x, 0, 0}, {x + 1, 1, 1}));

@@ -184,8 +184,8 @@ TEST_F(WindowOnDisplay, TwoModelsHaveTwoWindowsAndTheLastOneClosedEndsTheProgram
     EXPECT_EQ(Status(), "0");
 }
 
-/// The program with a reader that waits before a file F while a file F.hold exists. It writes the id of its process
-/// to F.reader and that of the program to F.program.
+/// The program with a reader that waits before a file F while a file F.hold exists. It writes the id of its
+/// process to F.reader and that of the program to F.program.
 class WindowWhileLoading : public WindowOnDisplay
 {
   protected:

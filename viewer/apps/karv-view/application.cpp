@@ -110,7 +110,8 @@ class Application
     }
 
     /// Without a display the views are drawn on a sheet. Where DISPLAY names one, the user expects a window:
-    /// no file is replaced by the sheet then, and the run counts as failed. `reason` is why there is no window.
+    /// no file is replaced by the sheet then, and the run counts as failed. `reason` is why there is no
+    /// window.
     void ReplaceWindowsBySheet(const std::string& reason)
     {
         const char* const display = std::getenv("DISPLAY");
@@ -142,8 +143,8 @@ class Application
             path, HowToImport(LargestPicture()), [&](double fraction) { progress.Report(fraction); }, reader);
     }
 
-    /// Passes the model of each file to `take`, in order; without files, the bundled model. A file that cannot
-    /// be read costs only a line and the exit status. Throws ReadingCancelled.
+    /// Passes the model of each file to `take`, in order; without files, the bundled model. A file that
+    /// cannot be read costs only a line and the exit status. Throws ReadingCancelled.
     void ForEachModel(const std::function<void(Model)>& take)
     {
         for (const std::string& path : options_.models) {

@@ -1,5 +1,5 @@
-// Reads model files one after the other while the program does other work. It knows neither windows nor models
-// beyond handing them over.
+// Reads model files one after the other while the program does other work. It knows neither windows nor
+// models beyond handing them over.
 #pragma once
 
 #include "viewer/import/import_options.h"
@@ -25,8 +25,8 @@ struct LoadedFile {
     std::exception_ptr error; ///< as `ImportModel` throws it
 };
 
-/// A thread that waits for the process of each file (`ImportModel`) and hands its model over as a whole. While an
-/// object exists, nothing else may call `ImportModel`.
+/// A thread that waits for the process of each file (`ImportModel`) and hands its model over as a whole.
+/// While an object exists, nothing else may call `ImportModel`.
 class FileLoader
 {
   public:
@@ -44,8 +44,8 @@ class FileLoader
 
     /// The file is no longer needed: if it is being read, that is cancelled. It may already wait in `Take`.
     void Skip(std::size_t index);
-    /// The next file that is finished, in the order of the paths; nothing where none is. After a ReadingCancelled,
-    /// which is a signal to this process, no further file is read.
+    /// The next file that is finished, in the order of the paths; nothing where none is. After a
+    /// ReadingCancelled, which is a signal to this process, no further file is read.
     [[nodiscard]] std::optional<LoadedFile> Take();
     /// Whether `Take` has returned all files that it ever will.
     [[nodiscard]] bool IsDone();

@@ -1,4 +1,5 @@
-// The windows of a run: they are on the screen while the files load, and show each file once it has been read.
+// The windows of a run: they are on the screen while the files load, and show each file once it has been
+// read.
 #pragma once
 
 #include "viewer/apps/karv-view/file_loader.h"
@@ -19,14 +20,15 @@ namespace viewer
 class WindowSession
 {
   public:
-    /// All arguments must outlive the object. `notices` gets messages to the user, `err` errors of the windows.
+    /// All arguments must outlive the object. `notices` gets messages to the user, `err` errors of the
+    /// windows.
     WindowSession(const Options& options, const ImportOptions& import, RunReport& report,
                   std::ostream& notices, std::ostream& err);
 
-    /// Shows the windows until the user has closed the last one or quits; that cancels what is not read yet. A
-    /// file that cannot be read costs a line, and with --windows its window. Ends early where no file can be
-    /// read. Throws ReadingCancelled, std::runtime_error where categories are hidden that there are not, and
-    /// what windows throw.
+    /// Shows the windows until the user has closed the last one or quits; that cancels what is not read yet.
+    /// A file that cannot be read costs a line, and with --windows its window. Ends early where no file can
+    /// be read. Throws ReadingCancelled, std::runtime_error where categories are hidden that there are not,
+    /// and what windows throw.
     void Run();
 
   private:

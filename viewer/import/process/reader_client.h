@@ -46,9 +46,9 @@ class ReadingCancelled : public FileError
 ///
 /// Throws FileError, "FILE: reason" in one line, if `ReadModelFile` does, and if the reader cannot be
 /// started, crashes twice, exceeds a limit, or sends a damaged stream. Throws ReadingCancelled when
-/// `ReaderSettings::stop` is requested, and at SIGINT, SIGTERM or SIGHUP to the calling process; these signals
-/// do not end the calling process then. The reason states the last progress that the reader reported. If the
-/// reader cannot be started, the reason names its path. Exceptions of `progress` pass through.
+/// `ReaderSettings::stop` is requested, and at SIGINT, SIGTERM or SIGHUP to the calling process; these
+/// signals do not end the calling process then. The reason states the last progress that the reader reported.
+/// If the reader cannot be started, the reason names its path. Exceptions of `progress` pass through.
 ///
 /// On Windows no importer is built, and every call throws FileError with that reason. Not thread-safe: one
 /// call at a time in a process, on any thread, which lives at least as long as the call.

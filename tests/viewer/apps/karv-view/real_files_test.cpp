@@ -140,8 +140,8 @@ TEST_F(DrawnFiles, WhatLiesBehindAHoleIsSeenThroughItInItsColour)
 
     SceneWindow window(model);
     const Picture picture = window.Draw(StandardView::Top, false);
-    // The plate of 40 units covers 0.915 of 120 pixels: 2.75 pixels per unit. From the middle, the small plate
-    // extends 2 units (5.5 pixels), the hole 8 (22) and the plate 20 (55).
+    // The plate of 40 units covers 0.915 of 120 pixels: 2.75 pixels per unit. From the middle, the small
+    // plate extends 2 units (5.5 pixels), the hole 8 (22) and the plate 20 (55).
     const int middle = kSide / 2;
     // Faces that face the light have a white highlight.
     const auto red_of = [](std::uint32_t pixel) { return pixel >> 16U; };
@@ -157,8 +157,8 @@ TEST_F(DrawnFiles, WhatLiesBehindAHoleIsSeenThroughItInItsColour)
 
 TEST_F(DrawnFiles, LineModeShowsTheEdgesOfTheFileAndNotThoseOfItsFacets)
 {
-    // A cylinder of radius 10 and height 20 has two circles and, apart from its seam, no other edge. The front
-    // view has 0.915 x 120 / 20 = 5.5 pixels per unit.
+    // A cylinder of radius 10 and height 20 has two circles and, apart from its seam, no other edge. The
+    // front view has 0.915 x 120 / 20 = 5.5 pixels per unit.
     const Model model = Import(WriteStep(BRepPrimAPI_MakeCylinder(10.0, 20.0).Shape()));
     SceneWindow window(model);
     const Picture picture = window.Draw(StandardView::Front, true);

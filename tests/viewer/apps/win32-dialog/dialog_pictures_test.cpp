@@ -162,8 +162,8 @@ TEST(DialogSwitches, ParallelProjectionShowsFarAndNearAtOneScale)
          L"squares.obj");
     const Picture parallel = folder.Read("parallel.bmp");
     EXPECT_NEAR(WidthOf(kRed, parallel), WidthOf(kGreen, parallel), 1.0);
-    // The box of 3 x 3 x 1 has a diagonal of 4.359, which is 0.65 of the scene size: that is 6.70, the distance
-    // of the eye from the middle: 6.70 - 1.5 from the near square and 6.70 + 1.5 from the far one.
+    // The box of 3 x 3 x 1 has a diagonal of 4.359, which is 0.65 of the scene size: that is 6.70, the
+    // distance of the eye from the middle: 6.70 - 1.5 from the near square and 6.70 + 1.5 from the far one.
     const Picture perspective = folder.Read("perspective.bmp");
     EXPECT_NEAR(static_cast<double>(WidthOf(kRed, perspective)) / WidthOf(kGreen, perspective), 8.20 / 5.20,
                 0.05);
@@ -413,7 +413,8 @@ TEST(DialogOpen, ChosenModelReplacesThePreviousOne)
     const CubeFolder folder;
     Play(folder, "press frame\nopen cube.obj\npicture opened.bmp\npress top\npicture hidden.bmp\n", L"");
     EXPECT_EQ(HuesOf(folder.Read("opened.bmp")), (std::set<int>{kRed, kCyan, kBlue}));
-    // The sides of different materials are open surfaces: through the top, the insides of two others are seen.
+    // The sides of different materials are open surfaces: through the top, the insides of two others are
+    // seen.
     EXPECT_EQ(HuesOf(folder.Read("hidden.bmp")), (std::set<int>{kRed, kCyan, kYellow, kGreen}));
 }
 
