@@ -296,8 +296,10 @@ void MultiplyZoom(KARVOpenGLControl& control, double factor)
     // The product of three counts of hundredths is precise while none of them is very low.
     constexpr double kLow = 0.02;
     constexpr int kTenth = 10;
-    for (; factor < kLow; factor *= 10.0)
+    while (factor < kLow) {
         TurnWheel(control, kTenth);
+        factor *= 10.0;
+    }
     for (const int percent : PercentsOf(factor))
         TurnWheel(control, percent);
 }
