@@ -453,7 +453,7 @@ TEST(ReaderProcess, StopThatAnotherThreadRequestsEndsTheReader)
         has_begun.wait(false);
         stop.request_stop();
     });
-    ReaderSettings settings{KARV_FAKE_READER, Generous()};
+    ReaderSettings settings{KARV_FAKE_READER, GenerousLimits()};
     settings.stop = stop.get_token();
     const auto report = [&](double) {
         has_begun = true;
