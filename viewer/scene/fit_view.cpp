@@ -309,9 +309,12 @@ std::optional<double> FitView(KARVOpenGLControl& control, std::span<const Point>
 {
     if (std::none_of(points.begin(), points.end(), IsFinite))
         return std::nullopt;
-    if (options.view)
+    if (options.view) {
+        // Standard views place the eye at a distance of one scene size, which a new control does not have.
+        SetSceneSize(control, options.scene_size);
         ApplyStandardView(control, *options.view);
-    // Before the scene size is set, which may move the target.
+    }
+    // Before the fitted scene size is set, which may move the target.
     const Axes axes = PresentAxes(control);
     const Projection projection = options.projection.value_or(PresentProjection());
     SetProjection(control, projection);

@@ -227,6 +227,33 @@ class FitViewTest : public testing::Test
     std::unique_ptr<ViewportWindow> window_;
 };
 
+TEST(FirstFitOfAControl, KeepsZUprightAndLooksLikeTheNextOne)
+{
+    UseHeadless();
+    const std::vector<Point> corners = Corners(BoxOf({0, 0, 0}, {.02, .03, .05}));
+    const Point foot{.01, .015, 0};
+    const Point top{.01, .015, .05};
+    for (const StandardView view : kStandardViews) {
+        const std::string where(NameOf(view));
+        ViewportWindow window(L"test", PictureSize{100, 100}, false);
+        ASSERT_TRUE(FitView(window.Control(), corners, {.view = view})) << where;
+        std::vector<Point> first;
+        for (const Point& corner : corners)
+            first.push_back(ProjectToViewport(corner));
+        if (view != StandardView::Top && view != StandardView::Bottom) {
+            // A roll of one degree is 0.03. Perspective leans the line a little, which is beside the middle.
+            EXPECT_NEAR(ProjectToViewport(top).x, ProjectToViewport(foot).x, 0.01) << where;
+            EXPECT_GT(ProjectToViewport(top).y, ProjectToViewport(foot).y + 0.5) << where;
+        }
+        ASSERT_TRUE(FitView(window.Control(), corners, {.view = view})) << where;
+        for (std::size_t i = 0; i < corners.size(); ++i) {
+            const Point next = ProjectToViewport(corners[i]);
+            EXPECT_NEAR(first[i].x, next.x, 1e-3) << where;
+            EXPECT_NEAR(first[i].y, next.y, 1e-3) << where;
+        }
+    }
+}
+
 TEST_F(FitViewTest, KeepsTheOrientationUnlessAViewIsNamed)
 {
     FitView(Control(), box_, {.view = StandardView::NE});
