@@ -15,7 +15,7 @@ class ModelWindow : public ViewportWindow
 {
   public:
     /// Creates a hidden window with a client area of this size, which shows an empty model, drawn as the
-    /// options say. They must outlive the window. Throws as ViewportWindow does.
+    /// options say. Throws as ViewportWindow does.
     ModelWindow(PictureSize size, const ViewOptions& options, Ground ground = Ground::Fixed);
     /// Creates the window and feeds the model.
     ModelWindow(PictureSize size, const ViewOptions& options, const Model& model,
@@ -49,7 +49,7 @@ class ModelWindow : public ViewportWindow
     /// The title of the window follows from the model's title and the status.
     void UpdateTitle();
 
-    const ViewOptions& options_;
+    ViewOptions options_;
     const Model* model_; ///< not owned
     std::unique_ptr<FittedScene> scene_;
     bool is_placed_for_another_ = false; ///< the model lies where the model before did
