@@ -3,6 +3,7 @@
 #include "platform/winsys/opengl.h"
 #include "viewer/scene/feature_edges.h"
 #include "viewer/scene/fit_points.h"
+#include "viewer/scene/fit_view.h"
 #include "viewer/scene/line_colors.h"
 
 #include <algorithm>
@@ -288,21 +289,22 @@ bool FittedScene::IsFlat() const
 
 void FittedScene::Show(StandardView view, Projection projection, double aspect)
 {
-    Fit({.view = view, .projection = projection, .aspect = aspect});
+    Fit(view, projection, aspect);
 }
 
 void FittedScene::Fit(Projection projection, double aspect)
 {
-    Fit({.projection = projection, .aspect = aspect});
+    Fit(std::nullopt, projection, aspect);
 }
 
-void FittedScene::Fit(const FitOptions& options)
+void FittedScene::Fit(std::optional<StandardView> view, Projection projection, double aspect)
 {
-    projection_ = *options.projection;
+    projection_ = projection;
     // An empty model is fitted like a point.
     static constexpr std::array<Point, 1> kOrigin{};
     const std::span<const Point> points = fit_points_.empty() ? std::span<const Point>(kOrigin) : fit_points_;
-    zoom_ = FitView(control_, points, options).value_or(zoom_);
+    zoom_ =
+        FitView(control_, points, {.view = view, .projection = projection, .aspect = aspect}).value_or(zoom_);
 }
 
 void FittedScene::SwitchProjection()

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "control/KARVOpenGLControl.h"
-#include "viewer/scene/fit_view.h"
 #include "viewer/scene/line_colors.h"
 #include "viewer/scene/model.h"
 #include "viewer/scene/scene_placement.h"
@@ -113,7 +112,7 @@ class FittedScene
     void ShowLineGroups();
     void ReadGround();
     void SetShown(int category, bool shown);
-    void Fit(const FitOptions& options);
+    void Fit(std::optional<StandardView> view, Projection projection, double aspect);
 
     KARVOpenGLControl& control_;
     ScenePlacement placement_;

@@ -184,7 +184,8 @@ void CheckBrepFile(const std::string& path, BrepKind kind)
     const Ends ends = ReadEnds(path);
     if (!check.is_of_kind(ends))
         throw FileError(path, "does not begin as " + std::string(check.name) + " file does");
-    if (!(check.is_whole(ends) || (kind == BrepKind::Brep && HasEndOfShapes(path))))
+    const bool is_whole = check.is_whole(ends) || (kind == BrepKind::Brep && HasEndOfShapes(path));
+    if (!is_whole)
         throw FileError(path, "truncated: does not end as " + std::string(check.name) + " file does");
 }
 
