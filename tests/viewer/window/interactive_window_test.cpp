@@ -4,6 +4,7 @@
 
 #include "platform/winsys/opengl.h"
 #include "tests/viewer/test_support.h"
+#include "viewer/scene/fit_view.h"
 #include "viewer/window/message_loop.h"
 
 #include <gmock/gmock.h>
