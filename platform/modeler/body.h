@@ -38,7 +38,7 @@ class Edge
   public:
     /// Where the edge starts. It ends where the next edge of its loop starts.
     [[nodiscard]] Vertex* vertex() const noexcept { return vertex_; }
-    /// The next edge of the loop. The last edge is followed by the first. That of a wire is its other half.
+    /// The next edge of the loop. The last edge is followed by the first. For a wire, the other half.
     [[nodiscard]] Edge* next() const noexcept { return next_; }
     /// The other half of the edge, in the loop of the neighbouring face, or of the same face where an outline
     /// runs to a hole and back along one edge.

@@ -63,8 +63,7 @@ class KARV_PLATFORM_API BodyBuilder
     /// a loop that is not ended, has under three corners or names a point that does not exist; for an edge
     /// from a point to itself, an edge that is used twice in one direction, and an edge that is not used in
     /// the other direction; for a wire from a point to itself or that names a point that does not exist; and
-    /// for a face that has to be split and whose loops cross or run in wrong
-    /// directions.
+    /// for a face that has to be split and whose loops cross or run in wrong directions.
     [[nodiscard]] Body Build() const;
 
   private:

@@ -91,9 +91,13 @@ TEST(ModelerBuilder, WiresComeAfterTheEdgesOfFaces)
     ASSERT_EQ(edges.size(), 7U);
     EXPECT_EQ(EndsOf(body, edges).back(), Ends(1, 0));
     EXPECT_EQ(edges.back()->face(), nullptr);
-    for (AModeler::Face* face = body.faceList(); face != nullptr; face = face->next())
-        for (int i = 0; i < face->edgeCount(); ++i)
-            EXPECT_NE(face->edgeLoop()->partner()->face(), nullptr);
+    for (AModeler::Face* face = body.faceList(); face != nullptr; face = face->next()) {
+        const AModeler::Edge* edge = face->edgeLoop();
+        for (int i = 0; i < face->edgeCount(); ++i, edge = edge->next()) {
+            EXPECT_EQ(edge->face(), face);
+            EXPECT_NE(edge->partner()->face(), nullptr);
+        }
+    }
 }
 
 TEST(ModelerBuilder, WiresWithoutLengthOrPointsAreRefused)

@@ -73,8 +73,8 @@ class VisiblePieces
     std::vector<const Piece*> pieces_;
 };
 
-/// Unit vectors along which a set of points is longest, widest of what is left, and thin; zero where it has
-/// no extent.
+/// A frame of a set of points. The axes are unit vectors: along the greatest extent, along the greatest
+/// extent perpendicular to it, and perpendicular to both. An axis is zero if there is no such extent.
 struct Frame {
     Point origin;
     Point length;
@@ -149,9 +149,9 @@ class Cells
     std::size_t last_;
 };
 
-/// The points at both ends of each column of a grid, whose columns run along the thinnest direction: every
-/// other point has a kept one on either side of it, no more than a cell away in the other directions. The
-/// frame makes a cell small against the extents in every direction, also for slanted rods and sheets.
+/// The points at both ends of each column of a grid. Columns run along the thickness of the frame, so every
+/// other point lies between two of these points along it, and at most one cell from them in the other
+/// directions. The axes of the frame make cells small, also for slanted rods and sheets.
 std::vector<Point> EndsOfColumns(const VisiblePieces& pieces)
 {
     constexpr std::size_t kColumns = 256;

@@ -9,8 +9,8 @@
 namespace viewer
 {
 
-/// Points of the model, in its coordinates, that look as wide and as high as its visible pieces from every
-/// side; pieces of the categories in `hidden` do not count. Empty where no piece is visible.
+/// Points of the model, in its coordinates, with the extents of its visible pieces in every direction. Pieces
+/// of the categories in `hidden` are ignored. Empty if no piece is visible.
 ///
 /// Models of up to 20 000 corners keep all of them, each once. Of larger ones at most 131 076 are kept, 3 MB,
 /// whose extents in any direction are at most 2 % less than those of the model. The time is that of five

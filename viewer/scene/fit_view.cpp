@@ -1,6 +1,7 @@
 #include "viewer/scene/fit_view.h"
 
 #include "platform/winsys/opengl.h"
+#include "viewer/scene/affine.h"
 
 #include <algorithm>
 #include <array>
@@ -19,7 +20,7 @@ namespace
 /// The control's scene size, in diagonals of its box.
 constexpr double kSceneSizePerDiagonal = 1.2;
 /// The control's field of view at zoom 1.
-constexpr double kFieldOfView = 40.0 * std::numbers::pi / 180.0;
+constexpr double kFieldOfView = Radians(40.0);
 
 /// The projection of the current context. NOTE: the last element of the matrix is 0 in perspective.
 Projection PresentProjection()
@@ -106,8 +107,9 @@ class SeenPoints
     /// viewport of this aspect.
     double CenterFrom(double distance, double aspect)
     {
-        // The slope of a point is (x - middle) / depth. The middle at which the greatest and the least slope
-        // are opposite follows from the two points that have them; other points may have them then.
+        // The slope of a point is (x - middle) / depth. The points with the least and the greatest slope give
+        // the middle at which these slopes are opposite. Other points may have the extreme slopes then, so
+        // this is repeated.
         constexpr int kSteps = 20;
         for (int step = 0; step < kSteps; ++step) {
             const double x = middle_.x;
@@ -149,8 +151,8 @@ class SeenPoints
         return point.z - middle_.z + distance;
     }
 
-    /// The middle along an axis at which the slopes of the points that have the least and the greatest now
-    /// are opposite.
+    /// The middle along an axis at which the slopes of two points are opposite: of those with the least and
+    /// the greatest slope from the present middle.
     [[nodiscard]] double Balanced(double Point::*along, double distance) const
     {
         const Point* least = nullptr;
@@ -178,7 +180,7 @@ class SeenPoints
     Point middle_;
 };
 
-/// Where the eye stands, and how the control zooms.
+/// The distance of the eye and the zoom of the control.
 struct Fitting {
     double distance = 0.0; ///< of the eye from the middle
     double zoom = 1.0;
@@ -187,9 +189,9 @@ struct Fitting {
 
 Fitting FitPerspective(SeenPoints& seen, double aspect, double scene_size)
 {
-    // The control limits its field of view to 150 degrees. Where a narrow window needs more, the eye steps
-    // back. The field of view at 0.01 degrees is the least.
-    const double max_tangent = std::tan(70.0 * std::numbers::pi / 180.0);
+    // The control limits its field of view to 0.01 to 150 degrees. If a narrow window needs more than 140,
+    // the eye moves back.
+    const double max_tangent = std::tan(Radians(70.0));
     constexpr double kMinZoom = 0.01 / 40.0;
     constexpr int kSteps = 4;
     Fitting fitting{scene_size, 1.0, scene_size};

@@ -13,7 +13,7 @@
 namespace viewer
 {
 
-/// How much of the viewport's width or height, whichever is tighter, a fit covers.
+/// The share of the viewport's width or height, whichever is larger, that fitted points cover.
 inline constexpr double kFittedShare = 0.915;
 
 struct FitOptions {
@@ -28,13 +28,13 @@ struct FitOptions {
     double scene_size = kSceneSize;
 };
 
-/// Shows all points, centred: the larger of their shares of the viewport's width and height is
-/// `kFittedShare`, at most 0.1 % off, for aspects from 1:10 to 10:1 and points whose extents in the picture
+/// Shows all points, centred. The larger of their shares of the viewport's width and height is
+/// `kFittedShare`, within 0.1 %, for aspects from 1:10 to 10:1 and points whose extents in the picture
 /// are at least a 4000th of their diagonal. Points that coincide in the picture are shown with zoom 1.
 /// Returns the zoom, relative to that of `ResetCameraZoom`.
 ///
 /// The points are in units of the scene; those that are not finite are ignored. Without a finite one nothing
-/// changes, and the result is empty. Only their convex hull counts, so points inside it may be left out. The
+/// changes, and the result is empty. Points inside the convex hull of the others may be left out. The
 /// time is proportional to the number of points: 100 000 take a few milliseconds.
 ///
 /// The camera's target becomes the middle of the points and no longer follows the scene's box, as after every

@@ -170,7 +170,7 @@ void FittedScene::FeedFaces(const Piece& piece)
 
 void FittedScene::KeepEdges(AModeler::Body& wires, const Piece& piece)
 {
-    // Lines ignore opacity: the edges of a piece that is not visible would be.
+    // Lines ignore opacity: the edges of an invisible piece would be visible.
     if (piece.alpha <= 0.0F)
         return;
     const unsigned char color = EdgeColor(piece.color);

@@ -52,14 +52,14 @@ class FittedScene
     FittedScene(KARVOpenGLControl& control, const Model& model, const std::vector<int>& hidden = {},
                 Ground ground = Ground::Fixed);
 
-    /// Shows this model instead. The hidden categories, the projection, and lines or faces stay. With
-    /// `keep_place`, coordinates of the files lie where they lay before, so that the camera keeps its view of
-    /// what both models hold; otherwise call `Show` next. Needs the control's context.
+    /// Shows another model. The hidden categories, the projection and the mode stay. With `keep_place`, the
+    /// coordinates of files are mapped to the scene as before, so the camera keeps its view of parts that
+    /// both models contain. Otherwise call `Show` next.
     void Replace(const Model& model, bool keep_place);
 
     /// Draws lines or faces from the next frame on.
     void DrawLines(bool lines);
-    /// Draws edges over faces from the next frame on, or does not. Line mode draws edges in any case.
+    /// Switches edges over faces on or off, from the next frame on. Line mode always draws edges.
     void DrawEdges(bool edges);
     /// Shows or hides a category of the model, with its edges, from the next frame on.
     void ShowCategory(int category, bool shown);
@@ -85,7 +85,7 @@ class FittedScene
   private:
     enum class Mode { Faces, Lines, Both };
 
-    /// Lines with a category of their own.
+    /// Lines and edges that share a category.
     struct LineGroup {
         int category = 0; ///< of the piece
         Mode mode = Mode::Both;

@@ -10,10 +10,10 @@ enum class Light {
     None,     ///< every face shows its own colour
 };
 
-/// Sets the light of the control whose context is current, from the next frame on. It is fixed to the viewer:
-/// it does not turn with the scene.
+/// Sets the light of the control whose context is current, from the next frame on. The light is fixed to the
+/// eye and does not turn with the scene.
 void SetLight(Light light);
-/// The next one of all lights, after the last one the first.
+/// The next light in the order of the enumeration; the first one after the last.
 [[nodiscard]] Light NextLight(Light light);
 
 } // namespace viewer

@@ -17,18 +17,12 @@ constexpr double kEdgeTone = 0.35;
 constexpr unsigned char kWhite = 7;
 constexpr unsigned char kDarkestGray = 250; ///< the palette has no black
 
-double LinearFrom(double channel)
-{
-    constexpr double kLinearPart = 0.04045;
-    return channel <= kLinearPart ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-}
-
 /// The relative luminance and the offset that WCAG 2 adds for stray light.
 double LightOf(const Rgb& color)
 {
     constexpr double kStrayLight = 0.05;
-    return 0.2126 * LinearFrom(color.red) + 0.7152 * LinearFrom(color.green) +
-           0.0722 * LinearFrom(color.blue) + kStrayLight;
+    return 0.2126 * LinearIntensity(color.red) + 0.7152 * LinearIntensity(color.green) +
+           0.0722 * LinearIntensity(color.blue) + kStrayLight;
 }
 
 unsigned char NearestTo(const Rgb& color)

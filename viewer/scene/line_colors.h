@@ -1,4 +1,4 @@
-// The colours of lines: those of edges over faces, and those that are readable on a ground.
+// Colours of lines: of edges over faces, and readable ones on a background.
 #pragma once
 
 #include <vector>
@@ -20,7 +20,7 @@ struct Rgb {
 /// black and white.
 [[nodiscard]] double ContrastOf(const Rgb& a, const Rgb& b);
 
-/// Two colours with less contrast than this are not told apart easily.
+/// The minimum contrast of readable lines.
 inline constexpr double kMinContrast = 2.0;
 
 /// The palette index for the edges of a piece over its faces: 0.35 of the piece's tone. A piece that is
@@ -31,7 +31,7 @@ inline constexpr double kMinContrast = 2.0;
 /// less than `kMinContrast`. The opposite is white or the darkest grey, whichever has more contrast.
 [[nodiscard]] unsigned char ReadableColor(unsigned char color, const Rgb& ground);
 
-/// All that `ReadableColor` gives for the colour on any ground, beginning with the colour itself.
+/// All results of `ReadableColor` for this colour, on any ground. The colour itself is the first.
 [[nodiscard]] std::vector<unsigned char> ReadableColors(unsigned char color);
 
 } // namespace viewer

@@ -11,9 +11,9 @@ namespace viewer
 /// flicker.
 inline constexpr double kSceneSize = 0.2;
 
-/// The diagonal of a model in scene sizes. The eye stands one scene size from the middle of what is seen, and
-/// turns about it: no point comes nearer than 1 - 0.65 x sqrt(3) / 2 = 0.43 scene sizes, far beyond the near
-/// distance.
+/// The diagonal of a model in scene sizes. The eye orbits the middle of the visible points at a distance of
+/// one scene size, so no point comes nearer than 1 - 0.65 x sqrt(3) / 2 = 0.43 scene sizes, far beyond the
+/// near distance.
 inline constexpr double kModelPerSceneSize = 0.65;
 
 /// Maps the file's coordinates to the scene: the minimum corner of the model goes to the origin, and the

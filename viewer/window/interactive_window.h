@@ -25,7 +25,7 @@ class InteractiveWindow : public ModelWindow
     InteractiveWindow(PictureSize size, const ViewOptions& options, const Model& model, std::ostream& notices,
                       std::ostream& errors);
 
-    /// Shows this model, of which the one before is a part. It opens as `ModelWindow::OpeningView` says, or
+    /// Shows a model that contains the one before. It opens as `ModelWindow::OpeningView` says, or
     /// is fitted in the view that the user has chosen by key. If the user has moved the camera over an
     /// earlier model, the camera is kept instead. The model must outlive the window or the next call.
     void Update(const Model& model);
@@ -59,7 +59,7 @@ class InteractiveWindow : public ModelWindow
     void ShowFrom(StandardView view);
     /// Shows the whole model; orientation and projection stay.
     void FitAgain();
-    /// The camera is kept where the user has moved it; else the model is fitted again.
+    /// Keeps the camera if the user has moved it; else fits the model again.
     void SwitchProjection();
     void SwitchMode();
     void SwitchEdges();
@@ -67,8 +67,8 @@ class InteractiveWindow : public ModelWindow
     void NextBackground();
     /// Zooms as the last fit did.
     void ResetZoom();
-    /// Ends navigation with the buttons, which nothing brings back, at the second of two presses in a row.
-    /// Asks for the second one at the first.
+    /// The first press asks for a second one. The second press in a row ends navigation with the buttons; it
+    /// cannot be switched on again.
     void EndNavigation();
     /// Saves what the viewport shows as karv-view-1.png in the current folder, or with the first higher
     /// number whose name is free. Reports the name, or why the picture could not be saved.
@@ -84,7 +84,7 @@ class InteractiveWindow : public ModelWindow
     std::vector<std::array<int, 3>> backgrounds_; ///< red, green, blue, 0 to 255
     std::size_t background_ = 0;                  ///< the number of the present one
     wchar_t last_key_ = 0;                        ///< of the command before this one
-    bool is_key_held_ = false; ///< the key of the last command is still down: its repetitions are no presses
+    bool is_key_held_ = false; ///< the key of the last command is down: repetitions are no presses
     bool is_open_ = true;
     bool has_model_ = false;
     bool is_view_chosen_ = false; ///< the user has chosen a view or a projection by key

@@ -24,12 +24,10 @@ class ModelWindow : public ViewportWindow
     /// Shows this model instead of the one before; call `Show` next. The model must outlive the window or the
     /// next call.
     void Feed(const Model& model);
-    /// The same, where the model before is a part of this one: the camera is kept until the next `Show` or
-    /// `Fit`.
+    /// The same for a model that contains the one before. The camera is kept until the next `Show` or `Fit`.
     void FeedUnderCamera(const Model& model);
 
-    /// The view and the projection in which the model opens: those of the options, or else those that suit
-    /// it.
+    /// The view and the projection of the options; if they are absent, those that suit the model.
     [[nodiscard]] StandardView OpeningView() const;
     [[nodiscard]] Projection OpeningProjection() const;
 
@@ -44,15 +42,15 @@ class ModelWindow : public ViewportWindow
     [[nodiscard]] FittedScene& Scene() { return *scene_; }
 
   private:
-    /// Makes the control's context current, and gives the model its own place again.
+    /// Makes the control's context current, and feeds the model again if it has the placement of another.
     void PlaceAnew();
-    /// The title of the window follows from the model's title and the status.
+    /// Sets the title of the window from the status and the model's title.
     void UpdateTitle();
 
     ViewOptions options_;
     const Model* model_; ///< not owned
     std::unique_ptr<FittedScene> scene_;
-    bool is_placed_for_another_ = false; ///< the model lies where the model before did
+    bool is_placed_for_another_ = false; ///< the model has the placement of the one before
     std::string status_;
 };
 

@@ -75,7 +75,7 @@ constexpr int Channel(Adesk::UInt32 color, unsigned shift)
     return static_cast<int>((color >> shift) & 0xFFU);
 }
 
-/// A colour of CIELAB, where distances are about as large as the differences that people see.
+/// A colour of CIELAB, where distances are about proportional to perceived differences.
 struct Lab {
     double lightness = 0.0;
     double a = 0.0; ///< from green to red
@@ -90,25 +90,18 @@ double SquaredDistance(const Lab& one, const Lab& other)
     return lightness * lightness + a * a + b * b;
 }
 
-/// The intensity of a channel of sRGB, 0 to 1.
-double Linear(Adesk::UInt32 color, unsigned shift)
-{
-    const double value = Channel(color, shift) / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
 double LabCurve(double share)
 {
     constexpr double kBend = 6.0 / 29.0;
     return share > kBend * kBend * kBend ? std::cbrt(share) : share / (3.0 * kBend * kBend) + 4.0 / 29.0;
 }
 
-/// The colour under the white of sRGB, D65.
+/// Converts a colour of sRGB, with its white D65.
 Lab ToLab(Adesk::UInt32 color)
 {
-    const double red = Linear(color, 16);
-    const double green = Linear(color, 8);
-    const double blue = Linear(color, 0);
+    const double red = LinearIntensity(Channel(color, 16) / 255.0);
+    const double green = LinearIntensity(Channel(color, 8) / 255.0);
+    const double blue = LinearIntensity(Channel(color, 0) / 255.0);
     const double x = LabCurve((0.4124564 * red + 0.3575761 * green + 0.1804375 * blue) / 0.95047);
     const double y = LabCurve(0.2126729 * red + 0.7151522 * green + 0.0721750 * blue);
     const double z = LabCurve((0.0193339 * red + 0.1191920 * green + 0.9503041 * blue) / 1.08883);
@@ -167,11 +160,16 @@ Adesk::UInt8 AcCmColor::blue() const noexcept
     return static_cast<Adesk::UInt8>(kPalette[index_ & 0xFFU]);
 }
 
+double LinearIntensity(double channel)
+{
+    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+
 Adesk::UInt8 NearestColorIndex(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) noexcept
 {
     const std::array<Lab, kPalette.size()>& palette = LabPalette();
     const Lab wanted = ToLab(Pack(red, green, blue));
-    // The palette is short of dark greys: a dark hue can be nearer to black than the darkest of them is.
+    // The palette has few dark greys: a dark hue can be nearer to black than the darkest grey.
     const bool only_grays = IsGray(wanted);
     constexpr std::size_t kWhite = 7;
     std::size_t best = only_grays ? kWhite : 1;

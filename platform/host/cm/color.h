@@ -39,6 +39,9 @@ class KARV_PLATFORM_API AcCmColor
     Adesk::UInt16 index_ = 7;
 };
 
+/// The linear intensity of a channel of sRGB, both from 0 to 1, as IEC 61966-2-1 defines it.
+[[nodiscard]] KARV_PLATFORM_API double LinearIntensity(double channel);
+
 /// The palette index whose colour differs least, by distance in CIELAB from channels of sRGB; the lowest of
 /// several. A colour without a visible hue becomes a grey. Never 0, which has no colour of its own.
 [[nodiscard]] KARV_PLATFORM_API Adesk::UInt8 NearestColorIndex(Adesk::UInt8 red, Adesk::UInt8 green,

@@ -27,6 +27,7 @@ constexpr std::uint32_t kWhiteGround = 0xFFFFFF;
 class EdgesOverFaces : public testing::Test
 {
   protected:
+    static void SetUpTestSuite() { UseHeadless(); }
     EdgesOverFaces()
     {
         view_.Control().MakeCurrent();
@@ -40,13 +41,6 @@ class EdgesOverFaces : public testing::Test
         return *scene_;
     }
 
-  private:
-    struct Headless {
-        Headless() { UseHeadless(); }
-    };
-    Headless headless_;
-
-  protected:
     ViewportWindow view_{L"test", PictureSize{kEdgeWindow, kEdgeWindow}, false};
     std::unique_ptr<FittedScene> scene_;
 };

@@ -28,6 +28,8 @@ constexpr std::uint32_t kBlackGround = 0;
 class LightOnACube : public testing::Test
 {
   protected:
+    static void SetUpTestSuite() { UseHeadless(); }
+
     void Feed(unsigned char color, const std::vector<Segment>& lines = {})
     {
         view_.Control().MakeCurrent();
@@ -53,13 +55,6 @@ class LightOnACube : public testing::Test
         return tones;
     }
 
-  private:
-    struct Headless {
-        Headless() { UseHeadless(); }
-    };
-    Headless headless_;
-
-  protected:
     ViewportWindow view_{L"test", PictureSize{kLightWindow, kLightWindow}, false};
     std::unique_ptr<FittedScene> scene_;
 };

@@ -183,6 +183,8 @@ TEST(LinesOnGrounds, OfSolidsAndSurfacesAreReadableInLineMode)
             for (const int half : {0, 1}) {
                 const Rgb seen =
                     MostDistinct(picture, half * kGroundWidth / 2, (half + 1) * kGroundWidth / 2);
+                // The colour of the line contrasts by kMinContrast. Where the line lies between two rows of
+                // pixels, smoothing mixes it with the ground by halves.
                 EXPECT_GE(ContrastOf(seen, ToRgb(ground)), 1.3) << ground[0] << " colour " << int{color};
             }
         }

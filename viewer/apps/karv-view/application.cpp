@@ -109,8 +109,8 @@ class Application
         return false;
     }
 
-    /// Without a display the views are drawn on a sheet. Where DISPLAY names one, the user expects a window:
-    /// no file is replaced by the sheet then, and the run counts as failed. `reason` is why there is no
+    /// Without a display the views are drawn on a sheet. If DISPLAY names a display, the user expects a
+    /// window: the sheet then replaces no file, and the run counts as failed. `reason` says why there is no
     /// window.
     void ReplaceWindowsBySheet(const std::string& reason)
     {
@@ -143,8 +143,8 @@ class Application
             path, HowToImport(LargestPicture()), [&](double fraction) { progress.Report(fraction); }, reader);
     }
 
-    /// Passes the model of each file to `take`, in order; without files, the bundled model. A file that
-    /// cannot be read costs only a line and the exit status. Throws ReadingCancelled.
+    /// Passes the model of each file to `take`, in order; without files, the bundled model. Files that cannot
+    /// be read are reported. Throws ReadingCancelled.
     void ForEachModel(const std::function<void(Model)>& take)
     {
         for (const std::string& path : options_.models) {
@@ -183,7 +183,7 @@ class Application
 
     PictureSize PictureSizeOrDefault() const { return options_.size.value_or(PictureSize{}); }
 
-    /// Of all pictures of the models, the one with the longest shorter side. The list is that of a picture.
+    /// The picture with the longest shorter side. A list has the figures of a picture of the usual size.
     PictureSize LargestPicture() const
     {
         const auto shorter = [](const PictureSize& size) { return std::min(size.width, size.height); };
@@ -207,7 +207,7 @@ class Application
         out_ << text.str();
     }
 
-    /// All models as one; nothing where no file can be read.
+    /// All models as one; no value if no file can be read.
     std::optional<Model> Load()
     {
         const SteadyTime before = std::chrono::steady_clock::now();

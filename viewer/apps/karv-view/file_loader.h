@@ -1,5 +1,4 @@
-// Reads model files one after the other while the program does other work. It knows neither windows nor
-// models beyond handing them over.
+// Reads model files one after the other while the program does other work.
 #pragma once
 
 #include "viewer/import/import_options.h"
@@ -39,28 +38,29 @@ class FileLoader
     FileLoader(std::vector<std::string> paths, const ImportOptions& options);
     FileLoader(const FileLoader&) = delete;
     FileLoader& operator=(const FileLoader&) = delete;
-    /// Cancels the rest: ends the process that reads, and waits for its end.
+    /// Cancels the reading, ends the process that reads, and waits for its end.
     ~FileLoader();
 
-    /// The file is no longer needed: if it is being read, that is cancelled. It may already wait in `Take`.
+    /// Cancels the reading of a file that is no longer needed. `Take` may still return the file if it was
+    /// finished before.
     void Skip(std::size_t index);
-    /// The next file that is finished, in the order of the paths; nothing where none is. After a
-    /// ReadingCancelled, which is a signal to this process, no further file is read.
+    /// The next finished file, in the order of the paths; no value if there is none. A signal to the process
+    /// ends the reading: the file then has the error ReadingCancelled, and is the last one.
     [[nodiscard]] std::optional<LoadedFile> Take();
-    /// Whether `Take` has returned all files that it ever will.
+    /// Whether `Take` will return no further file.
     [[nodiscard]] bool IsDone();
     [[nodiscard]] Progress CurrentProgress();
 
   private:
     void ReadAll();
-    /// Reads a file. Returns false where the rest is not to be read.
+    /// Reads a file. Returns false if no further file must be read.
     bool ReadFile(std::size_t index);
     void Note(const Progress& progress);
 
     const std::vector<std::string> paths_;
     const ImportOptions options_;
     std::vector<std::stop_source> stops_; ///< for each file
-    std::mutex mutex_;                    ///< guards the members between it and the thread
+    std::mutex mutex_;                    ///< guards the members below, except for the thread
     std::deque<LoadedFile> finished_;
     Progress progress_;
     bool is_reading_ = true;

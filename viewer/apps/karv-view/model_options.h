@@ -10,11 +10,11 @@
 namespace viewer
 {
 
-/// Gives the model the colour and the opacity that the options ask for. Translucent pieces come last then.
+/// Sets the colour and the opacity of the options, and moves translucent pieces to the end.
 void ApplyColors(const Options& options, Model& model);
 
-/// Throws std::runtime_error, with a text of one line, where one of the categories is in none of the models,
-/// or where the categories hide every piece of all of them. Each model has its own numbers.
+/// Throws std::runtime_error, with a text of one line, if no model has one of the categories, or if they hide
+/// all pieces of all models. Each model numbers its categories from 0.
 void CheckHidden(const std::vector<int>& hidden, std::span<const Model* const> models);
 
 } // namespace viewer

@@ -96,8 +96,7 @@ void SetDeflection(Options& options, const std::string& text)
     options.deflection = deflection;
 }
 
-/// The complaint about the name of a file that is to be written; empty where the name is fine. A name without
-/// an ending is.
+/// The error for the name of a picture to write; empty for a name that ends in ".png" or has no ending.
 std::string PngNameComplaint(const std::string& path)
 {
     const std::string ending = LowerCaseExtension(path);

@@ -21,12 +21,9 @@ void RunReport::NoteFailure(const std::exception& error)
 
 void RunReport::NoteFile(const std::string& path, const Model& model)
 {
-    // The kinds are named by the file.
-    constexpr std::size_t kMaxListBytes = 500;
     ++figures_.files;
     if (!model.left_out.empty())
-        err_ << "karv-view: " << OneLine(path)
-             << ": left out: " << OneLine(ListOf(model.left_out), kMaxListBytes) << std::endl;
+        err_ << "karv-view: " << OneLine(path) << ": left out: " << ListOf(model.left_out) << std::endl;
 }
 
 void RunReport::Count(const Model& model)

@@ -1,4 +1,4 @@
-// What a run of karv-view reports: the files that fail, the parts that are left out, and the figures.
+// The reports of a run of karv-view: files that fail, parts that are left out, and figures.
 #pragma once
 
 #include "viewer/output/stats.h"
@@ -21,12 +21,12 @@ class RunReport
     /// `start` is when the program started; `err`, which gets the lines, must outlive this object.
     RunReport(std::chrono::steady_clock::time_point start, std::ostream& err) : start_(start), err_(err) {}
 
-    /// Prints the failure in a line, at once. It decides the exit status.
+    /// Prints the failure in one line, at once. The run counts as failed from then on.
     void NoteFailure(const std::exception& error);
     [[nodiscard]] bool HasFailed() const { return has_failed_; }
-    /// Names the parts of the file that its model does not contain.
+    /// Counts a file that was read, and prints the parts that its model does not contain.
     void NoteFile(const std::string& path, const Model& model);
-    /// Counts what is shown of a model, which may be of several files.
+    /// Adds the figures of a model, which may be of several files.
     void Count(const Model& model);
     /// Notes the time of the first frame with a model; later calls have no effect.
     void NoteFirstFrame();

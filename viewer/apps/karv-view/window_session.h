@@ -25,10 +25,10 @@ class WindowSession
     WindowSession(const Options& options, const ImportOptions& import, RunReport& report,
                   std::ostream& notices, std::ostream& err);
 
-    /// Shows the windows until the user has closed the last one or quits; that cancels what is not read yet.
-    /// A file that cannot be read costs a line, and with --windows its window. Ends early where no file can
-    /// be read. Throws ReadingCancelled, std::runtime_error where categories are hidden that there are not,
-    /// and what windows throw.
+    /// Shows the windows until the user has closed the last one or quits; files that are not read yet are
+    /// cancelled then. A file that cannot be read is reported, and with --windows its window is closed.
+    /// Returns early if no file can be read. Throws ReadingCancelled, and std::runtime_error as `CheckHidden`
+    /// and windows do.
     void Run();
 
   private:
@@ -38,8 +38,8 @@ class WindowSession
     struct Shown {
         std::unique_ptr<InteractiveWindow> window; ///< null once it is closed
         Model model;                               ///< of all files of the window that have been read
-        bool has_news = false;                     ///< the model holds more than the window shows
-        int feeds = 0;                             ///< how often the model was given to the window
+        bool has_news = false;                     ///< the window does not show the whole model yet
+        int feeds = 0;                             ///< how often the window was fed
         Clock::time_point last_feed;
         unsigned long frames_before = 0; ///< frames of the window before the first feed
     };
@@ -55,9 +55,9 @@ class WindowSession
     void Feed(Shown& shown);
     void ShowProgress();
     [[nodiscard]] std::string ProgressOf(std::size_t index, const FileLoader::Progress& progress) const;
-    /// What can be checked once every file has been read.
+    /// Clears the progress, closes windows without a model, and checks the hidden categories.
     void FinishLoading();
-    /// Where the window of a file is, and the files of a window, as indices.
+    /// The window of a file.
     [[nodiscard]] Shown& WindowOf(std::size_t file) { return shown_.at(options_.windows ? file : 0); }
     [[nodiscard]] unsigned long FrameCount() const;
     void NoteFirstFrame();
@@ -70,7 +70,7 @@ class WindowSession
     FileLoader loader_;
     std::deque<Shown> shown_; ///< one, or with --windows one for each file
     bool is_loading_ = true;
-    bool was_closed_early_ = false; ///< a window, before its files were read
+    bool was_closed_early_ = false; ///< a window was closed before all files were read
     unsigned long frames_of_closed_ = 0;
     std::optional<Clock::time_point> first_feed_;
     unsigned long frames_before_first_feed_ = 0;

@@ -32,7 +32,7 @@ class SceneView
 
     /// Shows the whole model from a standard view.
     void ShowStandardView(viewer::StandardView view);
-    /// The camera is kept where the user has moved it; else the model is fitted again.
+    /// Keeps the camera if the user has moved it; else fits the model again.
     void SetProjection(viewer::Projection projection);
     void DrawLines(bool lines);
     void ShowCategory(int category, bool shown);

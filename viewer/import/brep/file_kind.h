@@ -18,7 +18,7 @@ enum class BrepKind { Step, Iges, Brep };
 [[nodiscard]] bool IsBinaryBrep(const std::string& path);
 
 /// Throws FileError as `CheckModelFile` does, and if the file does not begin and end as files of this kind
-/// do. Reads at most 4 KiB at each end, and the lines of a BREP file with text after its end. The end
+/// do. Reads at most 4 KiB at each end, and all lines of a BREP file with text after its end. The end
 /// of a binary BREP file is not checked, because the library notices a truncated one.
 void CheckBrepFile(const std::string& path, BrepKind kind);
 

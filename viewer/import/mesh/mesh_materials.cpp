@@ -38,7 +38,6 @@ bool IsBlack(const FileColor& color)
     return color.red <= 0.0F && color.green <= 0.0F && color.blue <= 0.0F;
 }
 
-/// The diffuse or base colour. The emissive one if the material only emits.
 /// Whether the library made the material for a file that has none.
 ///
 /// NOTE: For some kinds of files, such as STL, that material is white.
@@ -49,6 +48,7 @@ bool IsMadeUp(const aiMaterial& material, const FileColor& color)
            std::string_view(name.C_Str()) == AI_DEFAULT_MATERIAL_NAME && color == FileColor{1.0F, 1.0F, 1.0F};
 }
 
+/// The diffuse or base colour. The emissive one if the material only emits.
 FileColor BaseColorOf(const aiMaterial& material)
 {
     aiColor4D color;

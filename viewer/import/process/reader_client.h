@@ -24,11 +24,11 @@ struct ReaderSettings {
     /// Called each time after the reader was started, for work that can be done in parallel. Its time counts
     /// towards the limits. Its exceptions pass through.
     std::function<void()> meanwhile = {};
-    /// Cancels the reading, from any thread; obeyed within some 20 ms.
+    /// Cancels the reading, from any thread. It takes effect within about 20 ms.
     std::stop_token stop = {};
 };
 
-/// The reading of a file was cancelled: the file itself may be a good one.
+/// The reading of a file was cancelled. The file may be valid.
 class ReadingCancelled : public FileError
 {
   public:
