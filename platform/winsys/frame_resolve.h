@@ -9,9 +9,9 @@
 namespace winsys
 {
 
-/// HACK: some software rasterisers answer glReadPixels on a multisampled window with the first sample of each
-/// pixel, which makes edges look jagged; the standard requires all samples to count. No longer needed once
-/// every driver resolves on reading.
+/// HACK: some software rasterisers answer glReadPixels on a multisampled window with one sample of each pixel,
+/// and not always with the same one. Edges look jagged, and two pictures of one frame differ. The standard
+/// requires all samples to count. No longer needed once every driver resolves on reading.
 class KARV_PLATFORM_API FrameResolve
 {
   public:

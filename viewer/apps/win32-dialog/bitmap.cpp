@@ -2,6 +2,7 @@
 
 #include "platform/tools/atomic_file.h"
 #include "platform/tools/utf8.h"
+#include "platform/winsys/frame_resolve.h"
 #include "platform/winsys/opengl.h"
 #include "platform/winsys/winsys.h"
 #include "viewer/text/file_error.h"
@@ -55,6 +56,7 @@ std::optional<Bitmap> ReadFrame(int width, int height)
     const auto columns = static_cast<std::size_t>(width);
     const auto rows = static_cast<std::size_t>(height);
     std::vector<unsigned char> pixels(columns * rows * kReadChannels);
+    const winsys::FrameResolve resolve(width, height);
     glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     const std::size_t row_size = BytesPerRow(width);
     Bitmap bitmap{width, height, std::vector<unsigned char>(row_size * rows)};

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <set>
@@ -151,6 +152,18 @@ TEST(DialogViews, FourCornersShowThreeFacesEach)
         EXPECT_FALSE(TouchesItsBorder(picture)) << corner;
     }
     EXPECT_TRUE(folder.Read("start.bmp") == folder.Read("SE.bmp"));
+}
+
+TEST(DialogViews, SlantedEdgesAreSmooth)
+{
+    // Without smoothing: the background, and for each of the six sides the colours of its face and its edges.
+    constexpr std::size_t kUnblended = 13;
+    const CubeFolder folder;
+    Play(folder, "press SE\npicture corner.bmp\n", L"cube.obj");
+    std::set<std::array<int, 3>> colors;
+    for (const Color color : folder.Read("corner.bmp").pixels)
+        colors.insert({color.red, color.green, color.blue});
+    EXPECT_GT(colors.size(), kUnblended);
 }
 
 TEST(DialogSwitches, ParallelProjectionShowsFarAndNearAtOneScale)
