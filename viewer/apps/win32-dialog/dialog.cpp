@@ -22,6 +22,8 @@ namespace
 
 constexpr int kOpaque = 100;
 
+constexpr UINT_PTR kCommonDialogTimer = 1;
+
 /// The smallest client area that shows every button and a part of the viewport, in dialog units.
 constexpr RECT kMinClientArea{0, 0, 250, 262};
 
@@ -79,6 +81,18 @@ MSG ViewerDialog::Dispatch()
     return message;
 }
 
+void ViewerDialog::SetCommonDialogUser(std::function<void(HWND common_dialog)> user)
+{
+    common_dialog_user_ = std::move(user);
+    // NOTE: The system reports idle moments only when no message waits. Where frames take longer than their
+    // timer's period, one always does.
+    constexpr UINT kTenthOfASecond = 100;
+    if (common_dialog_user_)
+        SetTimer(window_, kCommonDialogTimer, kTenthOfASecond, nullptr);
+    else
+        KillTimer(window_, kCommonDialogTimer);
+}
+
 void ViewerDialog::RethrowFailure()
 {
     if (failure_)
@@ -128,10 +142,9 @@ INT_PTR ViewerDialog::Handle(UINT message, WPARAM wparam, LPARAM lparam)
         if (HIWORD(wparam) == BN_CLICKED)
             OnCommand(LOWORD(wparam));
         return TRUE;
-    case WM_ENTERIDLE:
-        if (wparam == MSGF_DIALOGBOX && common_dialog_user_)
-            common_dialog_user_(reinterpret_cast<HWND>(lparam));
-        return FALSE;
+    case WM_TIMER:
+        OnTimer();
+        return TRUE;
     case WM_DESTROY:
         // The window still exists here: the control's context belongs to it.
         scene_.reset();
@@ -260,6 +273,13 @@ void ViewerDialog::OnCategory(UINT id)
     const int last = id == IDC_CATEGORY_LAST ? scene_->Model().CategoryCount() - 1 : first;
     for (int category = first; category <= last; ++category)
         scene_->ShowCategory(category, IsChecked(id));
+}
+
+void ViewerDialog::OnTimer() const
+{
+    const HWND popup = GetLastActivePopup(window_);
+    if (common_dialog_user_ && popup != window_ && IsWindowVisible(popup) != FALSE)
+        common_dialog_user_(popup);
 }
 
 void ViewerDialog::OpenFile()

@@ -41,12 +41,9 @@ class ViewerDialog
     /// Null once the dialog is closed.
     [[nodiscard]] HWND ViewportWindow() const { return scene_ ? scene_->Window() : nullptr; }
 
-    /// Sets a function that is called whenever a common dialog of a button (Open, Background) waits for
-    /// input; an empty function ends that.
-    void SetCommonDialogUser(std::function<void(HWND common_dialog)> user)
-    {
-        common_dialog_user_ = std::move(user);
-    }
+    /// Sets a function that is called every tenth of a second while a common dialog of a button (Open,
+    /// Background) is visible; an empty function ends that.
+    void SetCommonDialogUser(std::function<void(HWND common_dialog)> user);
     /// Throws the exception that the handling of a message left behind, once. For messages that were sent
     /// directly; `Dispatch` does this itself.
     void RethrowFailure();
@@ -60,6 +57,7 @@ class ViewerDialog
     void OnSlide(UINT code);
     void OnCommand(UINT id);
     void OnCategory(UINT id);
+    void OnTimer() const;
     void OpenFile();
     void ChooseBackground();
 

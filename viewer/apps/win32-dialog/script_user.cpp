@@ -115,9 +115,8 @@ void ScriptUser::Press(const std::wstring& caption)
 void ScriptUser::Answer(const std::wstring& caption, const std::function<void(HWND)>& fill_in)
 {
     bool was_answered = false;
+    // A common dialog can lose an answer that comes while it still fills its lists, so each call answers again.
     dialog_.SetCommonDialogUser([&](HWND common_dialog) {
-        if (was_answered)
-            return;
         was_answered = true;
         fill_in(common_dialog);
         PostMessageW(GetDlgItem(common_dialog, IDOK), BM_CLICK, 0, 0);
