@@ -160,7 +160,6 @@ void ViewerDialog::OnInit()
     SendMessageW(Item(IDC_OPACITY), TBM_SETRANGE, TRUE, MAKELPARAM(0, kOpaque));
     SendMessageW(Item(IDC_OPACITY), TBM_SETPAGESIZE, 0, 10);
     SendMessageW(Item(IDC_OPACITY), TBM_SETPOS, TRUE, opacity_);
-    CheckRadioButton(window_, IDC_PERSPECTIVE, IDC_PARALLEL, IDC_PERSPECTIVE);
     CheckRadioButton(window_, IDC_FACES, IDC_LINES, IDC_FACES);
     OnSize(SIZE_RESTORED);
 }
@@ -169,6 +168,8 @@ void ViewerDialog::ShowModel(viewer::Model model)
 {
     const FocusKeeper keeper;
     scene_->ShowModel(std::move(model));
+    const bool is_parallel = scene_->Projection() == viewer::Projection::Parallel;
+    CheckRadioButton(window_, IDC_PERSPECTIVE, IDC_PARALLEL, is_parallel ? IDC_PARALLEL : IDC_PERSPECTIVE);
     SetWindowTextW(window_, (WideFromUtf8(scene_->Model().title) + L" - Viewport").c_str());
     NameCategories();
 }

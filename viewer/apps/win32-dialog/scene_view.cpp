@@ -26,9 +26,11 @@ void SceneView::ShowModel(viewer::Model model)
 {
     model_ = std::move(model);
     hidden_.clear();
-    view_ = viewer::StandardView::SE;
-    aspect_ = AspectOf(Place());
     Build();
+    const bool is_flat = scene_->IsFlat();
+    view_ = is_flat ? viewer::StandardView::Top : viewer::StandardView::SE;
+    projection_ = is_flat ? viewer::Projection::Parallel : set_projection_;
+    ShowWhole(AspectOf(Place()));
 }
 
 void SceneView::Build()
@@ -55,7 +57,6 @@ void SceneView::Build()
         SetBackground(*background_);
     for (const int category : hidden_)
         scene_->ShowCategory(category, false);
-    ShowWhole(aspect_);
     viewport_->ForceRenderStart();
 }
 
@@ -93,6 +94,7 @@ void SceneView::ShowStandardView(viewer::StandardView view)
 
 void SceneView::SetProjection(viewer::Projection projection)
 {
+    set_projection_ = projection;
     if (projection_ == projection)
         return;
     projection_ = projection;
@@ -142,6 +144,7 @@ void SceneView::SetOpacity(float opacity)
     const viewer::Projection projection = projection_;
     projection_ = fitted_projection_;
     Build();
+    ShowWhole(aspect_);
     if (projection != projection_)
         scene_->SwitchProjection();
     projection_ = projection;

@@ -25,8 +25,8 @@ class SceneView
     /// follows it in the order of the Tab key.
     SceneView(HWND parent, HWND place) : parent_(parent), place_(place) {}
 
-    /// Shows a model from the south-east with all its categories. Projection, mode, background and opacity
-    /// are kept. Throws.
+    /// Shows a model with all its categories: from the south-east in the projection that was set, or a flat
+    /// drawing from the top in parallel projection. Mode, background and opacity are kept. Throws.
     void ShowModel(viewer::Model model);
     [[nodiscard]] const viewer::Model& Model() const { return model_; }
 
@@ -34,6 +34,8 @@ class SceneView
     void ShowStandardView(viewer::StandardView view);
     /// Keeps the camera if the user has moved it; else fits the model again.
     void SetProjection(viewer::Projection projection);
+    /// That of the model shown.
+    [[nodiscard]] viewer::Projection Projection() const { return projection_; }
     void DrawLines(bool lines);
     void ShowCategory(int category, bool shown);
     /// The background is that of the host until it is set.
@@ -62,6 +64,7 @@ class SceneView
     std::unique_ptr<viewer::FittedScene> scene_; ///< the model in the viewport
     viewer::StandardView view_ = viewer::StandardView::SE;
     viewer::Projection projection_ = viewer::Projection::Perspective;
+    viewer::Projection set_projection_ = viewer::Projection::Perspective;    ///< for models that are not flat
     viewer::Projection fitted_projection_ = viewer::Projection::Perspective; ///< when the model was fitted
     double aspect_ = 1.0; ///< of the viewport when the model was fitted
     bool lines_ = false;

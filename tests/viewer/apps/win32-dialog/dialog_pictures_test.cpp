@@ -2,6 +2,8 @@
 // from the models' materials, from the formula of blending, and from other pictures of the same run.
 #include "tests/viewer/apps/win32-dialog/dialog_process.h"
 
+#include "viewer/apps/win32-dialog/resource.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -53,6 +55,15 @@ struct SquaresFolder : Folder {
         Write("squares.obj", "mtllib squares.mtl\n"
                              "v 0 0 0\nv 1 0 0\nv 1 0 1\nv 0 0 1\nv 2 3 0\nv 3 3 0\nv 3 3 1\nv 2 3 1\n"
                              "usemtl near\nf 1 2 3 4\nusemtl far\nf 5 6 7 8\n");
+    }
+};
+
+/// A cube folder with a red rectangle in a horizontal plane, too.
+struct FlatFolder : CubeFolder {
+    FlatFolder()
+    {
+        Write("flat.mtl", Material("sheet", "1 0 0"));
+        Write("flat.obj", "mtllib flat.mtl\nv 0 0 5\nv 3 0 5\nv 3 1 5\nv 0 1 5\nusemtl sheet\nf 1 2 3 4\n");
     }
 };
 
@@ -152,6 +163,38 @@ TEST(DialogViews, FourCornersShowThreeFacesEach)
         EXPECT_FALSE(TouchesItsBorder(picture)) << corner;
     }
     EXPECT_TRUE(folder.Read("start.bmp") == folder.Read("SE.bmp"));
+}
+
+TEST(DialogViews, FlatDrawingOpensFromTheTopInParallelProjection)
+{
+    const FlatFolder folder;
+    Play(folder,
+         "picture start.bmp\npress Top\npress Parallel\npicture top.bmp\npress SE\npicture corner.bmp\n",
+         L"flat.obj");
+    const Picture start = folder.Read("start.bmp");
+    EXPECT_EQ(HueOf(start.Center()), kRed);
+    EXPECT_TRUE(folder.Read("top.bmp") == start);
+    EXPECT_FALSE(folder.Read("corner.bmp") == start);
+}
+
+TEST(DialogViews, ProjectionButtonsShowThatOfAFlatDrawing)
+{
+    const FlatFolder folder;
+    const DialogProcess process(L"flat.obj", folder.Path());
+    const HWND dialog = process.Dialog();
+    EXPECT_EQ(IsDlgButtonChecked(dialog, IDC_PARALLEL), BST_CHECKED);
+    EXPECT_EQ(IsDlgButtonChecked(dialog, IDC_PERSPECTIVE), BST_UNCHECKED);
+}
+
+TEST(DialogViews, SolidAfterAFlatDrawingIsSeenInTheProjectionThatWasChosen)
+{
+    const FlatFolder folder;
+    Play(folder,
+         "picture chosen.bmp\nopen flat.obj\nopen cube.obj\npicture opened.bmp\n"
+         "press Parallel\npicture parallel.bmp\n",
+         L"cube.obj");
+    EXPECT_TRUE(folder.Read("opened.bmp") == folder.Read("chosen.bmp"));
+    EXPECT_FALSE(folder.Read("parallel.bmp") == folder.Read("chosen.bmp"));
 }
 
 TEST(DialogViews, SlantedEdgesAreSmooth)
