@@ -1,7 +1,5 @@
 #include "module/extension_module.h"
 
-#include <new>
-
 namespace karv
 {
 
@@ -24,8 +22,9 @@ void ExtensionModule::Attach(HINSTANCE instance)
     try {
         // Owned by the framework, which frees it when the module leaves the chain.
         new CDynLinkLibrary(state, FALSE);
-    } catch (const std::bad_alloc&) {
-        // The module works outside the chain. An exception out of the attach notification would end the process.
+    } catch (...) {
+        // Memory is short. The module works outside the chain; an exception out of the attach notification would
+        // end the process.
     }
 }
 

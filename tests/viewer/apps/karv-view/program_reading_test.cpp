@@ -229,7 +229,8 @@ class ProgramInterrupted : public ProgramReading
         Write("large.obj", grid);
         shell_.emplace(std::vector<std::string>{"sh", "-c",
                                                 "cd '" + PathOf("") +
-                                                    "' && { '" KARV_VIEW "' --list large.obj none.obj "
+                                                    "' && { env --ignore-signal=CHLD '" KARV_VIEW
+                                                    "' --list large.obj none.obj "
                                                     ">out 2>err; echo $? >/dev/fd/$0; }",
                                                 "%fd"});
         EXPECT_TRUE(Eventually([&] { return (viewer_ = ChildOf(shell_->id_)) != 0; }));

@@ -253,6 +253,26 @@ TEST_F(Program, FiguresThatCannotBePrintedAreAnError)
     EXPECT_EQ(run.err, "karv-view: the standard output cannot be written\n");
 }
 
+TEST_F(Program, ClosedStreamsBecomeNoFilesOfTheProgram)
+{
+    Write("t.obj", kTetrahedronObj);
+    for (const std::string closed : {"<&-", ">&-", "2>&-", "<&- >&- 2>&-"}) {
+        // Without --transparent, the opacity gives a hint on the standard error.
+        EXPECT_EQ(View("--alpha 0.5 --trace t.json --picture p.png --size 64x64 t.obj " + closed).status, 0)
+            << closed;
+        EXPECT_TRUE(nlohmann::json::accept(Read("t.json"))) << closed;
+        EXPECT_EQ(SizeOfPng(PathOf("p.png")), (PictureSize{64, 64})) << closed;
+    }
+}
+
+TEST_F(Program, ListToAClosedStreamIsAnError)
+{
+    Write("t.obj", kTetrahedronObj);
+    const ProgramRun run = View("--list --trace t.json t.obj >&-");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "karv-view: the standard output cannot be written\n");
+}
+
 TEST_F(Program, MissingFileIsRefused)
 {
     ExpectRefused("none.obj", "karv-view: none.obj: no such file");
