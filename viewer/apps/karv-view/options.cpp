@@ -185,6 +185,7 @@ void AddDrawingOptions(CLI::App& app, Options& options)
     app.add_option_function<std::string>(
            "--hide", [&](const std::string& text) { SetHidden(options, text); },
            "Categories to hide, by their numbers in --list: layers, assemblies, colours or materials")
+        ->excludes(app.get_option("--list"))
         ->multi_option_policy(CLI::MultiOptionPolicy::Join)
         ->option_text("N[,N...]");
 }

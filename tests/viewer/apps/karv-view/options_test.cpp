@@ -205,6 +205,7 @@ TEST(Options, ListIsAFlagOfItsOwn)
     EXPECT_FALSE(Parse({"a.step"}).parsed.options.value().list);
     ExpectRefused({"--list", "--picture", "p.png"});
     ExpectRefused({"--list", "--sheet", "s.png"});
+    ExpectRefused({"--list", "--hide", "1"});
 }
 
 } // namespace
