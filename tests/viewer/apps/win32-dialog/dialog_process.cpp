@@ -82,11 +82,24 @@ DialogProcess::DialogProcess(const std::wstring& arguments, const std::filesyste
         throw std::runtime_error("no pipe can be made");
     SetHandleInformation(error_, HANDLE_FLAG_INHERIT, 0);
     std::wstring command = L"\"" + Program().wstring() + L"\" " + arguments;
-    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                        folder.c_str(), &start, &process_);
+    const auto create = [&] {
+        return CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(),
+                              &start, &process_);
+    };
+    // NOTE: Beside other tests, the system may be short of something for a moment.
+    constexpr int kMaxTries = 20;
+    constexpr DWORD kPauseMs = 250;
+    BOOL started = create();
+    for (int tries = 1; started == FALSE && tries < kMaxTries; ++tries) {
+        Sleep(kPauseMs);
+        started = create();
+    }
+    const DWORD error = GetLastError();
     CloseHandle(start.hStdError);
-    if (started == FALSE)
-        throw std::runtime_error("the program cannot be started");
+    if (started == FALSE) {
+        CloseHandle(error_);
+        throw std::runtime_error("the program cannot be started: error " + std::to_string(error));
+    }
 }
 
 DialogProcess::~DialogProcess()
