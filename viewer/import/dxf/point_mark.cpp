@@ -42,8 +42,7 @@ void AppendPoint(const DxfPoint& point, const Affine& place, int mode, double si
     const double half = size / 2.0;
     switch (mode & kStyle) {
     case 0:
-        for (const Point& half_dot :
-             {x * (dot_length / 2.0), y * (dot_length / 2.0), axis(point.frame.z) * (dot_length / 2.0)})
+        for (const Point& half_dot : {x * (dot_length / 2.0), y * (dot_length / 2.0)})
             AppendSegment(center - half_dot, center + half_dot, lines);
         break;
     case 2:

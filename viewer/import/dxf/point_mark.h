@@ -26,8 +26,8 @@ struct DxfPointStyle {
 [[nodiscard]] double MarkSize(const DxfPointStyle& style, const Box& box);
 
 /// Appends the mark: a dot, plus, x, tick or nothing, in a circle or square or both, with circles within
-/// `tolerance`. A dot is a small cross along the three axes, of length `dot_length`, because lines without a
-/// length are not drawn.
+/// `tolerance`. All lie in the plane of x and y, so that a flat drawing stays flat. A dot is a small plus of
+/// length `dot_length`, because lines without a length are not drawn.
 void AppendPoint(const DxfPoint& point, const Affine& place, int mode, double size, double dot_length,
                  double tolerance, std::vector<Segment>& lines);
 

@@ -36,11 +36,11 @@ class DxfMarks : public DxfTest
     }
 };
 
-TEST_F(DxfMarks, PlainPointIsASmallCrossAroundIt)
+TEST_F(DxfMarks, PlainPointIsASmallPlusAroundIt)
 {
     const Model model = Import("0 POINT 10 5 20 6 30 7 0 LINE 8 far 11 100");
     ASSERT_EQ(model.pieces.size(), 2U);
-    ASSERT_THAT(model.pieces[0].lines, SizeIs(3));
+    ASSERT_THAT(model.pieces[0].lines, SizeIs(2));
     for (const Segment& line : model.pieces[0].lines) {
         ExpectNear((line.from + line.to) * 0.5, {5, 6, 7});
         EXPECT_GT(Length(line.to - line.from), 0.0);
@@ -50,12 +50,12 @@ TEST_F(DxfMarks, PlainPointIsASmallCrossAroundIt)
 
 TEST_F(DxfMarks, DrawingOfASinglePointIsDrawn)
 {
-    EXPECT_THAT(LinesOf("0 POINT 10 5 20 6"), SizeIs(3));
+    EXPECT_THAT(LinesOf("0 POINT 10 5 20 6"), SizeIs(2));
 }
 
 TEST_F(DxfMarks, MarksHaveTheShapeOfTheMode)
 {
-    EXPECT_THAT(MarkOf(0), SizeIs(3));
+    EXPECT_THAT(MarkOf(0), SizeIs(2));
     const std::vector<Segment> plus = MarkOf(2);
     ASSERT_THAT(plus, SizeIs(2));
     ExpectLine(plus[0], {3, 5, 0}, {7, 5, 0});
@@ -66,6 +66,16 @@ TEST_F(DxfMarks, MarksHaveTheShapeOfTheMode)
     const std::vector<Segment> tick = MarkOf(4);
     ASSERT_THAT(tick, SizeIs(1));
     ExpectLine(tick[0], {5, 5, 0}, {5, 6, 0});
+}
+
+TEST_F(DxfMarks, DrawingInOnePlaneStaysFlatInEveryMode)
+{
+    for (int mode = 0; mode <= 4; ++mode) {
+        const Box box =
+            ImportMarked(mode, "2", "0 POINT 10 5 20 5 30 3 0 LINE 30 3 31 3 11 10 21 10").Extents();
+        EXPECT_EQ(box.min.z, 3.0) << mode;
+        EXPECT_EQ(box.max.z, 3.0) << mode;
+    }
 }
 
 TEST_F(DxfMarks, CircleAndSquareSurroundTheMark)
@@ -83,7 +93,7 @@ TEST_F(DxfMarks, PointsThatDefineDimensionsAreDotsInEveryMode)
     for (const char* layer : {"Defpoints", "DEFPOINTS"}) {
         const Model model =
             ImportMarked(98, "2", std::string("0 POINT 10 5 20 5 8 ") + layer + " 0 LINE 11 10");
-        EXPECT_THAT(model.pieces.at(0).lines, SizeIs(3)) << layer;
+        EXPECT_THAT(model.pieces.at(0).lines, SizeIs(2)) << layer;
         EXPECT_LT(model.pieces.at(0).lines.at(0).to.x - model.pieces.at(0).lines.at(0).from.x, 0.1);
     }
 }
